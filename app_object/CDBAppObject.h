@@ -1,0 +1,181 @@
+// The generic application object: one class serves every function-block type. The type is a
+// name given after construction; the block's header, attributes, inputs and outputs come from
+// the definition file of that name and the SNVT dictionary.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <pugixml.hpp>
+
+#include "app_object/CallbackList.h"
+#include "interfaces/IAppObject.h"
+#include "interfaces/IHostServices.h"
+
+namespace zerbin {
+
+class CDBAttributes;
+class CDBInputs;
+class CDBOutputs;
+class DefinitionCache;
+
+class CDBAppObject : public IAppObject,
+                     public IInterceptableAttribute,
+                     public std::enable_shared_from_this<CDBAppObject> {
+public:
+    // Detects the decimal separator, makes the listener list and the unit converter, serves
+    // pending events once and opens the definition store.
+    CDBAppObject();
+    ~CDBAppObject() override;
+    CDBAppObject(const CDBAppObject&) = delete;
+    CDBAppObject& operator=(const CDBAppObject&) = delete;
+
+    // IAppObject
+    bool IAppObject_IsPlugInActive() override;
+    void IAppObject_Path(const std::string& RHS) override;
+    std::string IAppObject_Path() override;
+    int32_t IAppObject_ExecTime() override;
+    int32_t IAppObject_MaxInstances() override;
+    int32_t IAppObject_CDBDimension() override;
+    int32_t IAppObject_Color() override;
+    void IAppObject_Color(int32_t Color) override;
+    void IAppObject_SetColor(const std::string& Color) override;
+    int32_t IAppObject_Width() override;
+    int32_t IAppObject_InputWidth() override;
+    int32_t IAppObject_DDBDimension() override;
+    int32_t IAppObject_SDBDimension() override;
+    void IAppObject_ClearReferences() override;
+    void IAppObject_ViewDatasheet(const WindowHandle& Handle) override;
+    bool IAppObject_DatasheetAvailable() override;
+    bool IAppObject_PlugInAvailable() override;
+    std::string IAppObject_UserName() override;
+    std::string IAppObject_UniqueIDString() override;
+    void IAppObject_OwnerDeviceXML(
+        std::shared_ptr<const pugi::xml_document> OwnerDeviceXML) override;
+    std::shared_ptr<const pugi::xml_document> IAppObject_OwnerDeviceXML() override;
+    void IAppObject_UserName(const std::string& Username) override;
+    std::string IAppObject_Name() override;
+    int32_t IAppObject_NodeType() override;
+    std::string IAppObject_Tag() override;
+    void IAppObject_Tag(const std::string& RHS) override;
+    std::string IAppObject_GlobalKey() override;
+    void IAppObject_GlobalKey(const std::string& GlobalKey) override;
+    std::string IAppObject_Key() override;
+    void IAppObject_Key(const std::string& Key) override;
+    std::string IAppObject_ID() override;
+    std::string IAppObject_UniqueID() override;
+    void IAppObject_UniqueID(const std::string& RHS) override;
+    std::string IAppObject_Description() override;
+    std::shared_ptr<const Picture> IAppObject_Icon() override;
+    std::string IAppObject_Category() override;
+    void IAppObject_Create() override;
+    void IAppObject_Show(std::shared_ptr<IObject> Owner) override;
+    void IAppObject_ObjectDebug() override;
+    void IAppObject_Save(const std::string& Filename) override;
+    void IAppObject_Load(const std::string& Filename) override;
+    std::string IAppObject_Stream() override;
+    std::string IAppObject_IntelStream() override;
+    void IAppObject_Stream(const std::string& RHS) override;
+    std::shared_ptr<IInputs> IAppObject_Inputs() override;
+    std::shared_ptr<IOutputs> IAppObject_Outputs() override;
+    std::shared_ptr<IAttributes> IAppObject_Attributes() override;
+    int32_t IAppObject_Language() override;
+    void IAppObject_Language(int32_t Language) override;
+    void IAppObject_Destroy() override;
+    std::string IAppObject_ProgrammaticId() override;
+    void IAppObject_XmlSNVTDoc(std::shared_ptr<const pugi::xml_document> SNVTXmlDoc) override;
+    void IAppObject_XmlSave(pugi::xml_node ParentNode, pugi::xml_document& XMLDoc) override;
+    void IAppObject_XMLSaveSim(pugi::xml_node ParentNode, pugi::xml_document& XMLDoc) override;
+    void IAppObject_XMLSaveForInteroperability(pugi::xml_node ParentNode,
+                                               pugi::xml_document& XMLDoc) override;
+    void IAppObject_XmlLoad(pugi::xml_node ParentNode) override;
+    void IAppObject_CallBack(std::shared_ptr<IcbkAppObject> CallBack) override;
+    std::shared_ptr<IObject> IAppObject_Parent() override;
+    void IAppObject_Parent(std::shared_ptr<IObject> Parent) override;
+    double IAppObject_XPosition() override;
+    void IAppObject_XPosition(double x) override;
+    double IAppObject_YPosition() override;
+    void IAppObject_YPosition(double y) override;
+    void IAppObject_ManageShortFloat(bool ManageShortFloat) override;
+    bool IAppObject_Init(const std::string& sUniqueIdString, int32_t& eErrCode) override;
+    int16_t IAppObject_ExportIndex() override;
+    void IAppObject_ExportIndex(int16_t RHS) override;
+    int16_t IAppObject_NumObjects() override;
+    std::string IAppObject_ExtendedKey() override;
+    void IAppObject_ExtendedKey(const std::string& RHS) override;
+    bool IAppObject_IsDeviceDependent() override;
+    bool IAppObject_UsesDeviceClock() override;
+    bool IAppObject_IsHidden() override;
+    bool IAppObject_IsVirtual() override;
+
+    // IInterceptableAttribute: kept for the attributes created from now on.
+    void IInterceptableAttribute_SetInterceptor(
+        std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) override;
+
+    // The parsed definition document of the block's type, shared through the store. A type
+    // that can't be loaded gives an empty document and a message, at every read.
+    std::shared_ptr<const pugi::xml_document> ObjectXML();
+    std::shared_ptr<IUnitConverter> UnitsManager();
+    // Takes the type name like IAppObject_Init; true whatever happened.
+    bool StringID(const std::string& sStringID);
+
+    // Internal.
+    // The image as last built by IAppObject_Stream or loaded from a project.
+    std::string LastStream() const;
+    // The concrete collections, or nullptr.
+    std::shared_ptr<CDBAttributes> AttributesCollection() const;
+    std::shared_ptr<CDBInputs> InputsCollection() const;
+    std::shared_ptr<CDBOutputs> OutputsCollection() const;
+    // Everything up to and including the last backslash; empty when there is none.
+    static std::string FolderOfPath(const std::string& path);
+
+private:
+    void LoadDefinitionHeader();
+    void ComputeCDBLayout();
+    void RecomputeWidth();
+    void SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& doc, bool forProject);
+
+    std::string uniqueIdString_;
+    std::string name_;
+    std::string id_;
+    std::string description_;
+    std::string category_;
+    int32_t execTime_ = 0;
+    int32_t maxInstances_ = 0;
+    int32_t ddbDimension_ = 0;
+    int32_t sdbDimension_ = 0;
+    bool usesDeviceClock_ = false;
+    bool datasheetAvailable_ = false;
+    std::string datasheetPath_;
+    bool plugInAvailable_ = false;
+    int32_t cdbDimension_ = 0;
+    int32_t inputWidth_ = 0;
+    int32_t baseWidth_ = 0;
+    int32_t width_ = 0;
+    std::shared_ptr<CDBAttributes> attributes_;
+    std::shared_ptr<CDBInputs> inputs_;
+    std::shared_ptr<CDBOutputs> outputs_;
+    std::string userName_;
+    std::string key_;
+    std::string uniqueId_;
+    std::string tag_;
+    std::string globalKey_;
+    std::string extendedKey_;
+    std::string path_;
+    double xPosition_ = 0;
+    double yPosition_ = 0;
+    int32_t language_ = 0;
+    std::string colorWord_;
+    std::shared_ptr<IObject> parent_;
+    std::shared_ptr<const pugi::xml_document> ownerDeviceXml_;
+    bool manageShortFloat_ = false;
+    int16_t exportIndex_ = 0;
+    CallbackList<IcbkAppObject> callbackList_;
+    std::string lastStream_;
+    std::shared_ptr<IUnitConverter> unitsManager_;
+    std::shared_ptr<DefinitionCache> definitionCache_;
+    std::shared_ptr<AttributeInterceptor> interceptor_;
+};
+
+}  // namespace zerbin

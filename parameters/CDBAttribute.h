@@ -1,0 +1,139 @@
+// One configuration parameter of a block: a named value with a network variable type, a
+// default, limits, a place in the CDB and an editor.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <pugixml.hpp>
+
+#include "app_object/CallbackList.h"
+#include "interfaces/IAppObject.h"
+#include "interfaces/IAttribute.h"
+#include "interfaces/ICanvasElement.h"
+#include "interfaces/IEditors.h"
+#include "interfaces/IHostServices.h"
+
+namespace zerbin {
+
+class CDBSNVTType;
+class CDBFields;
+class CDBUnit;
+class CDBUnits;
+
+class CDBAttribute : public IAttribute,
+                     public ICanvasElement,
+                     public IInterceptableAttribute,
+                     public std::enable_shared_from_this<CDBAttribute> {
+public:
+    CDBAttribute();
+
+    // IAttribute
+    std::shared_ptr<IAppObject> IAttribute_Parent() override;
+    bool IAttribute_Visible() override;
+    void IAttribute_SetValue() override;
+    bool IAttribute_IsUnit() override;
+    std::string IAttribute_Description() override;
+    std::string IAttribute_Value() override;
+    std::string IAttribute_DispValue() override;
+    std::string IAttribute_DispMin() override;
+    std::string IAttribute_DispMax() override;
+    std::string IAttribute_DispDefault() override;
+    void IAttribute_Value(std::string Text) override;
+    std::string IAttribute_Name() override;
+    int32_t IAttribute_NodeType() override;
+    std::string IAttribute_GlobalKey() override;
+    std::shared_ptr<ISNVType> IAttribute_SNVTType() override;
+    void IAttribute_BackToDefault() override;
+    std::string IAttribute_DefaultValue() override;
+    std::string IAttribute_Tag() override;
+    void IAttribute_Tag(std::string v) override;
+    std::shared_ptr<IFields> IAttribute_Fields() override;
+    void IAttribute_CallBack(std::shared_ptr<IcbkAppObject> v) override;
+    int32_t IAttribute_CDBPosition() override;
+    bool IAttribute_ToolOnly() override;
+    bool IAttribute_IsDeviceDependent() override;
+    bool IAttribute_IsUnitDependent() override;
+    std::string IAttribute_DeviceKey() override;
+    bool IAttribute_IsKeepFloatStandard() override;
+    int32_t IAttribute_DividedBy() override;
+    bool IAttribute_IsType() override;
+    std::string IAttribute_Min() override;
+    std::string IAttribute_Max() override;
+    std::string IAttribute_ExtendedKey() override;
+    bool IAttribute_IsMacroConnected() override;
+
+    // ICanvasElement
+    bool ICanvasElement_Visible() override;
+    void ICanvasElement_Visible(bool v) override;
+
+    // IInterceptableAttribute
+    void IInterceptableAttribute_SetInterceptor(
+        std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) override;
+
+    // Internal.
+    void SetParent(std::shared_ptr<IAppObject> owner);
+    void SetName(const std::string& name);
+    // Fills the attribute from its definition element; no failure leaves it.
+    void LoadDefinition(pugi::xml_node node);
+    // A new editor for the class of the type, through the editor port; none when headless.
+    void CreateEditor();
+    // Store the key, then hand it to every field.
+    void SetGlobalKey(const std::string& key);
+    void SetExtendedKey(const std::string& key);
+    // Empties Value right before a project load writes the saved one.
+    void ClearLoadedValue();
+    bool IsUnitDependent() const;
+    bool IsUnitSelector() const;
+    std::shared_ptr<CDBUnits> SelectableUnits() const;
+    // The first derivation of a unit-dependent attribute at creation.
+    void ApplyFirstUnit(CDBAttribute& selector);
+    // Shortens a Float type to the 2-byte short float unless the standard float is kept.
+    void ApplyShortFloat();
+    int32_t CDBOrderInPosition() const;
+    void CDBPosition(int32_t v);
+    // The image with this attribute's digits in place; never grows it. Throws when a
+    // coefficient does not fit 16 bits or the place starts past the end of the image.
+    std::string WriteStream(std::string image);
+    std::string WriteIntelStream(std::string image);
+    // The converter of the owning block.
+    std::shared_ptr<IUnitConverter> UnitsManager();
+    // The concrete type record and fields, for the owner and the editors.
+    std::shared_ptr<CDBSNVTType> Type() const;
+    std::shared_ptr<CDBFields> FieldsCollection() const;
+    std::shared_ptr<IValueEditor> Editor() const;
+
+private:
+    bool isDeviceDependent_ = false;
+    bool visible_ = false;
+    bool isKeepFloatStandard_ = false;
+    bool isUnitDependent_ = false;
+    bool differential_ = false;
+    bool isType_ = false;
+    bool isUnit_ = false;
+    bool toolOnly_ = false;
+    std::string snvtTypeId_;
+    std::string name_;
+    std::string deviceKey_;
+    int32_t orderInPosition_ = 0;
+    int32_t position_ = 0;
+    std::string value_;
+    std::string defaultValue_;
+    std::string globalKey_;
+    std::string tag_;
+    std::string description_;
+    std::shared_ptr<CDBUnits> units_;
+    std::shared_ptr<CDBSNVTType> snvtType_;
+    std::shared_ptr<CDBFields> fields_;
+    std::shared_ptr<IAppObject> parent_;
+    std::string min_;
+    std::string max_;
+    int32_t divideBy_ = 1;
+    CallbackList<IcbkAppObject> callbacks_;
+    std::shared_ptr<IValueEditor> editor_;
+    std::string extendedKey_;
+    std::shared_ptr<AttributeInterceptor> interceptor_;
+};
+
+}  // namespace zerbin

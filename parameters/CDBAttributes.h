@@ -1,0 +1,40 @@
+// The ordered, keyed collection of the attributes of a block.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <pugixml.hpp>
+
+#include "app_object/KeyedCollection.h"
+#include "interfaces/IAttribute.h"
+#include "interfaces/IHostServices.h"
+#include "parameters/CDBAttribute.h"
+
+namespace zerbin {
+
+class CDBAttributes : public IAttributes {
+public:
+    int32_t IAttributes_Count() override;
+    std::shared_ptr<IAttribute> IAttributes_Item(const std::string& Key) override;
+    std::vector<std::shared_ptr<IAttribute>> IAttributes_NewEnum() override;
+    std::string IAttributes_GlobalKey() override;
+    std::string IAttributes_ExtendedKey() override;
+
+    // Internal. Throws when the name exists in any letter case; the attribute is not added.
+    std::shared_ptr<CDBAttribute> AddFromDefinition(
+        const std::string& name, pugi::xml_node node, std::shared_ptr<IAppObject> owner,
+        std::shared_ptr<AttributeInterceptor> interceptor);
+    void PropagateGlobalKey(const std::string& key);
+    void PropagateExtendedKey(const std::string& key);
+    const std::vector<std::shared_ptr<CDBAttribute>>& Members() const;
+
+private:
+    std::string globalKey_;
+    KeyedCollection<CDBAttribute> items_;
+    std::string extendedKey_;
+};
+
+}  // namespace zerbin

@@ -1,0 +1,17 @@
+// Where the value editors come from. The core asks this port by editor name; a windowed host
+// installs a factory, a headless one leaves none and blocks simply have no editor.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "interfaces/IEditors.h"
+
+namespace zerbin {
+
+// nullptr when no factory is installed or it makes no editor of that name.
+std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName);
+// nullptr removes the factory.
+void SetEditorFactory(std::shared_ptr<IEditorFactory> factory);
+
+}  // namespace zerbin
