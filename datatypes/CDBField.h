@@ -7,11 +7,11 @@
 #include <string>
 
 #include "interfaces/IField.h"
+#include "datatypes/IUnitsProvider.h"
 #include "interfaces/IHostServices.h"
 
 namespace zerbin {
 
-class CDBAttribute;
 class CDBSNVTType;
 
 class CDBField : public IField {
@@ -60,7 +60,8 @@ public:
     void LoadType(const std::string& typeId);
     void SetIndex(int32_t v);
     void SetOffset(int32_t v);
-    void SetParent(std::shared_ptr<CDBAttribute> attribute);
+    // The owning attribute, which hands out the converter.
+    void SetParent(std::shared_ptr<IUnitsProvider> attribute);
     // GlobalKey = prefix + "\" + Name.
     void SetGlobalKey(const std::string& prefix);
     void SetExtendedKey(const std::string& prefix);
@@ -84,7 +85,7 @@ private:
     int32_t offset_ = 0;
     std::shared_ptr<CDBSNVTType> snvtType_;
     int32_t nodeType_ = 0;
-    std::shared_ptr<CDBAttribute> parent_;
+    std::shared_ptr<IUnitsProvider> parent_;
     std::string min_;
     std::string max_;
     std::string extendedKey_;

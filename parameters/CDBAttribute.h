@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "app_object/CallbackList.h"
+#include "datatypes/IUnitsProvider.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"
 #include "interfaces/ICanvasElement.h"
@@ -25,6 +26,7 @@ class CDBUnits;
 class CDBAttribute : public IAttribute,
                      public ICanvasElement,
                      public IInterceptableAttribute,
+                     public IUnitsProvider,
                      public std::enable_shared_from_this<CDBAttribute> {
 public:
     CDBAttribute();
@@ -98,7 +100,7 @@ public:
     std::string WriteStream(std::string image);
     std::string WriteIntelStream(std::string image);
     // The converter of the owning block.
-    std::shared_ptr<IUnitConverter> UnitsManager();
+    std::shared_ptr<IUnitConverter> UnitsManager() override;
     // The concrete type record and fields, for the owner and the editors.
     std::shared_ptr<CDBSNVTType> Type() const;
     std::shared_ptr<CDBFields> FieldsCollection() const;
