@@ -9,7 +9,7 @@
 
 namespace zerbin {
 
-struct IUnitsProvider : IObject {
+struct IUnitsProvider : virtual IObject {
     virtual std::shared_ptr<IUnitConverter> UnitsManager() = 0;
 };
 

@@ -23,7 +23,7 @@ struct Picture;
 // The host's window handle as the host hands it over: a number, or text that should hold one.
 using WindowHandle = std::variant<std::monostate, int64_t, std::string>;
 
-struct IAppObject : IObject {
+struct IAppObject : virtual IObject {
     virtual bool IAppObject_IsPlugInActive() = 0;
     // Stores the folder part of the text: everything up to and including the last backslash.
     virtual void IAppObject_Path(const std::string& RHS) = 0;
@@ -113,7 +113,7 @@ struct IAppObject : IObject {
     virtual bool IAppObject_IsVirtual() = 0;
 };
 
-struct IInterceptableAttribute : IObject {
+struct IInterceptableAttribute : virtual IObject {
     virtual void IInterceptableAttribute_SetInterceptor(
         std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) = 0;
 };

@@ -15,7 +15,7 @@ namespace zerbin {
 
 struct IAppObject;
 
-struct IAttribute : IObject {
+struct IAttribute : virtual IObject {
     virtual std::shared_ptr<IAppObject> IAttribute_Parent() = 0;
     virtual bool IAttribute_Visible() = 0;
     // Opens the value editor modally; does nothing for an attribute without one.
@@ -54,7 +54,7 @@ struct IAttribute : IObject {
     virtual bool IAttribute_IsMacroConnected() = 0;
 };
 
-struct IAttributes : IObject {
+struct IAttributes : virtual IObject {
     virtual int32_t IAttributes_Count() = 0;
     // By key without regard to case, else by LeadingNumber of the key as a 1-based position;
     // nullptr when both fail. Never throws.

@@ -11,12 +11,12 @@
 
 namespace zerbin {
 
-struct ICanvasElement : IObject {
+struct ICanvasElement : virtual IObject {
     virtual bool ICanvasElement_Visible() = 0;
     virtual void ICanvasElement_Visible(bool v) = 0;
 };
 
-struct ISubItemConnable : IObject {
+struct ISubItemConnable : virtual IObject {
     virtual void ISubItemConnable_IsConnected(bool v) = 0;
     virtual void ISubItemConnable_HasPriority(bool v) = 0;
     virtual void ISubItemConnable_IncrementalConnIndex(int32_t v) = 0;

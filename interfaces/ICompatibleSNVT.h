@@ -10,11 +10,11 @@
 
 namespace zerbin {
 
-struct ICompatibleSNVT : IObject {
+struct ICompatibleSNVT : virtual IObject {
     virtual std::string ICompatibleSNVT_ID() = 0;
 };
 
-struct ICompatibleSNVTs : IObject {
+struct ICompatibleSNVTs : virtual IObject {
     virtual int32_t ICompatibleSNVTs_Count() = 0;
     // By 1-based position; nullptr outside 1 to count.
     virtual std::shared_ptr<ICompatibleSNVT> ICompatibleSNVTs_Item(int32_t Key) = 0;
@@ -31,7 +31,7 @@ struct ICompatibleSNVTs : IObject {
         std::shared_ptr<ICompatibleSNVTs> oCompatibleSNVTs) = 0;
 };
 
-struct IClonable : IObject {
+struct IClonable : virtual IObject {
     virtual std::shared_ptr<IObject> IClonable_Clone() = 0;
 };
 

@@ -9,14 +9,14 @@
 
 namespace zerbin {
 
-struct IValueEditor : IObject {
+struct IValueEditor : virtual IObject {
     // The point to edit: an IAttribute or an IField.
     virtual void DataPoint(std::shared_ptr<IObject> point) = 0;
     // Returns when the editor closes.
     virtual void ShowModal() = 0;
 };
 
-struct IEditorFactory : IObject {
+struct IEditorFactory : virtual IObject {
     // editorName is one of "frmCPModif1" to "frmCPModif5"; nullptr when none can be made.
     virtual std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName) = 0;
 };

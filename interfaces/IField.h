@@ -13,7 +13,7 @@ namespace zerbin {
 
 struct IFields;
 
-struct IField : IObject {
+struct IField : virtual IObject {
     virtual bool IField_IsConnected() = 0;
     virtual std::shared_ptr<IFields> IField_Fields() = 0;
     // Offset of the field's first byte from the first byte of the structure.
@@ -43,7 +43,7 @@ struct IField : IObject {
     virtual void IField_IsDisplayUsable(bool v) = 0;
 };
 
-struct IFields : IObject {
+struct IFields : virtual IObject {
     virtual int32_t IFields_Count() = 0;
     // By key without regard to case, else by LeadingNumber of the key as a 1-based position.
     virtual std::shared_ptr<IField> IFields_Item(const std::string& Key) = 0;

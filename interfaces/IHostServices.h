@@ -16,48 +16,48 @@ struct IAttribute;
 
 // ---- Macro view ----------------------------------------------------------------------------
 
-struct IMacroTerminal : IObject {
+struct IMacroTerminal : virtual IObject {
     // The global key of the item that the terminal exposes.
     virtual std::string ItemKey() = 0;
 };
 
 // A list with a count and access by 1-based position.
-struct IMacroTerminals : IObject {
+struct IMacroTerminals : virtual IObject {
     virtual int32_t Count() = 0;
     virtual std::shared_ptr<IMacroTerminal> Item(int32_t position) = 0;
 };
 
-struct IMacroAttributeGroup : IObject {
+struct IMacroAttributeGroup : virtual IObject {
     virtual std::shared_ptr<IMacroTerminals> Terminals() = 0;
 };
 
-struct IMacroFieldGroup : IObject {
+struct IMacroFieldGroup : virtual IObject {
     virtual std::shared_ptr<IMacroTerminals> Terminals() = 0;
 };
 
-struct IMacroInputGroup : IObject {
+struct IMacroInputGroup : virtual IObject {
     virtual std::shared_ptr<IMacroTerminals> Terminals() = 0;
     virtual bool HasFields() = 0;
 };
 
 // The same group seen as a holder of field groups, asked for when HasFields is true.
-struct IMacroInputFields : IObject {
+struct IMacroInputFields : virtual IObject {
     virtual std::vector<std::shared_ptr<IObject>> Fields() = 0;
 };
 
-struct IMacroOutputGroup : IObject {
+struct IMacroOutputGroup : virtual IObject {
     // The one terminal of a macro output, or nullptr.
     virtual std::shared_ptr<IMacroTerminal> Terminal() = 0;
 };
 
-struct IConnection : IObject {
+struct IConnection : virtual IObject {
     // Seen as ISubItemConnable (an output).
     virtual std::shared_ptr<IObject> Source() = 0;
     // Seen as IInput.
     virtual std::shared_ptr<IObject> Target() = 0;
 };
 
-struct IMacro : IObject {
+struct IMacro : virtual IObject {
     virtual std::vector<std::shared_ptr<IMacroAttributeGroup>> AttributeGroups() = 0;
     virtual std::vector<std::shared_ptr<IMacroInputGroup>> InputGroups() = 0;
     virtual std::vector<std::shared_ptr<IMacroOutputGroup>> OutputGroups() = 0;
@@ -68,16 +68,16 @@ struct IMacro : IObject {
 };
 
 // The facet of a block's parent that tells which macro holds the block.
-struct IMacroHost : IObject {
+struct IMacroHost : virtual IObject {
     virtual std::shared_ptr<IMacro> Macro() = 0;
 };
 
 // The facet of a block's parent that leads to the top of the project.
-struct IHostContainer : IObject {
+struct IHostContainer : virtual IObject {
     virtual std::shared_ptr<IObject> TopObject() = 0;
 };
 
-struct ITopObject : IObject {
+struct ITopObject : virtual IObject {
     virtual std::shared_ptr<IMacro> RootMacro() = 0;
 };
 
@@ -85,7 +85,7 @@ struct ITopObject : IObject {
 
 // Lets the host overrule single decisions of an attribute. The first argument is always the
 // attribute itself.
-struct AttributeInterceptor : IObject {
+struct AttributeInterceptor : virtual IObject {
     // True means the interceptor has taken over and the device list is not read.
     virtual bool InterceptDeviceList(std::shared_ptr<IAttribute>& attribute) = 0;
     virtual void AttributeValueChanged(std::shared_ptr<IAttribute>& attribute) = 0;
@@ -101,7 +101,7 @@ struct AttributeInterceptor : IObject {
 
 // Conversion of stored values to and from the units the user sees. Type id is the text after
 // "SNVT_" in the dictionary.
-struct IUnitConverter : IObject {
+struct IUnitConverter : virtual IObject {
     virtual std::string ToDisplayValue(const std::string& typeId,
                                        const std::string& storedValue) = 0;
     // The inverse of ToDisplayValue within the type's resolution.

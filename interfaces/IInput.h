@@ -15,7 +15,7 @@ namespace zerbin {
 
 struct IAppObject;
 
-struct IInput : IObject {
+struct IInput : virtual IObject {
     // Follows a type selector: replaces the compatible set when the input is type dependent.
     virtual void IInput_changeType(const std::string& NewType) = 0;
     virtual void IInput_CallBack(std::shared_ptr<IcbkAppObject> v) = 0;
@@ -38,7 +38,7 @@ struct IInput : IObject {
     virtual bool IInput_IsMacroConnected() = 0;
 };
 
-struct IInputs : IObject {
+struct IInputs : virtual IObject {
     virtual void IInputs_CallBack(std::shared_ptr<IcbkAppObject> v) = 0;
     virtual int32_t IInputs_Count() = 0;
     // By key, else by LeadingNumber of the key as a 1-based position; never throws.

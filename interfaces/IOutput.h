@@ -17,7 +17,7 @@ namespace zerbin {
 struct IAppObject;
 struct Picture;
 
-struct IOutput : IObject {
+struct IOutput : virtual IObject {
     virtual bool IOutput_IsConnected() = 0;
     virtual void IOutput_CallBack(std::shared_ptr<IcbkAppObject> v) = 0;
     virtual void IOutput_changeType(const std::string& NewType) = 0;
@@ -37,7 +37,7 @@ struct IOutput : IObject {
     virtual void IOutput_IsDisplayable(bool v) = 0;
 };
 
-struct IDisplayItem : IObject {
+struct IDisplayItem : virtual IObject {
     virtual std::string IDisplayItem_DisplayText() = 0;
     virtual void IDisplayItem_DisplayText(const std::string& v) = 0;
     virtual std::string IDisplayItem_Key() = 0;
@@ -53,7 +53,7 @@ struct IDisplayItem : IObject {
     virtual std::shared_ptr<IFields> IDisplayItem_Fields() = 0;
 };
 
-struct IOutputs : IObject {
+struct IOutputs : virtual IObject {
     virtual int32_t IOutputs_Count() = 0;
     virtual std::shared_ptr<IOutput> IOutputs_Item(const std::string& Key) = 0;
     virtual std::vector<std::shared_ptr<IOutput>> IOutputs_NewEnum() = 0;

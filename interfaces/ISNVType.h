@@ -8,7 +8,7 @@
 
 namespace zerbin {
 
-struct ISNVType : IObject {
+struct ISNVType : virtual IObject {
     virtual std::string ISNVType_ID() = 0;
     virtual int32_t ISNVType_R7Region() = 0;
     // The byte that a type-selecting attribute writes for this type.
@@ -33,7 +33,7 @@ struct ISNVType : IObject {
     virtual bool ISNVType_HasField() = 0;
 };
 
-struct IEnumType : IObject {
+struct IEnumType : virtual IObject {
     virtual std::string IEnumType_EnumDesc() = 0;
     virtual void IEnumType_EnumDesc(const std::string& desc) = 0;
     // True when the class word is "enum" in any letter case.

@@ -11,7 +11,7 @@
 
 namespace zerbin {
 
-struct IcbkAppObject : IObject {
+struct IcbkAppObject : virtual IObject {
     virtual void IcbkAppObject_Created() = 0;
     virtual void IcbkAppObject_CDBChanged(int32_t ExtraCDBLen, int32_t ExtraDDBLen,
                                           int32_t ExtraSDBLen) = 0;
