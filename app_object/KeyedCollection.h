@@ -1,0 +1,97 @@
+// The ordered keyed collection behind the member collections: attributes, inputs, outputs,
+// fields, units and compatible type sets. Members keep the order in which they were added;
+// keys are compared without regard to ASCII letter case, and a key may be used once.
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "app_object/MMain.h"
+#include "interfaces/Error.h"
+
+namespace zerbin {
+
+template <class T>
+class KeyedCollection {
+public:
+    // Throws Error(kErrKeyExists) when the key is taken, in any letter case.
+    void Add(const std::string& key, std::shared_ptr<T> item) {
+        auto [it, inserted] = index_.try_emplace(UpperCase(key), items_.size());
+        if (!inserted) {
+            throw Error("This key is already associated with an element of this collection",
+                        kErrKeyExists);
+        }
+        items_.push_back(std::move(item));
+        keys_.push_back(it->first);
+    }
+
+    // nullptr when no member has the key.
+    std::shared_ptr<T> FindKey(const std::string& key) const {
+        auto it = index_.find(UpperCase(key));
+        return it == index_.end() ? nullptr : items_[it->second];
+    }
+
+    bool Contains(const std::string& key) const { return index_.contains(UpperCase(key)); }
+
+    // By 1-based position; nullptr outside 1 to Count().
+    std::shared_ptr<T> At(int32_t position1) const {
+        if (position1 < 1 || static_cast<std::size_t>(position1) > items_.size()) {
+            return nullptr;
+        }
+        return items_[static_cast<std::size_t>(position1) - 1];
+    }
+
+    // The member with the key, else the member at the 1-based position LeadingNumber(key).
+    // A key that is neither (not whole, out of range, no number) gives nullptr; never throws.
+    // The key wins, so a member keyed "2" is found by "2" whatever stands at position 2.
+    std::shared_ptr<T> Item(const std::string& key) const {
+        if (auto found = FindKey(key)) {
+            return found;
+        }
+        const double position = LeadingNumber(key);
+        if (!(position >= 1.0) || position > static_cast<double>(items_.size()) ||
+            std::floor(position) != position) {
+            return nullptr;
+        }
+        return items_[static_cast<std::size_t>(position) - 1];
+    }
+
+    // Throws Error(kErrNotFound) when no member has the key.
+    void Remove(const std::string& key) {
+        auto it = index_.find(UpperCase(key));
+        if (it == index_.end()) {
+            throw Error("Invalid procedure call or argument", kErrNotFound);
+        }
+        const std::size_t removed = it->second;
+        index_.erase(it);
+        items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(removed));
+        keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(removed));
+        for (std::size_t i = removed; i < keys_.size(); ++i) {
+            index_[keys_[i]] = i;
+        }
+    }
+
+    int32_t Count() const { return static_cast<int32_t>(items_.size()); }
+
+    // The members in order: what NewEnum hands out.
+    const std::vector<std::shared_ptr<T>>& Items() const { return items_; }
+
+    void Clear() {
+        items_.clear();
+        keys_.clear();
+        index_.clear();
+    }
+
+private:
+    std::vector<std::shared_ptr<T>> items_;
+    std::vector<std::string> keys_;  // folded, parallel to items_, for re-indexing on Remove
+    std::unordered_map<std::string, std::size_t> index_;  // folded key -> position in items_
+};
+
+}  // namespace zerbin
