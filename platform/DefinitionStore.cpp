@@ -1,0 +1,33 @@
+#include "platform/DefinitionStore.h"
+
+#include <utility>
+
+namespace zerbin {
+
+void DefinitionStore::AddDocument(std::shared_ptr<const pugi::xml_document> document,
+                                  const std::string& typeName) {
+    documents_[typeName] = std::move(document);
+}
+
+void DefinitionStore::AddIcon(std::shared_ptr<const Picture> icon, const std::string& typeName) {
+    icons_[typeName] = std::move(icon);
+}
+
+std::shared_ptr<const pugi::xml_document> DefinitionStore::FindDocument(
+    const std::string& typeName) const {
+    const auto it = documents_.find(typeName);
+    return it == documents_.end() ? nullptr : it->second;
+}
+
+std::shared_ptr<const Picture> DefinitionStore::FindIcon(const std::string& typeName) const {
+    const auto it = icons_.find(typeName);
+    return it == icons_.end() ? nullptr : it->second;
+}
+
+// The store lives for the process, past the last block: a type parsed once stays parsed.
+DefinitionCache::DefinitionCache() {
+    static const std::shared_ptr<DefinitionStore> store = std::make_shared<DefinitionStore>();
+    store_ = store;
+}
+
+}  // namespace zerbin

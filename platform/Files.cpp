@@ -1,0 +1,127 @@
+#include "platform/Files.h"
+
+#include <dlfcn.h>
+#include <fnmatch.h>
+
+#include <system_error>
+#include <utility>
+
+namespace zerbin {
+namespace {
+
+constexpr const char* kFallbackBaseName = "Zerbin";
+
+std::filesystem::path& FolderOverride() {
+    static std::filesystem::path folder;
+    return folder;
+}
+
+std::string& BaseNameOverride() {
+    static std::string baseName;
+    return baseName;
+}
+
+// The file that holds this code: the plug-in when the core is linked into one, else the
+// program. Empty when the loader can't tell.
+std::filesystem::path OwnFile() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&OwnFile), &info) == 0 || info.dli_fname == nullptr ||
+        info.dli_fname[0] == '\0') {
+        return {};
+    }
+    std::error_code ec;
+    std::filesystem::path file = std::filesystem::weakly_canonical(info.dli_fname, ec);
+    return ec ? std::filesystem::path(info.dli_fname) : file;
+}
+
+bool IsSharedObject(const std::filesystem::path& file) {
+    const std::string name = file.filename().string();
+    return file.extension() == ".so" || name.find(".so.") != std::string::npos ||
+           file.extension() == ".dylib";
+}
+
+}  // namespace
+
+std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
+                                      const std::string& wildcard) {
+    std::error_code ec;
+    std::filesystem::directory_iterator it(folder, ec);
+    if (ec) {
+        return std::nullopt;
+    }
+    for (const std::filesystem::directory_iterator end; it != end; it.increment(ec)) {
+        if (ec) {
+            return std::nullopt;
+        }
+        std::error_code typeError;
+        if (!it->is_regular_file(typeError)) {
+            continue;
+        }
+        const std::string name = it->path().filename().string();
+        if (fnmatch(wildcard.c_str(), name.c_str(), 0) == 0) {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
+
+std::filesystem::path ComponentFolder() {
+    if (!FolderOverride().empty()) {
+        return FolderOverride();
+    }
+    const std::filesystem::path file = OwnFile();
+    if (file.empty()) {
+        std::error_code ec;
+        return std::filesystem::current_path(ec);
+    }
+    return file.parent_path();
+}
+
+void SetComponentFolder(std::filesystem::path folder) {
+    FolderOverride() = std::move(folder);
+}
+
+std::string ComponentBaseName() {
+    if (!BaseNameOverride().empty()) {
+        return BaseNameOverride();
+    }
+    const std::filesystem::path file = OwnFile();
+    // Linked into a program, the program's name says nothing about the component.
+    if (file.empty() || !IsSharedObject(file)) {
+        return kFallbackBaseName;
+    }
+    std::string name = file.filename().string();
+    name = name.substr(0, name.find('.'));
+    if (name.starts_with("lib")) {
+        name.erase(0, 3);
+    }
+    return name.empty() ? kFallbackBaseName : name;
+}
+
+void SetComponentBaseName(std::string baseName) {
+    BaseNameOverride() = std::move(baseName);
+}
+
+std::filesystem::path LibraryFolder() {
+    std::filesystem::path folder = ComponentFolder().lexically_normal();
+    // "a/b/" has the parent "a/b": drop the empty last element first.
+    if (!folder.has_filename() && folder.has_relative_path()) {
+        folder = folder.parent_path();
+    }
+    return folder.parent_path();
+}
+
+bool IsSafeTypeName(const std::string& name) {
+    if (name.empty() || name == "." || name == ".." || name.size() > 255) {
+        return false;
+    }
+    for (const char c : name) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (c == '/' || c == '\\' || byte < 0x20 || byte == 0x7F) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace zerbin

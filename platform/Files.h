@@ -1,0 +1,38 @@
+// The files port: the first file that matches a wildcard in a folder, the component's own
+// folder and base name, the block library beside it, and the check that keeps a block type
+// name from reaching outside that library.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace zerbin {
+
+// The first regular file, in the order the directory listing gives (no sorting), whose name
+// matches the wildcard by fnmatch rules ("*", "?", "[...]"). nullopt when none matches or the
+// folder cannot be read; never throws.
+std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
+                                      const std::string& wildcard);
+
+// The folder of the component's own file (the shared library, or the program it is linked
+// into), or the folder the host set.
+std::filesystem::path ComponentFolder();
+// Host override; an empty path restores the default.
+void SetComponentFolder(std::filesystem::path folder);
+
+// The component file's name without folder, extension and "lib" prefix: "Zerbin" for
+// libZerbin.so. "Zerbin" when it can't be told or the component is linked into a program.
+std::string ComponentBaseName();
+// Host override; an empty text restores the default.
+void SetComponentBaseName(std::string baseName);
+
+// The block library: the parent of ComponentFolder(), lexically normalised so that it works
+// for a folder that does not exist. Block type T is the folder LibraryFolder() / T.
+std::filesystem::path LibraryFolder();
+
+// True when name can stand for a block type folder in the library: not empty, not "." or
+// "..", no "/" or "\", no control character, at most 255 bytes.
+bool IsSafeTypeName(const std::string& name);
+
+}  // namespace zerbin

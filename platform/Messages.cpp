@@ -1,0 +1,62 @@
+#include "platform/Messages.h"
+
+#include <iostream>
+#include <utility>
+
+namespace zerbin {
+namespace {
+
+class StderrSink : public MessageSink {
+public:
+    int Show(const Message& message) override {
+        std::cerr << message.title << ": " << message.text << '\n';
+        // With nobody to ask, go on as a user who agrees would.
+        switch (message.buttons) {
+            case MessageButtons::YesNo:
+            case MessageButtons::YesNoCancel:
+                return kMessageYes;
+            case MessageButtons::Ok:
+            case MessageButtons::OkCancel:
+                break;
+        }
+        return kMessageOk;
+    }
+};
+
+std::shared_ptr<MessageSink>& SinkSlot() {
+    static std::shared_ptr<MessageSink> sink = std::make_shared<StderrSink>();
+    return sink;
+}
+
+}  // namespace
+
+int ShowMessage(const std::string& text, const std::string& title, MessageIcon icon,
+                MessageButtons buttons) {
+    // Hold the sink for the call: showing may run code that installs another one.
+    const std::shared_ptr<MessageSink> sink = SinkSlot();
+    return sink->Show(Message{text, title, icon, buttons});
+}
+
+void SetMessageSink(std::shared_ptr<MessageSink> sink) {
+    SinkSlot() = sink ? std::move(sink) : std::make_shared<StderrSink>();
+}
+
+std::shared_ptr<MessageSink> CurrentMessageSink() {
+    return SinkSlot();
+}
+
+int MessageRecorder::Show(const Message& message) {
+    messages_.push_back(message);
+    return answer_;
+}
+
+ScopedMessageRecorder::ScopedMessageRecorder(int answer)
+    : recorder_(std::make_shared<MessageRecorder>(answer)), previous_(CurrentMessageSink()) {
+    SetMessageSink(recorder_);
+}
+
+ScopedMessageRecorder::~ScopedMessageRecorder() {
+    SetMessageSink(previous_);
+}
+
+}  // namespace zerbin
