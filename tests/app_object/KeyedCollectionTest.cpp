@@ -1,0 +1,129 @@
+#include "app_object/KeyedCollection.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app_object/CallbackList.h"
+#include "interfaces/Error.h"
+
+namespace zerbin {
+namespace {
+
+struct Member {
+    std::string name;
+};
+
+KeyedCollection<Member> Collection(const std::vector<std::string>& keys) {
+    KeyedCollection<Member> collection;
+    for (const std::string& key : keys) {
+        collection.Add(key, std::make_shared<Member>(Member{key}));
+    }
+    return collection;
+}
+
+std::string NameOf(const std::shared_ptr<Member>& member) {
+    return member ? member->name : "<none>";
+}
+
+TEST(KeyedCollection, KeepsInsertionOrderAndFindsKeysInAnyCase) {
+    const auto collection = Collection({"Zeta", "alpha", "Mid"});
+    ASSERT_EQ(collection.Count(), 3);
+    EXPECT_EQ(NameOf(collection.Items()[0]), "Zeta");
+    EXPECT_EQ(NameOf(collection.Items()[2]), "Mid");
+    EXPECT_EQ(NameOf(collection.FindKey("ALPHA")), "alpha");
+    EXPECT_EQ(NameOf(collection.FindKey("zeta")), "Zeta");
+    EXPECT_EQ(collection.FindKey("Alph"), nullptr);
+    EXPECT_TRUE(collection.Contains("mid"));
+    EXPECT_EQ(NameOf(collection.At(1)), "Zeta");
+    EXPECT_EQ(collection.At(0), nullptr);
+    EXPECT_EQ(collection.At(4), nullptr);
+}
+
+TEST(KeyedCollection, RefusesAKeyThatExistsInAnotherCase) {
+    auto collection = Collection({"Setpoint"});
+    try {
+        collection.Add("SETPOINT", std::make_shared<Member>());
+        FAIL() << "duplicate accepted";
+    } catch (const Error& e) {
+        EXPECT_EQ(e.Number(), kErrKeyExists);
+    }
+    EXPECT_EQ(collection.Count(), 1);
+}
+
+TEST(KeyedCollection, ItemLooksUpTheKeyFirstThenThePosition) {
+    const auto collection = Collection({"a", "b", "2", "c"});
+    struct Row {
+        const char* key;
+        const char* expected;
+    };
+    const Row rows[] = {
+        {"2", "2"},  // the key wins over position 2
+        {"B", "b"},       {"1", "a"},          {"4", "c"},        {"3abc", "2"},
+        {" 4", "c"},      {"4.0", "c"},        {"&H1", "a"},      {"0", "<none>"},
+        {"", "<none>"},   {"abc", "<none>"},   {"1.5", "<none>"}, {"5", "<none>"},
+        {"-1", "<none>"}, {"1e400", "<none>"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(NameOf(collection.Item(row.key)), row.expected) << '"' << row.key << '"';
+    }
+}
+
+TEST(KeyedCollection, RemoveKeepsTheOthersFindable) {
+    auto collection = Collection({"one", "two", "three", "four"});
+    collection.Remove("TWO");
+    ASSERT_EQ(collection.Count(), 3);
+    EXPECT_EQ(collection.FindKey("two"), nullptr);
+    EXPECT_EQ(NameOf(collection.FindKey("three")), "three");
+    EXPECT_EQ(NameOf(collection.FindKey("four")), "four");
+    EXPECT_EQ(NameOf(collection.At(2)), "three");
+    EXPECT_THROW(collection.Remove("two"), Error);
+    collection.Add("Two", std::make_shared<Member>(Member{"Two"}));  // the key is free again
+    EXPECT_EQ(NameOf(collection.At(4)), "Two");
+    collection.Clear();
+    EXPECT_EQ(collection.Count(), 0);
+    EXPECT_EQ(collection.FindKey("one"), nullptr);
+}
+
+// ---- Listener lists ------------------------------------------------------------------------
+
+struct Listener {
+    std::vector<std::string>* log;
+    std::string name;
+    void Heard(const std::string& what) { log->push_back(name + ":" + what); }
+};
+
+TEST(CallbackList, ServesListenersInOrderOfRegistrationDuplicatesIncluded) {
+    std::vector<std::string> log;
+    auto first = std::make_shared<Listener>(Listener{&log, "first"});
+    auto second = std::make_shared<Listener>(Listener{&log, "second"});
+    CallbackList<Listener> list;
+    list.Add(first);
+    list.Add(second);
+    list.Add(first);
+    list.Raise([](Listener& l) { l.Heard("x"); });
+    EXPECT_EQ(log, (std::vector<std::string>{"first:x", "second:x", "first:x"}));
+    EXPECT_EQ(list.size(), 3U);
+}
+
+TEST(CallbackList, AListenerMayRegisterAnotherWhileBeingServed) {
+    std::vector<std::string> log;
+    CallbackList<Listener> list;
+    auto late = std::make_shared<Listener>(Listener{&log, "late"});
+    list.Add(std::make_shared<Listener>(Listener{&log, "early"}));
+    list.Raise([&](Listener& l) {
+        l.Heard("1");
+        for (int i = 0; i < 100; ++i) {  // enough to make the list reallocate
+            list.Add(late);
+        }
+    });
+    EXPECT_EQ(log, (std::vector<std::string>{"early:1"}));
+    EXPECT_EQ(list.size(), 101U);
+    list.Clear();
+    EXPECT_EQ(list.size(), 0U);
+}
+
+}  // namespace
+}  // namespace zerbin
