@@ -1,0 +1,117 @@
+// Stand-ins for an attribute and the collection of them, for tests of what writes to an
+// attribute from outside (an input handing over a length, a block pushing values) without
+// the real attribute model. A FakeAttribute keeps every value written, in order.
+//
+//   auto attributes = std::make_shared<FakeAttributes>();
+//   auto length = attributes->Add("Length");
+//   block->attributes = attributes;   // FakeAppObject
+//   ...
+//   EXPECT_THAT(length->writes, ElementsAre("31", "0"));
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "app_object/KeyedCollection.h"
+#include "interfaces/Error.h"
+#include "interfaces/IAppObject.h"
+#include "interfaces/IAttribute.h"
+
+namespace zerbin::testing {
+
+struct FakeAttribute : IAttribute {
+    explicit FakeAttribute(std::string attributeName = {}) : name(std::move(attributeName)) {}
+
+    std::shared_ptr<IAppObject> IAttribute_Parent() override { return parent; }
+    bool IAttribute_Visible() override { return visible; }
+    void IAttribute_SetValue() override {}
+    bool IAttribute_IsUnit() override { return false; }
+    std::string IAttribute_Description() override { return description; }
+    std::string IAttribute_Value() override { return value; }
+    std::string IAttribute_DispValue() override { return value; }
+    std::string IAttribute_DispMin() override { return min; }
+    std::string IAttribute_DispMax() override { return max; }
+    std::string IAttribute_DispDefault() override { return defaultValue; }
+    // Records the text, then throws when failsOnWrite is set (the value stays written).
+    void IAttribute_Value(std::string Text) override {
+        writes.push_back(Text);
+        value = std::move(Text);
+        if (failsOnWrite) {
+            throw Error("attribute write failed");
+        }
+    }
+    std::string IAttribute_Name() override { return name; }
+    int32_t IAttribute_NodeType() override { return 9; }
+    std::string IAttribute_GlobalKey() override { return globalKey; }
+    std::shared_ptr<ISNVType> IAttribute_SNVTType() override { return snvtType; }
+    void IAttribute_BackToDefault() override { IAttribute_Value(defaultValue); }
+    std::string IAttribute_DefaultValue() override { return defaultValue; }
+    std::string IAttribute_Tag() override { return tag; }
+    void IAttribute_Tag(std::string v) override { tag = std::move(v); }
+    std::shared_ptr<IFields> IAttribute_Fields() override { return fields; }
+    void IAttribute_CallBack(std::shared_ptr<IcbkAppObject> v) override {
+        callBacks.push_back(std::move(v));
+    }
+    int32_t IAttribute_CDBPosition() override { return cdbPosition; }
+    bool IAttribute_ToolOnly() override { return false; }
+    bool IAttribute_IsDeviceDependent() override { return false; }
+    bool IAttribute_IsUnitDependent() override { return false; }
+    std::string IAttribute_DeviceKey() override { return {}; }
+    bool IAttribute_IsKeepFloatStandard() override { return false; }
+    int32_t IAttribute_DividedBy() override { return 1; }
+    bool IAttribute_IsType() override { return false; }
+    std::string IAttribute_Min() override { return min; }
+    std::string IAttribute_Max() override { return max; }
+    std::string IAttribute_ExtendedKey() override { return extendedKey; }
+    bool IAttribute_IsMacroConnected() override { return false; }
+
+    std::string name;
+    std::string value;
+    std::vector<std::string> writes;  // every text written through IAttribute_Value
+    bool failsOnWrite = false;
+    std::string defaultValue;
+    std::string description;
+    std::string min;
+    std::string max;
+    std::string tag;
+    std::string globalKey;
+    std::string extendedKey;
+    int32_t cdbPosition = 0;
+    bool visible = true;
+    std::shared_ptr<IAppObject> parent;
+    std::shared_ptr<ISNVType> snvtType;
+    std::shared_ptr<IFields> fields;
+    std::vector<std::shared_ptr<IcbkAppObject>> callBacks;
+};
+
+// Looks members up as the real collection does: by key without regard to case, then by
+// LeadingNumber of the key as a 1-based position, else nullptr.
+struct FakeAttributes : IAttributes {
+    // Adds a FakeAttribute under its name and returns it.
+    std::shared_ptr<FakeAttribute> Add(const std::string& attributeName) {
+        auto attribute = std::make_shared<FakeAttribute>(attributeName);
+        items.Add(attributeName, attribute);
+        return attribute;
+    }
+
+    int32_t IAttributes_Count() override { return items.Count(); }
+    std::shared_ptr<IAttribute> IAttributes_Item(const std::string& Key) override {
+        asked.push_back(Key);
+        return items.Item(Key);
+    }
+    std::vector<std::shared_ptr<IAttribute>> IAttributes_NewEnum() override {
+        return {items.Items().begin(), items.Items().end()};
+    }
+    std::string IAttributes_GlobalKey() override { return globalKey; }
+    std::string IAttributes_ExtendedKey() override { return extendedKey; }
+
+    KeyedCollection<FakeAttribute> items;
+    std::vector<std::string> asked;  // every key given to IAttributes_Item
+    std::string globalKey;
+    std::string extendedKey;
+};
+
+}  // namespace zerbin::testing
