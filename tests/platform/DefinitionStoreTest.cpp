@@ -1,0 +1,39 @@
+#include "platform/DefinitionStore.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace zerbin {
+namespace {
+
+TEST(DefinitionStore, EveryCacheReachesTheSameStore) {
+    const DefinitionCache first;
+    const DefinitionCache second;
+    ASSERT_NE(first.Store(), nullptr);
+    EXPECT_EQ(first.Store(), second.Store());
+
+    auto doc = std::make_shared<const pugi::xml_document>();
+    first.Store()->AddDocument(doc, "StoreTest_Pump");
+    EXPECT_EQ(second.Store()->FindDocument("StoreTest_Pump"), doc);
+    EXPECT_EQ(DefinitionCache().Store()->FindDocument("StoreTest_Pump"), doc);
+}
+
+TEST(DefinitionStore, TypeNamesAreComparedExactly) {
+    auto store = DefinitionCache().Store();
+    auto doc = std::make_shared<const pugi::xml_document>();
+    auto icon = std::make_shared<const Picture>(Picture{{1, 2, 3}, "StoreTest_Fan.ico"});
+    store->AddDocument(doc, "StoreTest_Fan");
+    store->AddIcon(icon, "StoreTest_Fan");
+    EXPECT_EQ(store->FindDocument("storetest_fan"), nullptr);
+    EXPECT_EQ(store->FindDocument("StoreTest_Fan "), nullptr);
+    EXPECT_EQ(store->FindIcon("StoreTest_Fan"), icon);
+    EXPECT_EQ(store->FindIcon("StoreTest_Pump_Unknown"), nullptr);
+
+    auto replacement = std::make_shared<const pugi::xml_document>();
+    store->AddDocument(replacement, "StoreTest_Fan");
+    EXPECT_EQ(store->FindDocument("StoreTest_Fan"), replacement);
+}
+
+}  // namespace
+}  // namespace zerbin

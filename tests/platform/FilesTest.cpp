@@ -1,0 +1,93 @@
+#include "platform/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace zerbin {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FirstMatchTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dir_ = fs::temp_directory_path() /
+               ("zerbin_files_" +
+                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
+        fs::remove_all(dir_);
+        fs::create_directories(dir_ / "Folder.pdf");
+    }
+    void TearDown() override { fs::remove_all(dir_); }
+    void Touch(const std::string& name) { std::ofstream(dir_ / name) << "x"; }
+
+    fs::path dir_;
+};
+
+TEST_F(FirstMatchTest, MatchesRegularFilesByWildcard) {
+    Touch("Pump.xml");
+    Touch("Pump_DS.pdf");
+    Touch("readme.txt");
+    struct Row {
+        const char* wildcard;
+        const char* expected;  // nullptr: no match
+    };
+    const Row rows[] = {
+        {"*.xml", "Pump.xml"},         {"Pump_*.pdf", "Pump_DS.pdf"},
+        {"????.xml", "Pump.xml"},      {"*.PDF", nullptr},
+        {"Folder.pdf", nullptr},  // a folder is not a file
+        {"[Rr]eadme.*", "readme.txt"}, {"Pump", nullptr},
+    };
+    for (const Row& row : rows) {
+        const auto match = FirstMatch(dir_, row.wildcard);
+        if (row.expected == nullptr) {
+            EXPECT_FALSE(match.has_value()) << row.wildcard << " gave " << match.value_or("");
+        } else {
+            EXPECT_EQ(match.value_or("<none>"), row.expected) << row.wildcard;
+        }
+    }
+}
+
+TEST_F(FirstMatchTest, AMissingFolderIsNoMatch) {
+    EXPECT_FALSE(FirstMatch(dir_ / "absent", "*").has_value());
+    EXPECT_FALSE(FirstMatch("", "*").has_value());
+}
+
+TEST(ComponentFolder, HostOverrideDecidesTheLibraryFolder) {
+    SetComponentFolder("/opt/host/blocks/Zerbin");
+    EXPECT_EQ(ComponentFolder(), fs::path("/opt/host/blocks/Zerbin"));
+    EXPECT_EQ(LibraryFolder(), fs::path("/opt/host/blocks"));
+    SetComponentFolder("/opt/host/blocks/Zerbin/");
+    EXPECT_EQ(LibraryFolder(), fs::path("/opt/host/blocks"));
+    SetComponentFolder("/opt/host/x/../blocks/Zerbin");  // need not exist
+    EXPECT_EQ(LibraryFolder(), fs::path("/opt/host/blocks"));
+    SetComponentFolder({});
+    EXPECT_FALSE(ComponentFolder().empty());
+    EXPECT_TRUE(fs::is_directory(ComponentFolder()));
+    EXPECT_EQ(LibraryFolder(), ComponentFolder().lexically_normal().parent_path());
+}
+
+TEST(ComponentBaseName, FallsBackWhenLinkedIntoAProgram) {
+    EXPECT_EQ(ComponentBaseName(), "Zerbin");
+    SetComponentBaseName("Other");
+    EXPECT_EQ(ComponentBaseName(), "Other");
+    SetComponentBaseName({});
+    EXPECT_EQ(ComponentBaseName(), "Zerbin");
+}
+
+TEST(IsSafeTypeName, KeepsTypeNamesInsideTheLibrary) {
+    for (const char* good : {"Pump", "AHU.v2", "a b", "..x", "x..", "\xC3\xA4"}) {
+        EXPECT_TRUE(IsSafeTypeName(good)) << good;
+    }
+    for (const char* bad : {"", ".", "..", "../x", "a/b", "a\\b", "/etc", "a\tb", "a\nb", "\x7F"}) {
+        EXPECT_FALSE(IsSafeTypeName(bad)) << bad;
+    }
+    EXPECT_FALSE(IsSafeTypeName(std::string("a\0b", 3)));
+    EXPECT_TRUE(IsSafeTypeName(std::string(255, 'x')));
+    EXPECT_FALSE(IsSafeTypeName(std::string(256, 'x')));
+}
+
+}  // namespace
+}  // namespace zerbin

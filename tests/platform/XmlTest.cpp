@@ -1,0 +1,208 @@
+#include "platform/Xml.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "interfaces/Error.h"
+
+namespace zerbin::xml {
+namespace {
+
+std::shared_ptr<pugi::xml_document> Load(std::string_view text) {
+    ParseError error;
+    auto doc = LoadString(text, &error);
+    EXPECT_NE(doc, nullptr) << error.reason;
+    return doc;
+}
+
+// ---- Loading -------------------------------------------------------------------------------
+
+TEST(XmlLoad, ReportsTheOffendingLineAndItsPlace) {
+    ParseError error;
+    EXPECT_EQ(LoadString("<A>\n  <B>x</C>\n</A>", &error), nullptr);
+    EXPECT_EQ(error.line, 2);
+    EXPECT_EQ(error.srcText, "  <B>x</C>");
+    EXPECT_NE(error.reason.find("line 2, column "), std::string::npos) << error.reason;
+    EXPECT_NE(error.reason.find("mismatch"), std::string::npos) << error.reason;
+
+    EXPECT_EQ(LoadString("", &error), nullptr);
+    EXPECT_FALSE(error.reason.empty());
+    EXPECT_EQ(LoadString("<A>", nullptr), nullptr);  // no report asked for
+}
+
+TEST(XmlLoad, CountsTheColumnInCharacters) {
+    ParseError error;
+    EXPECT_EQ(LoadString("<A>\xC3\xA4\xC3\xA4<</A>", &error), nullptr);
+    EXPECT_EQ(error.line, 1);
+    EXPECT_GE(error.column, 6);
+    EXPECT_LE(error.column, 8);
+}
+
+TEST(XmlLoad, KeepsCommentsAndDropsBlankText) {
+    auto doc = Load("<A>\n  <!-- note -->\n  <B>1</B>\n</A>");
+    const pugi::xml_node a = doc->child("A");
+    EXPECT_EQ(NodeType(a.first_child()), kNodeComment);
+    EXPECT_EQ(a.first_child().next_sibling(), a.child("B"));
+    EXPECT_FALSE(a.child("B").next_sibling());
+}
+
+TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
+    const auto dir = std::filesystem::temp_directory_path() / "zerbin_xml_load_test";
+    std::filesystem::create_directories(dir);
+    const std::string expected = "\xE2\x82\xAC \xC3\xA4";  // "€ ä"
+    struct Row {
+        const char* name;
+        std::string bytes;
+    };
+    const Row rows[] = {
+        {"cp1252.xml", "<?xml version=\"1.0\" encoding=\"windows-1252\"?><A>\x80 \xE4</A>"},
+        {"utf8bom.xml", "\xEF\xBB\xBF<A>" + expected + "</A>"},
+        {"utf16le.xml", std::string("\xFF\xFE<\0A\0>\0\xAC\x20 \0\xE4\0<\0/\0A\0>\0", 22)},
+    };
+    for (const Row& row : rows) {
+        std::ofstream(dir / row.name, std::ios::binary) << row.bytes;
+        ParseError error;
+        auto doc = LoadFile(dir / row.name, &error);
+        ASSERT_NE(doc, nullptr) << row.name << ": " << error.reason;
+        EXPECT_EQ(FirstChildText(doc->child("A")), expected) << row.name;
+    }
+    ParseError error;
+    EXPECT_EQ(LoadFile(dir / "missing.xml", &error), nullptr);
+    EXPECT_FALSE(error.reason.empty());
+    std::filesystem::remove_all(dir);
+}
+
+// ---- Path lookup ---------------------------------------------------------------------------
+
+TEST(FindFirst, FindsTheFirstMatchInDocumentOrderAtAnyDepth) {
+    auto doc = Load(
+        "<Root>"
+        "  <Other><SNVT_105 n='not under SNVTS'/></Other>"
+        "  <Deep><Deeper><SNVTS><SNVT_105 n='first'/></SNVTS></Deeper></Deep>"
+        "  <SNVTS><SNVT_105 n='second'/></SNVTS>"
+        "</Root>");
+    EXPECT_STREQ(FindFirst(*doc, "SNVTS/SNVT_105").attribute("n").value(), "first");
+    EXPECT_STREQ(FindFirst(*doc, "SNVT_105").attribute("n").value(), "not under SNVTS");
+    EXPECT_STREQ(FindFirst(*doc, "Root/SNVTS/SNVT_105").attribute("n").value(), "second");
+    EXPECT_STREQ(FindFirst(*doc, "Deeper/SNVTS/SNVT_105").attribute("n").value(), "first");
+}
+
+TEST(FindFirst, MatchesNamesExactlyAndOnlyBelowTheRoot) {
+    auto doc = Load(
+        "<AppObject><Attributes><A/></Attributes><Header><ID>7</ID></Header>"
+        "</AppObject>");
+    const pugi::xml_node header = FindFirst(*doc, "AppObject/Header");
+    struct Row {
+        pugi::xml_node root;
+        const char* path;
+        bool found;
+    };
+    const Row rows[] = {
+        {*doc, "AppObject/Header/ID", true},
+        {*doc, "appobject/Header", false},  // case counts
+        {*doc, "Header/Attributes", false},
+        {*doc, "Attributes/ID", false},  // partial path mismatch
+        {*doc, "Missing/ID", false},
+        {*doc, "", false},
+        {*doc, "AppObject//ID", false},
+        {*doc, "/ID", false},
+        {header, "ID", true},
+        {header, "Header/ID", false},  // the root itself is not part of a match
+        {pugi::xml_node(), "ID", false},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(static_cast<bool>(FindFirst(row.root, row.path)), row.found) << row.path;
+    }
+}
+
+TEST(FindFirst, WalksDocumentsNestedAHundredThousandDeep) {
+    constexpr int kDepth = 100000;
+    std::string text;
+    text.reserve(kDepth * 8 + 32);
+    for (int i = 0; i < kDepth; ++i) {
+        text += "<n>";
+    }
+    text += "<SNVTS><SNVT_1>x</SNVT_1></SNVTS>";
+    for (int i = 0; i < kDepth; ++i) {
+        text += "</n>";
+    }
+    auto doc = Load(text);
+    ASSERT_NE(doc, nullptr);
+    EXPECT_EQ(FirstChildText(FindFirst(*doc, "SNVTS/SNVT_1")), "x");
+    EXPECT_FALSE(FindFirst(*doc, "SNVTS/SNVT_2"));
+}
+
+// ---- Node kinds, names, text ---------------------------------------------------------------
+
+TEST(XmlNodes, TellKindsAndLocalNames) {
+    auto doc = Load(
+        "<?xml version='1.0'?><!DOCTYPE r><r xmlns:x='u' x:a='1'><x:item/>t"
+        "<![CDATA[c]]><?pi d?><!--c--></r>");
+    const pugi::xml_node r = doc->child("r");
+    const pugi::xml_node item = r.first_child();
+    EXPECT_EQ(NodeType(*doc), kNodeDocument);
+    EXPECT_EQ(NodeType(doc->first_child()), kNodeProcessingInstruction);
+    EXPECT_EQ(NodeType(doc->first_child().next_sibling()), kNodeDocumentType);
+    EXPECT_EQ(NodeType(item), kNodeElement);
+    EXPECT_EQ(NodeType(item.next_sibling()), kNodeText);
+    EXPECT_EQ(NodeType(item.next_sibling().next_sibling()), kNodeCData);
+    EXPECT_EQ(NodeType(r.last_child().previous_sibling()), kNodeProcessingInstruction);
+    EXPECT_TRUE(IsComment(r.last_child()));
+    EXPECT_FALSE(IsComment(item));
+    EXPECT_EQ(NodeType(pugi::xml_node()), 0);
+    EXPECT_EQ(BaseName(item), "item");
+    EXPECT_EQ(BaseName(r), "r");
+    EXPECT_EQ(BaseName(r.attribute("x:a")), "a");
+    EXPECT_EQ(BaseName(item.next_sibling()), "");
+}
+
+TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
+    auto doc = Load("<r><t>12</t><e/><nested><x>1</x></nested><c><!--note--></c></r>");
+    const pugi::xml_node r = doc->child("r");
+    EXPECT_EQ(FirstChildText(r.child("t")), "12");
+    EXPECT_EQ(FirstChildText(r.child("c")), "note");  // a comment has a value
+    EXPECT_THROW(FirstChildText(r.child("e")), Error);
+    EXPECT_THROW(FirstChildText(r.child("nested")), Error);
+    EXPECT_THROW(FirstChildText(r.child("missing")), Error);
+}
+
+// ---- Names and creation ------------------------------------------------------------------
+
+TEST(IsValidName, FollowsTheXmlNameProduction) {
+    for (const char* good : {"a", "_x", "Name-1.2", "x:y", "\xC3\xA4rger", "\xE4\xB8\xAD",
+                             "a\xC2\xB7"
+                             "b"}) {
+        EXPECT_TRUE(IsValidName(good)) << good;
+    }
+    for (const char* bad : {"", "1a", "-a", ".a", "a b", "a<b", "a&b", "a/b",
+                            "\xC2\xB7"
+                            "a",
+                            "\xC3", "\xC0\x80", "\xFF", "a\xED\xA0\x80"}) {
+        EXPECT_FALSE(IsValidName(bad)) << bad;
+    }
+    EXPECT_FALSE(IsValidName(std::string_view("a\0b", 3)));
+}
+
+TEST(AppendChildElement, ChecksBeforeTouchingTheTree) {
+    pugi::xml_document doc;
+    const pugi::xml_node root = AppendChildElement(doc, "Root");
+    EXPECT_THROW(AppendChildElement(doc, "Second"), Error);  // one document element only
+    EXPECT_THROW(AppendChildElement(root, "a b"), Error);
+    pugi::xml_node child = AppendChildElement(root, "Child");
+    AppendText(child, "");
+    EXPECT_THROW(AppendChildElement(child.first_child(), "X"), Error);  // text holds nothing
+    EXPECT_THROW(AppendText(doc, "x"), Error);
+    SetAttribute(child, "k", "1");
+    SetAttribute(child, "k", "2");
+    EXPECT_STREQ(child.attribute("k").value(), "2");
+    EXPECT_EQ(std::distance(child.attributes_begin(), child.attributes_end()), 1);
+    EXPECT_THROW(SetAttribute(child, "1k", "v"), Error);
+    EXPECT_THROW(SetAttribute(child.first_child(), "k", "v"), Error);
+    EXPECT_EQ(std::distance(root.begin(), root.end()), 1);
+}
+
+}  // namespace
+}  // namespace zerbin::xml
