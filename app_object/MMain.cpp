@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -145,7 +146,8 @@ void DetectDecimalSeparator() {
     std::array<char, 32> text{};
     // Deliberately the locale-dependent formatter: what it writes is the detection.
     std::snprintf(text.data(), text.size(), "%g", 0.5);
-    SeparatorSlot() = std::string(text.data()).find(',') != std::string::npos ? "," : ".";
+    const bool comma = std::string_view(text.data()).find(',') != std::string_view::npos;
+    SeparatorSlot().assign(1, comma ? ',' : '.');
 }
 
 // ---- Tokens, hexadecimal digits, reference codes -----------------------------------------
