@@ -127,14 +127,23 @@ public:
     std::shared_ptr<CDBAttributes> AttributesCollection() const;
     std::shared_ptr<CDBInputs> InputsCollection() const;
     std::shared_ptr<CDBOutputs> OutputsCollection() const;
-    // Everything up to and including the last backslash; empty when there is none.
+    // Everything up to and including the last backslash (or slash); empty when there is none.
     static std::string FolderOfPath(const std::string& path);
 
 private:
     void LoadDefinitionHeader();
+    // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
+    void SearchDatasheet();
     void ComputeCDBLayout();
+    // Length byte and object ID; an ID beyond 32 bits throws OverflowError.
+    std::string ImageHeader(bool intelOrder);
+    // The zero fill and the members' bytes behind the header; a member's failure throws.
+    std::string ImageBody(std::string image, bool intelOrder);
     void RecomputeWidth();
+    // Project XML when forProject, else the simulator and interoperability form.
     void SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& doc, bool forProject);
+    void LoadAttributeValues(pugi::xml_node element);
+    void LoadDisplayableOutputs(pugi::xml_node element);
 
     std::string uniqueIdString_;
     std::string name_;

@@ -1,0 +1,391 @@
+// The frame of the application object: construction and teardown, the values the host keeps
+// here, the key scheme and the walks that hand host state down to the members.
+#include "app_object/CDBAppObject.h"
+
+#include <utility>
+
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "connections/CDBInputs.h"
+#include "connections/CDBOutputs.h"
+#include "interfaces/Error.h"
+#include "parameters/CDBAttributes.h"
+#include "platform/DefinitionStore.h"
+#include "platform/Events.h"
+#include "platform/Files.h"
+#include "platform/UnitConverter.h"
+
+namespace zerbin {
+
+CDBAppObject::CDBAppObject() {
+    DetectDecimalSeparator();
+    unitsManager_ = CreateUnitConverter();
+    if (!unitsManager_) {
+        // Without a converter no attribute can show a value: the host must get no object.
+        throw Error("ActiveX component can't create object", 429);
+    }
+    ServePendingEvents();
+    definitionCache_ = std::make_shared<DefinitionCache>();
+}
+
+CDBAppObject::~CDBAppObject() {
+    callbackList_.Clear();
+    outputs_.reset();
+    inputs_.reset();
+    attributes_.reset();
+    parent_.reset();
+    ownerDeviceXml_.reset();
+    ServePendingEvents();
+}
+
+// ---- Kept values ----------------------------------------------------------------------------
+
+bool CDBAppObject::IAppObject_IsPlugInActive() {
+    return false;
+}
+
+std::string CDBAppObject::FolderOfPath(const std::string& path) {
+    // A host on this platform hands over "/" paths; the backslash is the host's historical
+    // separator. Either one ends the folder part.
+    const std::size_t last = path.find_last_of("\\/");
+    return last == std::string::npos ? std::string() : path.substr(0, last + 1);
+}
+
+void CDBAppObject::IAppObject_Path(const std::string& RHS) {
+    path_ = FolderOfPath(RHS);
+}
+
+std::string CDBAppObject::IAppObject_Path() {
+    return path_;
+}
+
+int32_t CDBAppObject::IAppObject_ExecTime() {
+    return execTime_;
+}
+
+int32_t CDBAppObject::IAppObject_MaxInstances() {
+    return maxInstances_;
+}
+
+int32_t CDBAppObject::IAppObject_CDBDimension() {
+    return cdbDimension_;
+}
+
+int32_t CDBAppObject::IAppObject_Width() {
+    return width_;
+}
+
+int32_t CDBAppObject::IAppObject_InputWidth() {
+    return inputWidth_;
+}
+
+int32_t CDBAppObject::IAppObject_DDBDimension() {
+    return ddbDimension_;
+}
+
+int32_t CDBAppObject::IAppObject_SDBDimension() {
+    return sdbDimension_;
+}
+
+bool CDBAppObject::IAppObject_DatasheetAvailable() {
+    return datasheetAvailable_;
+}
+
+bool CDBAppObject::IAppObject_PlugInAvailable() {
+    return plugInAvailable_;
+}
+
+std::string CDBAppObject::IAppObject_UserName() {
+    return userName_;
+}
+
+void CDBAppObject::IAppObject_UserName(const std::string& Username) {
+    userName_ = Username;
+    RecomputeWidth();
+}
+
+void CDBAppObject::RecomputeWidth() {
+    const int32_t wanted = CharCount(userName_) + 5;
+    width_ = wanted > baseWidth_ ? wanted : baseWidth_;
+}
+
+std::string CDBAppObject::IAppObject_UniqueIDString() {
+    return uniqueIdString_;
+}
+
+void CDBAppObject::IAppObject_OwnerDeviceXML(
+    std::shared_ptr<const pugi::xml_document> OwnerDeviceXML) {
+    ownerDeviceXml_ = std::move(OwnerDeviceXML);
+}
+
+std::shared_ptr<const pugi::xml_document> CDBAppObject::IAppObject_OwnerDeviceXML() {
+    return ownerDeviceXml_;
+}
+
+std::string CDBAppObject::IAppObject_Name() {
+    return name_;
+}
+
+int32_t CDBAppObject::IAppObject_NodeType() {
+    return 6;
+}
+
+std::string CDBAppObject::IAppObject_Tag() {
+    return tag_;
+}
+
+void CDBAppObject::IAppObject_Tag(const std::string& RHS) {
+    tag_ = RHS;
+}
+
+std::string CDBAppObject::IAppObject_Key() {
+    return key_;
+}
+
+void CDBAppObject::IAppObject_Key(const std::string& Key) {
+    key_ = Key;
+}
+
+std::string CDBAppObject::IAppObject_ID() {
+    return id_;
+}
+
+std::string CDBAppObject::IAppObject_UniqueID() {
+    return uniqueId_;
+}
+
+void CDBAppObject::IAppObject_UniqueID(const std::string& RHS) {
+    uniqueId_ = RHS;
+}
+
+std::string CDBAppObject::IAppObject_Description() {
+    return description_;
+}
+
+std::string CDBAppObject::IAppObject_Category() {
+    return category_;
+}
+
+void CDBAppObject::IAppObject_ObjectDebug() {}
+
+void CDBAppObject::IAppObject_Save(const std::string& /*Filename*/) {}
+
+void CDBAppObject::IAppObject_Load(const std::string& /*Filename*/) {}
+
+void CDBAppObject::IAppObject_Stream(const std::string& /*RHS*/) {
+    // The image is always rebuilt from the members; a text from outside has nowhere to go.
+}
+
+std::shared_ptr<IInputs> CDBAppObject::IAppObject_Inputs() {
+    return inputs_;
+}
+
+std::shared_ptr<IOutputs> CDBAppObject::IAppObject_Outputs() {
+    return outputs_;
+}
+
+std::shared_ptr<IAttributes> CDBAppObject::IAppObject_Attributes() {
+    return attributes_;
+}
+
+int32_t CDBAppObject::IAppObject_Language() {
+    return language_;
+}
+
+void CDBAppObject::IAppObject_Language(int32_t Language) {
+    language_ = Language;
+}
+
+std::string CDBAppObject::IAppObject_ProgrammaticId() {
+    return ComponentBaseName() + ".CDBAppObject";
+}
+
+void CDBAppObject::IAppObject_XmlSNVTDoc(std::shared_ptr<const pugi::xml_document> SNVTXmlDoc) {
+    SetSnvtDictionary(std::move(SNVTXmlDoc));
+}
+
+std::shared_ptr<IObject> CDBAppObject::IAppObject_Parent() {
+    return parent_;
+}
+
+void CDBAppObject::IAppObject_Parent(std::shared_ptr<IObject> Parent) {
+    parent_ = std::move(Parent);
+}
+
+double CDBAppObject::IAppObject_XPosition() {
+    return xPosition_;
+}
+
+void CDBAppObject::IAppObject_XPosition(double x) {
+    xPosition_ = x;
+}
+
+double CDBAppObject::IAppObject_YPosition() {
+    return yPosition_;
+}
+
+void CDBAppObject::IAppObject_YPosition(double y) {
+    yPosition_ = y;
+}
+
+void CDBAppObject::IAppObject_ManageShortFloat(bool ManageShortFloat) {
+    manageShortFloat_ = ManageShortFloat;
+}
+
+int16_t CDBAppObject::IAppObject_ExportIndex() {
+    return exportIndex_;
+}
+
+void CDBAppObject::IAppObject_ExportIndex(int16_t RHS) {
+    exportIndex_ = RHS;
+}
+
+int16_t CDBAppObject::IAppObject_NumObjects() {
+    return 1;
+}
+
+bool CDBAppObject::IAppObject_UsesDeviceClock() {
+    return usesDeviceClock_;
+}
+
+bool CDBAppObject::IAppObject_IsHidden() {
+    return false;
+}
+
+bool CDBAppObject::IAppObject_IsVirtual() {
+    return false;
+}
+
+void CDBAppObject::IInterceptableAttribute_SetInterceptor(
+    std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) {
+    interceptor_ = std::move(oAttributeInterceptor);
+}
+
+std::shared_ptr<IUnitConverter> CDBAppObject::UnitsManager() {
+    return unitsManager_;
+}
+
+std::string CDBAppObject::LastStream() const {
+    return lastStream_;
+}
+
+std::shared_ptr<CDBAttributes> CDBAppObject::AttributesCollection() const {
+    return attributes_;
+}
+
+std::shared_ptr<CDBInputs> CDBAppObject::InputsCollection() const {
+    return inputs_;
+}
+
+std::shared_ptr<CDBOutputs> CDBAppObject::OutputsCollection() const {
+    return outputs_;
+}
+
+// ---- Taking the type ------------------------------------------------------------------------
+
+bool CDBAppObject::IAppObject_Init(const std::string& sUniqueIdString, int32_t& /*eErrCode*/) {
+    // eErrCode belongs to the host's calling convention; a failure shows only the message of
+    // the definition load, never a code.
+    uniqueIdString_ = sUniqueIdString;
+    plugInAvailable_ = false;
+    LoadDefinitionHeader();
+    return true;
+}
+
+bool CDBAppObject::StringID(const std::string& sStringID) {
+    SkipStep([&] { uniqueIdString_ = sStringID; });
+    SkipStep([&] { plugInAvailable_ = false; });
+    SkipStep([&] { LoadDefinitionHeader(); });
+    return true;
+}
+
+// ---- Keys -----------------------------------------------------------------------------------
+
+void CDBAppObject::IAppObject_GlobalKey(const std::string& GlobalKey) {
+    globalKey_ = GlobalKey;
+    // Members learn the key only now: the host writes it after IAppObject_Create.
+    SkipStep([&] { Need(attributes_).PropagateGlobalKey(globalKey_ + "\\ATT"); });
+    SkipStep([&] { Need(inputs_).PropagateGlobalKey(globalKey_ + "\\RIN"); });
+    SkipStep([&] { Need(outputs_).PropagateGlobalKey(globalKey_ + "\\ROU"); });
+}
+
+std::string CDBAppObject::IAppObject_GlobalKey() {
+    return globalKey_;
+}
+
+void CDBAppObject::IAppObject_ExtendedKey(const std::string& RHS) {
+    extendedKey_ = RHS;
+    SkipStep([&] { Need(attributes_).PropagateExtendedKey(extendedKey_ + "\\ATT"); });
+    SkipStep([&] { Need(inputs_).PropagateExtendedKey(extendedKey_ + "\\RIN"); });
+    SkipStep([&] { Need(outputs_).PropagateExtendedKey(extendedKey_ + "\\ROU"); });
+}
+
+std::string CDBAppObject::IAppObject_ExtendedKey() {
+    return extendedKey_;
+}
+
+// ---- Walks over the members ------------------------------------------------------------------
+
+void CDBAppObject::IAppObject_ClearReferences() {
+    if (!inputs_) {
+        return;
+    }
+    for (const auto& input : inputs_->Members()) {
+        ServePendingEvents();
+        SkipStep([&] { Need(input).IInput_Value(input->IInput_Extended() ? "000000" : "0000"); });
+    }
+}
+
+bool CDBAppObject::IAppObject_IsDeviceDependent() {
+    bool dependent = false;
+    SkipStep([&] {
+        for (const auto& attribute : Need(attributes_).Members()) {
+            if (Need(attribute).IAttribute_IsDeviceDependent()) {
+                dependent = true;
+                return;
+            }
+        }
+    });
+    return dependent;
+}
+
+void CDBAppObject::IAppObject_CallBack(std::shared_ptr<IcbkAppObject> CallBack) {
+    SkipStep([&] { callbackList_.Add(CallBack); });
+    // Each member keeps its own list; members made later never hear of this listener.
+    if (attributes_) {
+        for (const auto& attribute : attributes_->Members()) {
+            SkipStep([&] { Need(attribute).IAttribute_CallBack(CallBack); });
+        }
+    }
+    if (inputs_) {
+        for (const auto& input : inputs_->Members()) {
+            SkipStep([&] { Need(input).IInput_CallBack(CallBack); });
+        }
+    }
+    if (outputs_) {
+        for (const auto& output : outputs_->Members()) {
+            SkipStep([&] { Need(output).IOutput_CallBack(CallBack); });
+        }
+    }
+}
+
+// ---- Teardown -------------------------------------------------------------------------------
+
+void CDBAppObject::IAppObject_Destroy() {
+    // Inputs first: their references back to this object are what keeps it alive.
+    SkipStep([&] { Need(inputs_).Destroy(); });
+    parent_.reset();
+    inputs_.reset();
+    outputs_.reset();
+    attributes_.reset();
+    callbackList_.Clear();
+}
+
+// ---- Presentation without a window system ------------------------------------------------------
+
+void CDBAppObject::IAppObject_Show(std::shared_ptr<IObject> /*Owner*/) {
+    // The parameter window belongs to the editors library; the core has no window system,
+    // so a headless block has nothing to show and reports nothing.
+}
+
+}  // namespace zerbin

@@ -1,0 +1,215 @@
+// Creation of a block's members from the three sections of its definition, and the layout
+// that gives every attribute and input its offset in the configuration data block.
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "connections/CDBInputs.h"
+#include "connections/CDBOutputs.h"
+#include "interfaces/Error.h"
+#include "parameters/CDBAttributes.h"
+#include "platform/Events.h"
+#include "platform/Messages.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+namespace {
+
+constexpr int32_t kHeaderBytes = 3;
+
+int32_t AddChecked(int32_t a, int32_t b) {
+    int32_t sum = 0;
+    if (__builtin_add_overflow(a, b, &sum)) {
+        throw OverflowError();
+    }
+    return sum;
+}
+
+int32_t SizeInCdb(CDBAttribute& attribute) {
+    if (attribute.IAttribute_IsKeepFloatStandard()) {
+        return 4;
+    }
+    return Need(attribute.IAttribute_SNVTType()).ISNVType_Length();
+}
+
+int32_t SizeInCdb(CDBInput& input) {
+    return input.IInput_Extended() ? 3 : 2;
+}
+
+std::string SectionMessage(const std::string& section, const std::string& name) {
+    return "Error: Problems in the " + section + " section of the XML file of " + name + " ";
+}
+
+// Walks the child nodes of one section of the definition, serving events on each pass and
+// passing by comments; add(child) makes the member. Returns the number of nodes that should
+// have become members. The document stays held for the walk: a failed load is held nowhere
+// else.
+template <class AddMember>
+int32_t WalkSection(const std::shared_ptr<const pugi::xml_document>& document, const char* path,
+                    AddMember&& add) {
+    pugi::xml_node section;
+    SkipStep([&] { section = xml::FindFirst(Need(document).root(), path); });
+    int32_t expected = 0;
+    for (pugi::xml_node child : section.children()) {
+        ServePendingEvents();
+        if (xml::IsComment(child)) {
+            continue;
+        }
+        ++expected;
+        // A member that can't be made (a name used twice, a bad element) is dropped; the
+        // count check below tells the user.
+        SkipStep([&] { add(child); });
+    }
+    return expected;
+}
+
+}  // namespace
+
+void CDBAppObject::IAppObject_Create() {
+    const int32_t expectedInputs =
+        WalkSection(ObjectXML(), "AppObject/InReferences", [&](pugi::xml_node child) {
+            const std::string name = xml::BaseName(child);
+            if (!inputs_) {
+                inputs_ = std::make_shared<CDBInputs>();
+            }
+            inputs_->AddFromDefinition(name, child, shared_from_this());
+        });
+    SkipStep([&] {
+        if (Need(inputs_).IInputs_Count() != expectedInputs) {
+            ShowMessage(SectionMessage("InReferences", name_));
+        }
+    });
+
+    const int32_t expectedOutputs =
+        WalkSection(ObjectXML(), "AppObject/OutReferences", [&](pugi::xml_node child) {
+            const std::string name = xml::BaseName(child);
+            if (!outputs_) {
+                outputs_ = std::make_shared<CDBOutputs>();
+            }
+            outputs_->AddFromDefinition(name, child, shared_from_this());
+        });
+    SkipStep([&] {
+        if (Need(outputs_).IOutputs_Count() != expectedOutputs) {
+            ShowMessage(SectionMessage("OutReferences", name_));
+        }
+    });
+
+    std::shared_ptr<CDBAttribute> selector;
+    const int32_t expectedAttributes =
+        WalkSection(ObjectXML(), "AppObject/Attributes", [&](pugi::xml_node child) {
+            const std::string name = xml::BaseName(child);
+            if (!attributes_) {
+                attributes_ = std::make_shared<CDBAttributes>();
+            }
+            std::shared_ptr<CDBAttribute> added =
+                attributes_->AddFromDefinition(name, child, shared_from_this(), interceptor_);
+            // The last selector in document order governs all unit-dependent attributes.
+            if (Need(added).IsUnitSelector()) {
+                selector = added;
+            }
+        });
+
+    if (selector && attributes_) {
+        for (const auto& attribute : attributes_->Members()) {
+            ServePendingEvents();
+            if (attribute && attribute->IsUnitDependent()) {
+                SkipStep([&] { attribute->ApplyFirstUnit(*selector); });
+                // Until its unit is known such an attribute has no type and so no editor.
+                SkipStep([&] { attribute->CreateEditor(); });
+            }
+        }
+    }
+
+    if (manageShortFloat_ && attributes_) {
+        for (const auto& attribute : attributes_->Members()) {
+            SkipStep([&] { Need(attribute).ApplyShortFloat(); });
+        }
+    }
+
+    SkipStep([&] {
+        if (Need(attributes_).IAttributes_Count() != expectedAttributes) {
+            ShowMessage(SectionMessage("Attribute", name_));
+        }
+    });
+
+    // A failure inside the layout ends it silently with the positions reached so far.
+    SkipStep([&] { ComputeCDBLayout(); });
+
+    SkipStep([&] { inputWidth_ = Need(inputs_).MaxNameLength(); });
+    SkipStep([&] {
+        baseWidth_ = AddChecked(Need(inputs_).MaxNameLength(), Need(outputs_).MaxNameLength());
+    });
+}
+
+void CDBAppObject::ComputeCDBLayout() {
+    if (UpperCase(uniqueIdString_) == "Q_EMPTY") {
+        return;  // this type has no CDB at all, not even the header
+    }
+
+    int32_t highest = 1;
+    if (attributes_) {
+        for (const auto& attribute : attributes_->Members()) {
+            ServePendingEvents();
+            if (!Need(attribute).IAttribute_ToolOnly() &&
+                attribute->CDBOrderInPosition() > highest) {
+                highest = attribute->CDBOrderInPosition();
+            }
+        }
+    }
+    if (inputs_) {
+        for (const auto& input : inputs_->Members()) {
+            ServePendingEvents();
+            if (Need(input).CDBOrderInPosition() > highest) {
+                highest = input->CDBOrderInPosition();
+            }
+        }
+    }
+
+    int32_t offset = kHeaderBytes;
+    // 64 bits, so that an ordering number at the top of the 32-bit range can end the loop.
+    for (int64_t number = 1; number <= highest; ++number) {
+        bool attributeFound = false;
+        bool inputFound = false;
+        if (attributes_) {
+            for (const auto& attribute : attributes_->Members()) {
+                ServePendingEvents();
+                if (!Need(attribute).IAttribute_ToolOnly() &&
+                    attribute->CDBOrderInPosition() == number) {
+                    attribute->CDBPosition(offset);
+                    offset = AddChecked(offset, SizeInCdb(*attribute));
+                    attributeFound = true;
+                }
+            }
+        }
+        if (inputs_) {
+            for (const auto& input : inputs_->Members()) {
+                ServePendingEvents();
+                if (Need(input).CDBOrderInPosition() == number) {
+                    input->CDBPosition(offset);
+                    offset = AddChecked(offset, SizeInCdb(*input));
+                    inputFound = true;
+                }
+            }
+        }
+        if (!attributeFound && !inputFound) {
+            if (attributes_ || inputs_) {
+                ShowMessage(uniqueIdString_ +
+                            ": Missing CDBOrderinPosition in XML File: " + std::to_string(number));
+            }
+            break;
+        }
+        if (attributeFound && inputFound) {
+            // Only an attribute and an input sharing a number are a fault; several of one kind
+            // are laid one after the other.
+            ShowMessage(uniqueIdString_ +
+                        ": Duplicates CDBOrderinPosition in XML File: " + std::to_string(number));
+            break;
+        }
+    }
+    cdbDimension_ = offset;
+}
+
+}  // namespace zerbin

@@ -1,0 +1,163 @@
+// The definition document of a block type: finding and parsing it once per process through
+// the store, reading its header, and looking for a datasheet of the type.
+#include <cctype>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "interfaces/Error.h"
+#include "platform/DefinitionStore.h"
+#include "platform/Events.h"
+#include "platform/Files.h"
+#include "platform/Messages.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+namespace {
+
+// The number the host's convention gives a definition that did not load.
+constexpr int32_t kErrDefinitionNotLoaded = static_cast<int32_t>(0x80040201u);
+
+// The header's number rule: the leading decimal number, rounded half to even.
+int32_t HeaderNumber(pugi::xml_node element) {
+    return ToInt32(LeadingNumber(xml::FirstChildText(element)));
+}
+
+// A text as a wildcard that matches only itself, so that an ID cannot widen the search.
+std::string LiteralWildcard(const std::string& text) {
+    std::string pattern;
+    for (const char c : text) {
+        if (c == '*' || c == '?' || c == '[' || c == '\\') {
+            pattern += '\\';
+        }
+        pattern += c;
+    }
+    return pattern;
+}
+
+// The extension in any letter case: a datasheet named "Manual.PDF" is the same datasheet.
+std::string ExtensionWildcard(const std::string& extension) {
+    std::string pattern = ".";
+    for (const char c : extension) {
+        pattern += '[';
+        pattern += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        pattern += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        pattern += ']';
+    }
+    return pattern;
+}
+
+// The first file matching stem + ".pdf", else stem + ".doc".
+std::optional<std::string> FirstDocument(const std::filesystem::path& folder,
+                                         const std::string& stem) {
+    if (auto pdf = FirstMatch(folder, stem + ExtensionWildcard("pdf"))) {
+        return pdf;
+    }
+    return FirstMatch(folder, stem + ExtensionWildcard("doc"));
+}
+
+}  // namespace
+
+std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
+    const std::shared_ptr<DefinitionStore> store = definitionCache_->Store();
+    if (auto known = store->FindDocument(uniqueIdString_)) {
+        return known;
+    }
+    std::shared_ptr<const pugi::xml_document> document = std::make_shared<pugi::xml_document>();
+    SkipStep([&] {
+        xml::ParseError failure;
+        std::shared_ptr<pugi::xml_document> loaded;
+        // A name that could reach outside the library is a type that does not exist.
+        if (IsSafeTypeName(uniqueIdString_)) {
+            loaded = xml::LoadFile(LibraryFolder() / uniqueIdString_ / (uniqueIdString_ + ".xml"),
+                                   &failure);
+        } else {
+            failure.reason = "The type name can't name a folder of the block library.";
+        }
+        if (loaded) {
+            store->AddDocument(loaded, uniqueIdString_);
+            document = loaded;
+            return;
+        }
+        // Not stored, so that every later read tries again and tells the user again.
+        ShowMessage("Error: The object " + uniqueIdString_ +
+                    " is not available; Please verify its name.");
+        throw Error(failure.srcText + "\r" + failure.reason, kErrDefinitionNotLoaded,
+                    ComponentBaseName());
+    });
+    return document;
+}
+
+void CDBAppObject::LoadDefinitionHeader() {
+    // Held for the walk: a document that failed to load lives nowhere else.
+    std::shared_ptr<const pugi::xml_document> document;
+    pugi::xml_node appObject;
+    SkipStep([&] {
+        document = ObjectXML();
+        appObject = Need(xml::FindFirst(Need(document).root(), "AppObject"));
+    });
+    SkipStep([&] {
+        for (pugi::xml_node child : Need(appObject).children()) {
+            ServePendingEvents();
+            if (xml::IsComment(child)) {
+                continue;
+            }
+            const std::string key = UpperCase(xml::BaseName(child));
+            // An element without text keeps its field; the next element is read all the same.
+            SkipStep([&] {
+                if (key == "NAME") {
+                    name_ = xml::FirstChildText(child);
+                } else if (key == "ID") {
+                    id_ = xml::FirstChildText(child);
+                } else if (key == "DESCRIPTION") {
+                    description_ = xml::FirstChildText(child);
+                } else if (key == "CATEGORY") {
+                    category_ = xml::FirstChildText(child);
+                } else if (key == "RAMUSAGE") {
+                    ddbDimension_ = HeaderNumber(child);
+                } else if (key == "BACKUPUSAGE") {
+                    sdbDimension_ = HeaderNumber(child);
+                } else if (key == "EXECTIME") {
+                    execTime_ = HeaderNumber(child);
+                } else if (key == "MAXINSTANCES") {
+                    maxInstances_ = HeaderNumber(child);
+                } else if (key == "USEDEVICECLOCK") {
+                    usesDeviceClock_ = HeaderNumber(child) != 0;
+                }
+            });
+        }
+    });
+    SkipStep([&] { SearchDatasheet(); });
+}
+
+void CDBAppObject::SearchDatasheet() {
+    const std::filesystem::path library = LibraryFolder();
+    std::optional<std::string> file;
+    if (IsSafeTypeName(uniqueIdString_)) {
+        file = FirstDocument(library / uniqueIdString_, "*");
+    }
+    if (file) {
+        datasheetAvailable_ = true;
+        datasheetPath_ = (library / uniqueIdString_ / *file).string();
+        return;
+    }
+    if (id_.empty()) {
+        datasheetAvailable_ = false;
+        return;
+    }
+    const std::filesystem::path shared = library / "DataSheets";
+    file = FirstDocument(shared, "pb_" + LiteralWildcard(id_) + "_*");
+    if (file) {
+        datasheetAvailable_ = true;
+        datasheetPath_ = (shared / *file).string();
+    } else {
+        // Deliberately leaves the flag alone: a datasheet found by an earlier type name stays
+        // announced, although its path is gone.
+        datasheetPath_.clear();
+    }
+}
+
+}  // namespace zerbin

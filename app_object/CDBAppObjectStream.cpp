@@ -1,0 +1,74 @@
+// The configuration data block as a text of hexadecimal digits, in both byte orders: the
+// header, the zero fill, and the members writing themselves in at their positions.
+#include <string>
+#include <utility>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "connections/CDBInputs.h"
+#include "parameters/CDBAttributes.h"
+#include "platform/Messages.h"
+
+namespace zerbin {
+namespace {
+
+// The object ID as the image holds it: an ID beyond 32 bits throws OverflowError, which
+// goes to the caller of the image.
+std::string ObjectIdDigits(const std::string& id) {
+    int32_t objectId = ToInt32(LeadingNumber(id));
+    return HexWord(objectId);
+}
+
+}  // namespace
+
+std::string CDBAppObject::ImageHeader(bool intelOrder) {
+    // The field itself goes through HexByte: a block longer than 255 bytes reads 255 from
+    // the first image on, which is what the image's length byte can say.
+    std::string image = HexByte(cdbDimension_);
+    const std::string objectId = ObjectIdDigits(id_);
+    return image + (intelOrder ? objectId.substr(2, 2) + objectId.substr(0, 2) : objectId);
+}
+
+std::string CDBAppObject::ImageBody(std::string image, bool intelOrder) {
+    for (int32_t offset = 4; offset <= cdbDimension_; ++offset) {
+        image += "00";
+    }
+    // Inputs before attributes: where positions overlap, the later writer wins.
+    if (inputs_) {
+        for (const auto& input : inputs_->Members()) {
+            image = intelOrder ? input->WriteIntelStream(std::move(image))
+                               : input->WriteStream(std::move(image));
+        }
+    }
+    if (attributes_) {
+        for (const auto& attribute : attributes_->Members()) {
+            image = intelOrder ? attribute->WriteIntelStream(std::move(image))
+                               : attribute->WriteStream(std::move(image));
+        }
+    }
+    return image;
+}
+
+std::string CDBAppObject::IAppObject_Stream() {
+    std::string image = ImageHeader(false);
+    try {
+        image = ImageBody(std::move(image), false);
+    } catch (...) {
+        ShowMessage("Error exporting the object: " + name_ +
+                    ",   A possible error is the lenght of the object.");
+        return {};
+    }
+    lastStream_ = image;
+    return lastStream_;
+}
+
+std::string CDBAppObject::IAppObject_IntelStream() {
+    std::string image = ImageHeader(true);
+    try {
+        return ImageBody(std::move(image), true);
+    } catch (...) {
+        return {};
+    }
+}
+
+}  // namespace zerbin
