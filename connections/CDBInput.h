@@ -72,6 +72,14 @@ public:
     std::string WriteIntelStream(std::string image);
 
 private:
+    // Writes text to the attribute that SendLengthTo names; throws when there is none.
+    void HandOverLength(const std::string& text);
+    // The definition warning: name, middle, the block's name and a full stop.
+    void Warn(const std::string& middle);
+    int32_t ReferenceDigits() const;
+    // 2 * CDBPosition; throws OverflowError beyond 32 bits.
+    int32_t DigitPosition() const;
+
     std::shared_ptr<ISNVType> connectedType_;
     bool isConnected_ = false;
     int32_t index_ = 0;

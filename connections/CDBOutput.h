@@ -82,6 +82,9 @@ public:
     int32_t ConnectionCount() const;
 
 private:
+    // The SNVTTYPE child: a new entry and a new resolved record, with a warning when empty.
+    void LoadType(const std::string& id);
+
     bool isConnected_ = false;
     int32_t connectionCount_ = 0;
     std::string globalKey_;

@@ -1,0 +1,338 @@
+#include "connections/CDBInput.h"
+
+#include <limits>
+#include <string>
+#include <utility>
+
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "connections/ReferenceBytes.h"
+#include "datatypes/CDBCompatibleSNVTs.h"
+#include "datatypes/SNVTDataConversion.h"
+#include "interfaces/Error.h"
+#include "interfaces/IAttribute.h"
+#include "interfaces/IHostServices.h"
+#include "platform/Messages.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+
+namespace {
+
+// Digits of an ordinary reference, and of an extended one.
+constexpr int32_t kReferenceDigits = 4;
+constexpr int32_t kExtendedReferenceDigits = 6;
+
+// The way the host's macro lists are walked: positions are 16-bit, so a list longer than
+// that is read no further than its 16-bit part.
+bool TerminalsExpose(const std::shared_ptr<IMacroTerminals>& terminals, const std::string& key) {
+    int32_t count = 0;
+    if (!SkipStep([&] { count = Need(terminals).Count(); })) {
+        return false;
+    }
+    for (int32_t i = 1; i <= count && i <= std::numeric_limits<int16_t>::max(); ++i) {
+        bool match = false;
+        SkipStep([&] { match = Need(Need(terminals).Item(i)).ItemKey() == key; });
+        if (match) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+CDBInput::CDBInput() : snvtCompatibles_(std::make_shared<CDBCompatibleSNVTs>()) {}
+
+// ---- IInput --------------------------------------------------------------------------------
+
+void CDBInput::IInput_changeType(const std::string& NewType) {
+    if (!isTypeDependent_) {
+        return;
+    }
+    auto replacement = std::make_shared<CDBCompatibleSNVTs>();
+    replacement->AddList(NewType);
+    snvtCompatibles_ = std::move(replacement);
+    // Each listener gets its pair before the next one hears anything: a host removes the
+    // connections of the input between the two calls and redraws it on the second.
+    callBacks_.Raise([this](IcbkAppObject& listener) {
+        listener.IcbkAppObject_ConnectionToBeDeleted(globalKey_);
+        listener.IcbkAppObject_RefInTypeChanged(globalKey_);
+    });
+}
+
+void CDBInput::IInput_CallBack(std::shared_ptr<IcbkAppObject> v) {
+    callBacks_.Add(std::move(v));
+}
+
+int32_t CDBInput::IInput_NodeType() {
+    return 7;
+}
+
+bool CDBInput::IInput_IsConnected() {
+    return isConnected_;
+}
+
+std::shared_ptr<ISNVType> CDBInput::IInput_ConnectedType() {
+    return connectedType_;
+}
+
+bool CDBInput::IInput_Visible() {
+    return visible_;
+}
+
+bool CDBInput::IInput_Mandatory() {
+    return mandatory_;
+}
+
+std::string CDBInput::IInput_Value() {
+    return value_;
+}
+
+void CDBInput::IInput_Value(const std::string& v) {
+    value_ = v;
+}
+
+std::string CDBInput::IInput_Name() {
+    return name_;
+}
+
+std::string CDBInput::IInput_GlobalKey() {
+    return globalKey_;
+}
+
+bool CDBInput::IInput_Extended() {
+    return extended_;
+}
+
+int32_t CDBInput::IInput_Index() {
+    return index_;
+}
+
+int32_t CDBInput::IInput_CDBPosition() {
+    return cdbPosition_;
+}
+
+std::shared_ptr<ICompatibleSNVTs> CDBInput::Iinput_SNVTCompatibles() {
+    return snvtCompatibles_;
+}
+
+std::shared_ptr<IAppObject> CDBInput::Iinput_Parent() {
+    return parent_;
+}
+
+std::string CDBInput::IInput_ExtendedKey() {
+    return extendedKey_;
+}
+
+bool CDBInput::IInput_IsMacroConnected() {
+    std::vector<std::shared_ptr<IMacroInputGroup>> groups;
+    std::shared_ptr<IMacroHost> host;
+    SkipStep(
+        [&] { host = std::dynamic_pointer_cast<IMacroHost>(Need(parent_).IAppObject_Parent()); });
+    if (!host) {
+        return false;
+    }
+    if (!SkipStep([&] { groups = Need(host->Macro()).InputGroups(); })) {
+        return false;
+    }
+    for (const auto& group : groups) {
+        std::shared_ptr<IMacroTerminals> terminals;
+        SkipStep([&] { terminals = Need(group).Terminals(); });
+        if (TerminalsExpose(terminals, globalKey_)) {
+            return true;
+        }
+        bool hasFields = false;
+        SkipStep([&] { hasFields = Need(group).HasFields(); });
+        if (!hasFields) {
+            continue;
+        }
+        std::vector<std::shared_ptr<IObject>> fields;
+        SkipStep(
+            [&] { fields = Need(std::dynamic_pointer_cast<IMacroInputFields>(group)).Fields(); });
+        for (const auto& entry : fields) {
+            std::shared_ptr<IMacroTerminals> fieldTerminals;
+            SkipStep([&] {
+                fieldTerminals =
+                    Need(std::dynamic_pointer_cast<IMacroFieldGroup>(entry)).Terminals();
+            });
+            if (TerminalsExpose(fieldTerminals, globalKey_)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+// ---- ICanvasElement ------------------------------------------------------------------------
+
+bool CDBInput::ICanvasElement_Visible() {
+    return visible_;
+}
+
+void CDBInput::ICanvasElement_Visible(bool v) {
+    visible_ = v;
+}
+
+// ---- ISubItemConnable ----------------------------------------------------------------------
+
+void CDBInput::ISubItemConnable_IsConnected(bool v) {
+    isConnected_ = v;
+    // A connect says nothing about the type: that comes through ConnectedType on its own.
+    if (v) {
+        return;
+    }
+    connectedType_ = nullptr;
+    if (!sendLengthTo_.empty()) {
+        SkipStep([&] { HandOverLength("0"); });
+    }
+}
+
+void CDBInput::ISubItemConnable_HasPriority(bool /*v*/) {}
+
+void CDBInput::ISubItemConnable_IncrementalConnIndex(int32_t /*v*/) {}
+
+void CDBInput::ISubItemConnable_ConnectedType(std::shared_ptr<ISNVType> v) {
+    connectedType_ = std::move(v);
+    std::string length;
+    SkipStep([&] { length = std::to_string(Need(connectedType_).ISNVType_Length()); });
+    // Without a type the attribute is still written, with the empty text.
+    if (!sendLengthTo_.empty()) {
+        SkipStep([&] { HandOverLength(length); });
+    }
+}
+
+int32_t CDBInput::ISubItemConnable_ItemType() {
+    return 7;
+}
+
+std::string CDBInput::ISubItemConnable_GlobalKey() {
+    return globalKey_;
+}
+
+std::string CDBInput::ISubItemConnable_Name() {
+    return name_;
+}
+
+std::shared_ptr<ISNVType> CDBInput::ISubItemConnable_SNVTType() {
+    return nullptr;
+}
+
+bool CDBInput::ISubItemConnable_IsSNVTCompatible(const std::string& sId) {
+    // The input accepts what its compatibility list names, by the set's own comparison.
+    bool exists = false;
+    SkipStep([&] { exists = Need(Iinput_SNVTCompatibles()).ICompatibleSNVTs_Exists(sId); });
+    return exists;
+}
+
+// ---- Internal ------------------------------------------------------------------------------
+
+void CDBInput::SetGlobalKey(const std::string& v) {
+    globalKey_ = v;
+}
+
+void CDBInput::SetExtendedKey(const std::string& v) {
+    extendedKey_ = v;
+}
+
+void CDBInput::SetName(const std::string& v) {
+    name_ = v;
+}
+
+void CDBInput::LoadDefinition(pugi::xml_node node) {
+    extended_ = false;
+    for (const pugi::xml_attribute attribute : node.attributes()) {
+        const std::string key = UpperCase(xml::BaseName(attribute));
+        // Deliberately by presence: definition files in use write ISEXTENDED="0" and mean it
+        // as a flag, so the value is never read.
+        if (key == "ISEXTENDED") {
+            extended_ = true;
+        } else if (key == "TYPEDEPENDENT") {
+            isTypeDependent_ = true;
+        } else if (key == "SENDLENGTHTO") {
+            sendLengthTo_ = attribute.value();
+        }
+    }
+    for (const pugi::xml_node child : node.children()) {
+        if (xml::IsComment(child)) {
+            continue;
+        }
+        const std::string key = UpperCase(xml::BaseName(child));
+        if (key == "CDBORDERINPOSITION") {
+            const std::string text = xml::FirstChildText(child);
+            cdbOrderInPosition_ = ToInt32(LeadingNumber(text));
+            if (text.empty()) {
+                Warn(": CDBOrderingPosition not defined into the XML file of the object ");
+            }
+        } else if (key == "MANDATORY") {
+            mandatory_ = LeadingNumber(xml::FirstChildText(child)) != 0;
+        } else if (key == "VISIBLE") {
+            visible_ = LeadingNumber(xml::FirstChildText(child)) != 0;
+        } else if (key == "SNVTCOMPATIBILITYLIST") {
+            const std::string text = xml::FirstChildText(child);
+            snvtCompatibles_->AddList(text);
+            if (text.empty()) {
+                Warn(": SNVT Compatibility list not defined into the XML file of the object ");
+            }
+        }
+    }
+}
+
+void CDBInput::SetParent(std::shared_ptr<IAppObject> parent) {
+    parent_ = std::move(parent);
+}
+
+int32_t CDBInput::CDBOrderInPosition() const {
+    return cdbOrderInPosition_;
+}
+
+void CDBInput::CDBPosition(int32_t v) {
+    cdbPosition_ = v;
+}
+
+void CDBInput::SetIndex(int32_t v) {
+    index_ = v;
+}
+
+std::string CDBInput::WriteStream(std::string image) {
+    if (value_.empty()) {
+        return image;
+    }
+    OverwriteDigits(image, DigitPosition(), value_, ReferenceDigits());
+    return image;
+}
+
+std::string CDBInput::WriteIntelStream(std::string image) {
+    if (value_.empty()) {
+        return image;
+    }
+    OverwriteDigits(image, DigitPosition(), reference::IntelReference(value_, extended_),
+                    ReferenceDigits());
+    return image;
+}
+
+// ---- Private -------------------------------------------------------------------------------
+
+void CDBInput::HandOverLength(const std::string& text) {
+    auto attributes = Need(parent_).IAppObject_Attributes();
+    Need(Need(attributes).IAttributes_Item(sendLengthTo_)).IAttribute_Value(text);
+}
+
+void CDBInput::Warn(const std::string& middle) {
+    ShowMessage(name_ + middle + Need(parent_).IAppObject_Name() + ".", "Warning",
+                MessageIcon::Critical, MessageButtons::Ok);
+}
+
+int32_t CDBInput::ReferenceDigits() const {
+    return extended_ ? kExtendedReferenceDigits : kReferenceDigits;
+}
+
+int32_t CDBInput::DigitPosition() const {
+    int32_t digit = 0;
+    if (__builtin_mul_overflow(cdbPosition_, 2, &digit)) {
+        throw OverflowError();
+    }
+    return digit;
+}
+
+}  // namespace zerbin

@@ -1,0 +1,74 @@
+#include "connections/CDBInputs.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app_object/MMain.h"
+
+namespace zerbin {
+
+void CDBInputs::IInputs_CallBack(std::shared_ptr<IcbkAppObject> v) {
+    callBack_ = std::move(v);
+}
+
+int32_t CDBInputs::IInputs_Count() {
+    return items_.Count();
+}
+
+std::shared_ptr<IInput> CDBInputs::IInputs_Item(const std::string& Key) {
+    return items_.Item(Key);
+}
+
+std::vector<std::shared_ptr<IInput>> CDBInputs::IInputs_NewEnum() {
+    return {items_.Items().begin(), items_.Items().end()};
+}
+
+std::string CDBInputs::IInputs_GlobalKey() {
+    return globalKey_;
+}
+
+std::string CDBInputs::IInputs_ExtendedKey() {
+    return extendedKey_;
+}
+
+std::shared_ptr<CDBInput> CDBInputs::AddFromDefinition(const std::string& name, pugi::xml_node node,
+                                                       std::shared_ptr<IAppObject> parent) {
+    auto input = std::make_shared<CDBInput>();
+    input->SetParent(std::move(parent));
+    input->SetName(name);
+    input->LoadDefinition(node);
+    items_.Add(name, input);
+    input->SetIndex(items_.Count() - 1);
+    maxNameLength_ = std::max(maxNameLength_, CharCount(name));
+    return input;
+}
+
+int32_t CDBInputs::MaxNameLength() const {
+    return maxNameLength_;
+}
+
+void CDBInputs::PropagateGlobalKey(const std::string& key) {
+    globalKey_ = key;
+    for (const auto& input : items_.Items()) {
+        input->SetGlobalKey(key + "\\" + input->IInput_Name());
+    }
+}
+
+void CDBInputs::PropagateExtendedKey(const std::string& key) {
+    extendedKey_ = key;
+    for (const auto& input : items_.Items()) {
+        input->SetExtendedKey(key + "\\" + input->IInput_Name());
+    }
+}
+
+void CDBInputs::Destroy() {
+    for (const auto& input : items_.Items()) {
+        input->SetParent(nullptr);
+    }
+}
+
+const std::vector<std::shared_ptr<CDBInput>>& CDBInputs::Members() const {
+    return items_.Items();
+}
+
+}  // namespace zerbin

@@ -1,0 +1,69 @@
+#include "connections/CDBOutputs.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app_object/MMain.h"
+
+namespace zerbin {
+
+void CDBOutputs::IOutputs_CallBack(std::shared_ptr<IcbkAppObject> v) {
+    callBack_ = std::move(v);
+}
+
+int32_t CDBOutputs::IOutputs_Count() {
+    return items_.Count();
+}
+
+std::shared_ptr<IOutput> CDBOutputs::IOutputs_Item(const std::string& Key) {
+    return items_.Item(Key);
+}
+
+std::vector<std::shared_ptr<IOutput>> CDBOutputs::IOutputs_NewEnum() {
+    return {items_.Items().begin(), items_.Items().end()};
+}
+
+std::string CDBOutputs::IOutputs_GlobalKey() {
+    return globalKey_;
+}
+
+std::string CDBOutputs::IOutputs_ExtendedKey() {
+    return extendedKey_;
+}
+
+std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name,
+                                                         pugi::xml_node node,
+                                                         std::shared_ptr<IAppObject> parent) {
+    auto output = std::make_shared<CDBOutput>();
+    output->SetParent(std::move(parent));
+    output->SetName(name);
+    output->LoadDefinition(node);
+    items_.Add(name, output);
+    output->SetIndex(items_.Count() - 1);
+    maxNameLength_ = std::max(maxNameLength_, CharCount(name));
+    return output;
+}
+
+int32_t CDBOutputs::MaxNameLength() const {
+    return maxNameLength_;
+}
+
+void CDBOutputs::PropagateGlobalKey(const std::string& key) {
+    globalKey_ = key;
+    for (const auto& output : items_.Items()) {
+        output->SetGlobalKey(key + "\\" + output->IOutput_Name());
+    }
+}
+
+void CDBOutputs::PropagateExtendedKey(const std::string& key) {
+    extendedKey_ = key;
+    for (const auto& output : items_.Items()) {
+        output->SetExtendedKey(key + "\\" + output->IOutput_Name());
+    }
+}
+
+const std::vector<std::shared_ptr<CDBOutput>>& CDBOutputs::Members() const {
+    return items_.Items();
+}
+
+}  // namespace zerbin
