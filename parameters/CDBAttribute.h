@@ -18,6 +18,7 @@
 
 namespace zerbin {
 
+class CDBAppObject;
 class CDBSNVTType;
 class CDBFields;
 class CDBUnit;
@@ -106,7 +107,54 @@ public:
     std::shared_ptr<CDBFields> FieldsCollection() const;
     std::shared_ptr<IValueEditor> Editor() const;
 
+    // Nested value writes beyond this depth are ignored, so that a listener that writes the
+    // attribute it is told about cannot recurse without bound.
+    static constexpr int kMaxNestedWrites = 16;
+
 private:
+    // The owning block as the concrete class; throws when there is none.
+    CDBAppObject& Owner() const;
+    std::shared_ptr<IAttribute> Self();
+
+    // Loading (CDBAttributeLoad.cpp).
+    void LoadKey(pugi::xml_attribute key);
+    void LoadElement(pugi::xml_node child);
+    void LoadUnits(pugi::xml_node units);
+    void LoadTypes(pugi::xml_node types);
+    void LoadDeviceDependent(const std::string& key);
+    void LoadNumeric(pugi::xml_node document);
+    void LoadStruct(pugi::xml_node document);
+    // W1 to W4: lead, the owner's name, tail; titled "Warning" with the critical icon.
+    void ShowLoadWarning(const std::string& lead, const std::string& tail);
+
+    // Values (CDBAttributeValue.cpp).
+    void StoreValue(const std::string& text);
+    // Token index of a Struct value for field index; a single field takes a text without
+    // blank whole.
+    std::string StructToken(const std::string& text, int32_t index) const;
+    void RaiseAttributeChanged(bool absorb);
+    void ChangeTypeOfConnections(bool absorb);
+
+    // Selection (CDBAttributeSelection.cpp).
+    bool ConnectionCheckPasses(const std::string& text);
+    std::shared_ptr<IMacro> FindContainer(const std::shared_ptr<IMacro>& container,
+                                          const std::string& key);
+    // The unit whose type id equals Value, the last of several; nullptr when none has it.
+    std::shared_ptr<CDBUnit> SelectedUnit() const;
+    void RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool absorb);
+    void ApplySelectedUnit(const std::shared_ptr<CDBUnit>& unit);
+    void DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit, const std::string& converterTypeId,
+                        bool change);
+
+    // Stream (CDBAttributeStream.cpp).
+    int32_t TypeFactor(const std::string& typeId);
+    std::string WriteImage(std::string image, bool intel);
+
+    int writeDepth_ = 0;
+    // Set by ApplyShortFloat: the block manages short floats, so a later change of type keeps
+    // the short length that the layout gave this attribute.
+    bool shortFloatManaged_ = false;
+
     bool isDeviceDependent_ = false;
     bool visible_ = false;
     bool isKeepFloatStandard_ = false;

@@ -1,0 +1,239 @@
+// The model of an attribute: plain reads, keys, listeners, the interceptor and the editor.
+#include "parameters/CDBAttribute.h"
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/SkipMode.h"
+#include "datatypes/CDBFields.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/CDBUnits.h"
+#include "platform/EditorPort.h"
+
+namespace zerbin {
+
+namespace {
+
+// The value editor for a type class; empty for a class that has none.
+const char* EditorNameFor(const std::string& typeClass) {
+    if (typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric" || typeClass == "Float") {
+        return "frmCPModif1";
+    }
+    if (typeClass == "Enum") {
+        return "frmCPModif3";
+    }
+    if (typeClass == "Bitfield") {
+        return "frmCPModif5";
+    }
+    if (typeClass == "Textual") {
+        return "frmCPModif2";
+    }
+    if (typeClass == "Struct") {
+        return "frmCPModif4";
+    }
+    return "";
+}
+
+}  // namespace
+
+CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
+
+CDBAppObject& CDBAttribute::Owner() const {
+    return Need(std::dynamic_pointer_cast<CDBAppObject>(parent_));
+}
+
+std::shared_ptr<IAttribute> CDBAttribute::Self() {
+    return shared_from_this();
+}
+
+// ---- IAttribute: plain reads and writes ----------------------------------------------------
+
+std::shared_ptr<IAppObject> CDBAttribute::IAttribute_Parent() {
+    return parent_;
+}
+
+bool CDBAttribute::IAttribute_Visible() {
+    return visible_;
+}
+
+bool CDBAttribute::IAttribute_IsUnit() {
+    return isUnit_;
+}
+
+std::string CDBAttribute::IAttribute_Description() {
+    return description_;
+}
+
+std::string CDBAttribute::IAttribute_Name() {
+    return name_;
+}
+
+int32_t CDBAttribute::IAttribute_NodeType() {
+    return 9;
+}
+
+std::string CDBAttribute::IAttribute_GlobalKey() {
+    return globalKey_;
+}
+
+std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
+    return snvtType_;
+}
+
+std::string CDBAttribute::IAttribute_DefaultValue() {
+    return defaultValue_;
+}
+
+std::string CDBAttribute::IAttribute_Tag() {
+    return tag_;
+}
+
+void CDBAttribute::IAttribute_Tag(std::string v) {
+    tag_ = std::move(v);
+}
+
+std::shared_ptr<IFields> CDBAttribute::IAttribute_Fields() {
+    return fields_;
+}
+
+void CDBAttribute::IAttribute_CallBack(std::shared_ptr<IcbkAppObject> v) {
+    callbacks_.Add(std::move(v));
+}
+
+int32_t CDBAttribute::IAttribute_CDBPosition() {
+    return position_;
+}
+
+bool CDBAttribute::IAttribute_ToolOnly() {
+    return toolOnly_;
+}
+
+bool CDBAttribute::IAttribute_IsDeviceDependent() {
+    return isDeviceDependent_;
+}
+
+bool CDBAttribute::IAttribute_IsUnitDependent() {
+    return isUnitDependent_;
+}
+
+std::string CDBAttribute::IAttribute_DeviceKey() {
+    return deviceKey_;
+}
+
+bool CDBAttribute::IAttribute_IsKeepFloatStandard() {
+    return isKeepFloatStandard_;
+}
+
+// The divisor itself: a host that reads it can make sense of the quotients it finds in Value.
+int32_t CDBAttribute::IAttribute_DividedBy() {
+    return divideBy_;
+}
+
+bool CDBAttribute::IAttribute_IsType() {
+    return isType_;
+}
+
+std::string CDBAttribute::IAttribute_Min() {
+    return min_;
+}
+
+std::string CDBAttribute::IAttribute_Max() {
+    return max_;
+}
+
+std::string CDBAttribute::IAttribute_ExtendedKey() {
+    return extendedKey_;
+}
+
+// ---- ICanvasElement, IInterceptableAttribute -----------------------------------------------
+
+bool CDBAttribute::ICanvasElement_Visible() {
+    return visible_;
+}
+
+void CDBAttribute::ICanvasElement_Visible(bool v) {
+    visible_ = v;
+}
+
+void CDBAttribute::IInterceptableAttribute_SetInterceptor(
+    std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) {
+    interceptor_ = std::move(oAttributeInterceptor);
+}
+
+// ---- Internal ----------------------------------------------------------------------------
+
+void CDBAttribute::SetParent(std::shared_ptr<IAppObject> owner) {
+    parent_ = std::move(owner);
+}
+
+void CDBAttribute::SetName(const std::string& name) {
+    name_ = name;
+}
+
+void CDBAttribute::CreateEditor() {
+    editor_ = nullptr;
+    const std::string editorName = EditorNameFor(snvtType_->ISNVType_GenType());
+    if (editorName.empty()) {
+        return;
+    }
+    // A factory that fails leaves the attribute without an editor, as a headless host does.
+    SkipStep([&] { editor_ = CreateValueEditor(editorName); });
+}
+
+void CDBAttribute::SetGlobalKey(const std::string& key) {
+    globalKey_ = key;
+    if (fields_) {
+        for (const auto& field : fields_->Fields()) {
+            field->SetGlobalKey(key);
+        }
+    }
+}
+
+void CDBAttribute::SetExtendedKey(const std::string& key) {
+    extendedKey_ = key;
+    if (fields_) {
+        for (const auto& field : fields_->Fields()) {
+            field->SetExtendedKey(key);
+        }
+    }
+}
+
+void CDBAttribute::ClearLoadedValue() {
+    value_.clear();
+}
+
+bool CDBAttribute::IsUnitDependent() const {
+    return isUnitDependent_;
+}
+
+bool CDBAttribute::IsUnitSelector() const {
+    return isUnit_;
+}
+
+std::shared_ptr<CDBUnits> CDBAttribute::SelectableUnits() const {
+    return units_;
+}
+
+int32_t CDBAttribute::CDBOrderInPosition() const {
+    return orderInPosition_;
+}
+
+void CDBAttribute::CDBPosition(int32_t v) {
+    position_ = v;
+}
+
+std::shared_ptr<IUnitConverter> CDBAttribute::UnitsManager() {
+    return Owner().UnitsManager();
+}
+
+std::shared_ptr<CDBSNVTType> CDBAttribute::Type() const {
+    return snvtType_;
+}
+
+std::shared_ptr<CDBFields> CDBAttribute::FieldsCollection() const {
+    return fields_;
+}
+
+std::shared_ptr<IValueEditor> CDBAttribute::Editor() const {
+    return editor_;
+}
+
+}  // namespace zerbin

@@ -1,0 +1,313 @@
+// Loading an attribute from its element in the definition file. Every step may fail on its
+// own, in a file written by hand, and the next one still runs: what the user learns of a bad
+// definition are the warnings, never an error.
+#include <cstdint>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "datatypes/CDBFields.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/CDBUnits.h"
+#include "interfaces/Error.h"
+#include "parameters/CDBAttribute.h"
+#include "platform/Messages.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+
+namespace {
+
+constexpr int32_t kFieldNodeType = 10;
+
+std::string AttributePath(const std::string& attributeName, const std::string& tail) {
+    return "AppObject/Attributes/" + attributeName + "/" + tail;
+}
+
+// The text of the first node the path selects; throws when it selects nothing or the node
+// has no text.
+std::string TextAt(pugi::xml_node document, const std::string& path) {
+    return xml::FirstChildText(Need(xml::FindFirst(document, path)));
+}
+
+// A choice of UNITS, TYPES or the device list counts only up to its first ":".
+std::string ChoiceValue(const std::string& normalized) {
+    if (normalized.find(':') != std::string::npos) {
+        return NthToken(normalized, 0, ":");
+    }
+    return normalized;
+}
+
+}  // namespace
+
+void CDBAttribute::ShowLoadWarning(const std::string& lead, const std::string& tail) {
+    // The owner's name is part of the text; without an owner the warning cannot be told.
+    SkipStep([&] {
+        const std::string objectName = Need(parent_).IAppObject_Name();
+        ShowMessage(lead + " not defined into the XML file of the object " + objectName + tail,
+                    "Warning", MessageIcon::Critical);
+    });
+}
+
+void CDBAttribute::LoadDefinition(pugi::xml_node node) {
+    isUnit_ = false;
+
+    for (pugi::xml_attribute key : node.attributes()) {
+        SkipStep([&] { LoadKey(key); });
+    }
+
+    if (interceptor_) {
+        SkipStep([&] {
+            auto self = Self();
+            interceptor_->InterceptUnitDependent(self, isUnitDependent_);
+        });
+        SkipStep([&] {
+            auto self = Self();
+            interceptor_->InterceptDifferential(self, differential_);
+        });
+    }
+
+    for (pugi::xml_node child : node.children()) {
+        if (xml::IsComment(child)) {
+            continue;
+        }
+        SkipStep([&] { LoadElement(child); });
+    }
+
+    if (isUnit_) {
+        return;
+    }
+    if (isDeviceDependent_) {
+        SkipStep([&] { LoadDeviceDependent(deviceKey_); });
+        return;
+    }
+    if (isUnitDependent_) {
+        return;  // the type waits for the unit selector (ApplyFirstUnit)
+    }
+    if (!isType_) {
+        SkipStep([&] { snvtType_->ResolveByID(snvtTypeId_); });
+    }
+
+    // Held for the branches below: the node handles point into it.
+    std::shared_ptr<const pugi::xml_document> definition;
+    SkipStep([&] { definition = Owner().ObjectXML(); });
+    pugi::xml_node document;
+    if (definition) {
+        document = *definition;
+    }
+
+    // A type selector's record came from its choices, not from the dictionary: its class word
+    // is not asked, so neither branch below applies to it.
+    std::string typeClass;
+    if (!isType_) {
+        typeClass = snvtType_->ISNVType_GenType();
+    }
+    if (typeClass == "Struct") {
+        LoadStruct(document);
+    } else if (typeClass == "Float" || typeClass == "UnsignedNumeric" ||
+               typeClass == "SignedNumeric") {
+        LoadNumeric(document);
+    }
+}
+
+void CDBAttribute::LoadKey(pugi::xml_attribute key) {
+    const std::string keyName = UpperCase(xml::BaseName(key));
+    const std::string text = key.value();
+    if (keyName == "KEEPFLOATSTANDARD") {
+        isKeepFloatStandard_ = true;  // presence alone: "0" asks for it as well
+    } else if (keyName == "DIVIDEBY") {
+        divideBy_ = ToInt32(LeadingNumber(text));
+    } else if (keyName == "DEVICEDEPENDENT") {
+        isDeviceDependent_ = true;
+        deviceKey_ = text;
+    } else if (keyName == "UNITDEPENDENT") {
+        isUnitDependent_ = LeadingNumber(text) != 0;
+    } else if (keyName == "DIFFERENTIAL") {
+        differential_ = LeadingNumber(text) != 0;
+    } else if (keyName == "TOOLONLY") {
+        toolOnly_ = LeadingNumber(text) != 0;
+    }
+}
+
+void CDBAttribute::LoadElement(pugi::xml_node child) {
+    const std::string element = UpperCase(xml::BaseName(child));
+    // A missing text reads as the empty one, which is what the warnings below are about.
+    std::string text;
+    auto readText = [&] { SkipStep([&] { text = xml::FirstChildText(child); }); };
+
+    if (element == "DESCRIPTION") {
+        SkipStep([&] { description_ = xml::FirstChildText(child); });
+    } else if (element == "CDBORDERINPOSITION") {
+        readText();
+        SkipStep([&] { orderInPosition_ = ToInt32(LeadingNumber(text)); });
+        if (text.empty()) {
+            ShowLoadWarning(name_ + ": CDBOrderingPosition", ".");
+        }
+    } else if (element == "VISIBLE") {
+        readText();
+        visible_ = LeadingNumber(text) != 0;
+    } else if (element == "SNVTTYPE") {
+        readText();
+        snvtTypeId_ = text;
+        if (text.empty()) {
+            ShowLoadWarning(name_ + ": SNVTType", ".");
+        }
+    } else if (element == "DEFAULTVALUE") {
+        readText();
+        if (text.empty()) {
+            text = "0";
+            ShowLoadWarning(name_ + ": Default value", "; 0 assumed.");
+        }
+        defaultValue_ = text;
+        value_ = text;
+    } else if (element == "UNITS") {
+        LoadUnits(child);
+    } else if (element == "TYPES") {
+        LoadTypes(child);
+    }
+}
+
+void CDBAttribute::LoadUnits(pugi::xml_node units) {
+    isUnit_ = true;
+    snvtType_->SetGenType("Enum");
+    snvtType_->SetLength(1);
+    if (!units_) {
+        units_ = std::make_shared<CDBUnits>();
+    }
+    std::string list;
+    // Deliberately kept from one choice to the next: a choice without text repeats the value
+    // of the one before it.
+    std::string value;
+    for (pugi::xml_node choice : units.children()) {
+        if (xml::IsComment(choice)) {
+            continue;
+        }
+        const std::string unitName = xml::BaseName(choice);
+        const std::string differential = choice.attribute("Differential").value();
+        SkipStep([&] { value = NormalizeDecimal(xml::FirstChildText(choice)); });
+        value = ChoiceValue(value);
+        if (defaultValue_.empty()) {
+            defaultValue_ = value;
+            value_ = defaultValue_;
+        }
+        // A second unit of the same name is refused by the list; its pair is still offered.
+        SkipStep([&] { units_->AddUnit(value, unitName, differential); });
+        list += value + "," + unitName + ";";
+    }
+    snvtType_->SetEnumDesc(list);
+}
+
+void CDBAttribute::LoadTypes(pugi::xml_node types) {
+    isType_ = true;
+    snvtType_->SetGenType("Enum");
+    snvtType_->SetLength(1);
+    std::string list;
+    std::string value;  // kept across choices, as for UNITS
+    for (pugi::xml_node choice : types.children()) {
+        if (xml::IsComment(choice)) {
+            continue;
+        }
+        const std::string typeName = xml::BaseName(choice);
+        SkipStep([&] { value = NormalizeDecimal(xml::FirstChildText(choice)); });
+        value = ChoiceValue(value);
+        if (defaultValue_.empty()) {
+            defaultValue_ = value;
+            // The full write, so that the inputs and outputs take the first type at once.
+            IAttribute_Value(defaultValue_);
+        }
+        list += value + "," + typeName + ";";
+    }
+    snvtType_->SetEnumDesc(list);
+}
+
+// No handling of its own: the first failure ends it, and its caller goes on.
+void CDBAttribute::LoadDeviceDependent(const std::string& key) {
+    snvtType_->SetGenType("Enum");
+    snvtType_->SetLength(1);
+    if (interceptor_) {
+        auto self = Self();
+        if (interceptor_->InterceptDeviceList(self)) {
+            return;
+        }
+    }
+    const auto deviceDocument = Need(parent_).IAppObject_OwnerDeviceXML();
+    const pugi::xml_node list = Need(xml::FindFirst(Need(deviceDocument), "Device/" + key));
+    std::string description;
+    for (pugi::xml_node entry : list.children()) {
+        if (xml::IsComment(entry)) {
+            continue;
+        }
+        const std::string entryName = xml::BaseName(entry);
+        const std::string value = ChoiceValue(NormalizeDecimal(xml::FirstChildText(entry)));
+        if (defaultValue_.empty()) {
+            defaultValue_ = value;
+            value_ = value;
+        }
+        description += value + "," + entryName + ";";
+    }
+    snvtType_->SetEnumDesc(Trim(description));
+}
+
+void CDBAttribute::LoadNumeric(pugi::xml_node document) {
+    // DefaultValue carries the separator in force; Value keeps the text as read, since every
+    // read normalises it again.
+    SkipStep([&] {
+        defaultValue_ = NormalizeDecimal(TextAt(document, AttributePath(name_, "DefaultValue")));
+    });
+    SkipStep([&] {
+        snvtType_->SetMin(NormalizeDecimal(TextAt(document, AttributePath(name_, "Min"))));
+    });
+    SkipStep([&] { min_ = snvtType_->ISNVType_Min(); });
+    SkipStep([&] {
+        snvtType_->SetMax(NormalizeDecimal(TextAt(document, AttributePath(name_, "Max"))));
+    });
+    SkipStep([&] { max_ = snvtType_->ISNVType_Max(); });
+}
+
+void CDBAttribute::LoadStruct(pugi::xml_node document) {
+    SkipStep([&] { fields_ = std::make_shared<CDBFields>(); });
+    SkipStep([&] { Need(fields_).LoadFields(snvtType_->ISNVType_ID(), kFieldNodeType); });
+    value_.clear();
+    defaultValue_.clear();
+    int32_t total = 0;
+
+    if (fields_) {
+        const std::shared_ptr<IUnitsProvider> self = shared_from_this();
+        for (const auto& field : fields_->Fields()) {
+            SkipStep([&] {
+                const int64_t sum =
+                    int64_t{total} + Need(field->IField_SNVTType()).ISNVType_Length();
+                if (sum > INT32_MAX || sum < INT32_MIN) {
+                    throw OverflowError();
+                }
+                total = static_cast<int32_t>(sum);
+            });
+            SkipStep([&] { field->SetParent(self); });
+
+            std::string fieldName;
+            SkipStep([&] { fieldName = field->IField_Name(); });
+            const std::string fieldPath = AttributePath(name_, fieldName + "/");
+            std::string text;
+            SkipStep([&] { text = TextAt(document, fieldPath + "DefaultValue"); });
+            if (text.empty()) {
+                text = "0";
+                ShowLoadWarning(name_ + "." + fieldName + ": Default value", "; 0 assumed.");
+            }
+            SkipStep([&] {
+                const bool textual = Need(field->IField_SNVTType()).ISNVType_GenType() == "Textual";
+                field->DefaultValue(textual ? text : NormalizeDecimal(text));
+            });
+            SkipStep([&] { defaultValue_ += field->IField_DefaultValue() + " "; });
+            SkipStep(
+                [&] { field->SetFieldMin(NormalizeDecimal(TextAt(document, fieldPath + "Min"))); });
+            SkipStep(
+                [&] { field->SetFieldMax(NormalizeDecimal(TextAt(document, fieldPath + "Max"))); });
+        }
+    }
+
+    defaultValue_ = Trim(defaultValue_);
+    value_ = defaultValue_;
+    snvtType_->SetLength(total);
+}
+
+}  // namespace zerbin

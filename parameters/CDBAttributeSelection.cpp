@@ -1,0 +1,220 @@
+// Type and unit selection: the check that keeps a type selector from breaking the block's
+// connections, and the derivation of unit-dependent attributes from a chosen unit.
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/CDBUnits.h"
+#include "interfaces/ICanvasElement.h"
+#include "parameters/CDBAttribute.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+
+namespace {
+
+std::string UnitPath(const std::string& attributeName, const std::string& list,
+                     const std::string& unitName) {
+    return "AppObject/Attributes/" + attributeName + "/" + list + "/" + unitName;
+}
+
+}  // namespace
+
+// ---- Connection check ----------------------------------------------------------------------
+
+// Passes unless a connection from one of the block's outputs, in the macro that holds the
+// block, ends at an input that does not list the new type. A check that cannot run passes.
+bool CDBAttribute::ConnectionCheckPasses(const std::string& text) {
+    std::shared_ptr<IMacro> container;
+    SkipStep([&] {
+        const auto host = Need(parent_).IAppObject_Parent();
+        if (!host) {
+            return;
+        }
+        const auto top = Need(std::dynamic_pointer_cast<IHostContainer>(host)).TopObject();
+        const auto root = Need(std::dynamic_pointer_cast<ITopObject>(top)).RootMacro();
+        container = FindContainer(root, parent_->IAppObject_ExtendedKey());
+    });
+    if (!container) {
+        return true;
+    }
+
+    std::shared_ptr<IOutputs> outputs;
+    SkipStep([&] { outputs = parent_->IAppObject_Outputs(); });
+    if (!outputs) {
+        return true;
+    }
+    for (const auto& output : outputs->IOutputs_NewEnum()) {
+        std::optional<std::vector<std::shared_ptr<IConnection>>> connections;
+        SkipStep([&] { connections = container->Connections(); });
+        std::string outputKey;
+        if (!connections || !SkipStep([&] { outputKey = Need(output).IOutput_GlobalKey(); })) {
+            continue;
+        }
+        for (const auto& connection : *connections) {
+            bool refused = false;
+            SkipStep([&] {
+                const auto source =
+                    std::dynamic_pointer_cast<ISubItemConnable>(Need(connection).Source());
+                if (Need(source).ISubItemConnable_GlobalKey() != outputKey) {
+                    return;
+                }
+                const auto input = std::dynamic_pointer_cast<IInput>(connection->Target());
+                refused = !Need(Need(input).Iinput_SNVTCompatibles()).ICompatibleSNVTs_Exists(text);
+            });
+            if (refused) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+// Depth first in member order; a macro member is searched, never compared with the key.
+std::shared_ptr<IMacro> CDBAttribute::FindContainer(const std::shared_ptr<IMacro>& container,
+                                                    const std::string& key) {
+    for (const auto& member : Need(container).Members()) {
+        std::shared_ptr<IMacro> found;
+        bool matched = false;
+        SkipStep([&] {
+            if (const auto macro = std::dynamic_pointer_cast<IMacro>(member)) {
+                found = FindContainer(macro, key);
+            } else {
+                matched =
+                    Need(std::dynamic_pointer_cast<IAppObject>(member)).IAppObject_ExtendedKey() ==
+                    key;
+            }
+        });
+        if (found) {
+            return found;
+        }
+        if (matched) {
+            return container;
+        }
+    }
+    return nullptr;
+}
+
+// ---- Units ---------------------------------------------------------------------------------
+
+std::shared_ptr<CDBUnit> CDBAttribute::SelectedUnit() const {
+    std::shared_ptr<CDBUnit> selected;
+    if (units_) {
+        for (const auto& unit : units_->NewEnum()) {
+            if (unit && unit->UnitTypeID == value_) {
+                selected = unit;
+            }
+        }
+    }
+    return selected;
+}
+
+void CDBAttribute::RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool absorb) {
+    auto run = [absorb](auto&& step) {
+        if (absorb) {
+            SkipStep(step);
+        } else {
+            step();
+        }
+    };
+    std::shared_ptr<IAttributes> attributes;
+    run([&] { attributes = Need(parent_).IAppObject_Attributes(); });
+    if (!attributes) {
+        return;
+    }
+    for (const auto& member : attributes->IAttributes_NewEnum()) {
+        const auto dependent = std::dynamic_pointer_cast<CDBAttribute>(member);
+        if (!dependent || !dependent->IsUnitDependent()) {
+            continue;
+        }
+        run([&] { dependent->ApplySelectedUnit(unit); });
+        if (interceptor_) {
+            run([&] {
+                std::shared_ptr<IAttribute> reference = dependent;
+                interceptor_->DependentAttributeChanged(reference);
+            });
+        }
+    }
+}
+
+void CDBAttribute::ApplySelectedUnit(const std::shared_ptr<CDBUnit>& unit) {
+    DeriveFromUnit(unit, unit ? unit->UnitTypeID : std::string(), true);
+}
+
+void CDBAttribute::ApplyFirstUnit(CDBAttribute& selector) {
+    std::shared_ptr<CDBUnit> first;
+    SkipStep([&] { first = Need(selector.SelectableUnits()).Item("1"); });
+    DeriveFromUnit(first, selector.IAttribute_DefaultValue(), false);
+}
+
+// The steps shared by the first derivation at creation and a later change of unit: a later
+// change starts from a new type record and tells the listeners.
+void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
+                                  const std::string& converterTypeId, bool change) {
+    std::shared_ptr<const pugi::xml_document> definition;
+    SkipStep([&] { definition = Owner().ObjectXML(); });
+    pugi::xml_node document;
+    if (definition) {
+        document = *definition;
+    }
+
+    if (change) {
+        snvtType_ = std::make_shared<CDBSNVTType>();
+    }
+
+    SkipStep([&] {
+        const auto node =
+            xml::FindFirst(document, UnitPath(name_, "DefaultValues", Need(unit).UnitName));
+        defaultValue_ = node ? NormalizeDecimal(xml::FirstChildText(node))
+                             : NormalizeDecimal(Need(UnitsManager()).DefaultFor(converterTypeId));
+    });
+    value_ = defaultValue_;
+
+    SkipStep([&] {
+        const CDBUnit& chosen = Need(unit);
+        snvtType_->ResolveByID(differential_ && !chosen.DifferentialTypeID.empty()
+                                   ? chosen.DifferentialTypeID
+                                   : chosen.UnitTypeID);
+    });
+
+    auto deriveLimit = [&](const char* list, bool lower) {
+        std::string limit;
+        SkipStep([&] {
+            const auto node = xml::FindFirst(document, UnitPath(name_, list, Need(unit).UnitName));
+            if (node) {
+                limit = NormalizeDecimal(xml::FirstChildText(node));
+            } else {
+                IUnitConverter& converter = Need(UnitsManager());
+                limit = NormalizeDecimal(lower ? converter.MinimumFor(converterTypeId)
+                                               : converter.MaximumFor(converterTypeId));
+            }
+        });
+        if (limit.empty()) {
+            return;  // the record keeps the dictionary's limit, the attribute its former text
+        }
+        if (lower) {
+            snvtType_->SetMin(limit);
+            min_ = limit;
+        } else {
+            snvtType_->SetMax(limit);
+            max_ = limit;
+        }
+    };
+    deriveLimit("MinValues", true);
+    deriveLimit("MaxValues", false);
+
+    if (change) {
+        // The layout gave this attribute the short length once; a new Float type must not
+        // claim more and overlap the next place.
+        if (shortFloatManaged_) {
+            ApplyShortFloat();
+        }
+        RaiseAttributeChanged(true);
+    }
+}
+
+}  // namespace zerbin

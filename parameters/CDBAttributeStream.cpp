@@ -1,0 +1,88 @@
+// The bytes of an attribute in the image of the configuration data block, in both byte
+// orders, and the short float length.
+#include <algorithm>
+#include <cstdint>
+#include <string>
+
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "datatypes/CDBFields.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/SNVTDataConversion.h"
+#include "parameters/CDBAttribute.h"
+
+namespace zerbin {
+
+namespace {
+
+// Digits of a place of that many bytes, kept inside int32 for a length that no real type has.
+int32_t DigitsOf(int64_t bytes) {
+    return static_cast<int32_t>(std::clamp<int64_t>(2 * bytes, INT32_MIN, INT32_MAX));
+}
+
+}  // namespace
+
+int32_t CDBAttribute::TypeFactor(const std::string& typeId) {
+    CDBSNVTType record;
+    record.ResolveByID(typeId);
+    return record.ISNVType_Factor();
+}
+
+std::string CDBAttribute::WriteStream(std::string image) {
+    return WriteImage(std::move(image), false);
+}
+
+std::string CDBAttribute::WriteIntelStream(std::string image) {
+    return WriteImage(std::move(image), true);
+}
+
+// Works on copies: neither Value nor the type record changes.
+std::string CDBAttribute::WriteImage(std::string image, bool intel) {
+    if (toolOnly_) {
+        return image;
+    }
+    const int32_t place = DigitsOf(position_);
+
+    if (fields_) {
+        for (const auto& field : fields_->Fields()) {
+            image = intel ? field->WriteIntelStream(std::move(image), position_)
+                          : field->WriteStream(std::move(image), position_);
+        }
+        return image;
+    }
+
+    if (isUnit_ || isType_) {
+        // The selected type's FACTOR, not the enum code; one byte has no order.
+        int32_t factor = TypeFactor(value_);
+        OverwriteDigits(image, place, HexByte(factor), DigitsOf(snvtType_->ISNVType_Length()));
+        return image;
+    }
+
+    if (isKeepFloatStandard_ && !intel) {
+        std::string copy = value_;
+        OverwriteDigits(image, place, EncodeStream(copy, "Float", 4, 1, 0, 0), 8);
+        return image;
+    }
+
+    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const int32_t length = snvtType_->ISNVType_Length();
+    const int16_t a = NarrowToInt16(snvtType_->ISNVType_ACoef());
+    const int16_t b = NarrowToInt16(snvtType_->ISNVType_BCoef());
+    const int16_t c = NarrowToInt16(snvtType_->ISNVType_CCoef());
+    std::string copy = value_;
+    const std::string digits = intel ? EncodeIntelStream(copy, typeClass, length, a, b, c)
+                                     : EncodeStream(copy, typeClass, length, a, b, c);
+    OverwriteDigits(image, place, digits, DigitsOf(length));
+    return image;
+}
+
+void CDBAttribute::ApplyShortFloat() {
+    shortFloatManaged_ = true;
+    SkipStep([&] {
+        if (snvtType_->ISNVType_GenType() == "Float" && !isKeepFloatStandard_) {
+            snvtType_->SetLength(2);
+        }
+    });
+}
+
+}  // namespace zerbin

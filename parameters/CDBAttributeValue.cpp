@@ -1,0 +1,312 @@
+// The value of an attribute: the write and what it sets off in the block, the reads, the
+// display forms, the editor, the return to the default and the macro terminal test.
+#include <cstdint>
+#include <string>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "datatypes/CDBFields.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/CDBUnits.h"
+#include "datatypes/SNVTDataConversion.h"
+#include "parameters/CDBAttribute.h"
+#include "platform/Messages.h"
+
+namespace zerbin {
+
+namespace {
+
+bool IsNumericClass(const std::string& typeClass) {
+    return typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric" || typeClass == "Float";
+}
+
+// Each part and a blank, the whole trimmed at both ends.
+template <class Part>
+std::string JoinFields(CDBFields& fields, Part part) {
+    std::string joined;
+    for (const auto& field : fields.Fields()) {
+        joined += part(*field) + " ";
+    }
+    return Trim(joined);
+}
+
+// Counts nesting of the value write for as long as it lives.
+class DepthGuard {
+public:
+    explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
+    ~DepthGuard() { --depth_; }
+    DepthGuard(const DepthGuard&) = delete;
+    DepthGuard& operator=(const DepthGuard&) = delete;
+
+private:
+    int& depth_;
+};
+
+}  // namespace
+
+std::string CDBAttribute::StructToken(const std::string& text, int32_t index) const {
+    // Token 0 of a text without blank is empty, which would lose the only value a
+    // one-field structure has.
+    if (fields_ && fields_->Fields().size() == 1 && index == 0 &&
+        text.find(' ') == std::string::npos) {
+        return text;
+    }
+    return NthToken(text, index, " ");
+}
+
+void CDBAttribute::RaiseAttributeChanged(bool absorb) {
+    const std::string key = globalKey_;
+    callbacks_.Raise([&](IcbkAppObject& listener) {
+        if (absorb) {
+            SkipStep([&] { listener.IcbkAppObject_AttributeChanged(key); });
+        } else {
+            listener.IcbkAppObject_AttributeChanged(key);
+        }
+    });
+}
+
+void CDBAttribute::ChangeTypeOfConnections(bool absorb) {
+    auto run = [absorb](auto&& step) {
+        if (absorb) {
+            SkipStep(step);
+        } else {
+            step();
+        }
+    };
+    // A block without inputs or outputs has no collection to walk.
+    std::shared_ptr<IInputs> inputs;
+    run([&] { inputs = Need(parent_).IAppObject_Inputs(); });
+    if (inputs) {
+        for (const auto& input : inputs->IInputs_NewEnum()) {
+            run([&] { Need(input).IInput_changeType(value_); });
+        }
+    }
+    std::shared_ptr<IOutputs> outputs;
+    run([&] { outputs = Need(parent_).IAppObject_Outputs(); });
+    if (outputs) {
+        for (const auto& output : outputs->IOutputs_NewEnum()) {
+            run([&] { Need(output).IOutput_changeType(value_); });
+        }
+    }
+}
+
+// ---- The write -----------------------------------------------------------------------------
+
+void CDBAttribute::IAttribute_Value(std::string Text) {
+    if (writeDepth_ >= kMaxNestedWrites) {
+        return;
+    }
+    DepthGuard depth(writeDepth_);
+
+    if (isType_) {
+        if (Text == value_) {
+            return;
+        }
+        bool accepted = true;
+        SkipStep([&] { accepted = ConnectionCheckPasses(Text); });
+        if (!accepted) {
+            ShowMessage("Type selected (ID: " + Text +
+                            "), is not compatible with the object connections.\r\n"
+                            "Select a compatible type or remove the object connections.",
+                        "Warning: Incompatible type", MessageIcon::Information);
+            return;
+        }
+    }
+
+    SkipStep([&] { StoreValue(Text); });
+
+    if (isUnit_) {
+        // A value that no unit has leaves the dependents as they are: there is nothing to
+        // derive them from, and resetting them to an empty type would lose their values.
+        if (const auto unit = SelectedUnit()) {
+            RederiveDependents(unit, true);
+        }
+    }
+
+    if (isType_) {
+        ChangeTypeOfConnections(true);
+        RaiseAttributeChanged(true);
+    }
+    RaiseAttributeChanged(true);
+
+    if (interceptor_) {
+        SkipStep([&] {
+            auto self = Self();
+            interceptor_->AttributeValueChanged(self);
+        });
+    }
+}
+
+void CDBAttribute::StoreValue(const std::string& text) {
+    if (!fields_) {
+        if (snvtType_->ISNVType_GenType() == "Textual") {
+            value_ = text;
+            return;
+        }
+        value_ = NormalizeDecimal(text);
+        if (divideBy_ > 1) {
+            // LeadingNumber reads the text as it came: "12,5" divides 12.
+            value_ = FormatDouble(LeadingNumber(text) / static_cast<double>(divideBy_));
+        }
+        return;
+    }
+
+    std::string running;
+    int32_t index = 0;
+    for (const auto& field : fields_->Fields()) {
+        SkipStep([&] {
+            const std::string token = StructToken(text, index);
+            field->IField_Value(token);
+            const bool textual = Need(field->IField_SNVTType()).ISNVType_GenType() == "Textual";
+            running += (textual ? token : NormalizeDecimal(token)) + " ";
+        });
+        ++index;
+    }
+    value_ = Trim(running);
+}
+
+// ---- Reads ---------------------------------------------------------------------------------
+
+std::string CDBAttribute::IAttribute_Value() {
+    if (fields_) {
+        return JoinFields(*fields_, [](CDBField& field) { return field.IField_Value(); });
+    }
+    // A text is not a number: its "." or "," stays as the user wrote it.
+    if (snvtType_->ISNVType_GenType() == "Textual") {
+        return value_;
+    }
+    return DecimalToDisplay(value_);
+}
+
+std::string CDBAttribute::IAttribute_DispValue() {
+    const std::string typeClass = snvtType_->ISNVType_GenType();
+    if (IsNumericClass(typeClass)) {
+        const auto converter = UnitsManager();
+        const std::string typeId = snvtType_->ISNVType_ID();
+        return Need(converter).ToDisplayValue(typeId, DecimalToDisplay(value_)) + " " +
+               converter->DisplayUnit(typeId);
+    }
+    if (typeClass == "Enum") {
+        return FormatDisplayValue(DecimalToDisplay(value_), snvtType_->ISNVType_EnumDesc());
+    }
+    if (typeClass == "Bitfield" || typeClass == "Textual") {
+        return Trim(value_);
+    }
+    if (typeClass == "Struct") {
+        // Deliberately writes: after the read the fields hold the tokens of Value.
+        CDBFields& fields = Need(fields_);
+        std::string running;
+        for (int32_t i = 1; i <= fields.IFields_Count(); ++i) {
+            const auto field = fields.IFields_Item(std::to_string(i));
+            Need(field).IField_Value(StructToken(value_, i - 1));
+            running += " " + field->IField_DispValue();
+        }
+        return Trim(running);
+    }
+    return DecimalToDisplay(value_);
+}
+
+std::string CDBAttribute::IAttribute_DispDefault() {
+    const std::string typeClass = snvtType_->ISNVType_GenType();
+    if (IsNumericClass(typeClass)) {
+        return DecimalToDisplay(defaultValue_) + " " + snvtType_->ISNVType_Units();
+    }
+    if (typeClass == "Enum") {
+        return FormatDisplayValue(DecimalToDisplay(defaultValue_), snvtType_->ISNVType_EnumDesc());
+    }
+    if (typeClass == "Bitfield" || typeClass == "Textual") {
+        return Trim(defaultValue_);
+    }
+    if (typeClass == "Struct") {
+        return JoinFields(Need(fields_),
+                          [](CDBField& field) { return field.IField_DispDefault(); });
+    }
+    return DecimalToDisplay(defaultValue_);
+}
+
+std::string CDBAttribute::IAttribute_DispMin() {
+    const std::string typeClass = snvtType_->ISNVType_GenType();
+    if (IsNumericClass(typeClass)) {
+        return DecimalToDisplay(min_) + " " + snvtType_->ISNVType_Units();
+    }
+    if (typeClass == "Struct") {
+        return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMin(); });
+    }
+    return DecimalToDisplay(min_);
+}
+
+std::string CDBAttribute::IAttribute_DispMax() {
+    const std::string typeClass = snvtType_->ISNVType_GenType();
+    if (IsNumericClass(typeClass)) {
+        return DecimalToDisplay(max_) + " " + snvtType_->ISNVType_Units();
+    }
+    if (typeClass == "Struct") {
+        return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMax(); });
+    }
+    return DecimalToDisplay(max_);
+}
+
+// ---- Editor, default, macro ----------------------------------------------------------------
+
+void CDBAttribute::IAttribute_SetValue() {
+    // One step: without an editor nothing opens and nothing is said.
+    SkipStep([&] {
+        IValueEditor& editor = Need(editor_);
+        editor.DataPoint(shared_from_this());
+        editor.ShowModal();
+    });
+}
+
+void CDBAttribute::IAttribute_BackToDefault() {
+    value_ = defaultValue_;
+    if (fields_) {
+        // The fields are the truth of a structure's value: they follow at once rather than
+        // at the next display read.
+        int32_t index = 0;
+        for (const auto& field : fields_->Fields()) {
+            field->IField_Value(StructToken(value_, index++));
+        }
+    }
+    if (isUnit_) {
+        if (const auto unit = SelectedUnit()) {
+            RederiveDependents(unit, false);
+        }
+    }
+    if (isType_) {
+        ChangeTypeOfConnections(false);
+        RaiseAttributeChanged(false);
+    }
+    RaiseAttributeChanged(false);
+}
+
+bool CDBAttribute::IAttribute_IsMacroConnected() {
+    bool connected = false;
+    std::shared_ptr<IMacro> macro;
+    SkipStep([&] {
+        auto host = std::dynamic_pointer_cast<IMacroHost>(Need(parent_).IAppObject_Parent());
+        macro = Need(host).Macro();
+    });
+    if (!macro) {
+        return false;
+    }
+    std::vector<std::shared_ptr<IMacroAttributeGroup>> groups;
+    SkipStep([&] { groups = macro->AttributeGroups(); });
+    for (const auto& group : groups) {
+        std::shared_ptr<IMacroTerminals> terminals;
+        int32_t count = 0;
+        SkipStep([&] {
+            terminals = Need(group).Terminals();
+            count = Need(terminals).Count();
+        });
+        for (int32_t position = 1; position <= count && !connected; ++position) {
+            SkipStep([&] { connected = Need(terminals->Item(position)).ItemKey() == globalKey_; });
+        }
+        if (connected) {
+            break;
+        }
+    }
+    return connected;
+}
+
+}  // namespace zerbin

@@ -1,0 +1,62 @@
+#include "parameters/CDBAttributes.h"
+
+#include "app_object/SkipMode.h"
+
+namespace zerbin {
+
+int32_t CDBAttributes::IAttributes_Count() {
+    return items_.Count();
+}
+
+std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& Key) {
+    std::shared_ptr<IAttribute> found;
+    SkipStep([&] { found = items_.Item(Key); });
+    return found;
+}
+
+std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
+    return {items_.Items().begin(), items_.Items().end()};
+}
+
+std::string CDBAttributes::IAttributes_GlobalKey() {
+    return globalKey_;
+}
+
+std::string CDBAttributes::IAttributes_ExtendedKey() {
+    return extendedKey_;
+}
+
+std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
+    const std::string& name, pugi::xml_node node, std::shared_ptr<IAppObject> owner,
+    std::shared_ptr<AttributeInterceptor> interceptor) {
+    auto attribute = std::make_shared<CDBAttribute>();
+    attribute->IInterceptableAttribute_SetInterceptor(std::move(interceptor));
+    // Owner and name come first: the warnings of the load name both, and the load reaches
+    // the block's documents through the owner.
+    attribute->SetParent(std::move(owner));
+    attribute->SetName(name);
+    attribute->LoadDefinition(node);
+    items_.Add(name, attribute);
+    attribute->CreateEditor();
+    return attribute;
+}
+
+void CDBAttributes::PropagateGlobalKey(const std::string& key) {
+    globalKey_ = key;
+    for (const auto& attribute : items_.Items()) {
+        attribute->SetGlobalKey(key + "\\" + attribute->IAttribute_Name());
+    }
+}
+
+void CDBAttributes::PropagateExtendedKey(const std::string& key) {
+    extendedKey_ = key;
+    for (const auto& attribute : items_.Items()) {
+        attribute->SetExtendedKey(key + "\\" + attribute->IAttribute_Name());
+    }
+}
+
+const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::Members() const {
+    return items_.Items();
+}
+
+}  // namespace zerbin
