@@ -1,0 +1,127 @@
+#include "datatypes/SnvtDictionary.h"
+
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+
+#include "app_object/MMain.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+namespace {
+
+constexpr std::string_view kEntryPrefix = "SNVT_";
+constexpr std::string_view kRootName = "SNVTS";
+
+// The entries and their children of one dictionary document, first match in document order.
+// Children are keyed "id/childName": neither an element name nor an indexed id holds "/".
+struct SnvtIndex {
+    std::weak_ptr<const pugi::xml_document> document;
+    std::unordered_map<std::string, pugi::xml_node> entries;
+    std::unordered_map<std::string, pugi::xml_node> children;
+};
+
+bool IsElementNamed(pugi::xml_node node, std::string_view name) {
+    return node.type() == pugi::node_element && name == node.name();
+}
+
+// The id of an entry element: the text after "SNVT_" of an element whose parent is "SNVTS".
+bool EntryId(pugi::xml_node node, std::string_view& id) {
+    if (node.type() != pugi::node_element || !IsElementNamed(node.parent(), kRootName)) {
+        return false;
+    }
+    const std::string_view name = node.name();
+    if (name.substr(0, kEntryPrefix.size()) != kEntryPrefix) {
+        return false;
+    }
+    id = name.substr(kEntryPrefix.size());
+    return true;
+}
+
+void Index(SnvtIndex& index, const pugi::xml_document& document) {
+    // Iterative pre-order walk, which visits nodes in document order, so try_emplace keeps
+    // the first match. No recursion: dictionaries may nest deeper than any call stack.
+    pugi::xml_node node = document.first_child();
+    while (node) {
+        std::string_view id;
+        if (EntryId(node, id)) {
+            index.entries.try_emplace(std::string(id), node);
+        } else if (node.type() == pugi::node_element && EntryId(node.parent(), id)) {
+            std::string key(id);
+            key += '/';
+            key += node.name();
+            index.children.try_emplace(std::move(key), node);
+        }
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling()) {
+            node = node.parent();
+        }
+        if (node) {
+            node = node.next_sibling();
+        }
+    }
+}
+
+SnvtIndex& IndexSlot() {
+    static SnvtIndex index;
+    return index;
+}
+
+// The index of the dictionary installed now, built on first use after a change.
+const SnvtIndex* CurrentIndex() {
+    const std::shared_ptr<const pugi::xml_document> document = SnvtDictionary();
+    if (!document) {
+        return nullptr;
+    }
+    SnvtIndex& index = IndexSlot();
+    // Owner comparison, not addresses: a new document may reuse a freed one's address.
+    const bool same = !index.document.owner_before(document) &&
+                      !document.owner_before(index.document) && !index.document.expired();
+    if (!same) {
+        index = SnvtIndex{};
+        index.document = document;
+        Index(index, *document);
+    }
+    return &index;
+}
+
+bool HasSlash(const std::string& text) {
+    return text.find('/') != std::string::npos;
+}
+
+}  // namespace
+
+pugi::xml_node FindSnvtEntry(const std::string& id) {
+    const SnvtIndex* index = CurrentIndex();
+    if (index == nullptr) {
+        return {};
+    }
+    if (HasSlash(id)) {
+        // The id then reaches into the path itself ("105/NAME"); only a search answers that.
+        return xml::FindFirst(*SnvtDictionary(), std::string(kRootName) + "/SNVT_" + id);
+    }
+    const auto found = index->entries.find(id);
+    return found == index->entries.end() ? pugi::xml_node{} : found->second;
+}
+
+pugi::xml_node FindSnvtChild(const std::string& id, const std::string& childName) {
+    const SnvtIndex* index = CurrentIndex();
+    if (index == nullptr) {
+        return {};
+    }
+    if (HasSlash(id) || HasSlash(childName) || childName.empty()) {
+        return xml::FindFirst(*SnvtDictionary(),
+                              std::string(kRootName) + "/SNVT_" + id + "/" + childName);
+    }
+    const auto found = index->children.find(id + "/" + childName);
+    return found == index->children.end() ? pugi::xml_node{} : found->second;
+}
+
+void InvalidateSnvtIndex() {
+    IndexSlot() = SnvtIndex{};
+}
+
+}  // namespace zerbin
