@@ -264,13 +264,15 @@ double LeadingNumber(const std::string& text) {
     };
 
     skip();
-    if (i + 1 < text.size() && text[i] == '&') {
-        const char radix = AsciiUpper(text[i + 1]);
+    if (i < text.size() && text[i] == '&') {
+        ++i;
+        skip();
+        const char radix = i < text.size() ? AsciiUpper(text[i]) : '\0';
         if (radix == 'H') {
-            return ReadRadixDigits(text, i + 2, 16);
+            return ReadRadixDigits(text, i + 1, 16);
         }
         if (radix == 'O') {
-            return ReadRadixDigits(text, i + 2, 8);
+            return ReadRadixDigits(text, i + 1, 8);
         }
         return 0.0;
     }
