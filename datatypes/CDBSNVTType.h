@@ -47,6 +47,12 @@ public:
     void SetMax(const std::string& v);
 
 private:
+    // Sets LUIType and Length for the class word in GenType and reads its details.
+    void ApplyTypeClass();
+    void LoadEnums();
+    void LoadNumericDetails();
+    void LoadTextDetails();
+
     std::string enumDesc_;
     std::string genType_;
     std::string invalidValue_;

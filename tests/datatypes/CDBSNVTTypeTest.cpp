@@ -1,0 +1,302 @@
+#include "datatypes/CDBSNVTType.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/Messages.h"
+#include "tests/TestSupport.h"
+#include "tests/datatypes/DictionaryFixture.h"
+
+namespace zerbin {
+namespace {
+
+using testing::ScopedDictionary;
+using testing::Snvts;
+using Texts = std::vector<std::string>;
+
+Texts TextsOf(const std::vector<Message>& messages) {
+    Texts texts;
+    for (const Message& message : messages) {
+        texts.push_back(message.text);
+    }
+    return texts;
+}
+
+// Resolves id against the entries given and keeps the messages shown on the way.
+struct Resolved {
+    std::shared_ptr<CDBSNVTType> type = std::make_shared<CDBSNVTType>();
+    Texts messages;
+};
+
+Resolved Resolve(const std::string& entries, const std::string& id) {
+    ScopedDictionary installed(Snvts(entries));
+    ScopedMessageRecorder recorder;
+    Resolved resolved;
+    resolved.type->ResolveByID(id);
+    resolved.messages = TextsOf(recorder.Messages());
+    return resolved;
+}
+
+constexpr const char* kTemperature = R"(
+  <SNVT_105 FACTOR="7" R7REGION="3">
+    <NAME>Temperature</NAME><TYPE>SignedNumeric</TYPE><UNIT>degrees</UNIT>
+    <BACNETUNIT>degrees-celsius</BACNETUNIT><MIN>-50</MIN><MAX>150,5</MAX><LENGTH>2</LENGTH>
+    <A_COEF>1</A_COEF><B_COEF>-2</B_COEF><C_COEF>0</C_COEF><INVALIDVALUE>327.67</INVALIDVALUE>
+  </SNVT_105>)";
+
+TEST(CDBSNVTType, NewRecordHoldsDefaults) {
+    CDBSNVTType type;
+    EXPECT_EQ(type.ISNVType_ID(), "");
+    EXPECT_EQ(type.ISNVType_GenType(), "");
+    EXPECT_EQ(type.ISNVType_Length(), 0);
+    EXPECT_EQ(type.ISNVType_Factor(), 0);
+    EXPECT_EQ(type.ISNVType_Min(), "");
+    EXPECT_FALSE(type.ISNVType_HasField());
+    EXPECT_FALSE(type.IEnumType_IsEnumType());
+}
+
+TEST(CDBSNVTType, ResolvesEveryKeyOfANumericEntry) {
+    const Resolved r = Resolve(kTemperature, "105");
+    CDBSNVTType& t = *r.type;
+    EXPECT_TRUE(r.messages.empty());
+    EXPECT_EQ(t.ISNVType_ID(), "105");
+    EXPECT_EQ(t.ISNVType_Factor(), 7);
+    EXPECT_EQ(t.ISNVType_R7Region(), 3);
+    EXPECT_EQ(t.ISNVType_Name(), "Temperature");
+    EXPECT_EQ(t.ISNVType_GenType(), "SignedNumeric");
+    EXPECT_EQ(t.ISNVType_LUIType(), "Numeric");
+    EXPECT_EQ(t.ISNVType_Units(), "degrees");
+    EXPECT_EQ(t.ISNVType_BACnetUnits(), "degrees-celsius");
+    EXPECT_EQ(t.ISNVType_Min(), "-50");
+    EXPECT_EQ(t.ISNVType_Max(), "150.5");
+    EXPECT_EQ(t.ISNVType_Length(), 2);
+    EXPECT_EQ(t.ISNVType_ACoef(), 1);
+    EXPECT_EQ(t.ISNVType_BCoef(), -2);
+    EXPECT_EQ(t.ISNVType_CCoef(), 0);
+    EXPECT_EQ(t.ISNVType_InvalidValue(), "327.67");
+    EXPECT_EQ(t.ISNVType_EnumDesc(), "");
+}
+
+TEST(CDBSNVTType, LimitsFollowTheSeparatorInForceAtTheRead) {
+    const Resolved r = Resolve(
+        "<SNVT_1><TYPE>Float</TYPE><LENGTH>4</LENGTH><MIN>-5,5</MIN>"
+        "<MAX>2.25</MAX><INVALIDVALUE>1,5</INVALIDVALUE></SNVT_1>",
+        "1");
+    EXPECT_EQ(r.type->ISNVType_Min(), "-5.5");
+    EXPECT_EQ(r.type->ISNVType_InvalidValue(), "1.5");
+    testing::ScopedLocale comma;
+    ZERBIN_REQUIRE_COMMA_LOCALE(comma);
+    EXPECT_EQ(r.type->ISNVType_Min(), "-5,5");
+    EXPECT_EQ(r.type->ISNVType_Max(), "2,25");
+}
+
+TEST(CDBSNVTType, TypeClassesSetFamilyLengthAndDetails) {
+    struct Row {
+        const char* children;
+        const char* luiType;
+        int32_t length;
+        Texts messages;
+    };
+    const std::string badType = "Error: SNVT_9 has a bad type";
+    const std::string badLength = "Error: SNVT_9 has a bad Length";
+    const Row rows[] = {
+        {"<TYPE>Enum</TYPE><LENGTH>4</LENGTH>", "Logic", 1, {}},
+        {"<LENGTH>4</LENGTH><TYPE>Struct</TYPE>", "Invalid", 0, {}},
+        {"<TYPE>Float</TYPE><LENGTH>4</LENGTH>", "Float", 4, {}},
+        {"<LENGTH>2</LENGTH><TYPE>Float</TYPE>", "Float", 2, {}},
+        {"<TYPE>Textual</TYPE><LENGTH>31</LENGTH>", "Textual", 31, {}},
+        {"<TYPE>Textual</TYPE>", "Textual", 0, {}},
+        {"<TYPE>UnsignedNumeric</TYPE><LENGTH>1</LENGTH>", "Numeric", 1, {}},
+        {"<TYPE>Bitfield</TYPE><LENGTH>2</LENGTH>", "Numeric", 2, {}},
+        {"<TYPE>SignedNumeric</TYPE>", "Numeric", 0, {badLength}},
+        {"<TYPE>Float</TYPE><LENGTH>0</LENGTH>", "Float", 0, {badLength}},
+        {"<TYPE>Float</TYPE><LENGTH/>", "Float", 0, {badLength}},
+        {"<TYPE>Float</TYPE><LENGTH>99999999999</LENGTH>", "Float", 0, {badLength}},
+        {"<TYPE>UnsignedNumeric</TYPE><LENGTH>300</LENGTH>", "Numeric", 300, {}},
+        {"<TYPE>Bitfield</TYPE><LENGTH>1.5</LENGTH>", "Numeric", 2, {}},
+        {"<type>Float</type><length>4</length>", "Float", 4, {}},
+        {"<TYPE>float</TYPE><LENGTH>4</LENGTH>", "", 0, {badType}},
+        {"<TYPE>ENUM</TYPE>", "", 0, {badType}},
+        {"<TYPE> Enum</TYPE>", "", 0, {badType}},
+        {"<LENGTH>4</LENGTH>", "", 0, {}},
+    };
+    for (const Row& row : rows) {
+        const Resolved r = Resolve(std::string("<SNVT_9>") + row.children + "</SNVT_9>", "9");
+        EXPECT_EQ(r.type->ISNVType_LUIType(), row.luiType) << row.children;
+        EXPECT_EQ(r.type->ISNVType_Length(), row.length) << row.children;
+        EXPECT_EQ(r.messages, row.messages) << row.children;
+    }
+}
+
+TEST(CDBSNVTType, MessagesAreOkBoxesWithTheDefaultTitle) {
+    ScopedDictionary installed(Snvts("<SNVT_9><TYPE>Foo</TYPE></SNVT_9>"));
+    ScopedMessageRecorder recorder;
+    CDBSNVTType type;
+    type.ResolveByID("9");
+    ASSERT_EQ(recorder.Messages().size(), 1u);
+    EXPECT_EQ(recorder.Messages()[0].title, "Zerbin");
+    EXPECT_EQ(recorder.Messages()[0].buttons, MessageButtons::Ok);
+    EXPECT_EQ(type.ISNVType_GenType(), "Foo") << "a bad word is kept";
+    EXPECT_FALSE(type.IEnumType_IsEnumType());
+}
+
+TEST(CDBSNVTType, AMissingEntryIsReportedOnce) {
+    const Resolved r = Resolve(kTemperature, "106");
+    EXPECT_EQ(r.messages, Texts{"Error: SNVT_106 is not defined"});
+    EXPECT_EQ(r.type->ISNVType_ID(), "106");
+    EXPECT_EQ(r.type->ISNVType_Length(), 0);
+    EXPECT_EQ(r.type->ISNVType_GenType(), "");
+
+    ScopedDictionary none(std::shared_ptr<const pugi::xml_document>{});
+    ScopedMessageRecorder recorder;
+    CDBSNVTType type;
+    type.ResolveByID("105");
+    EXPECT_EQ(TextsOf(recorder.Messages()), Texts{"Error: SNVT_105 is not defined"});
+}
+
+TEST(CDBSNVTType, AFailingStepIsReportedAndTheWalkGoesOn) {
+    const std::string notDefined = "Error: SNVT_4 is not defined";
+    const Resolved r = Resolve(R"(<SNVT_4 FACTOR="1e10" R7REGION="2.5">
+        <NAME/><TYPE>Float</TYPE><LENGTH>4</LENGTH><NAME>later name</NAME></SNVT_4>)",
+                               "4");
+    EXPECT_EQ(r.messages, (Texts{notDefined, notDefined}));
+    EXPECT_EQ(r.type->ISNVType_Factor(), 0);
+    EXPECT_EQ(r.type->ISNVType_R7Region(), 2);
+    EXPECT_EQ(r.type->ISNVType_Name(), "later name");
+    EXPECT_EQ(r.type->ISNVType_Length(), 4);
+
+    const Resolved empty = Resolve("<SNVT_4><TYPE></TYPE><NAME>n</NAME></SNVT_4>", "4");
+    EXPECT_EQ(empty.messages, Texts{notDefined});
+    EXPECT_EQ(empty.type->ISNVType_Name(), "n");
+    EXPECT_EQ(empty.type->ISNVType_LUIType(), "");
+}
+
+TEST(CDBSNVTType, WholeNumbersRoundHalfToEven) {
+    struct Row {
+        const char* text;
+        int32_t value;
+    };
+    const Row rows[] = {{"2.5", 2}, {"3.5", 4},   {"-2.5", -2},  {"0.5", 0},
+                        {"1.5", 2}, {"&H10", 16}, {"12abc", 12}, {"abc", 0}};
+    for (const Row& row : rows) {
+        const std::string text = row.text;
+        const Resolved r =
+            Resolve("<SNVT_3 FACTOR=\"" + text + "\"><TYPE>Float</TYPE><LENGTH>4</LENGTH><A_COEF>" +
+                        text + "</A_COEF></SNVT_3>",
+                    "3");
+        EXPECT_EQ(r.type->ISNVType_Factor(), row.value) << text;
+        EXPECT_EQ(r.type->ISNVType_ACoef(), row.value) << text;
+    }
+}
+
+TEST(CDBSNVTType, DetailsPassOverTheirFailuresSilently) {
+    const Resolved r = Resolve(R"(<SNVT_5><TYPE>UnsignedNumeric</TYPE><LENGTH>2</LENGTH>
+        <!-- <UNIT>commented</UNIT> --><UNIT/><MIN></MIN><MAX>10</MAX>
+        <A_COEF>99999999999</A_COEF><B_COEF/><C_COEF>-3</C_COEF><Unknown>1</Unknown></SNVT_5>)",
+                               "5");
+    EXPECT_TRUE(r.messages.empty());
+    EXPECT_EQ(r.type->ISNVType_Units(), "");
+    EXPECT_EQ(r.type->ISNVType_Min(), "");
+    EXPECT_EQ(r.type->ISNVType_Max(), "10");
+    EXPECT_EQ(r.type->ISNVType_ACoef(), 0);
+    EXPECT_EQ(r.type->ISNVType_BCoef(), 0);
+    EXPECT_EQ(r.type->ISNVType_CCoef(), -3);
+}
+
+TEST(CDBSNVTType, TextualEntriesTakeTheLengthOnly) {
+    const Resolved r = Resolve(R"(<SNVT_6><TYPE>Textual</TYPE><UNIT>u</UNIT><MIN>1</MIN>
+        <MAX>9</MAX><A_COEF>1</A_COEF><LENGTH>14</LENGTH><INVALIDVALUE>x</INVALIDVALUE>
+        </SNVT_6>)",
+                               "6");
+    EXPECT_EQ(r.type->ISNVType_Length(), 14);
+    EXPECT_EQ(r.type->ISNVType_Units(), "");
+    EXPECT_EQ(r.type->ISNVType_Min(), "");
+    EXPECT_EQ(r.type->ISNVType_Max(), "");
+    EXPECT_EQ(r.type->ISNVType_ACoef(), 0);
+    EXPECT_EQ(r.type->ISNVType_InvalidValue(), "");
+}
+
+TEST(CDBSNVTType, EnumerationsListTheirChildrenInDocumentOrder) {
+    struct Row {
+        const char* enums;
+        const char* desc;
+    };
+    const Row rows[] = {
+        {"<Enums><ON>1</ON><OFF>0</OFF></Enums>", "1,ON;0,OFF;"},
+        {"<Enums><A>0</A><!-- <X>9</X> --><B>1</B></Enums>", "0,A;1,B;"},
+        {"<Enums><A>5</A><B/><C>7</C></Enums>", "5,A;5,B;7,C;"},
+        {"<Enums><A/><B>2</B></Enums>", ",A;2,B;"},
+        {"<Enums/>", ""},
+        {"", ""},
+        {"<enums><A>1</A></enums>", ""},
+        {"<Enums><p:A xmlns:p='urn:x'>3</p:A></Enums>", "3,A;"},
+    };
+    for (const Row& row : rows) {
+        const Resolved r =
+            Resolve(std::string("<SNVT_106><TYPE>Enum</TYPE>") + row.enums + "</SNVT_106>", "106");
+        EXPECT_EQ(r.type->ISNVType_EnumDesc(), row.desc) << row.enums;
+        EXPECT_TRUE(r.type->IEnumType_IsEnumType());
+        EXPECT_TRUE(r.messages.empty());
+    }
+}
+
+TEST(CDBSNVTType, EnumerationsMayComeFromALaterEntryOfTheSameId) {
+    const Resolved r = Resolve(
+        "<SNVT_7><TYPE>Enum</TYPE></SNVT_7>"
+        "<SNVT_7><TYPE>Float</TYPE><Enums><X>4</X></Enums></SNVT_7>",
+        "7");
+    EXPECT_EQ(r.type->ISNVType_EnumDesc(), "4,X;");
+}
+
+TEST(CDBSNVTType, ResolvingAgainClearsNothing) {
+    ScopedDictionary installed(Snvts(
+        std::string(kTemperature) +
+        "<SNVT_106><TYPE>Enum</TYPE><Enums><OFF>0</OFF></Enums></SNVT_106>"
+        "<SNVT_63><NAME>Float temperature</NAME><TYPE>Float</TYPE><LENGTH>4</LENGTH></SNVT_63>"));
+    ScopedMessageRecorder recorder;
+    CDBSNVTType type;
+    type.ResolveByID("106");
+    type.ResolveByID("105");
+    EXPECT_EQ(type.ISNVType_EnumDesc(), "0,OFF;") << "an earlier enumeration stays behind";
+    EXPECT_EQ(type.ISNVType_Length(), 2);
+    type.ResolveByID("63");
+    EXPECT_EQ(type.ISNVType_ID(), "63");
+    EXPECT_EQ(type.ISNVType_Name(), "Float temperature");
+    EXPECT_EQ(type.ISNVType_Length(), 4);
+    EXPECT_EQ(type.ISNVType_Units(), "degrees") << "a key the new entry lacks keeps its value";
+    EXPECT_EQ(type.ISNVType_Factor(), 7);
+    EXPECT_TRUE(recorder.Messages().empty());
+}
+
+TEST(CDBSNVTType, SettersChangeOneFieldEach) {
+    const Resolved r = Resolve(kTemperature, "105");
+    CDBSNVTType& t = *r.type;
+    t.SetGenType("Enum");
+    t.SetLength(1);
+    t.SetEnumDesc("0,A;");
+    t.SetMin("1,5");
+    t.SetMax("9");
+    EXPECT_EQ(t.ISNVType_GenType(), "Enum");
+    EXPECT_EQ(t.ISNVType_LUIType(), "Numeric");
+    EXPECT_EQ(t.ISNVType_Length(), 1);
+    EXPECT_EQ(t.ISNVType_EnumDesc(), "0,A;");
+    EXPECT_EQ(t.ISNVType_Min(), "1.5") << "read through DecimalToDisplay";
+    EXPECT_EQ(t.ISNVType_Max(), "9");
+    EXPECT_EQ(t.ISNVType_Units(), "degrees");
+    t.IEnumType_EnumDesc("1,B;");
+    EXPECT_EQ(t.ISNVType_EnumDesc(), "1,B;");
+    EXPECT_EQ(t.IEnumType_EnumDesc(), "1,B;");
+}
+
+TEST(CDBSNVTType, AStructHasNoFieldFlag) {
+    const Resolved r =
+        Resolve("<SNVT_8><TYPE>Struct</TYPE><Fields><a>1</a></Fields></SNVT_8>", "8");
+    EXPECT_FALSE(r.type->ISNVType_HasField());
+    EXPECT_EQ(r.type->ISNVType_LUIType(), "Invalid");
+}
+
+}  // namespace
+}  // namespace zerbin
