@@ -1,0 +1,446 @@
+#include "connections/CDBInput.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "datatypes/CDBSNVTType.h"
+#include "interfaces/Error.h"
+#include "platform/Messages.h"
+#include "tests/connections/ConnectionsTestSupport.h"
+#include "tests/support/FakeAppObject.h"
+#include "tests/support/FakeAttributes.h"
+#include "tests/support/MacroDoubles.h"
+#include "tests/support/RecordingListener.h"
+
+namespace zerbin {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using namespace zerbin::testing;
+
+std::vector<std::string> CompatibleIds(CDBInput& input) {
+    std::vector<std::string> ids;
+    for (const auto& entry : input.Iinput_SNVTCompatibles()->ICompatibleSNVTs_NewEnum()) {
+        ids.push_back(entry->ICompatibleSNVT_ID());
+    }
+    return ids;
+}
+
+class InputTest : public ::testing::Test {
+public:
+    InputTest() { block->name = "Loop"; }
+
+    // An input loaded from the element, as the collection builds one.
+    std::shared_ptr<CDBInput> Load(const std::string& text) {
+        element = ParseElement(text);
+        auto input = std::make_shared<CDBInput>();
+        input->SetParent(block);
+        input->SetName(element.Name());
+        input->LoadDefinition(element.node);
+        input->SetGlobalKey("K\\RIN\\" + element.Name());
+        return input;
+    }
+
+    ScopedMessageRecorder messages;
+    std::shared_ptr<FakeAppObject> block = std::make_shared<FakeAppObject>();
+    DefinitionElement element;
+};
+
+// ---- Definition ------------------------------------------------------------------------------
+
+TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
+    struct Row {
+        const char* xml;
+        bool extended;
+        bool typeDependent;
+        bool mandatory;
+        bool visible;
+        int32_t order;
+        std::vector<std::string> compatibles;
+    };
+    const Row rows[] = {
+        {"<In/>", false, false, false, false, 0, {}},
+        // Flags by presence: the value is never read.
+        {R"(<In ISEXTENDED="0" TYPEDEPENDENT="false"/>)", true, true, false, false, 0, {}},
+        {R"(<In isExtended=""/>)", true, false, false, false, 0, {}},
+        {"<In><MANDATORY>2</MANDATORY></In>", false, false, true, false, 0, {}},
+        {"<In><MANDATORY>0.0</MANDATORY></In>", false, false, false, false, 0, {}},
+        {"<In><Mandatory>x1</Mandatory></In>", false, false, false, false, 0, {}},
+        {"<In><visible>-1</visible></In>", false, false, false, true, 0, {}},
+        {"<In><VISIBLE>1</VISIBLE><VISIBLE>0</VISIBLE></In>", false, false, false, false, 0, {}},
+        {"<In><CDBORDERINPOSITION>2.5</CDBORDERINPOSITION></In>",
+         false,
+         false,
+         false,
+         false,
+         2,
+         {}},
+        {"<In><CDBORDERINPOSITION>3.5</CDBORDERINPOSITION></In>",
+         false,
+         false,
+         false,
+         false,
+         4,
+         {}},
+        {"<In><CDBORDERINPOSITION> 7 bytes</CDBORDERINPOSITION></In>",
+         false,
+         false,
+         false,
+         false,
+         7,
+         {}},
+        {"<In><CDBORDERINPOSITION>&amp;H10</CDBORDERINPOSITION></In>",
+         false,
+         false,
+         false,
+         false,
+         16,
+         {}},
+        {"<In><CDBORDERINPOSITION>4</CDBORDERINPOSITION><CDBORDERINPOSITION>9</CDBORDERINPOSITION>"
+         "</In>",
+         false,
+         false,
+         false,
+         false,
+         9,
+         {}},
+        // Repeated lists add up; an id that is there already is passed over.
+        {"<In><SNVTCOMPATIBILITYLIST>105,106</SNVTCOMPATIBILITYLIST>"
+         "<snvtCompatibilityList>107,105</snvtCompatibilityList></In>",
+         false,
+         false,
+         false,
+         false,
+         0,
+         {"105", "106", "107"}},
+        // Children are matched by their local name; comments and unknown children are passed
+        // by, even ones that hold no text.
+        {R"(<In xmlns:d="urn:d"><d:VISIBLE>1</d:VISIBLE></In>)", false, false, false, true, 0, {}},
+        {"<In><!--<VISIBLE>1</VISIBLE>--><Other/><Note>x</Note></In>",
+         false,
+         false,
+         false,
+         false,
+         0,
+         {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.xml);
+        auto input = Load(row.xml);
+        EXPECT_EQ(input->IInput_Extended(), row.extended);
+        EXPECT_EQ(input->IInput_Mandatory(), row.mandatory);
+        EXPECT_EQ(input->IInput_Visible(), row.visible);
+        EXPECT_EQ(input->ICanvasElement_Visible(), row.visible);
+        EXPECT_EQ(input->CDBOrderInPosition(), row.order);
+        EXPECT_EQ(CompatibleIds(*input), row.compatibles);
+        // Type dependence shows only in what a type change does.
+        input->IInput_changeType("999");
+        EXPECT_EQ(CompatibleIds(*input) == std::vector<std::string>{"999"}, row.typeDependent);
+    }
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+TEST_F(InputTest, WarnsAboutAnEmptyOrderOrCompatibilityListAndGoesOn) {
+    struct Row {
+        const char* xml;
+        const char* warning;
+    };
+    const Row rows[] = {
+        {"<Setpoint><CDBORDERINPOSITION><![CDATA[]]></CDBORDERINPOSITION>"
+         "<VISIBLE>1</VISIBLE></Setpoint>",
+         "Setpoint: CDBOrderingPosition not defined into the XML file of the object Loop."},
+        {"<Setpoint><SNVTCOMPATIBILITYLIST><![CDATA[]]></SNVTCOMPATIBILITYLIST>"
+         "<VISIBLE>1</VISIBLE></Setpoint>",
+         "Setpoint: SNVT Compatibility list not defined into the XML file of the object Loop."},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.xml);
+        messages.recorder().Clear();
+        auto input = Load(row.xml);
+        ASSERT_EQ(messages.Messages().size(), 1u);
+        const Message& shown = messages.Messages()[0];
+        EXPECT_EQ(shown.text, row.warning);
+        EXPECT_EQ(shown.title, "Warning");
+        EXPECT_EQ(shown.icon, MessageIcon::Critical);
+        EXPECT_EQ(shown.buttons, MessageButtons::Ok);
+        EXPECT_EQ(input->CDBOrderInPosition(), 0);
+        EXPECT_THAT(CompatibleIds(*input), IsEmpty());
+        EXPECT_TRUE(input->IInput_Visible());  // the load went on
+    }
+}
+
+TEST_F(InputTest, LoadDefinitionRaisesOnAChildWithoutText) {
+    for (const char* text : {
+             "<In><VISIBLE/></In>",
+             "<In><MANDATORY></MANDATORY></In>",
+             "<In><CDBORDERINPOSITION><N>1</N></CDBORDERINPOSITION></In>",
+             "<In><SNVTCOMPATIBILITYLIST/></In>",
+         }) {
+        SCOPED_TRACE(text);
+        EXPECT_THROW(Load(text), Error);
+    }
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+// ---- Type change -----------------------------------------------------------------------------
+
+TEST_F(InputTest, TypeChangeReplacesTheSetAndTellsEachListenerInPairs) {
+    auto input =
+        Load(R"(<In TYPEDEPENDENT=""><SNVTCOMPATIBILITYLIST>1,2</SNVTCOMPATIBILITYLIST></In>)");
+    auto journal = std::make_shared<CallJournal>();
+    input->IInput_CallBack(std::make_shared<RecordingListener>("first", journal));
+    input->IInput_CallBack(std::make_shared<RecordingListener>("second", journal));
+    auto type = std::make_shared<CDBSNVTType>();
+    input->ISubItemConnable_ConnectedType(type);
+    input->ISubItemConnable_IsConnected(true);
+    const auto oldSet = input->Iinput_SNVTCompatibles();
+
+    input->IInput_changeType("105,106");
+
+    EXPECT_THAT(journal->Lines(), ElementsAre("first ConnectionToBeDeleted(K\\RIN\\In)",
+                                              "first RefInTypeChanged(K\\RIN\\In)",
+                                              "second ConnectionToBeDeleted(K\\RIN\\In)",
+                                              "second RefInTypeChanged(K\\RIN\\In)"));
+    EXPECT_THAT(CompatibleIds(*input), ElementsAre("105", "106"));
+    // The set is replaced, not cleared: whoever holds the old one keeps what it held.
+    EXPECT_NE(input->Iinput_SNVTCompatibles(), oldSet);
+    EXPECT_EQ(oldSet->ICompatibleSNVTs_Count(), 2);
+    EXPECT_EQ(input->IInput_ConnectedType(), type);
+    EXPECT_TRUE(input->IInput_IsConnected());
+}
+
+TEST_F(InputTest, TypeChangeOfAnInputThatDoesNotFollowTheSelectorDoesNothing) {
+    auto input = Load("<In><SNVTCOMPATIBILITYLIST>1,2</SNVTCOMPATIBILITYLIST></In>");
+    auto listener = std::make_shared<RecordingListener>();
+    input->IInput_CallBack(listener);
+    input->IInput_changeType("105");
+    EXPECT_THAT(CompatibleIds(*input), ElementsAre("1", "2"));
+    EXPECT_THAT(listener->Calls(), IsEmpty());
+}
+
+TEST_F(InputTest, ListenersAreServedByRegistrationAndATwiceRegisteredOneHearsTwice) {
+    auto input = Load(R"(<In TYPEDEPENDENT=""/>)");
+    input->IInput_changeType("105");  // no listener yet: nothing to tell, nothing fails
+    auto journal = std::make_shared<CallJournal>();
+    auto once = std::make_shared<RecordingListener>("once", journal);
+    auto twice = std::make_shared<RecordingListener>("twice", journal);
+    input->IInput_CallBack(twice);
+    input->IInput_CallBack(once);
+    input->IInput_CallBack(twice);
+    input->IInput_changeType("106");
+    EXPECT_THAT(
+        journal->Lines(),
+        ElementsAre("twice ConnectionToBeDeleted(K\\RIN\\In)", "twice RefInTypeChanged(K\\RIN\\In)",
+                    "once ConnectionToBeDeleted(K\\RIN\\In)", "once RefInTypeChanged(K\\RIN\\In)",
+                    "twice ConnectionToBeDeleted(K\\RIN\\In)",
+                    "twice RefInTypeChanged(K\\RIN\\In)"));
+}
+
+TEST_F(InputTest, AListenerErrorReachesTheCallerOfTheTypeChange) {
+    auto input = Load(R"(<In TYPEDEPENDENT=""/>)");
+    auto failing = std::make_shared<RecordingListener>("failing");
+    auto later = std::make_shared<RecordingListener>("later");
+    failing->FailOn("ConnectionToBeDeleted");
+    input->IInput_CallBack(failing);
+    input->IInput_CallBack(later);
+    EXPECT_THROW(input->IInput_changeType("105"), Error);
+    EXPECT_THAT(later->Calls(), IsEmpty());
+    EXPECT_THAT(CompatibleIds(*input), ElementsAre("105"));
+}
+
+// ---- Connection and the length hand-over -----------------------------------------------------
+
+// Public, so that the rows of a table can arrange the fixture.
+class LengthHandOverTest : public InputTest {
+public:
+    LengthHandOverTest() {
+        attributes = std::make_shared<FakeAttributes>();
+        length = attributes->Add("Length");
+        block->attributes = attributes;
+        type31->SetLength(31);
+    }
+
+    std::shared_ptr<FakeAttributes> attributes;
+    std::shared_ptr<FakeAttribute> length;
+    std::shared_ptr<CDBSNVTType> type31 = std::make_shared<CDBSNVTType>();
+};
+
+TEST_F(LengthHandOverTest, ConnectingAndDisconnectingWriteTheLengthToTheNamedAttribute) {
+    auto input = Load(R"(<In SENDLENGTHTO="length"/>)");
+
+    input->ISubItemConnable_ConnectedType(type31);
+    EXPECT_EQ(input->IInput_ConnectedType(), type31);
+    EXPECT_THAT(length->writes, ElementsAre("31"));
+
+    // The flag and the type are told apart: a connect leaves the type as it was.
+    input->ISubItemConnable_IsConnected(true);
+    EXPECT_TRUE(input->IInput_IsConnected());
+    EXPECT_EQ(input->IInput_ConnectedType(), type31);
+    EXPECT_THAT(length->writes, ElementsAre("31"));
+
+    input->ISubItemConnable_IsConnected(false);
+    EXPECT_FALSE(input->IInput_IsConnected());
+    EXPECT_EQ(input->IInput_ConnectedType(), nullptr);
+    EXPECT_THAT(length->writes, ElementsAre("31", "0"));
+
+    // No type, no length: the attribute is still written, with the empty text.
+    input->ISubItemConnable_ConnectedType(nullptr);
+    EXPECT_THAT(length->writes, ElementsAre("31", "0", ""));
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+TEST_F(LengthHandOverTest, AHandOverThatCannotBeMadeIsDroppedSilently) {
+    struct Row {
+        const char* name;
+        const char* attributeName;
+        std::function<void(LengthHandOverTest&)> arrange;
+    };
+    const Row rows[] = {
+        {"no attribute of that name", "Other", [](LengthHandOverTest&) {}},
+        {"a block without attributes", "Length",
+         [](LengthHandOverTest& t) { t.block->attributes = nullptr; }},
+        {"an attribute whose write fails", "Length",
+         [](LengthHandOverTest& t) { t.length->failsOnWrite = true; }},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        attributes = std::make_shared<FakeAttributes>();
+        length = attributes->Add(row.attributeName);
+        block->attributes = attributes;
+        row.arrange(*this);
+        auto input = Load(R"(<In SENDLENGTHTO="Length"/>)");
+        EXPECT_NO_THROW(input->ISubItemConnable_ConnectedType(type31));
+        EXPECT_EQ(input->IInput_ConnectedType(), type31);
+        EXPECT_NO_THROW(input->ISubItemConnable_IsConnected(false));
+        EXPECT_EQ(input->IInput_ConnectedType(), nullptr);
+    }
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+TEST_F(LengthHandOverTest, AnInputWithoutTargetOrParentHandsNothingOver) {
+    auto plain = Load("<In/>");
+    plain->ISubItemConnable_ConnectedType(type31);
+    plain->ISubItemConnable_IsConnected(false);
+    EXPECT_THAT(attributes->asked, IsEmpty());
+
+    auto orphan = Load(R"(<In SENDLENGTHTO="Length"/>)");
+    orphan->SetParent(nullptr);
+    EXPECT_NO_THROW(orphan->ISubItemConnable_ConnectedType(type31));
+    EXPECT_NO_THROW(orphan->ISubItemConnable_IsConnected(false));
+    EXPECT_THAT(length->writes, IsEmpty());
+}
+
+// ---- Compatibility ---------------------------------------------------------------------------
+
+TEST_F(InputTest, CompatibilityAsksTheInputsOwnSet) {
+    auto input = Load("<In><SNVTCOMPATIBILITYLIST>105,106</SNVTCOMPATIBILITYLIST></In>");
+    EXPECT_TRUE(input->ISubItemConnable_IsSNVTCompatible("106"));
+    EXPECT_FALSE(input->ISubItemConnable_IsSNVTCompatible("107"));
+    EXPECT_FALSE(input->ISubItemConnable_IsSNVTCompatible(""));
+    EXPECT_FALSE(Load("<In/>")->ISubItemConnable_IsSNVTCompatible("105"));
+}
+
+// ---- Macro check -----------------------------------------------------------------------------
+
+TEST_F(InputTest, IsMacroConnectedFindsTheKeyAmongTheTerminalsOfInputGroups) {
+    const std::string key = "K\\RIN\\In";
+    struct Row {
+        const char* name;
+        std::function<std::shared_ptr<IObject>()> owner;  // the block's IAppObject_Parent
+        bool expected;
+    };
+    auto holding = [](std::vector<std::shared_ptr<IMacroInputGroup>> groups) {
+        auto macro = std::make_shared<FakeMacro>();
+        macro->inputGroups = std::move(groups);
+        return FakeMacroHost::Holding(macro);
+    };
+    const Row rows[] = {
+        {"no owner", [] { return nullptr; }, false},
+        {"an owner that is no macro host", [] { return std::make_shared<FakeMacro>(); }, false},
+        {"a host without macro", [] { return std::make_shared<FakeMacroHost>(); }, false},
+        {"a terminal of the second group",
+         [&] {
+             return holding({FakeMacroInputGroup::WithKeys({"K\\RIN\\Other"}),
+                             FakeMacroInputGroup::WithKeys({"x", key})});
+         },
+         true},
+        {"the key in another case",
+         [&] { return holding({FakeMacroInputGroup::WithKeys({"k\\rin\\in"})}); }, false},
+        {"a terminal of a field group",
+         [&] {
+             auto group = FakeMacroInputGroup::WithKeys({});
+             group->AddFieldGroup({"y"});
+             group->AddFieldGroup({key});
+             return holding({group});
+         },
+         true},
+        {"a field group of a group that says it has none",
+         [&] {
+             auto group = FakeMacroInputGroup::WithKeys({});
+             group->AddFieldGroup({key});
+             group->hasFields = false;
+             return holding({group});
+         },
+         false},
+        {"a field entry of the wrong kind before the match",
+         [&] {
+             auto group = FakeMacroInputGroup::WithKeys({});
+             group->fields.push_back(std::make_shared<FakeMacroTerminal>(key));
+             group->AddFieldGroup({key});
+             return holding({group});
+         },
+         true},
+        {"failing calls before the match",
+         [&] {
+             auto broken = FakeMacroInputGroup::WithKeys({key});
+             broken->fails = true;
+             auto brokenTerminal = FakeMacroInputGroup::WithKeys({"x", key});
+             brokenTerminal->terminals->terminals[0]->fails = true;
+             auto brokenFields = FakeMacroInputGroup::WithKeys({});
+             brokenFields->AddFieldGroup({key});
+             brokenFields->failsFields = true;
+             return holding({broken, brokenFields, brokenTerminal});
+         },
+         true},
+        {"a failing list of terminals",
+         [&] {
+             auto group = FakeMacroInputGroup::WithKeys({key});
+             group->terminals->fails = true;
+             return holding({group});
+         },
+         false},
+        {"a macro that fails",
+         [&] {
+             auto host = holding({FakeMacroInputGroup::WithKeys({key})});
+             std::dynamic_pointer_cast<FakeMacro>(host->macro)->fails = true;
+             return host;
+         },
+         false},
+    };
+    auto input = Load("<In/>");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        block->parent = row.owner();
+        EXPECT_EQ(input->IInput_IsMacroConnected(), row.expected);
+    }
+    input->SetParent(nullptr);
+    EXPECT_FALSE(input->IInput_IsMacroConnected());
+}
+
+TEST_F(InputTest, IsMacroConnectedAsksTerminalsByOneBasedPosition) {
+    auto group = FakeMacroInputGroup::WithKeys({"a", "b", "K\\RIN\\In", "c"});
+    auto macro = std::make_shared<FakeMacro>();
+    macro->inputGroups = {group};
+    block->parent = FakeMacroHost::Holding(macro);
+    EXPECT_TRUE(Load("<In/>")->IInput_IsMacroConnected());
+    EXPECT_THAT(group->terminals->asked, ElementsAre(1, 2, 3));
+}
+
+}  // namespace
+}  // namespace zerbin

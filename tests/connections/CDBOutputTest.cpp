@@ -1,0 +1,316 @@
+#include "connections/CDBOutput.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "interfaces/Error.h"
+#include "platform/Messages.h"
+#include "tests/connections/ConnectionsTestSupport.h"
+#include "tests/support/FakeAppObject.h"
+#include "tests/support/MacroDoubles.h"
+#include "tests/support/RecordingListener.h"
+
+namespace zerbin {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using namespace zerbin::testing;
+
+class OutputTest : public ::testing::Test {
+protected:
+    OutputTest() { block->name = "Loop"; }
+
+    std::shared_ptr<CDBOutput> Load(const std::string& text, int32_t index = 0) {
+        element = ParseElement(text);
+        auto output = std::make_shared<CDBOutput>();
+        output->SetParent(block);
+        output->SetName(element.Name());
+        output->LoadDefinition(element.node);
+        output->SetIndex(index);
+        output->SetGlobalKey("K\\ROU\\" + element.Name());
+        output->SetExtendedKey("E\\ROU\\" + element.Name());
+        return output;
+    }
+
+    ScopedMessageRecorder messages;
+    ScopedConnectionsDictionary dictionary;
+    std::shared_ptr<FakeAppObject> block = std::make_shared<FakeAppObject>();
+    DefinitionElement element;
+};
+
+// ---- Definition ------------------------------------------------------------------------------
+
+TEST_F(OutputTest, ReadsTheFlagsAndChildrenOfItsElement) {
+    struct Row {
+        const char* xml;
+        bool writable;
+        bool typeDependent;
+        bool visible;
+        const char* typeId;    // nullptr: no type
+        const char* typeName;  // as the dictionary names it
+    };
+    const Row rows[] = {
+        {"<Out/>", false, false, false, nullptr, nullptr},
+        {R"(<Out DISPLAYWRITABLE="0" typeDependent="no"/>)", true, true, false, nullptr, nullptr},
+        {"<Out><VISIBLE>1</VISIBLE><Visible>0</Visible></Out>", false, false, false, nullptr,
+         nullptr},
+        {"<Out><VISIBLE>2.5</VISIBLE></Out>", false, false, true, nullptr, nullptr},
+        {"<Out><SNVTTYPE>105</SNVTTYPE></Out>", false, false, false, "105", "Temperature"},
+        {"<Out><SNVTTYPE>105</SNVTTYPE><snvttype>106</snvttype></Out>", false, false, false, "106",
+         "Mode"},
+        // What an input has, an output does not read.
+        {"<Out ISEXTENDED=\"\"><CDBORDERINPOSITION/><SNVTCOMPATIBILITYLIST/><!-- x --></Out>",
+         false, false, false, nullptr, nullptr},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.xml);
+        auto output = Load(row.xml);
+        EXPECT_EQ(output->IOutput_DisplayWritable(), row.writable);
+        EXPECT_EQ(output->IDisplayItem_IsWritable(), row.writable);
+        EXPECT_EQ(output->IOutput_IsTypeDependent(), row.typeDependent);
+        EXPECT_EQ(output->IOutput_Visible(), row.visible);
+        EXPECT_EQ(output->ICanvasElement_Visible(), row.visible);
+        if (row.typeId == nullptr) {
+            EXPECT_EQ(output->IOutput_SNVTCompatible(), nullptr);
+            EXPECT_EQ(output->IOutput_SNVTType(), nullptr);
+            EXPECT_EQ(output->IDisplayItem_SNVTType(), nullptr);
+            EXPECT_EQ(output->ISubItemConnable_SNVTType(), nullptr);
+        } else {
+            ASSERT_NE(output->IOutput_SNVTCompatible(), nullptr);
+            EXPECT_EQ(output->IOutput_SNVTCompatible()->ICompatibleSNVT_ID(), row.typeId);
+            ASSERT_NE(output->IOutput_SNVTType(), nullptr);
+            EXPECT_EQ(output->IOutput_SNVTType()->ISNVType_Name(), row.typeName);
+            EXPECT_EQ(output->IDisplayItem_SNVTType(), output->IOutput_SNVTType());
+            EXPECT_EQ(output->ISubItemConnable_SNVTType(), output->IOutput_SNVTType());
+        }
+    }
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+TEST_F(OutputTest, WarnsAboutAnEmptyTypeAndGoesOn) {
+    auto output = Load("<Out><SNVTTYPE><![CDATA[]]></SNVTTYPE><VISIBLE>1</VISIBLE></Out>");
+    ASSERT_FALSE(messages.Messages().empty());
+    const Message& shown = messages.Messages()[0];
+    EXPECT_EQ(shown.text,
+              "Out: SNVT Compatibility list not defined into the XML file of the object Loop.");
+    EXPECT_EQ(shown.title, "Warning");
+    EXPECT_EQ(shown.icon, MessageIcon::Critical);
+    EXPECT_EQ(shown.buttons, MessageButtons::Ok);
+    // The type record then reports the missing entry in its own words.
+    for (std::size_t i = 1; i < messages.Messages().size(); ++i) {
+        EXPECT_EQ(messages.Messages()[i].text, "Error: SNVT_ is not defined");
+    }
+    ASSERT_NE(output->IOutput_SNVTCompatible(), nullptr);
+    EXPECT_EQ(output->IOutput_SNVTCompatible()->ICompatibleSNVT_ID(), "");
+    EXPECT_TRUE(output->IOutput_Visible());
+}
+
+TEST_F(OutputTest, LoadDefinitionRaisesOnAChildWithoutText) {
+    for (const char* text : {"<Out><VISIBLE/></Out>", "<Out><SNVTTYPE/></Out>",
+                             "<Out><SNVTTYPE><Id>105</Id></SNVTTYPE></Out>"}) {
+        SCOPED_TRACE(text);
+        EXPECT_THROW(Load(text), Error);
+    }
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+TEST_F(OutputTest, CompatibilityIsOneExactComparisonOfIds) {
+    auto typed = Load("<Out><SNVTTYPE>105</SNVTTYPE></Out>");
+    EXPECT_TRUE(typed->ISubItemConnable_IsSNVTCompatible("105"));
+    EXPECT_FALSE(typed->ISubItemConnable_IsSNVTCompatible("0105"));
+    EXPECT_FALSE(typed->ISubItemConnable_IsSNVTCompatible("105 "));
+    auto untyped = Load("<Out/>");
+    for (const char* id : {"105", "", "0"}) {
+        EXPECT_FALSE(untyped->ISubItemConnable_IsSNVTCompatible(id)) << id;
+    }
+}
+
+// ---- Connections -----------------------------------------------------------------------------
+
+TEST_F(OutputTest, ConnectionsAreCountedWithoutFloor) {
+    struct Step {
+        bool connect;
+        bool connected;
+        int32_t count;
+    };
+    const std::vector<std::vector<Step>> sequences = {
+        {{true, true, 1}, {true, true, 2}, {false, true, 1}, {false, false, 0}},
+        // A connect always reads as connected, even when it only makes up for an unpaired
+        // disconnect.
+        {{false, true, -1}, {true, true, 0}, {true, true, 1}, {false, false, 0}},
+    };
+    for (const auto& sequence : sequences) {
+        auto output = Load("<Out/>");
+        int step = 0;
+        for (const Step& s : sequence) {
+            SCOPED_TRACE(step++);
+            output->ISubItemConnable_IsConnected(s.connect);
+            EXPECT_EQ(output->IOutput_IsConnected(), s.connected);
+            EXPECT_EQ(output->IDisplayItem_IsConnected(), s.connected);
+            EXPECT_EQ(output->ConnectionCount(), s.count);
+        }
+    }
+}
+
+// ---- Display item ----------------------------------------------------------------------------
+
+TEST_F(OutputTest, ReferenceCodesTheIndexAndTheExportIndexOfTheBlock) {
+    struct Row {
+        int16_t exportIndex;
+        int32_t index;
+        const char* reference;
+    };
+    const Row rows[] = {
+        {3, 2, "4203"},   {0, 0, "4000"}, {255, 31, "5FFF"},
+        {256, 0, "4100"},  // no masking: the export index carries into the first byte
+        {0, 32, "6000"},   // an index of 32 runs into the selector bits
+        {-1, 0, "3FFF"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::to_string(row.exportIndex) + "/" + std::to_string(row.index));
+        block->exportIndex = row.exportIndex;
+        EXPECT_EQ(Load("<Out/>", row.index)->IDisplayItem_Reference(), row.reference);
+    }
+    // Each read computes it anew from the block.
+    auto output = Load("<Out/>", 2);
+    block->exportIndex = 3;
+    EXPECT_EQ(output->IDisplayItem_Reference(), "4203");
+    block->exportIndex = 4;
+    EXPECT_EQ(output->IDisplayItem_Reference(), "4204");
+}
+
+TEST_F(OutputTest, DisplayTextAlwaysReadsAsTheNameAndTheKeyIsTheExtendedOne) {
+    auto output = Load("<Flow/>");
+    output->IDisplayItem_DisplayText("x");
+    EXPECT_EQ(output->IDisplayItem_DisplayText(), "Flow");
+    EXPECT_EQ(output->IDisplayItem_Key(), "E\\ROU\\Flow");
+    EXPECT_EQ(output->IOutput_GlobalKey(), "K\\ROU\\Flow");
+}
+
+// ---- Type change -----------------------------------------------------------------------------
+
+TEST_F(OutputTest, TypeChangeRetypesTheOutputAndTellsEachListenerInPairs) {
+    auto output = Load(R"(<Out TYPEDEPENDENT=""><SNVTTYPE>105</SNVTTYPE></Out>)");
+    auto journal = std::make_shared<CallJournal>();
+    auto first = std::make_shared<RecordingListener>("first", journal);
+    output->IOutput_CallBack(first);
+    output->IOutput_CallBack(std::make_shared<RecordingListener>("second", journal));
+    output->ISubItemConnable_IsConnected(true);
+    const auto oldType = output->IOutput_SNVTType();
+    // A listener sees the new type already when it hears of the change.
+    std::string seenByListener;
+    first->OnCall([&](const ListenerCall&) {
+        seenByListener = output->IOutput_SNVTCompatible()->ICompatibleSNVT_ID();
+    });
+
+    output->IOutput_changeType("106");
+
+    EXPECT_THAT(journal->Lines(), ElementsAre("first ConnectionToBeDeleted(K\\ROU\\Out)",
+                                              "first RefOutTypeChanged(K\\ROU\\Out)",
+                                              "second ConnectionToBeDeleted(K\\ROU\\Out)",
+                                              "second RefOutTypeChanged(K\\ROU\\Out)"));
+    EXPECT_EQ(seenByListener, "106");
+    EXPECT_TRUE(output->ISubItemConnable_IsSNVTCompatible("106"));
+    EXPECT_FALSE(output->ISubItemConnable_IsSNVTCompatible("105"));
+    EXPECT_NE(output->IOutput_SNVTType(), oldType);
+    EXPECT_EQ(output->IOutput_SNVTType()->ISNVType_Name(), "Mode");
+    EXPECT_EQ(oldType->ISNVType_Name(), "Temperature");
+    EXPECT_TRUE(output->IOutput_IsConnected());
+    EXPECT_EQ(output->ConnectionCount(), 1);
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+TEST_F(OutputTest, TypeChangeOfAnOutputThatDoesNotFollowTheSelectorDoesNothing) {
+    auto output = Load("<Out><SNVTTYPE>105</SNVTTYPE></Out>");
+    auto listener = std::make_shared<RecordingListener>();
+    output->IOutput_CallBack(listener);
+    const auto type = output->IOutput_SNVTType();
+    output->IOutput_changeType("106");
+    EXPECT_EQ(output->IOutput_SNVTType(), type);
+    EXPECT_TRUE(output->ISubItemConnable_IsSNVTCompatible("105"));
+    EXPECT_THAT(listener->Calls(), IsEmpty());
+}
+
+TEST_F(OutputTest, TypeChangeToAnUnknownIdIsReportedByTheTypeAndStillTold) {
+    auto output = Load(R"(<Out TYPEDEPENDENT=""/>)");
+    auto listener = std::make_shared<RecordingListener>();
+    output->IOutput_CallBack(listener);
+    output->IOutput_changeType("999");
+    ASSERT_FALSE(messages.Messages().empty());
+    EXPECT_EQ(messages.Messages()[0].text, "Error: SNVT_999 is not defined");
+    EXPECT_TRUE(output->ISubItemConnable_IsSNVTCompatible("999"));
+    EXPECT_EQ(listener->CountOf("RefOutTypeChanged"), 1u);
+}
+
+// ---- Macro check -----------------------------------------------------------------------------
+
+TEST_F(OutputTest, IsMacroConnectedLooksAtTheOneTerminalOfEachOutputGroup) {
+    const std::string key = "K\\ROU\\Out";
+    auto holding = [](std::vector<std::shared_ptr<IMacroOutputGroup>> groups) {
+        auto macro = std::make_shared<FakeMacro>();
+        macro->outputGroups = std::move(groups);
+        return FakeMacroHost::Holding(macro);
+    };
+    struct Row {
+        const char* name;
+        std::function<std::shared_ptr<IObject>()> owner;
+        bool expected;
+    };
+    const Row rows[] = {
+        {"no owner", [] { return nullptr; }, false},
+        {"an owner that is no macro host", [] { return std::make_shared<FakeMacro>(); }, false},
+        {"the second group",
+         [&] {
+             return holding(
+                 {FakeMacroOutputGroup::WithKey("x"), FakeMacroOutputGroup::WithKey(key)});
+         },
+         true},
+        {"the key in another case",
+         [&] { return holding({FakeMacroOutputGroup::WithKey("K\\ROU\\OUT")}); }, false},
+        {"a group without terminal, then the match",
+         [&] {
+             return holding(
+                 {std::make_shared<FakeMacroOutputGroup>(), FakeMacroOutputGroup::WithKey(key)});
+         },
+         true},
+        {"failing calls before the match",
+         [&] {
+             auto broken = FakeMacroOutputGroup::WithKey(key);
+             broken->fails = true;
+             auto brokenTerminal = FakeMacroOutputGroup::WithKey(key);
+             brokenTerminal->terminal->fails = true;
+             return holding({broken, brokenTerminal, FakeMacroOutputGroup::WithKey(key)});
+         },
+         true},
+        {"only input groups",
+         [&] {
+             auto macro = std::make_shared<FakeMacro>();
+             macro->inputGroups = {FakeMacroInputGroup::WithKeys({key})};
+             return FakeMacroHost::Holding(macro);
+         },
+         false},
+        {"a host that fails",
+         [&] {
+             auto host = holding({FakeMacroOutputGroup::WithKey(key)});
+             host->fails = true;
+             return host;
+         },
+         false},
+    };
+    auto output = Load("<Out/>");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        block->parent = row.owner();
+        EXPECT_EQ(output->IOutput_IsMacroConnected(), row.expected);
+    }
+}
+
+}  // namespace
+}  // namespace zerbin
