@@ -130,15 +130,5 @@ TEST(ReferenceBytes, RotationsTurnTheEightBitsOfEveryByte) {
     }
 }
 
-TEST(ReferenceBytes, HexBytesAreOneOrTwoDigitsOfEitherCase) {
-    EXPECT_EQ(reference::ParseHexByte("ff"), 255);
-    EXPECT_EQ(reference::ParseHexByte("A"), 10);
-    EXPECT_EQ(reference::ParseHexByte("07"), 7);
-    for (const char* bad : {"", "100", "g", "+1", " 1", "1 "}) {
-        SCOPED_TRACE(bad);
-        EXPECT_THROW(reference::ParseHexByte(bad), Error);
-    }
-}
-
 }  // namespace
 }  // namespace zerbin

@@ -300,6 +300,7 @@ TEST_F(LengthHandOverTest, AHandOverThatCannotBeMadeIsDroppedSilently) {
         const char* name;
         const char* attributeName;
         std::function<void(LengthHandOverTest&)> arrange;
+        bool orphan = false;
     };
     const Row rows[] = {
         {"no attribute of that name", "Other", [](LengthHandOverTest&) {}},
@@ -307,6 +308,7 @@ TEST_F(LengthHandOverTest, AHandOverThatCannotBeMadeIsDroppedSilently) {
          [](LengthHandOverTest& t) { t.block->attributes = nullptr; }},
         {"an attribute whose write fails", "Length",
          [](LengthHandOverTest& t) { t.length->failsOnWrite = true; }},
+        {"an input cut from its block", "Length", [](LengthHandOverTest&) {}, true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -315,25 +317,23 @@ TEST_F(LengthHandOverTest, AHandOverThatCannotBeMadeIsDroppedSilently) {
         block->attributes = attributes;
         row.arrange(*this);
         auto input = Load(R"(<In SENDLENGTHTO="Length"/>)");
+        if (row.orphan) {
+            input->SetParent(nullptr);
+        }
         EXPECT_NO_THROW(input->ISubItemConnable_ConnectedType(type31));
         EXPECT_EQ(input->IInput_ConnectedType(), type31);
         EXPECT_NO_THROW(input->ISubItemConnable_IsConnected(false));
         EXPECT_EQ(input->IInput_ConnectedType(), nullptr);
+        if (row.orphan) {
+            EXPECT_THAT(length->writes, IsEmpty());
+        }
     }
     EXPECT_THAT(messages.Messages(), IsEmpty());
-}
-
-TEST_F(LengthHandOverTest, AnInputWithoutTargetOrParentHandsNothingOver) {
+    // Without SENDLENGTHTO the attributes are not even looked at.
     auto plain = Load("<In/>");
     plain->ISubItemConnable_ConnectedType(type31);
     plain->ISubItemConnable_IsConnected(false);
     EXPECT_THAT(attributes->asked, IsEmpty());
-
-    auto orphan = Load(R"(<In SENDLENGTHTO="Length"/>)");
-    orphan->SetParent(nullptr);
-    EXPECT_NO_THROW(orphan->ISubItemConnable_ConnectedType(type31));
-    EXPECT_NO_THROW(orphan->ISubItemConnable_IsConnected(false));
-    EXPECT_THAT(length->writes, IsEmpty());
 }
 
 // ---- Compatibility ---------------------------------------------------------------------------
@@ -431,15 +431,6 @@ TEST_F(InputTest, IsMacroConnectedFindsTheKeyAmongTheTerminalsOfInputGroups) {
     }
     input->SetParent(nullptr);
     EXPECT_FALSE(input->IInput_IsMacroConnected());
-}
-
-TEST_F(InputTest, IsMacroConnectedAsksTerminalsByOneBasedPosition) {
-    auto group = FakeMacroInputGroup::WithKeys({"a", "b", "K\\RIN\\In", "c"});
-    auto macro = std::make_shared<FakeMacro>();
-    macro->inputGroups = {group};
-    block->parent = FakeMacroHost::Holding(macro);
-    EXPECT_TRUE(Load("<In/>")->IInput_IsMacroConnected());
-    EXPECT_THAT(group->terminals->asked, ElementsAre(1, 2, 3));
 }
 
 }  // namespace
