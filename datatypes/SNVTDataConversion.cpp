@@ -1,0 +1,254 @@
+#include "datatypes/SNVTDataConversion.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cfloat>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "datatypes/Windows1252.h"
+#include "interfaces/Error.h"
+
+namespace zerbin {
+namespace {
+
+enum class ByteOrder { BigEndian, Intel };
+
+// Doubles from here on round to a single infinity: FLT_MAX plus half its last step.
+constexpr double kSingleLimit =
+    static_cast<double>(FLT_MAX) + 0x1p103;  // 2^103 is half the spacing of floats at FLT_MAX
+
+// IEEE rounding to single, saturating to the infinities as the hardware does (a plain cast
+// of an out-of-range double is undefined in C++).
+float SaturatingSingle(double value) {
+    if (value >= kSingleLimit) {
+        return std::numeric_limits<float>::infinity();
+    }
+    if (value <= -kSingleLimit) {
+        return -std::numeric_limits<float>::infinity();
+    }
+    return static_cast<float>(value);
+}
+
+// Rounding to single as a checked conversion: beyond its range is an overflow.
+float ToSingle(double value) {
+    const float single = SaturatingSingle(value);
+    if (!std::isfinite(single)) {
+        throw OverflowError();
+    }
+    return single;
+}
+
+bool CommaSeparator() {
+    return DecimalSeparator() == ",";
+}
+
+std::string Hex(int32_t value) {
+    return HexByteOf(value);
+}
+
+// Exchanges bytes 0 and 1, 2 and 3, up to 30 and 31.
+std::array<uint8_t, 32> SwapBytePairs(std::array<uint8_t, 32> block) {
+    for (std::size_t i = 0; i + 1 < block.size(); i += 2) {
+        std::swap(block[i], block[i + 1]);
+    }
+    return block;
+}
+
+std::string UpperHexDigits(uint32_t value) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string digits;
+    do {
+        digits.insert(digits.begin(), kDigits[value & 0xFu]);
+        value >>= 4;
+    } while (value != 0);
+    return digits;
+}
+
+// The 2-byte float: 4 bits exponent, sign, 11 bits magnitude, no hidden bit. Values beyond
+// its range give more than four digits and a carry may set the sign bit; the limits of the
+// type are what keep such values out. An infinity has no exponent at all: empty text.
+std::string EncodeShortFloat(float v) {
+    if (!std::isfinite(v)) {
+        return {};
+    }
+    // In double, where |v| * 2048 and the halvings are as exact as in single and cannot
+    // overflow for the largest singles.
+    double s = std::fabs(static_cast<double>(v)) / 0.00048828125;
+    uint32_t e = 0;
+    while (!(s < 2048.0)) {
+        s /= 2.0;
+        ++e;
+    }
+    const int32_t m = ToInt32(s);
+    const std::string magnitude = HexWordOf(m).substr(1);
+    std::string digits = UpperHexDigits(e);
+    if (v < 0.0f) {
+        // The sign bit sits on top of the first digit of M; a carry makes that digit "10".
+        const uint32_t firstDigit = (static_cast<uint32_t>(m) >> 8) & 0xFu;
+        digits += UpperHexDigits(firstDigit + 8u);
+        digits += magnitude.substr(1);
+    } else {
+        digits += magnitude;
+    }
+    return digits;
+}
+
+std::string SingleBytes(float value, ByteOrder order) {
+    const auto bits = std::bit_cast<uint32_t>(value);
+    std::string digits;
+    for (int k = 0; k < 4; ++k) {
+        const int shift = order == ByteOrder::BigEndian ? 24 - 8 * k : 8 * k;
+        digits += Hex(static_cast<int32_t>((bits >> shift) & 0xFFu));
+    }
+    return digits;
+}
+
+// EncodeBytes and EncodeIntelBytes in one: they differ in the order of bytes alone.
+std::string EncodeBytes(const std::string& text, uint8_t length, const std::string& typeClass,
+                        ByteOrder order) {
+    // A number that can't be read counts as 0 and a whole number that doesn't fit as 0:
+    // both steps are passed over, and the digits are made all the same.
+    float value = 0.0f;
+    SkipStep([&] {
+        value = CommaSeparator() ? LocaleNumber(text) : SaturatingSingle(LeadingNumber(text));
+    });
+    int32_t whole = 0;
+    SkipStep([&] { whole = ToInt32(value); });
+
+    const bool intel = order == ByteOrder::Intel;
+    const bool numeric =
+        typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric" || typeClass == "Bitfield";
+    if (typeClass == "Textual") {
+        std::string digits;
+        for (const uint8_t byte : Windows1252Bytes(text, length)) {
+            digits += Hex(byte);
+        }
+        return digits;
+    }
+    if (typeClass == "Enum" || (numeric && length == 1)) {
+        return Hex(whole);
+    }
+    if (typeClass == "SignedNumeric" && length == 2) {
+        const auto word = static_cast<uint16_t>(ToInt16(value));
+        std::array<uint8_t, 32> block{};
+        block[0] = static_cast<uint8_t>(word & 0xFFu);
+        block[1] = static_cast<uint8_t>(word >> 8);
+        if (!intel) {
+            block = SwapBytePairs(block);
+        }
+        return Hex(block[0]) + Hex(block[1]);
+    }
+    if (numeric && length == 2) {
+        const int32_t w = ToInt32(value);
+        const int32_t high = w / 256;
+        const int32_t low = w % 256;
+        if (high < 0 || high > 255 || low < 0 || low > 255) {
+            return {};
+        }
+        return intel ? Hex(low) + Hex(high) : Hex(high) + Hex(low);
+    }
+    if ((numeric || typeClass == "Float") && length == 4) {
+        return SingleBytes(value, order);
+    }
+    if (typeClass == "Float" && length == 2) {
+        const std::string digits = EncodeShortFloat(value);
+        if (!intel || digits.size() < 4) {
+            return digits;
+        }
+        return digits.substr(digits.size() - 2) + digits.substr(0, 2);
+    }
+    return {};
+}
+
+// Beyond this a Textual value is not padded: no length of the image comes near it, and the
+// encoding fails on the length anyway.
+constexpr int32_t kMaxPadding = 1 << 16;
+
+std::string Encode(std::string& value, const std::string& typeClass, int32_t length, int16_t a,
+                   int16_t b, int16_t c, ByteOrder order) noexcept {
+    try {
+        if (typeClass == "Textual") {
+            if (length > kMaxPadding) {
+                return {};
+            }
+            const std::size_t count = CharacterCount(value);
+            if (count < static_cast<std::size_t>(std::max(length, 0))) {
+                value.append(static_cast<std::size_t>(length) - count, ' ');
+            }
+        } else if (typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric") {
+            value = NormalizeDecimal(value);
+            if (a == 0) {
+                value = "0";
+            } else {
+                const double n = CommaSeparator() ? LocaleNumber(value) : LeadingNumber(value);
+                // The SNVT scale, display = A * 10^B * (raw + C), solved for raw in exactly
+                // this order so that the digits match the devices' own tools.
+                const double x = n * std::pow(10.0, -b) / a - c;
+                value = FormatSingle(ToSingle(x));
+            }
+        } else {
+            value = NormalizeDecimal(value);
+        }
+        if (length < 0 || length > 255) {
+            return {};
+        }
+        return EncodeBytes(value, static_cast<uint8_t>(length), typeClass, order);
+    } catch (...) {
+        return {};
+    }
+}
+
+}  // namespace
+
+std::string FormatDisplayValue(const std::string& key, const std::string& enumDesc) {
+    std::string rest = enumDesc;
+    while (!key.empty() && !rest.empty()) {
+        const std::size_t comma = rest.find(',');
+        const std::size_t semicolon = rest.find(';');
+        if (comma == std::string::npos) {
+            throw Error("Invalid procedure call or argument", kErrNotFound);
+        }
+        if (rest.compare(0, comma, key) == 0) {
+            if (semicolon == std::string::npos) {
+                return rest.substr(comma + 1);  // a last entry without its ";"
+            }
+            if (semicolon < comma) {
+                throw Error("Invalid procedure call or argument", kErrNotFound);
+            }
+            return rest.substr(comma + 1, semicolon - comma - 1);
+        }
+        if (semicolon == std::string::npos) {
+            break;
+        }
+        rest.erase(0, semicolon + 1);
+    }
+    return {};
+}
+
+std::string EncodeStream(std::string& value, const std::string& typeClass, int32_t length,
+                         int16_t a, int16_t b, int16_t c) {
+    return Encode(value, typeClass, length, a, b, c, ByteOrder::BigEndian);
+}
+
+std::string EncodeIntelStream(std::string& value, const std::string& typeClass, int32_t length,
+                              int16_t a, int16_t b, int16_t c) {
+    return Encode(value, typeClass, length, a, b, c, ByteOrder::Intel);
+}
+
+void OverwriteDigits(std::string& image, int32_t digitPosition, const std::string& digits,
+                     int32_t maxDigits) {
+    if (digitPosition < 0 || static_cast<std::size_t>(digitPosition) >= image.size()) {
+        throw Error("Invalid procedure call or argument", kErrNotFound);
+    }
+    const auto position = static_cast<std::size_t>(digitPosition);
+    const std::size_t count = std::min(
+        {static_cast<std::size_t>(std::max(maxDigits, 0)), digits.size(), image.size() - position});
+    image.replace(position, count, digits, 0, count);
+}
+
+}  // namespace zerbin

@@ -1,0 +1,289 @@
+#include "datatypes/SNVTDataConversion.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <ostream>
+#include <string>
+#include <tuple>
+
+#include "interfaces/Error.h"
+#include "tests/TestSupport.h"
+
+namespace zerbin {
+namespace {
+
+struct EncodeRow {
+    const char* typeClass;
+    int32_t length;
+    int16_t a, b, c;
+    const char* value;
+    const char* bigEndian;
+    const char* intel;
+};
+
+std::ostream& operator<<(std::ostream& out, const EncodeRow& row) {
+    return out << row.typeClass << " " << row.length << " (" << row.a << "," << row.b << ","
+               << row.c << ") \"" << row.value << "\"";
+}
+
+// The worked examples of the encoding: both byte orders, and the same digits whichever
+// decimal separator is in force, since values are normalised first.
+constexpr EncodeRow kWorkedExamples[] = {
+    {"SignedNumeric", 2, 1, -2, 0, "20.5", "0802", "0208"},
+    {"SignedNumeric", 2, 1, -2, 0, "20,5", "0802", "0208"},
+    {"SignedNumeric", 2, 1, -2, 0, "-0.01", "FFFF", "FFFF"},
+    {"SignedNumeric", 2, 1, -2, 0, "-327.68", "8000", "0080"},
+    {"SignedNumeric", 2, 1, -2, 0, "327.68", "", ""},
+    {"SignedNumeric", 1, 1, 0, 0, "-5", "FB", "FB"},
+    {"SignedNumeric", 1, 1, 0, 0, "200", "C8", "C8"},
+    {"SignedNumeric", 2, 0, 0, 0, "5", "0000", "0000"},
+    {"SignedNumeric", 4, 1, 0, 0, "1", "3F800000", "0000803F"},
+    {"SignedNumeric", 4, 1, 0, 0, "-2", "C0000000", "000000C0"},
+    {"SignedNumeric", 3, 1, 0, 0, "1", "", ""},
+    {"UnsignedNumeric", 2, 5, -3, 0, "100", "4E20", "204E"},
+    {"UnsignedNumeric", 2, 1, -1, -2740, "20", "0B7C", "7C0B"},
+    {"UnsignedNumeric", 2, 1, 0, 0, "2.5", "0002", "0200"},
+    {"UnsignedNumeric", 2, 1, 0, 0, "3.5", "0004", "0400"},
+    {"UnsignedNumeric", 2, 1, 0, 0, "70000", "", ""},
+    {"UnsignedNumeric", 2, 1, 0, 0, "-1", "", ""},
+    {"UnsignedNumeric", 1, 1, 0, 0, "300", "FF", "FF"},
+    {"UnsignedNumeric", 1, 1, 0, 0, "-1", "FF", "FF"},
+    {"UnsignedNumeric", 4, 1, 0, 0, "12345678", "4B3C6150", "50613C4B"},
+    {"UnsignedNumeric", 4, 1, 0, 0, "16777217", "4B800002", "0200804B"},
+    {"Bitfield", 1, 0, 0, 0, "5", "05", "05"},
+    {"Bitfield", 2, 0, 0, 0, "258", "0102", "0201"},
+    {"Enum", 1, 0, 0, 0, "3", "03", "03"},
+    {"Enum", 1, 0, 0, 0, "300", "FF", "FF"},
+    {"Float", 4, 0, 0, 0, "1.5", "3FC00000", "0000C03F"},
+    {"Float", 4, 0, 0, 0, "-0.1", "BDCCCCCD", "CDCCCCBD"},
+    {"Float", 2, 0, 0, 0, "0", "0000", "0000"},
+    {"Float", 2, 0, 0, 0, "1", "1400", "0014"},
+    {"Float", 2, 0, 0, 0, "-1", "1C00", "001C"},
+    {"Float", 2, 0, 0, 0, "21.5", "5560", "6055"},
+    {"Float", 2, 0, 0, 0, "100", "7640", "4076"},
+    {"Float", 2, 0, 0, 0, "0.0005", "0001", "0100"},
+    {"Float", 2, 0, 0, 0, "32752", "F7FF", "FFF7"},
+    {"Float", 3, 0, 0, 0, "1", "", ""},
+    {"Textual", 5, 0, 0, 0, "AB", "4142202020", "4142202020"},
+    {"Textual", 3, 0, 0, 0, "ABCDE", "414243", "414243"},
+    {"Struct", 4, 0, 0, 0, "1", "", ""},
+};
+
+// Further cases that hold under both separators.
+constexpr EncodeRow kEdgeCases[] = {
+    {"Float", 2, 0, 0, 0, "1000", "A7D0", "D0A7"},
+    {"Float", 2, 0, 0, 0, "-0.0001", "0800", "0008"},
+    {"Float", 2, 0, 0, 0, "32768", "10400", "0010"},
+    {"Float", 2, 0, 0, 0, "0.99990", "0800", "0008"},  // m rounds up to 2048: the carry
+    {"Float", 2, 0, 0, 0, "-0.99990", "01000", "0001"},
+    {"Float", 2, 0, 0, 0, "1e20", "4356C", "6C43"},
+    {"Float", 4, 0, 0, 0, "1E+20", "60AD78EC", "EC78AD60"},
+    {"Enum", 2, 0, 0, 0, "4", "04", "04"},
+    {"Enum", 1, 0, 0, 0, "-1", "FF", "FF"},
+    {"UnsignedNumeric", 1, 1, 0, 0, "-300", "D4", "D4"},
+    {"Bitfield", 2, 1, -2, 7, "258", "0102", "0201"},  // coefficients play no part
+    {"Bitfield", 4, 0, 0, 0, "1", "3F800000", "0000803F"},
+    {"SignedNumeric", 2, 1, -1, 0, "-0.04", "0000", "0000"},
+    {"SignedNumeric", 2, 1, -1, 0, "3276.7", "7FFF", "FF7F"},
+    {"SignedNumeric", 2, -1, 0, 0, "5", "FFFB", "FBFF"},
+    {"SignedNumeric", 2, 1, 0, 274, "0", "FEEE", "EEFE"},
+    {"SignedNumeric", 4, 1, -38, 0, "1e10", "", ""},  // beyond a single after scaling
+    {"UnsignedNumeric", 2, 1, 1, 0, "150", "000F", "0F00"},
+    {"Textual", 0, 0, 0, 0, "AB", "", ""},
+    {"Textual", 2, 0, 0, 0, "AB", "4142", "4142"},
+    {"Textual", 4, 0, 0, 0, "", "20202020", "20202020"},
+    {"Textual", 4, 0, 0, 0, "1,5", "312C3520", "312C3520"},
+    {"Textual", -1, 0, 0, 0, "AB", "", ""},
+    {"Textual", 3, 0, 0, 0, "\xC3\xA9t\xC3\xA9", "E974E9", "E974E9"},  // one byte a character
+    {"Textual", 7, 0, 0, 0,
+     "\xE2\x82\xAC\xC5\xB8\xC4\x80\xE6\x97\xA5\xF0\x9F\x98\x80\xC2\x81\xC2\x80", "809F3F3F3F813F",
+     "809F3F3F3F813F"},
+    {"Textual", 4, 0, 0, 0,
+     "\xFF"
+     "a\xE2\x82"
+     "b",
+     "3F613F62", "3F613F62"},
+    {"SignedNumeric", 300, 1, 0, 0, "1", "", ""},
+    {"UnsignedNumeric", 300, 1, 0, 0, "1", "", ""},
+    {"Bitfield", 300, 0, 0, 0, "1", "", ""},
+    {"Enum", 300, 0, 0, 0, "1", "", ""},
+    {"Float", 300, 0, 0, 0, "1", "", ""},
+    {"Textual", 300, 0, 0, 0, "1", "", ""},
+    {"Struct", 300, 0, 0, 0, "1", "", ""},
+    {"", 1, 1, 0, 0, "1", "", ""},
+    {"signednumeric", 1, 1, 0, 0, "1", "", ""},
+};
+
+// Switches to the comma separator when asked; the tests skip when it is not installed.
+#define ZERBIN_SEPARATOR(comma, locale)          \
+    std::optional<testing::ScopedLocale> locale; \
+    if (comma) {                                 \
+        locale.emplace();                        \
+        ZERBIN_REQUIRE_COMMA_LOCALE(*locale);    \
+    }                                            \
+    ASSERT_EQ(DecimalSeparator(), (comma) ? "," : ".")
+
+class EncodeTest : public ::testing::TestWithParam<std::tuple<EncodeRow, bool>> {};
+
+TEST_P(EncodeTest, GivesTheDigitsInBothByteOrders) {
+    const auto& [row, comma] = GetParam();
+    ZERBIN_SEPARATOR(comma, locale);
+    std::string value = row.value;
+    EXPECT_EQ(EncodeStream(value, row.typeClass, row.length, row.a, row.b, row.c), row.bigEndian);
+    value = row.value;
+    EXPECT_EQ(EncodeIntelStream(value, row.typeClass, row.length, row.a, row.b, row.c), row.intel);
+}
+
+INSTANTIATE_TEST_SUITE_P(WorkedExamples, EncodeTest,
+                         ::testing::Combine(::testing::ValuesIn(kWorkedExamples),
+                                            ::testing::Bool()));
+INSTANTIATE_TEST_SUITE_P(EdgeCases, EncodeTest,
+                         ::testing::Combine(::testing::ValuesIn(kEdgeCases), ::testing::Bool()));
+
+// Cases whose digits depend on the separator: "." reads a leading number and never fails,
+// "," reads the whole text by the locale and fails on anything else.
+struct SeparatorRow {
+    const char* typeClass;
+    int32_t length;
+    const char* value;
+    const char* withPoint;
+    const char* withComma;
+};
+
+TEST(Encode, ReadingANumberDependsOnTheSeparator) {
+    const SeparatorRow rows[] = {
+        {"SignedNumeric", 2, "abc", "0000", ""},
+        {"SignedNumeric", 2, "", "0000", ""},
+        {"SignedNumeric", 2, "12abc", "04B0", ""},
+        {"SignedNumeric", 2, "1e400", "", ""},
+        {"UnsignedNumeric", 4, "1e400", "", ""},
+        {"Float", 4, "abc", "00000000", "00000000"},
+        {"Float", 4, "1e400", "7F800000", "00000000"},
+        {"Float", 4, "-1e400", "FF800000", "00000000"},
+        {"Float", 2, "1e400", "", "0000"},
+        {"Float", 2, "1.5e3", "B5DC", "B5DC"},
+        {"Enum", 1, "1e400", "00", "00"},
+        {"Enum", 1, "2,7", "03", "03"},
+        {"Bitfield", 1, "7 apples", "07", "00"},
+    };
+    for (const bool comma : {false, true}) {
+        ZERBIN_SEPARATOR(comma, locale);
+        for (const SeparatorRow& row : rows) {
+            std::string value = row.value;
+            EXPECT_EQ(EncodeStream(value, row.typeClass, row.length, 1, -2, 0),
+                      comma ? row.withComma : row.withPoint)
+                << row.typeClass << " \"" << row.value << "\" comma " << comma;
+        }
+    }
+}
+
+TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
+    struct Row {
+        const char* typeClass;
+        int32_t length;
+        int16_t a, b;
+        const char* value;
+        const char* withPoint;
+        const char* withComma;
+    };
+    const Row rows[] = {
+        {"SignedNumeric", 2, 1, -2, "20.5", "2050", "2050"},
+        {"SignedNumeric", 2, 0, -2, "20.5", "0", "0"},
+        {"UnsignedNumeric", 4, 1, 0, "12345678", "12345680", "12345680"},
+        {"UnsignedNumeric", 2, 1, 1, "5", "0.5", "0,5"},
+        {"Float", 4, 1, 0, "1,5", "1.5", "1,5"},
+        {"Textual", 5, 1, 0, "AB", "AB   ", "AB   "},
+        {"Textual", 3, 1, 0, "\xC3\xA9", "\xC3\xA9  ", "\xC3\xA9  "},
+        {"Textual", 300, 1, 0, "x", "x", "x"},
+    };
+    for (const bool comma : {false, true}) {
+        ZERBIN_SEPARATOR(comma, locale);
+        for (const Row& row : rows) {
+            std::string value = row.value;
+            EncodeIntelStream(value, row.typeClass, row.length, row.a, row.b, 0);
+            if (row.length <= 255) {
+                EXPECT_EQ(value, comma ? row.withComma : row.withPoint) << row.value;
+            }
+        }
+    }
+}
+
+TEST(Encode, LongTextsKeepTheirFirstLengthCharacters) {
+    const std::string text(1000, 'x');
+    std::string value = text;
+    std::string expected;
+    for (int i = 0; i < 255; ++i) {
+        expected += "78";
+    }
+    EXPECT_EQ(EncodeStream(value, "Textual", 255, 0, 0, 0), expected);
+    value = text;
+    EXPECT_EQ(EncodeIntelStream(value, "Textual", 256, 0, 0, 0), "");
+    value = text;
+    EXPECT_EQ(EncodeStream(value, "Textual", 2147483647, 0, 0, 0), "");
+}
+
+TEST(FormatDisplayValue, FindsTheLabelOfAValue) {
+    struct Row {
+        const char* key;
+        const char* desc;
+        const char* label;
+    };
+    const Row rows[] = {
+        {"1", "0,OFF;1,ON;", "ON"},
+        {"0", "0,OFF;1,ON;", "OFF"},
+        {"2", "0,OFF;1,ON;", ""},
+        {"", "0,OFF;1,ON;", ""},
+        {"1", "", ""},
+        {"1.0", "1,ON;", ""},
+        {"1", "10,TEN;1,ONE;", "ONE"},
+        {"1", "0,OFF;1,ON", "ON"},
+        {"5", "0,OFF", ""},
+        {"x", "0,;x,;", ""},
+        {"1", "0,OFF;junk;1,ON;", "ON"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(FormatDisplayValue(row.key, row.desc), row.label)
+            << row.key << " in " << row.desc;
+    }
+}
+
+TEST(FormatDisplayValue, AnEntryWithoutACommaFails) {
+    EXPECT_THROW(FormatDisplayValue("1", "0,OFF;junk"), Error);
+    EXPECT_THROW(FormatDisplayValue("1", "junk;"), Error);
+    EXPECT_EQ(FormatDisplayValue("0", "0,OFF;junk"), "OFF") << "found before the bad entry";
+}
+
+TEST(OverwriteDigits, ReplacesInPlaceAndNeverGrows) {
+    struct Row {
+        const char* image;
+        int32_t position;
+        const char* digits;
+        int32_t maxDigits;
+        const char* result;
+    };
+    const Row rows[] = {
+        {"000000", 2, "AB", 2, "00AB00"},   {"000000", 2, "ABCD", 2, "00AB00"},
+        {"000000", 0, "AB", 4, "AB0000"},   {"000000", 4, "ABCD", 4, "0000AB"},
+        {"000000", 5, "ABCD", 4, "00000A"}, {"000000", 2, "", 4, "000000"},
+        {"000000", 2, "ABCD", 0, "000000"}, {"000000", 2, "ABCD", -2, "000000"},
+    };
+    for (const Row& row : rows) {
+        std::string image = row.image;
+        OverwriteDigits(image, row.position, row.digits, row.maxDigits);
+        EXPECT_EQ(image, row.result) << row.position << " " << row.digits;
+    }
+}
+
+TEST(OverwriteDigits, APlaceAtOrPastTheEndThrows) {
+    std::string image = "0000";
+    EXPECT_THROW(OverwriteDigits(image, 4, "AB", 2), Error);
+    EXPECT_THROW(OverwriteDigits(image, 4, "", 2), Error);
+    EXPECT_THROW(OverwriteDigits(image, -1, "AB", 2), Error);
+    std::string empty;
+    EXPECT_THROW(OverwriteDigits(empty, 0, "AB", 2), Error);
+    EXPECT_EQ(image, "0000");
+}
+
+}  // namespace
+}  // namespace zerbin
