@@ -3,6 +3,7 @@
 #include <limits>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "app_object/MMain.h"
 #include "app_object/SkipMode.h"
@@ -23,8 +24,8 @@ namespace {
 constexpr int32_t kReferenceDigits = 4;
 constexpr int32_t kExtendedReferenceDigits = 6;
 
-// The way the host's macro lists are walked: positions are 16-bit, so a list longer than
-// that is read no further than its 16-bit part.
+// True when a terminal of the list exposes key. Positions are 16-bit in the host's lists, so
+// a longer list is read no further than that; failing reads count as no match.
 bool TerminalsExpose(const std::shared_ptr<IMacroTerminals>& terminals, const std::string& key) {
     int32_t count = 0;
     if (!SkipStep([&] { count = Need(terminals).Count(); })) {
@@ -53,8 +54,8 @@ void CDBInput::IInput_changeType(const std::string& NewType) {
     auto replacement = std::make_shared<CDBCompatibleSNVTs>();
     replacement->AddList(NewType);
     snvtCompatibles_ = std::move(replacement);
-    // Each listener gets its pair before the next one hears anything: a host removes the
-    // connections of the input between the two calls and redraws it on the second.
+    // Deliberately pair by pair rather than two rounds over the list: each listener hears of
+    // the retyping as one event before the next listener is served.
     callBacks_.Raise([this](IcbkAppObject& listener) {
         listener.IcbkAppObject_ConnectionToBeDeleted(globalKey_);
         listener.IcbkAppObject_RefInTypeChanged(globalKey_);

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "app_object/MMain.h"
 #include "app_object/SkipMode.h"
