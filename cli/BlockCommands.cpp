@@ -1,0 +1,114 @@
+// image, save, export and load: the commands that give a block values and write it out.
+#include <string>
+
+#include <pugixml.hpp>
+
+#include "cli/CliErrors.h"
+#include "cli/Commands.h"
+
+namespace zerbin::cli {
+namespace {
+
+constexpr const char* kProjectRoot = "Project";
+constexpr const char* kDefaultKey = "Block1";
+
+// A block of the command's type with the command's keys and values, in the host's order.
+class CommandBlock {
+public:
+    explicit CommandBlock(const CommandContext& context, bool withReferences = true)
+        : invocation_(context.invocation),
+          block_(context.host, Type(context), Keys(context.invocation)) {
+        if (invocation_.x) {
+            block_->IAppObject_XPosition(*invocation_.x);
+        }
+        if (invocation_.y) {
+            block_->IAppObject_YPosition(*invocation_.y);
+        }
+        block_.Apply(invocation_.sets, withReferences ? invocation_.refs : NoAssignments());
+        if (invocation_.exportIndex) {
+            block_->IAppObject_ExportIndex(*invocation_.exportIndex);
+        }
+    }
+
+    CDBAppObject* operator->() const { return block_.operator->(); }
+
+private:
+    static const std::string& Type(const CommandContext& context) {
+        const std::string& type = context.invocation.arguments.front();
+        RequireBlockType(context.host.library, type);
+        return type;
+    }
+
+    static BlockKeys Keys(const Invocation& invocation) {
+        return BlockKeys{invocation.userName.value_or(kDefaultKey), invocation.key,
+                         invocation.userName};
+    }
+
+    static const std::vector<Assignment>& NoAssignments() {
+        static const std::vector<Assignment> none;
+        return none;
+    }
+
+    const Invocation& invocation_;
+    HostedBlock block_;
+};
+
+std::string Image(CDBAppObject& block, bool intel) {
+    return intel ? block.IAppObject_IntelStream() : block.IAppObject_Stream();
+}
+
+void PrintDocument(const pugi::xml_document& document, std::ostream& out) {
+    document.save(out, "  ", pugi::format_default, pugi::encoding_utf8);
+}
+
+}  // namespace
+
+int RunImage(const CommandContext& context) {
+    CommandBlock block(context);
+    context.out << Image(*block.operator->(), context.invocation.intel) << '\n';
+    return kExitOk;
+}
+
+int RunSave(const CommandContext& context) {
+    CommandBlock block(context);
+    // The project keeps the last image built, so build one as the host does before saving.
+    block->IAppObject_Stream();
+    pugi::xml_document document;
+    pugi::xml_node root = document.append_child(kProjectRoot);
+    block->IAppObject_XmlSave(root, document);
+    PrintDocument(document, context.out);
+    return kExitOk;
+}
+
+int RunExport(const CommandContext& context) {
+    CommandBlock block(context, false);
+    pugi::xml_document document;
+    pugi::xml_node root = document.append_child(kProjectRoot);
+    if (context.invocation.exportForm == ExportForm::Simulator) {
+        block->IAppObject_XMLSaveSim(root, document);
+    } else {
+        block->IAppObject_XMLSaveForInteroperability(root, document);
+    }
+    PrintDocument(document, context.out);
+    return kExitOk;
+}
+
+int RunLoad(const CommandContext& context) {
+    const std::string& file = context.invocation.arguments.front();
+    const std::shared_ptr<const pugi::xml_document> project = ReadDocument(file, "project");
+    int index = 0;
+    for (pugi::xml_node element : project->document_element().children()) {
+        if (element.type() != pugi::node_element) {
+            continue;
+        }
+        ++index;
+        const std::string type = element.name();
+        HostedBlock block(context.host, type, BlockKeys{"Block" + std::to_string(index), {}, {}});
+        block->IAppObject_XmlLoad(element);
+        context.out << block->IAppObject_UserName() << '\t' << type << '\t'
+                    << Image(*block, context.invocation.intel) << '\n';
+    }
+    return kExitOk;
+}
+
+}  // namespace zerbin::cli

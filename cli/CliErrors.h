@@ -1,0 +1,27 @@
+// The two ways a zerbin command ends early, by their exit status.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace zerbin::cli {
+
+inline constexpr int kExitOk = 0;
+// An unexpected failure, and for check: at least one message was shown.
+inline constexpr int kExitFailure = 1;
+inline constexpr int kExitUsage = 2;
+inline constexpr int kExitUnreadable = 3;
+
+// A mistake in what the user typed; the text is the one-line hint, without "zerbin: error: ".
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// A file the command needs cannot be read; the text names the file and the reason.
+class UnreadableError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace zerbin::cli

@@ -1,0 +1,383 @@
+#include "cli/CommandLine.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cmath>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "cli/CliErrors.h"
+
+namespace zerbin::cli {
+namespace {
+
+enum class Opt {
+    Library,
+    Dictionary,
+    Device,
+    ShortFloat,
+    Units,
+    Help,
+    Version,
+    Set,
+    Ref,
+    ExportIndex,
+    Intel,
+    UserName,
+    X,
+    Y,
+    Key,
+    Sim,
+    Interop,
+};
+
+struct OptionSpec {
+    Opt id;
+    std::string_view name;
+    bool takesValue;
+};
+
+constexpr std::array kOptions{
+    OptionSpec{Opt::Library, "--library", true},
+    OptionSpec{Opt::Dictionary, "--dictionary", true},
+    OptionSpec{Opt::Device, "--device", true},
+    OptionSpec{Opt::ShortFloat, "--short-float", false},
+    OptionSpec{Opt::Units, "--units", true},
+    OptionSpec{Opt::Help, "--help", false},
+    OptionSpec{Opt::Help, "-h", false},
+    OptionSpec{Opt::Version, "--version", false},
+    OptionSpec{Opt::Set, "--set", true},
+    OptionSpec{Opt::Ref, "--ref", true},
+    OptionSpec{Opt::ExportIndex, "--export-index", true},
+    OptionSpec{Opt::Intel, "--intel", false},
+    OptionSpec{Opt::UserName, "--user-name", true},
+    OptionSpec{Opt::X, "--x", true},
+    OptionSpec{Opt::Y, "--y", true},
+    OptionSpec{Opt::Key, "--key", true},
+    OptionSpec{Opt::Sim, "--sim", false},
+    OptionSpec{Opt::Interop, "--interop", false},
+};
+
+struct CommandSpec {
+    Command command;
+    std::string_view name;
+    std::vector<Opt> options;
+    // What the positional arguments are, for the hints; empty when the command takes none.
+    std::string_view argumentName;
+    std::size_t minArguments;
+    std::size_t maxArguments;
+};
+
+constexpr std::size_t kAny = static_cast<std::size_t>(-1);
+
+const std::vector<CommandSpec>& Commands() {
+    static const std::vector<CommandSpec> commands{
+        {Command::Types, "types", {}, "", 0, 0},
+        {Command::Show, "show", {}, "a block type", 1, 1},
+        {Command::Image,
+         "image",
+         {Opt::Set, Opt::Ref, Opt::ExportIndex, Opt::Intel},
+         "a block type",
+         1,
+         1},
+        {Command::Save,
+         "save",
+         {Opt::Set, Opt::Ref, Opt::UserName, Opt::X, Opt::Y, Opt::ExportIndex},
+         "a block type",
+         1,
+         1},
+        {Command::Export,
+         "export",
+         {Opt::Set, Opt::UserName, Opt::Key, Opt::Sim, Opt::Interop},
+         "a block type",
+         1,
+         1},
+        {Command::Load, "load", {Opt::Intel}, "a project file", 1, 1},
+        {Command::Check, "check", {}, "block types", 0, kAny},
+    };
+    return commands;
+}
+
+const CommandSpec* FindCommand(std::string_view name) {
+    for (const CommandSpec& spec : Commands()) {
+        if (spec.name == name) {
+            return &spec;
+        }
+    }
+    return nullptr;
+}
+
+const CommandSpec& SpecOf(Command command) {
+    for (const CommandSpec& spec : Commands()) {
+        if (spec.command == command) {
+            return spec;
+        }
+    }
+    throw std::logic_error("command without a spec");
+}
+
+const OptionSpec* FindOption(std::string_view name) {
+    for (const OptionSpec& spec : kOptions) {
+        if (spec.name == name) {
+            return &spec;
+        }
+    }
+    return nullptr;
+}
+
+bool IsOptionToken(const std::string& token) {
+    return token.size() > 1 && token[0] == '-';
+}
+
+// Walks the arguments, handing out option values from "--name VALUE" or "--name=VALUE".
+class Cursor {
+public:
+    explicit Cursor(const std::vector<std::string>& args) : args_(args) {}
+
+    bool AtEnd() const { return next_ >= args_.size(); }
+    const std::string& Peek() const { return args_[next_]; }
+    std::string Take() { return args_[next_++]; }
+
+    std::string Value(const std::string& option, std::optional<std::string>& inlineValue) {
+        if (inlineValue) {
+            return *std::exchange(inlineValue, std::nullopt);
+        }
+        if (AtEnd()) {
+            throw UsageError("option '" + option + "' expects an argument");
+        }
+        return Take();
+    }
+
+private:
+    const std::vector<std::string>& args_;
+    std::size_t next_ = 0;
+};
+
+std::string Hint(const std::optional<Command>& command) {
+    return command ? " (try 'zerbin " + CommandName(*command) + " --help')"
+                   : std::string(" (try 'zerbin --help')");
+}
+
+Assignment SplitAssignment(const std::string& option, const std::string& form,
+                           const std::string& text) {
+    const std::size_t equals = text.find('=');
+    if (equals == std::string::npos) {
+        throw UsageError(option + " expects " + form + ", found '" + text + "'");
+    }
+    return Assignment{text.substr(0, equals), text.substr(equals + 1)};
+}
+
+// Reference digits go into the image as they stand, so they must be hexadecimal already;
+// they are upper-cased to match the rest of the image.
+Assignment ParseReference(const std::string& text) {
+    Assignment ref = SplitAssignment("--ref", "INPUT=HEX", text);
+    const bool hex =
+        !ref.value.empty() && std::all_of(ref.value.begin(), ref.value.end(),
+                                          [](unsigned char c) { return std::isxdigit(c) != 0; });
+    if (!hex) {
+        throw UsageError("--ref expects hexadecimal digits for '" + ref.name + "', found '" +
+                         ref.value + "'");
+    }
+    std::transform(ref.value.begin(), ref.value.end(), ref.value.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return ref;
+}
+
+int16_t ParseExportIndex(const std::string& text) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (text.empty() || error != std::errc() || end != text.data() + text.size() ||
+        value < INT16_MIN || value > INT16_MAX) {
+        throw UsageError("--export-index expects a whole number from -32768 to 32767, found '" +
+                         text + "'");
+    }
+    return static_cast<int16_t>(value);
+}
+
+// Canvas positions are typed by people with either decimal separator.
+double ParseCoordinate(const std::string& option, const std::string& text) {
+    std::string digits = text;
+    std::replace(digits.begin(), digits.end(), ',', '.');
+    double value = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (digits.empty() || error != std::errc() || end != digits.data() + digits.size() ||
+        !std::isfinite(value)) {
+        throw UsageError(option + " expects a number, found '" + text + "'");
+    }
+    return value;
+}
+
+UnitSystem ParseUnits(const std::string& text) {
+    if (text == "si") {
+        return UnitSystem::SI;
+    }
+    if (text == "us") {
+        return UnitSystem::US;
+    }
+    throw UsageError("--units expects 'si' or 'us', found '" + text + "'");
+}
+
+void ApplyOption(const OptionSpec& spec, const std::string& token,
+                 std::optional<std::string>& inlineValue, Cursor& cursor, Invocation& result) {
+    if (!spec.takesValue && inlineValue) {
+        throw UsageError("option '" + std::string(spec.name) + "' takes no argument");
+    }
+    const std::string name(spec.name);
+    auto value = [&] { return cursor.Value(token, inlineValue); };
+    switch (spec.id) {
+        case Opt::Library:
+            result.library = value();
+            break;
+        case Opt::Dictionary:
+            result.dictionary = value();
+            break;
+        case Opt::Device:
+            result.device = value();
+            break;
+        case Opt::ShortFloat:
+            result.shortFloat = true;
+            break;
+        case Opt::Units:
+            result.units = ParseUnits(value());
+            break;
+        case Opt::Help:
+            (result.command ? result.commandHelp : result.help) = true;
+            break;
+        case Opt::Version:
+            result.version = true;
+            break;
+        case Opt::Set:
+            result.sets.push_back(SplitAssignment(name, "NAME=VALUE", value()));
+            break;
+        case Opt::Ref:
+            result.refs.push_back(ParseReference(value()));
+            break;
+        case Opt::ExportIndex:
+            result.exportIndex = ParseExportIndex(value());
+            break;
+        case Opt::Intel:
+            result.intel = true;
+            break;
+        case Opt::UserName:
+            result.userName = value();
+            break;
+        case Opt::X:
+            result.x = ParseCoordinate(name, value());
+            break;
+        case Opt::Y:
+            result.y = ParseCoordinate(name, value());
+            break;
+        case Opt::Key:
+            result.key = value();
+            break;
+        case Opt::Sim:
+        case Opt::Interop: {
+            const ExportForm form =
+                spec.id == Opt::Sim ? ExportForm::Simulator : ExportForm::Interoperability;
+            if (result.exportForm != ExportForm::None && result.exportForm != form) {
+                throw UsageError("--sim and --interop exclude each other");
+            }
+            result.exportForm = form;
+            break;
+        }
+    }
+}
+
+// The options allowed before the command.
+bool IsGlobal(Opt id) {
+    switch (id) {
+        case Opt::Library:
+        case Opt::Dictionary:
+        case Opt::Device:
+        case Opt::ShortFloat:
+        case Opt::Units:
+        case Opt::Help:
+        case Opt::Version:
+            return true;
+        default:
+            return false;
+    }
+}
+
+void CheckArguments(const CommandSpec& spec, const Invocation& result) {
+    const std::size_t count = result.arguments.size();
+    if (count < spec.minArguments) {
+        throw UsageError("'" + std::string(spec.name) + "' expects " +
+                         std::string(spec.argumentName) + Hint(spec.command));
+    }
+    if (count > spec.maxArguments) {
+        throw UsageError("unexpected argument '" + result.arguments[spec.maxArguments] + "'" +
+                         Hint(spec.command));
+    }
+    if (spec.command == Command::Export && result.exportForm == ExportForm::None) {
+        throw UsageError("'export' needs --sim or --interop");
+    }
+}
+
+}  // namespace
+
+std::string CommandName(Command command) {
+    return std::string(SpecOf(command).name);
+}
+
+Invocation ParseCommandLine(const std::vector<std::string>& args) {
+    Invocation result;
+    Cursor cursor(args);
+    const CommandSpec* command = nullptr;
+    bool optionsEnded = false;
+
+    while (!cursor.AtEnd()) {
+        const std::string token = cursor.Take();
+        if (!optionsEnded && token == "--") {
+            optionsEnded = true;
+            continue;
+        }
+        if (optionsEnded || !IsOptionToken(token)) {
+            if (command == nullptr) {
+                command = FindCommand(token);
+                if (command == nullptr) {
+                    throw UsageError("unknown command '" + token + "'" + Hint(std::nullopt));
+                }
+                result.command = command->command;
+            } else {
+                result.arguments.push_back(token);
+            }
+            continue;
+        }
+
+        const std::size_t equals = token.find('=');
+        const std::string name = token.substr(0, equals);
+        std::optional<std::string> inlineValue;
+        if (equals != std::string::npos) {
+            inlineValue = token.substr(equals + 1);
+        }
+        const OptionSpec* spec = FindOption(name);
+        const bool allowed =
+            spec != nullptr &&
+            (command == nullptr ? IsGlobal(spec->id)
+                                : spec->id == Opt::Help ||
+                                      std::find(command->options.begin(), command->options.end(),
+                                                spec->id) != command->options.end());
+        if (!allowed) {
+            const std::string where =
+                command == nullptr ? "" : " for '" + std::string(command->name) + "'";
+            throw UsageError("unknown option '" + name + "'" + where + Hint(result.command));
+        }
+        ApplyOption(*spec, name, inlineValue, cursor, result);
+        // Help and version answer at once, whatever else stands on the line.
+        if (result.help || result.version || result.commandHelp) {
+            return result;
+        }
+    }
+
+    if (command == nullptr) {
+        throw UsageError("no command given" + Hint(std::nullopt));
+    }
+    CheckArguments(*command, result);
+    return result;
+}
+
+}  // namespace zerbin::cli

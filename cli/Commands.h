@@ -1,0 +1,28 @@
+// The commands of zerbin, each given the parsed command line and the run's host; each
+// returns the exit status and throws UsageError or UnreadableError for the early ends.
+#pragma once
+
+#include <ostream>
+
+#include "cli/CommandLine.h"
+#include "cli/HostSession.h"
+
+namespace zerbin::cli {
+
+struct CommandContext {
+    const Invocation& invocation;
+    const HostSettings& host;
+    StreamMessageSink& messages;
+    std::ostream& out;
+    std::ostream& err;
+};
+
+int RunTypes(const CommandContext& context);
+int RunShow(const CommandContext& context);
+int RunImage(const CommandContext& context);
+int RunSave(const CommandContext& context);
+int RunExport(const CommandContext& context);
+int RunLoad(const CommandContext& context);
+int RunCheck(const CommandContext& context);
+
+}  // namespace zerbin::cli

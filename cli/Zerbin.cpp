@@ -1,0 +1,116 @@
+#include "cli/Zerbin.h"
+
+#include <exception>
+#include <filesystem>
+#include <memory>
+
+#include "cli/CliErrors.h"
+#include "cli/CommandLine.h"
+#include "cli/Commands.h"
+#include "cli/DataFolder.h"
+#include "cli/Help.h"
+#include "cli/HostSession.h"
+#include "platform/Files.h"
+#include "platform/Messages.h"
+#include "platform/UnitConverter.h"
+
+namespace zerbin::cli {
+namespace {
+
+// Installs the run's message sink and library for its lifetime, then puts back what the
+// process had, so that a run leaves no trace in a process that hosts several.
+class ProcessSettings {
+public:
+    ProcessSettings(std::shared_ptr<MessageSink> sink, const std::filesystem::path& library,
+                    UnitSystem units)
+        : previousSink_(CurrentMessageSink()),
+          previousFolder_(ComponentFolder()),
+          previousUnits_(CurrentUnitSystem()) {
+        SetMessageSink(std::move(sink));
+        // The library is the parent of the component folder; the folder itself need not exist.
+        SetComponentFolder(library / "Zerbin");
+        SetUnitSystem(units);
+    }
+    ~ProcessSettings() {
+        SetUnitSystem(previousUnits_);
+        SetComponentFolder(previousFolder_);
+        SetMessageSink(previousSink_);
+    }
+    ProcessSettings(const ProcessSettings&) = delete;
+    ProcessSettings& operator=(const ProcessSettings&) = delete;
+
+private:
+    std::shared_ptr<MessageSink> previousSink_;
+    std::filesystem::path previousFolder_;
+    UnitSystem previousUnits_;
+};
+
+int Dispatch(const CommandContext& context) {
+    switch (*context.invocation.command) {
+        case Command::Types:
+            return RunTypes(context);
+        case Command::Show:
+            return RunShow(context);
+        case Command::Image:
+            return RunImage(context);
+        case Command::Save:
+            return RunSave(context);
+        case Command::Export:
+            return RunExport(context);
+        case Command::Load:
+            return RunLoad(context);
+        case Command::Check:
+            return RunCheck(context);
+    }
+    return kExitFailure;
+}
+
+int RunCommand(const Invocation& invocation, std::ostream& out, std::ostream& err) {
+    const std::filesystem::path library =
+        std::filesystem::absolute(invocation.library.value_or(ShippedLibrary()));
+    auto messages = std::make_shared<StreamMessageSink>(err);
+    ProcessSettings settings(messages, library, invocation.units);
+
+    HostSettings host;
+    host.library = library;
+    host.dictionary =
+        ReadDocument(invocation.dictionary.value_or(ShippedDictionary()), "dictionary");
+    host.ownerDevice = ReadDocument(invocation.device.value_or(ShippedDevice()), "device document");
+    host.shortFloat = invocation.shortFloat;
+
+    return Dispatch(CommandContext{invocation, host, *messages, out, err});
+}
+
+}  // namespace
+
+int RunZerbin(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+    try {
+        const Invocation invocation = ParseCommandLine(args);
+        if (invocation.version) {
+            out << VersionText();
+            return kExitOk;
+        }
+        if (invocation.help) {
+            out << UsageText();
+            return kExitOk;
+        }
+        if (invocation.commandHelp) {
+            out << CommandUsageText(*invocation.command);
+            return kExitOk;
+        }
+        const int status = RunCommand(invocation, out, err);
+        out.flush();
+        return status;
+    } catch (const UsageError& error) {
+        err << "zerbin: error: " << error.what() << '\n';
+        return kExitUsage;
+    } catch (const UnreadableError& error) {
+        err << "zerbin: error: " << error.what() << '\n';
+        return kExitUnreadable;
+    } catch (const std::exception& error) {
+        err << "zerbin: error: " << error.what() << '\n';
+        return kExitFailure;
+    }
+}
+
+}  // namespace zerbin::cli
