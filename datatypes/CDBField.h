@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "interfaces/IField.h"
 #include "datatypes/IUnitsProvider.h"
+#include "interfaces/IField.h"
 #include "interfaces/IHostServices.h"
 
 namespace zerbin {
@@ -77,6 +77,8 @@ public:
     std::string WriteIntelStream(std::string image, int32_t position);
 
 private:
+    std::string Write(std::string image, int32_t position, bool intel);
+
     std::string globalKey_;
     std::string defaultValue_;
     std::string name_;

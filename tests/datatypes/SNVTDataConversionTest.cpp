@@ -96,9 +96,11 @@ constexpr EncodeRow kEdgeCases[] = {
     {"Textual", 4, 0, 0, 0, "1,5", "312C3520", "312C3520"},
     {"Textual", -1, 0, 0, 0, "AB", "", ""},
     {"Textual", 3, 0, 0, 0, "\xC3\xA9t\xC3\xA9", "E974E9", "E974E9"},  // one byte a character
+    // € and Ÿ have codes in 0x80-0x9F; Ā, 日 and an emoji have none; U+0081 keeps its byte.
     {"Textual", 7, 0, 0, 0,
      "\xE2\x82\xAC\xC5\xB8\xC4\x80\xE6\x97\xA5\xF0\x9F\x98\x80\xC2\x81\xC2\x80", "809F3F3F3F813F",
      "809F3F3F3F813F"},
+    // A stray byte and a cut-short sequence are one "?" each.
     {"Textual", 4, 0, 0, 0,
      "\xFF"
      "a\xE2\x82"

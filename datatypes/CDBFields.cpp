@@ -1,0 +1,61 @@
+#include "datatypes/CDBFields.h"
+
+#include <pugixml.hpp>
+
+#include "app_object/SkipMode.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/SnvtDictionary.h"
+#include "interfaces/Error.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+
+int32_t CDBFields::IFields_Count() {
+    return items_.Count();
+}
+
+std::shared_ptr<IField> CDBFields::IFields_Item(const std::string& Key) {
+    return items_.Item(Key);
+}
+
+std::vector<std::shared_ptr<IField>> CDBFields::IFields_NewEnum() {
+    return {items_.Items().begin(), items_.Items().end()};
+}
+
+int32_t CDBFields::IFields_Length() {
+    // The structure's length is the sum that its attribute works out and stores.
+    return 0;
+}
+
+void CDBFields::LoadFields(const std::string& typeId, int32_t nodeType) {
+    const pugi::xml_node fields = Need(FindSnvtChild(typeId, "Fields"));
+    int32_t offset = 0;
+    for (const pugi::xml_node child : fields.children()) {
+        if (xml::IsComment(child)) {
+            continue;
+        }
+        const std::string name = xml::BaseName(child);
+        const std::string fieldTypeId = xml::FirstChildText(child);
+        auto field = std::make_shared<CDBField>();
+        field->SetNodeType(nodeType);
+        field->SetName(name);
+        field->LoadType(fieldTypeId);
+        items_.Add(name, field);
+        field->SetIndex(items_.Count());
+        field->SetOffset(offset);
+        const int32_t length = field->Type()->ISNVType_Length();
+        if (__builtin_add_overflow(offset, length, &offset)) {
+            throw OverflowError();
+        }
+    }
+}
+
+const std::vector<std::shared_ptr<CDBField>>& CDBFields::Fields() const {
+    return items_.Items();
+}
+
+std::shared_ptr<CDBField> CDBFields::Item(const std::string& key) const {
+    return items_.Item(key);
+}
+
+}  // namespace zerbin
