@@ -269,6 +269,10 @@ std::string CDBAppObject::LastStream() const {
     return lastStream_;
 }
 
+std::string CDBAppObject::DatasheetPath() const {
+    return datasheetPath_;
+}
+
 std::shared_ptr<CDBAttributes> CDBAppObject::AttributesCollection() const {
     return attributes_;
 }

@@ -123,6 +123,8 @@ public:
     // Internal.
     // The image as last built by IAppObject_Stream or loaded from a project.
     std::string LastStream() const;
+    // The datasheet found for the type; empty when there is none.
+    std::string DatasheetPath() const;
     // The concrete collections, or nullptr.
     std::shared_ptr<CDBAttributes> AttributesCollection() const;
     std::shared_ptr<CDBInputs> InputsCollection() const;

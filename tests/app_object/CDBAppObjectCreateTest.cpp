@@ -1,0 +1,201 @@
+// Creating the members from the definition's three sections and laying them out in the CDB:
+// each fixture block type is one row with the messages, the length and the positions it gives.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app_object/CDBAppObject.h"
+#include "connections/CDBInputs.h"
+#include "parameters/CDBAttributes.h"
+#include "platform/Messages.h"
+#include "tests/app_object/AppObjectTestSupport.h"
+
+namespace zerbin {
+namespace {
+
+using testing::CreateBlock;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using testing::FixtureLibrary;
+using testing::HostedBlock;
+using ::testing::IsEmpty;
+using testing::Texts;
+
+// Every attribute's and input's position, by member name.
+std::map<std::string, int32_t> Positions(const CDBAppObject& block) {
+    std::map<std::string, int32_t> positions;
+    if (auto attributes = block.AttributesCollection()) {
+        for (const auto& attribute : attributes->Members()) {
+            positions[attribute->IAttribute_Name()] = attribute->IAttribute_CDBPosition();
+        }
+    }
+    if (auto inputs = block.InputsCollection()) {
+        for (const auto& input : inputs->Members()) {
+            positions[input->IInput_Name()] = input->IInput_CDBPosition();
+        }
+    }
+    return positions;
+}
+
+struct LayoutRow {
+    const char* type;
+    std::vector<std::string> messages;
+    int32_t cdbDimension;
+    std::map<std::string, int32_t> positions;
+};
+
+class Layout : public ::testing::TestWithParam<LayoutRow> {};
+
+TEST_P(Layout, PlacesTheMembersAndReportsWhatIsWrong) {
+    const LayoutRow& row = GetParam();
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+
+    HostedBlock block = CreateBlock(row.type);
+
+    EXPECT_THAT(Texts(messages), ElementsAreArray(row.messages));
+    for (const Message& message : messages.Messages()) {
+        EXPECT_EQ(message.title, "Zerbin");
+        EXPECT_EQ(message.buttons, MessageButtons::Ok);
+    }
+    EXPECT_EQ(block->IAppObject_CDBDimension(), row.cdbDimension);
+    EXPECT_EQ(Positions(*block), row.positions);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    FixtureTypes, Layout,
+    ::testing::Values(
+        // Two attributes share number 3 and follow the definition's order; the tool-only
+        // Note's 9 does not count.
+        LayoutRow{"Worked",
+                  {},
+                  17,
+                  {{"Mode", 3},
+                   {"Setpoint", 4},
+                   {"Gain", 6},
+                   {"Trim", 10},
+                   {"Note", 0},
+                   {"Flow", 12},
+                   {"Level", 14}}},
+        LayoutRow{"WorkedDup",
+                  {"WorkedDup: Duplicates CDBOrderinPosition in XML File: 3"},
+                  14,
+                  {{"Mode", 3},
+                   {"Setpoint", 4},
+                   {"Gain", 6},
+                   {"Trim", 10},
+                   {"Note", 0},
+                   {"Flow", 12},
+                   {"Level", 0}}},
+        LayoutRow{"WorkedGap",
+                  {"WorkedGap: Missing CDBOrderinPosition in XML File: 4"},
+                  12,
+                  {{"Mode", 3},
+                   {"Setpoint", 4},
+                   {"Gain", 6},
+                   {"Trim", 10},
+                   {"Note", 0},
+                   {"Flow", 0},
+                   {"Level", 0}}},
+        LayoutRow{"BadSections",
+                  {"Error: Problems in the InReferences section of the XML file of Bad sections ",
+                   "Error: Problems in the OutReferences section of the XML file of Bad sections ",
+                   "Error: Problems in the Attribute section of the XML file of Bad sections "},
+                  6,
+                  {{"Mode", 3}, {"Flow", 4}}},
+        LayoutRow{"AllToolOnly",
+                  {"AllToolOnly: Missing CDBOrderinPosition in XML File: 1"},
+                  3,
+                  {{"First", 0}, {"Second", 0}}},
+        LayoutRow{"OnlyOutputs", {}, 3, {}}, LayoutRow{"q_Empty", {}, 0, {{"Flow", 0}}},
+        LayoutRow{"ZeroOrders", {}, 4, {{"Zero", 0}, {"Negative", 0}, {"First", 3}}},
+        LayoutRow{"Sections", {}, 4, {{"Mode", 3}}}),
+    [](const ::testing::TestParamInfo<LayoutRow>& info) { return info.param.type; });
+
+TEST(Create, ADuplicateMemberIsDroppedAndTheFirstStays) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+
+    HostedBlock block = CreateBlock("BadSections");
+
+    EXPECT_EQ(block->IAppObject_Inputs()->IInputs_Count(), 1);
+    EXPECT_EQ(block->IAppObject_Outputs()->IOutputs_Count(), 1);
+    EXPECT_EQ(block->IAppObject_Attributes()->IAttributes_Count(), 1);
+    EXPECT_EQ(block->IAppObject_Inputs()->IInputs_Item("FLOW")->IInput_Name(), "Flow");
+}
+
+TEST(Create, MissingAndMisspelledSectionsLeaveTheirCollectionsAbsent) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+
+    HostedBlock block = CreateBlock("Sections");  // "inreferences", no OutReferences
+
+    EXPECT_EQ(block->IAppObject_Inputs(), nullptr);
+    EXPECT_EQ(block->IAppObject_Outputs(), nullptr);
+    EXPECT_EQ(block->IAppObject_Attributes()->IAttributes_Count(), 1);
+    EXPECT_EQ(block->IAppObject_InputWidth(), 0);
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+TEST(Create, ATypeWithoutDefinitionTellsOnceForEachSectionAndHasAnEmptyCdb) {
+    testing::TempLibrary library;
+    ScopedMessageRecorder messages;
+    const std::string type = testing::UniqueTypeName("Nowhere");
+
+    HostedBlock block = CreateBlock(type);
+
+    const std::string message = testing::NotAvailableMessage(type);
+    EXPECT_THAT(Texts(messages), ElementsAre(message, message, message, message));
+    EXPECT_EQ(block->IAppObject_Inputs(), nullptr);
+    EXPECT_EQ(block->IAppObject_Outputs(), nullptr);
+    EXPECT_EQ(block->IAppObject_Attributes(), nullptr);
+    EXPECT_EQ(block->IAppObject_CDBDimension(), 3);
+}
+
+TEST(Create, WidthsComeFromTheLongestNames) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+
+    HostedBlock worked = CreateBlock("Worked");  // Flow, Level; Out1
+    HostedBlock outputsOnly = CreateBlock("OnlyOutputs");
+
+    EXPECT_EQ(worked->IAppObject_InputWidth(), 5);
+    worked->IAppObject_UserName("");
+    EXPECT_EQ(worked->IAppObject_Width(), 9);
+    EXPECT_EQ(outputsOnly->IAppObject_InputWidth(), 0);
+    outputsOnly->IAppObject_UserName("");
+    EXPECT_EQ(outputsOnly->IAppObject_Width(), 5);  // no inputs: no base width at all
+}
+
+TEST(Create, ShortFloatShortensTheFloatsThatDoNotKeepTheStandard) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+
+    HostedBlock standard = CreateBlock("ShortFloat", false);
+    HostedBlock shortened = CreateBlock("ShortFloat", true);
+
+    EXPECT_EQ(standard->IAppObject_CDBDimension(), 11);
+    EXPECT_EQ(shortened->IAppObject_CDBDimension(), 9);
+    EXPECT_EQ(Positions(*shortened), (std::map<std::string, int32_t>{{"Gain", 3}, {"Ratio", 7}}));
+}
+
+TEST(Create, TheLastUnitSelectorGovernsTheDependentAttributes) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+
+    HostedBlock block = CreateBlock("TwoSelectors");
+
+    // Units2 lists Fahrenheit (921) first, Units1 Celsius (920).
+    auto temp = block->IAppObject_Attributes()->IAttributes_Item("Temp");
+    ASSERT_NE(temp->IAttribute_SNVTType(), nullptr);
+    EXPECT_EQ(temp->IAttribute_SNVTType()->ISNVType_ID(), "921");
+    EXPECT_EQ(temp->IAttribute_Value(), "68");
+    EXPECT_EQ(block->IAppObject_CDBDimension(), 7);
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+}  // namespace
+}  // namespace zerbin

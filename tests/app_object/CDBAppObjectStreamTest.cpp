@@ -1,0 +1,171 @@
+// The image of the CDB in both byte orders: golden images of the fixture blocks, the header
+// rules of the object ID, the 255-byte limit and the two failure reactions.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "app_object/CDBAppObject.h"
+#include "interfaces/Error.h"
+#include "platform/Messages.h"
+#include "tests/app_object/AppObjectTestSupport.h"
+
+namespace zerbin {
+namespace {
+
+using testing::CreateBlock;
+using ::testing::ElementsAre;
+using testing::FixtureLibrary;
+using testing::HostedBlock;
+using ::testing::IsEmpty;
+using testing::Texts;
+
+std::string Repeat(const std::string& digits, int times) {
+    std::string text;
+    for (int i = 0; i < times; ++i) {
+        text += digits;
+    }
+    return text;
+}
+
+void GiveReferences(HostedBlock& block) {
+    block->IAppObject_Inputs()->IInputs_Item("Flow")->IInput_Value("4203");
+    block->IAppObject_Inputs()->IInputs_Item("Level")->IInput_Value("234501");
+}
+
+struct ImageRow {
+    const char* label;
+    const char* type;
+    bool withReferences;
+    std::string stream;
+    std::string intelStream;
+};
+
+class Image : public ::testing::TestWithParam<ImageRow> {};
+
+TEST_P(Image, IsBuiltFromTheHeaderAndTheMembers) {
+    const ImageRow& row = GetParam();
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;  // the layout messages of the variants
+    HostedBlock block = CreateBlock(row.type);
+    if (row.withReferences) {
+        GiveReferences(block);
+    }
+    messages.recorder().Clear();
+
+    EXPECT_EQ(block->IAppObject_Stream(), row.stream);
+    EXPECT_EQ(block->IAppObject_IntelStream(), row.intelStream);
+    EXPECT_EQ(block->LastStream(), row.stream);
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    FixtureTypes, Image,
+    ::testing::Values(ImageRow{"Worked", "Worked", true, "11012C034E203FC0000008024203234501",
+                               "112C0103204E0000C03F02081203191501"},
+                      ImageRow{"InputsWithoutReference", "Worked", false,
+                               "11012C034E203FC0000008020000000000",
+                               "112C0103204E0000C03F02080000000000"},
+                      // The members the layout did not reach stand at 0 and write over the header.
+                      ImageRow{"DuplicateNumber", "WorkedDup", true, "234501034E203FC0000008024203",
+                               "19150103204E0000C03F02081203"},
+                      ImageRow{"MissingNumber", "WorkedGap", true, "234501034E203FC000000802",
+                               "19150103204E0000C03F0208"},
+                      ImageRow{"NoCdb", "q_Empty", false, "00012C", "002C01"},
+                      ImageRow{"NoMembers", "OnlyOutputs", false, "03004D", "034D00"}),
+    [](const ::testing::TestParamInfo<ImageRow>& info) { return info.param.label; });
+
+TEST(Stream, ABlockLongerThan255BytesIsCutAndItsLengthClamped) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+    HostedBlock block = CreateBlock("Large");  // 3 + 200 + 53 bytes
+    ASSERT_EQ(block->IAppObject_CDBDimension(), 256);
+
+    const std::string image = block->IAppObject_Stream();
+
+    // Tail starts inside the image and is cut at its end.
+    const std::string body = "41" + Repeat("20", 199) + "42" + Repeat("20", 51);
+    EXPECT_EQ(image, "FF0001" + body);
+    EXPECT_EQ(image.size(), 510u);
+    EXPECT_EQ(block->IAppObject_CDBDimension(), 255);
+    EXPECT_EQ(block->IAppObject_IntelStream(), "FF0100" + body);
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+TEST(Stream, AMemberBeyondTheLastByteFailsTheImage) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+    HostedBlock block = CreateBlock("Overlong");  // Last stands at offset 255
+    pugi::xml_document project;
+    pugi::xml_node saved = project.append_child("Overlong");
+    saved.append_child("CDB").append_child(pugi::node_pcdata).set_value("0F0001");
+    block->IAppObject_XmlLoad(saved);
+
+    EXPECT_EQ(block->IAppObject_Stream(), "");
+    EXPECT_EQ(block->LastStream(), "0F0001");
+    EXPECT_THAT(Texts(messages),
+                ElementsAre("Error exporting the object: Overlong block,   A possible error is "
+                            "the lenght of the object."));
+    EXPECT_EQ(messages.Messages()[0].title, "Zerbin");
+
+    messages.recorder().Clear();
+    EXPECT_EQ(block->IAppObject_IntelStream(), "");
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+TEST(Stream, ObjectIdIsTheLeadingNumberLimitedToAWord) {
+    const struct {
+        const char* id;
+        const char* stream;
+        const char* intel;
+    } rows[] = {
+        {"300", "03012C", "032C01"},     {"70000", "03FFFF", "03FFFF"},
+        {"-1", "0300FF", "03FF00"},      {"-300", "03FFD4", "03D4FF"},
+        {"", "030000", "030000"},        {"abc", "030000", "030000"},
+        {"65535.5", "03FFFF", "03FFFF"}, {"12.5 kB", "03000C", "030C00"},
+    };
+    testing::TempLibrary library;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.id);
+        const std::string type = testing::UniqueTypeName("Id");
+        library.WriteDefinition(
+            type, testing::HeaderOnlyDefinition(std::string("<ID>") + row.id + "</ID>"));
+        HostedBlock block = CreateBlock(type);
+        EXPECT_EQ(block->IAppObject_Stream(), row.stream);
+        EXPECT_EQ(block->IAppObject_IntelStream(), row.intel);
+    }
+}
+
+TEST(Stream, AnIdBeyond32BitsRaisesTheOverflowToTheCaller) {
+    testing::TempLibrary library;
+    ScopedMessageRecorder messages;
+    for (const char* id : {"99999999999", "-2147483649", "1e10"}) {
+        SCOPED_TRACE(id);
+        const std::string type = testing::UniqueTypeName("BigId");
+        library.WriteDefinition(type,
+                                testing::HeaderOnlyDefinition(std::string("<ID>") + id + "</ID>"));
+        HostedBlock block = CreateBlock(type);
+        EXPECT_THROW(block->IAppObject_Stream(), OverflowError);
+        EXPECT_THROW(block->IAppObject_IntelStream(), OverflowError);
+        EXPECT_EQ(block->LastStream(), "");
+    }
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+TEST(Stream, IsRebuiltAtEveryReadAndOnlyTheFirstFormIsKept) {
+    FixtureLibrary library;
+    HostedBlock block = CreateBlock("Worked");
+    GiveReferences(block);
+    const std::string first = block->IAppObject_Stream();
+    EXPECT_EQ(block->IAppObject_Stream(), first);
+
+    block->IAppObject_Attributes()->IAttributes_Item("Mode")->IAttribute_Value("1");
+    const std::string intel = block->IAppObject_IntelStream();
+
+    EXPECT_EQ(intel.substr(6, 2), "01");
+    EXPECT_EQ(block->LastStream(), first);
+    EXPECT_EQ(block->IAppObject_Stream().substr(6, 2), "01");
+}
+
+}  // namespace
+}  // namespace zerbin

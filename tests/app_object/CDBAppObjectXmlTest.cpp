@@ -1,0 +1,411 @@
+// The block's subtree in project XML and in the lean form of other tools: the exact text
+// written, the reader's leniency, and save then load giving back the same block.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <charconv>
+#include <cstdint>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "connections/CDBOutputs.h"
+#include "interfaces/Error.h"
+#include "parameters/CDBAttributes.h"
+#include "platform/Messages.h"
+#include "platform/Xml.h"
+#include "tests/app_object/AppObjectTestSupport.h"
+
+namespace zerbin {
+namespace {
+
+using testing::CreateBlock;
+using testing::FixtureLibrary;
+using testing::HostedBlock;
+using ::testing::IsEmpty;
+using testing::Texts;
+using testing::XmlText;
+
+const char* const kWorkedAttributes =
+    "<Attributes><Setpoint>100</Setpoint><Mode>3</Mode><Gain>1.5</Gain><Trim>20.5</Trim>"
+    "<Note>memo</Note></Attributes>";
+
+HostedBlock WorkedFan() {
+    HostedBlock block = CreateBlock("Worked");
+    block->IAppObject_UserName("Fan 1");
+    block->IAppObject_XPosition(120.5);
+    block->IAppObject_YPosition(80);
+    block->IAppObject_Outputs()->IOutputs_Item("Out1")->IOutput_IsDisplayable(true);
+    return block;
+}
+
+std::string Saved(CDBAppObject& block) {
+    pugi::xml_document project;
+    pugi::xml_node blocks = project.append_child("Blocks");
+    block.IAppObject_XmlSave(blocks, project);
+    return XmlText(blocks.first_child());
+}
+
+// Loads the block element of an XML text into the block.
+void Load(CDBAppObject& block, const std::string& text) {
+    xml::ParseError error;
+    auto document = xml::LoadString(text, &error);
+    ASSERT_TRUE(document) << error.reason;
+    block.IAppObject_XmlLoad(document->document_element());
+}
+
+std::string AttributeValue(CDBAppObject& block, const std::string& name) {
+    return block.IAppObject_Attributes()->IAttributes_Item(name)->IAttribute_Value();
+}
+
+// ---- Writing ---------------------------------------------------------------------------------
+
+TEST(ProjectXml, SaveWritesTheBlockSubtree) {
+    FixtureLibrary library;
+    HostedBlock block = WorkedFan();
+
+    EXPECT_EQ(Saved(*block), std::string("<Worked><UserName>Fan 1</UserName>"
+                                         "<X_Position>120.5</X_Position><Y_Position>80</Y_Position>"
+                                         "<CDB></CDB>") +
+                                 kWorkedAttributes +
+                                 "<Outputs><Out1 IsDisplayable=\"1\"/></Outputs></Worked>");
+
+    const std::string image = block->IAppObject_Stream();
+    EXPECT_NE(Saved(*block).find("<CDB>" + image + "</CDB>"), std::string::npos);
+}
+
+TEST(ProjectXml, NumbersAreWrittenWithTheSeparatorInForce) {
+    testing::ScopedLocale comma;
+    ZERBIN_REQUIRE_COMMA_LOCALE(comma);
+    FixtureLibrary library;
+    HostedBlock block = WorkedFan();
+
+    const std::string text = Saved(*block);
+
+    EXPECT_NE(text.find("<X_Position>120,5</X_Position><Y_Position>80</Y_Position>"),
+              std::string::npos);
+    EXPECT_NE(text.find("<Gain>1,5</Gain><Trim>20,5</Trim>"), std::string::npos);
+}
+
+TEST(ProjectXml, ABlockWithoutAttributesOrDisplayableOutputsWritesEmptyAttributesOnly) {
+    FixtureLibrary library;
+    HostedBlock block = CreateBlock("OnlyOutputs");
+
+    EXPECT_EQ(Saved(*block),
+              "<OnlyOutputs><UserName></UserName><X_Position>0</X_Position>"
+              "<Y_Position>0</Y_Position><CDB></CDB><Attributes/></OnlyOutputs>");
+}
+
+TEST(ProjectXml, AValueThatLooksLikeTheNoTextMarkerIsWrittenAsText) {
+    FixtureLibrary library;
+    HostedBlock block = CreateBlock("OnlyOutputs");
+    block->IAppObject_UserName("NoTextField");
+
+    EXPECT_NE(Saved(*block).find("<UserName>NoTextField</UserName>"), std::string::npos);
+}
+
+TEST(ProjectXml, ATypeNameThatIsNoXmlNameRaisesAndWritesNothing) {
+    testing::TempLibrary library;
+    const std::string type = testing::UniqueTypeName("Bad name");
+    library.WriteDefinition(type, testing::HeaderOnlyDefinition("<NAME>Bad</NAME>"));
+    HostedBlock block = CreateBlock(type);
+    pugi::xml_document project;
+    pugi::xml_node blocks = project.append_child("Blocks");
+
+    EXPECT_THROW(block->IAppObject_XmlSave(blocks, project), Error);
+    EXPECT_THROW(block->IAppObject_XMLSaveSim(blocks, project), Error);
+    EXPECT_FALSE(blocks.first_child());
+}
+
+TEST(LeanXml, BothFormsWriteTheKeyAndNoCanvasOrImage) {
+    FixtureLibrary library;
+    HostedBlock block = WorkedFan();
+    block->IAppObject_Stream();
+
+    pugi::xml_document document;
+    pugi::xml_node sim = document.append_child("Sim");
+    pugi::xml_node interop = document.append_child("Interop");
+    block->IAppObject_XMLSaveSim(sim, document);
+    block->IAppObject_ExtendedKey("E\\7");
+    block->IAppObject_XMLSaveForInteroperability(interop, document);
+
+    EXPECT_EQ(XmlText(sim.first_child()),
+              std::string("<Worked><UserName>Fan 1</UserName><Key></Key>") + kWorkedAttributes +
+                  "<Outputs><Out1 IsDisplayable=\"1\"/></Outputs></Worked>");
+    EXPECT_EQ(XmlText(interop.first_child()),
+              std::string("<Worked><UserName>Fan 1</UserName><Key>E\\7</Key>") + kWorkedAttributes +
+                  "<Outputs><Out1 IsDisplayable=\"1\"/></Outputs></Worked>");
+}
+
+// ---- Reading ---------------------------------------------------------------------------------
+
+TEST(ProjectXmlLoad, KeysAreReadInAnyLetterCase) {
+    FixtureLibrary library;
+    HostedBlock block = CreateBlock("Worked");  // base width 9
+
+    Load(*block,
+         "<Whatever><!-- any name --><userName>Pump station 7</userName>"
+         "<x_position>12.25</x_position><Y_POSITION>3</Y_POSITION><cdb>ABCD</cdb>"
+         "<attributes><mode>1</mode><SETPOINT>50</SETPOINT></attributes>"
+         "<OUTPUTS><out1 isdisplayable=\"0\"/></OUTPUTS><Unknown>x</Unknown></Whatever>");
+
+    EXPECT_EQ(block->IAppObject_UserName(), "Pump station 7");
+    EXPECT_EQ(block->IAppObject_Width(), 19);
+    EXPECT_EQ(block->IAppObject_XPosition(), 12.25);
+    EXPECT_EQ(block->IAppObject_YPosition(), 3);
+    EXPECT_EQ(block->LastStream(), "ABCD");
+    EXPECT_EQ(AttributeValue(*block, "Mode"), "1");
+    EXPECT_EQ(AttributeValue(*block, "Setpoint"), "50");
+    EXPECT_TRUE(block->IAppObject_Outputs()->IOutputs_Item("Out1")->IOutput_IsDisplayable());
+}
+
+TEST(ProjectXmlLoad, EmptyElementsEmptyTheNameAndTheValueButNotTheImage) {
+    FixtureLibrary library;
+    HostedBlock block = CreateBlock("Worked");
+    block->IAppObject_UserName("Before");
+    block->IAppObject_XPosition(4);
+    Load(*block, "<B><CDB>0102</CDB></B>");
+
+    Load(*block, "<B><UserName/><CDB/><X_Position/><Attributes><Gain/></Attributes></B>");
+
+    EXPECT_EQ(block->IAppObject_UserName(), "");
+    EXPECT_EQ(block->IAppObject_Width(), 9);
+    EXPECT_EQ(block->LastStream(), "0102");
+    EXPECT_EQ(block->IAppObject_XPosition(), 4);
+    EXPECT_EQ(AttributeValue(*block, "Gain"), "");
+    EXPECT_EQ(AttributeValue(*block, "Trim"), "20.5");  // no element: keeps its default
+}
+
+TEST(ProjectXmlLoad, UnknownMembersAreIgnoredSilently) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+    HostedBlock block = CreateBlock("Worked");
+
+    Load(*block,
+         "<B><Attributes><Nope>5</Nope></Attributes>"
+         "<Outputs><Nope IsDisplayable=\"1\"/></Outputs></B>");
+    HostedBlock bare = CreateBlock("q_Empty");  // no attributes, no outputs
+    Load(*bare, "<B><Attributes><Mode>1</Mode></Attributes><Outputs><Out1/></Outputs></B>");
+
+    EXPECT_EQ(AttributeValue(*block, "Mode"), "3");
+    EXPECT_FALSE(block->IAppObject_Outputs()->IOutputs_Item("Out1")->IOutput_IsDisplayable());
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+TEST(ProjectXmlLoad, OnlyTheFirstUnitsElementIsRestored) {
+    FixtureLibrary library;
+    HostedBlock block = CreateBlock("RoundTrip");
+
+    Load(*block,
+         "<B><Attributes><Temp>70</Temp><Units>921</Units><UNITS>920</UNITS>"
+         "</Attributes></B>");
+
+    EXPECT_EQ(AttributeValue(*block, "Units"), "921");
+    // The selector went first, so the saved value of its dependent wins over the derived one.
+    EXPECT_EQ(AttributeValue(*block, "Temp"), "70");
+    EXPECT_EQ(block->IAppObject_Attributes()
+                  ->IAttributes_Item("Temp")
+                  ->IAttribute_SNVTType()
+                  ->ISNVType_ID(),
+              "921");
+}
+
+TEST(ProjectXmlLoad, TheImageIsRebuiltFromTheRestoredValues) {
+    FixtureLibrary library;
+    HostedBlock block = CreateBlock("Worked");
+
+    Load(*block, "<B><CDB>FFFF</CDB><Attributes><Mode>1</Mode></Attributes></B>");
+
+    EXPECT_EQ(block->LastStream(), "FFFF");
+    EXPECT_EQ(block->IAppObject_Stream(), "11012C014E203FC0000008020000000000");
+}
+
+struct PositionRow {
+    const char* text;
+    bool comma;
+    double expected;  // the position before the load is 7
+};
+
+class PositionLoad : public ::testing::TestWithParam<PositionRow> {};
+
+TEST_P(PositionLoad, ReadsEitherSeparator) {
+    const PositionRow& row = GetParam();
+    testing::ScopedLocale comma;
+    if (row.comma) {
+        ZERBIN_REQUIRE_COMMA_LOCALE(comma);
+    } else {
+        std::setlocale(LC_NUMERIC, "C");
+    }
+    auto block = std::make_shared<CDBAppObject>();  // detects the separator
+    block->IAppObject_XPosition(7);
+    block->IAppObject_YPosition(7);
+
+    Load(*block, std::string("<B><X_Position>") + row.text + "</X_Position><Y_Position>" +
+                     row.text + "</Y_Position></B>");
+
+    EXPECT_EQ(block->IAppObject_XPosition(), row.expected);
+    EXPECT_EQ(block->IAppObject_YPosition(), row.expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, PositionLoad,
+    ::testing::Values(PositionRow{"120,5", false, 120.5}, PositionRow{"120,5", true, 120.5},
+                      PositionRow{"120.5", true, 120.5}, PositionRow{"-3.25", false, -3.25},
+                      PositionRow{"abc", false, 0}, PositionRow{"abc", true, 7},
+                      PositionRow{"12abc", false, 12}, PositionRow{"12abc", true, 7},
+                      PositionRow{"1.234,5", false, 1.234}, PositionRow{"1.234,5", true, 7},
+                      PositionRow{" 8 ", true, 8}, PositionRow{"1E3", true, 1000}));
+
+// ---- Save, then load ----------------------------------------------------------------------------
+
+// Random values of every kind that the RoundTrip type holds, written with "." as the
+// separator: the value write puts the separator in force in their place.
+class ValueGenerator {
+public:
+    explicit ValueGenerator(uint32_t seed) : random_(seed) {}
+
+    int Between(int low, int high) {
+        return std::uniform_int_distribution<int>(low, high)(random_);
+    }
+    bool Flip() { return Between(0, 1) == 1; }
+
+    // A decimal number with at most `decimals` digits behind the point.
+    std::string Decimal(int low, int high, int decimals) {
+        std::string text = std::to_string(Between(low, high));
+        if (decimals > 0 && Flip()) {
+            text += ".";
+            for (int i = 0; i < decimals; ++i) {
+                text += static_cast<char>('0' + Between(0, 9));
+            }
+        }
+        return text;
+    }
+
+    // A text for XML and the host alike: markup characters and non-ASCII letters included,
+    // never blank at its ends, where XML keeps no whitespace-only text.
+    std::string Text(int maxLength) {
+        static const std::vector<std::string> pieces = {"a", "Z", "7", " ", "&", "<", ">", "\"",
+                                                        "'", "ä", "ß", "€", "-", "_", "#"};
+        std::string text = "P";
+        const int length = Between(0, maxLength - 1);
+        for (int i = 0; i < length; ++i) {
+            text +=
+                pieces[static_cast<std::size_t>(Between(0, static_cast<int>(pieces.size()) - 1))];
+        }
+        return text + "q";
+    }
+
+    // A canvas position with at most 15 significant digits, which the writer keeps exactly.
+    double Position() {
+        const std::string text = (Flip() ? "-" : "") + Decimal(0, 99999, Between(0, 6));
+        double value = 0;
+        std::from_chars(text.data(), text.data() + text.size(), value);
+        return value;
+    }
+
+private:
+    std::mt19937 random_;
+};
+
+void SetRandomState(CDBAppObject& block, ValueGenerator& values) {
+    auto attributes = block.IAppObject_Attributes();
+    auto set = [&](const char* name, const std::string& value) {
+        attributes->IAttributes_Item(name)->IAttribute_Value(value);
+    };
+    set("Units", values.Flip() ? "920" : "921");
+    set("Temp", (values.Flip() ? "-" : "") + values.Decimal(0, 299, 2));
+    set("Mode", std::to_string(values.Between(0, 3)));
+    set("Setpoint", values.Decimal(0, 326, 2) + "5");
+    set("Trim", (values.Flip() ? "-" : "") + values.Decimal(0, 326, 2));
+    set("Gain", (values.Flip() ? "-" : "") + values.Decimal(0, 999, 3));
+    set("Ratio", values.Decimal(0, 999, 2));
+    set("Label", values.Text(6));
+    set("Flags", std::to_string(values.Between(0, 255)));
+    set("Pair", values.Decimal(0, 326, 2) + " " + std::to_string(values.Between(0, 3)));
+    set("Kind", values.Flip() ? "902" : "904");
+    set("Memo", values.Text(20));
+    block.IAppObject_UserName(values.Text(30));
+    block.IAppObject_XPosition(values.Position());
+    block.IAppObject_YPosition(values.Position());
+    for (const char* output : {"Out1", "Out2", "Out3"}) {
+        block.IAppObject_Outputs()->IOutputs_Item(output)->IOutput_IsDisplayable(values.Flip());
+    }
+}
+
+struct BlockState {
+    std::map<std::string, std::string> values;
+    std::map<std::string, bool> displayable;
+    std::string userName;
+    double x = 0;
+    double y = 0;
+    int32_t width = 0;
+
+    bool operator==(const BlockState&) const = default;
+};
+
+BlockState StateOf(CDBAppObject& block) {
+    BlockState state;
+    for (const auto& attribute : block.AttributesCollection()->Members()) {
+        state.values[attribute->IAttribute_Name()] = attribute->IAttribute_Value();
+    }
+    for (const auto& output : block.OutputsCollection()->Members()) {
+        state.displayable[output->IOutput_Name()] = output->IOutput_IsDisplayable();
+    }
+    state.userName = block.IAppObject_UserName();
+    state.x = block.IAppObject_XPosition();
+    state.y = block.IAppObject_YPosition();
+    state.width = block.IAppObject_Width();
+    return state;
+}
+
+void PrintTo(const BlockState& state, std::ostream* out) {
+    *out << "user name '" << state.userName << "' at " << state.x << ", " << state.y;
+    for (const auto& [name, value] : state.values) {
+        *out << "\n  " << name << " = '" << value << "'";
+    }
+    for (const auto& [name, flag] : state.displayable) {
+        *out << "\n  " << name << (flag ? " displayable" : " hidden");
+    }
+}
+
+class SaveThenLoad : public ::testing::TestWithParam<bool> {};
+
+TEST_P(SaveThenLoad, GivesBackTheSameBlockImageAndXml) {
+    testing::ScopedLocale comma;
+    if (GetParam()) {
+        ZERBIN_REQUIRE_COMMA_LOCALE(comma);
+    } else {
+        std::setlocale(LC_NUMERIC, "C");
+    }
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+    ValueGenerator values(GetParam() ? 20261123u : 5318008u);
+
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE(round);
+        HostedBlock original = CreateBlock("RoundTrip");
+        SetRandomState(*original, values);
+        const std::string image = original->IAppObject_Stream();
+        const std::string text = Saved(*original);
+
+        HostedBlock restored = CreateBlock("RoundTrip");
+        Load(*restored, text);
+
+        EXPECT_EQ(StateOf(*restored), StateOf(*original)) << text;
+        EXPECT_EQ(Saved(*restored), text);
+        EXPECT_EQ(restored->IAppObject_Stream(), image);
+        EXPECT_EQ(restored->IAppObject_IntelStream(), original->IAppObject_IntelStream());
+    }
+    EXPECT_THAT(Texts(messages), IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Separators, SaveThenLoad, ::testing::Values(false, true),
+                         [](const ::testing::TestParamInfo<bool>& info) {
+                             return info.param ? "Comma" : "Point";
+                         });
+
+}  // namespace
+}  // namespace zerbin
