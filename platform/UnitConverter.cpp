@@ -1,0 +1,368 @@
+#include "platform/UnitConverter.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <system_error>
+
+#include <pugixml.hpp>
+
+#include "app_object/MMain.h"
+#include "app_object/SkipMode.h"
+#include "datatypes/SnvtDictionary.h"
+#include "platform/Xml.h"
+
+namespace zerbin {
+namespace {
+
+UnitSystem& SystemSlot() {
+    static UnitSystem system = UnitSystem::SI;
+    return system;
+}
+
+// Decimals of a Float type in SI: its values have no scale step, and three decimals hold
+// the resolution of the 2-byte float near 1 (2^-11).
+constexpr int16_t kFloatDecimals = 3;
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// The number at the start of a text, after blanks: sign, digits with at most one decimal
+// point, exponent. Either "." or "," is the point, the first one found, as everywhere in the
+// component. end is set past the number; nullopt when no digit starts it.
+std::optional<double> ReadNumber(const std::string& text, std::size_t& end) {
+    const std::string normal = NormalizeDecimal(text);
+    const char point = DecimalSeparator().front();
+    std::size_t i = normal.find_first_not_of(' ');
+    if (i == std::string::npos) {
+        return std::nullopt;
+    }
+    std::string ctext;
+    if (normal[i] == '+' || normal[i] == '-') {
+        ctext += normal[i] == '-' ? "-" : "";
+        ++i;
+    }
+    bool digits = false;
+    bool seenPoint = false;
+    for (; i < normal.size(); ++i) {
+        if (IsDigit(normal[i])) {
+            digits = true;
+            ctext += normal[i];
+        } else if (normal[i] == point && !seenPoint) {
+            seenPoint = true;
+            ctext += '.';
+        } else {
+            break;
+        }
+    }
+    if (!digits) {
+        return std::nullopt;
+    }
+    if (i < normal.size() && (normal[i] == 'E' || normal[i] == 'e')) {
+        std::size_t j = i + 1;
+        std::string exponent = "e";
+        if (j < normal.size() && (normal[j] == '+' || normal[j] == '-')) {
+            exponent += normal[j++];
+        }
+        const std::size_t firstDigit = j;
+        while (j < normal.size() && IsDigit(normal[j])) {
+            exponent += normal[j++];
+        }
+        if (j > firstDigit) {
+            ctext += exponent;
+            i = j;
+        }
+    }
+    double value = 0.0;
+    const auto [ptr, ec] = std::from_chars(ctext.data(), ctext.data() + ctext.size(), value);
+    if (ec == std::errc::result_out_of_range) {
+        // Too large gives an infinity, too small a zero, as in the number rules of MMain.
+        value = std::strtod(ctext.c_str(), nullptr);
+    } else if (ec != std::errc{}) {
+        return std::nullopt;
+    }
+    end = i;
+    return value;
+}
+
+// The whole text as a number, blanks around it allowed.
+std::optional<double> WholeNumber(const std::string& text) {
+    std::size_t end = 0;
+    const std::optional<double> value = ReadNumber(text, end);
+    if (!value || text.find_first_not_of(' ', end) != std::string::npos) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+// Rounds half to even at a decimal place, working on the shortest decimal form of the value,
+// so that 2.675 rounds the way its reader expects (to 2.68) and not by its binary neighbour.
+double RoundDecimal(double value, int decimals) {
+    if (!std::isfinite(value) || value == 0.0) {
+        return value;
+    }
+    std::array<char, 64> buffer{};
+    const auto [last, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                          std::chars_format::scientific);
+    const std::string text(buffer.data(), last);
+    const bool negative = text.front() == '-';
+    const std::size_t e = text.find('e');
+    std::string digits;
+    for (std::size_t k = negative ? 1 : 0; k < e; ++k) {
+        if (text[k] != '.') {
+            digits += text[k];
+        }
+    }
+    const int exponent = std::atoi(text.c_str() + e + 1);
+    const long keep = static_cast<long>(exponent) + 1 + decimals;
+    if (keep >= static_cast<long>(digits.size())) {
+        return value;
+    }
+    if (keep < 0) {
+        return negative ? -0.0 : 0.0;
+    }
+    std::string kept = digits.substr(0, static_cast<std::size_t>(keep));
+    const std::string rest = digits.substr(static_cast<std::size_t>(keep));
+    const bool beyondHalf = rest.find_first_not_of('0', 1) != std::string::npos;
+    const bool lastOdd = !kept.empty() && (kept.back() - '0') % 2 == 1;
+    const bool up = rest[0] > '5' || (rest[0] == '5' && (beyondHalf || lastOdd));
+    if (kept.empty()) {
+        kept = "0";
+    }
+    if (up) {
+        std::size_t k = kept.size();
+        while (k > 0 && kept[k - 1] == '9') {
+            kept[--k] = '0';
+        }
+        if (k == 0) {
+            kept.insert(kept.begin(), '1');
+        } else {
+            ++kept[k - 1];
+        }
+    }
+    const std::string rounded =
+        (negative ? "-" : "") + kept + "e" + std::to_string(-static_cast<long>(decimals));
+    double result = 0.0;
+    std::from_chars(rounded.data(), rounded.data() + rounded.size(), result);
+    return result;
+}
+
+// Rounds towards the inside of a range: a lower limit up, an upper limit down.
+double RoundInwards(double value, int decimals, bool lower) {
+    const double rounded = RoundDecimal(value, decimals);
+    const double step = std::pow(10.0, -decimals);
+    if (lower && rounded < value) {
+        return RoundDecimal(rounded + step, decimals);
+    }
+    if (!lower && rounded > value) {
+        return RoundDecimal(rounded - step, decimals);
+    }
+    return rounded;
+}
+
+bool IsNumericClass(const std::string& typeClass) {
+    return typeClass == "Float" || typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric";
+}
+
+}  // namespace
+
+void SetUnitSystem(UnitSystem system) {
+    SystemSlot() = system;
+}
+
+UnitSystem CurrentUnitSystem() {
+    return SystemSlot();
+}
+
+std::shared_ptr<IUnitConverter> CreateUnitConverter() {
+    return std::make_shared<UnitConverter>();
+}
+
+// What the converter needs of a type, read quietly from its dictionary entry with the keys
+// of the type record: upper-case base names, comments skipped, a key without content passed
+// over.
+struct UnitConverter::TypeFacts {
+    std::string id;
+    std::string typeClass;
+    std::string unit;
+    std::string min;
+    std::string max;
+    int32_t a = 0;
+    int32_t b = 0;
+    bool numeric = false;
+    bool isFloat = false;
+};
+
+UnitConverter::UnitConverter(std::optional<UnitSystem> system,
+                             std::shared_ptr<const UnitConversionTable> table)
+    : system_(system), table_(std::move(table)) {}
+
+UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
+    TypeFacts facts;
+    facts.id = typeId;
+    for (const pugi::xml_node child : FindSnvtEntry(typeId).children()) {
+        if (xml::IsComment(child)) {
+            continue;
+        }
+        const std::string key = UpperCase(xml::BaseName(child));
+        SkipStep([&] {
+            if (key == "TYPE") {
+                facts.typeClass = xml::FirstChildText(child);
+            } else if (key == "UNIT") {
+                facts.unit = xml::FirstChildText(child);
+            } else if (key == "MIN") {
+                facts.min = NormalizeDecimal(xml::FirstChildText(child));
+            } else if (key == "MAX") {
+                facts.max = NormalizeDecimal(xml::FirstChildText(child));
+            } else if (key == "A_COEF") {
+                facts.a = ToInt32(LeadingNumber(xml::FirstChildText(child)));
+            } else if (key == "B_COEF") {
+                facts.b = ToInt32(LeadingNumber(xml::FirstChildText(child)));
+            }
+        });
+    }
+    facts.numeric = IsNumericClass(facts.typeClass);
+    facts.isFloat = facts.typeClass == "Float";
+    return facts;
+}
+
+const UnitConversion* UnitConverter::ConversionFor(const TypeFacts& facts) const {
+    const UnitSystem system = system_.value_or(CurrentUnitSystem());
+    if (system != UnitSystem::US || !facts.numeric || !table_) {
+        return nullptr;
+    }
+    return table_->Find(facts.id);
+}
+
+int16_t UnitConverter::Decimals(const TypeFacts& facts, const UnitConversion* conversion) const {
+    if (!facts.numeric) {
+        return 0;
+    }
+    if (facts.isFloat) {
+        return conversion != nullptr ? conversion->usDecimals : kFloatDecimals;
+    }
+    if (conversion == nullptr) {
+        return static_cast<int16_t>(std::clamp(-facts.b, 0, 30));
+    }
+    if (facts.a == 0) {
+        return conversion->usDecimals;
+    }
+    const double step = std::abs(facts.a) * std::pow(10.0, facts.b);
+    // A shown value is off by half a display step at most; back in stored units that must
+    // stay below half the scale step, or the stored value would not come back.
+    const double shownStep = step * std::abs(conversion->factor);
+    const int needed = static_cast<int>(std::floor(-std::log10(shownStep))) + 1;
+    return static_cast<int16_t>(std::clamp<int>(needed, conversion->usDecimals, 30));
+}
+
+std::string UnitConverter::ToDisplayValue(const std::string& typeId,
+                                          const std::string& storedValue) {
+    const TypeFacts facts = Facts(typeId);
+    const std::optional<double> stored = WholeNumber(storedValue);
+    if (!facts.numeric || !stored) {
+        return storedValue;
+    }
+    const UnitConversion* conversion = ConversionFor(facts);
+    const double shown =
+        conversion != nullptr ? *stored * conversion->factor + conversion->offset : *stored;
+    return FormatDouble(RoundDecimal(shown, Decimals(facts, conversion)));
+}
+
+std::string UnitConverter::FromDisplayValue(const std::string& typeId,
+                                            const std::string& displayText) {
+    const TypeFacts facts = Facts(typeId);
+    std::size_t end = 0;
+    const std::optional<double> shown = ReadNumber(displayText, end);
+    if (!facts.numeric || !shown) {
+        return displayText;
+    }
+    const UnitConversion* conversion = ConversionFor(facts);
+    const double stored =
+        conversion != nullptr ? (*shown - conversion->offset) / conversion->factor : *shown;
+    if (!std::isfinite(stored)) {
+        return FormatDouble(stored);
+    }
+    if (facts.isFloat) {
+        if (std::fabs(stored) > static_cast<double>(std::numeric_limits<float>::max())) {
+            return FormatDouble(stored);
+        }
+        return FormatSingle(static_cast<float>(stored));
+    }
+    if (facts.a == 0) {
+        return FormatDouble(stored);  // no scale step: every value encodes as 0 anyway
+    }
+    // The stored value lies on the scale grid A * 10^B * k; dividing by the power of ten
+    // gives the correctly rounded decimal rather than k times an inexact step.
+    const double scale = std::pow(10.0, std::abs(facts.b));
+    const double steps = facts.b < 0 ? stored * scale / facts.a : stored / scale / facts.a;
+    const double k = RoundHalfEven(steps);
+    const double onGrid = facts.b < 0 ? k * facts.a / scale : k * facts.a * scale;
+    return FormatDouble(onGrid == 0.0 ? 0.0 : onGrid);
+}
+
+std::string UnitConverter::DisplayUnit(const std::string& typeId) {
+    const TypeFacts facts = Facts(typeId);
+    if (!facts.numeric) {
+        return {};
+    }
+    const UnitConversion* conversion = ConversionFor(facts);
+    return conversion != nullptr ? conversion->usUnit : facts.unit;
+}
+
+double UnitConverter::ParseDisplayNumber(const std::string& displayText) {
+    std::size_t end = 0;
+    return ReadNumber(displayText, end).value_or(0.0);
+}
+
+int16_t UnitConverter::DecimalPlaces(const std::string& typeId) {
+    const TypeFacts facts = Facts(typeId);
+    return Decimals(facts, ConversionFor(facts));
+}
+
+std::string UnitConverter::MinimumFor(const std::string& typeId) {
+    return Limit(typeId, true);
+}
+
+std::string UnitConverter::MaximumFor(const std::string& typeId) {
+    return Limit(typeId, false);
+}
+
+std::string UnitConverter::Limit(const std::string& typeId, bool lower) {
+    const TypeFacts facts = Facts(typeId);
+    if (!facts.numeric) {
+        return {};
+    }
+    const std::string& limit = lower ? facts.min : facts.max;
+    const UnitConversion* conversion = ConversionFor(facts);
+    const std::optional<double> value = WholeNumber(limit);
+    if (conversion == nullptr || !value) {
+        return DecimalToDisplay(limit);
+    }
+    const double shown = *value * conversion->factor + conversion->offset;
+    return FormatDouble(RoundInwards(shown, Decimals(facts, conversion), lower));
+}
+
+std::string UnitConverter::DefaultFor(const std::string& typeId) {
+    const TypeFacts facts = Facts(typeId);
+    if (facts.typeClass == "Textual") {
+        return {};
+    }
+    if (!facts.numeric) {
+        return "0";
+    }
+    const std::optional<double> min = WholeNumber(facts.min);
+    const std::optional<double> max = WholeNumber(facts.max);
+    if (min && *min > 0.0) {
+        return facts.min;
+    }
+    if (max && *max < 0.0) {
+        return facts.max;
+    }
+    return "0";
+}
+
+}  // namespace zerbin
