@@ -1,0 +1,256 @@
+// Loading an attribute from its definition element: keys, elements, warnings, and the
+// branches for selectors, device lists, numbers and structures.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "connections/CDBInput.h"
+#include "connections/CDBOutput.h"
+#include "datatypes/CDBField.h"
+#include "datatypes/CDBFields.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/CDBUnits.h"
+#include "platform/Messages.h"
+#include "tests/parameters/ParameterTestSupport.h"
+
+namespace zerbin::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+std::string InputTypes(const Block& block, const std::string& input) {
+    return block->IAppObject_Inputs()
+        ->IInputs_Item(input)
+        ->Iinput_SNVTCompatibles()
+        ->ICompatibleSNVTs_Item(1)
+        ->ICompatibleSNVT_ID();
+}
+
+TEST_F(ParameterTest, KeysAreReadByTheirOwnRules) {
+    Block block("PrmValues");
+    const struct {
+        const char* keys;
+        bool keepFloat;
+        int32_t divideBy;
+        bool toolOnly;
+        bool unitDependent;
+    } rows[] = {
+        {"", false, 1, false, false},
+        {"KeepFloatStandard='0'", true, 1, false, false},
+        {"DivideBy='2.5'", false, 2, false, false},
+        {"DIVIDEBY='3.5'", false, 4, false, false},
+        {"DivideBy='ten'", false, 0, false, false},
+        {"DivideBy='1e12'", false, 1, false, false},  // no 32-bit divisor: the key is dropped
+        {"ToolOnly='yes'", false, 1, false, false},
+        {"toolonly='1'", false, 1, true, false},
+        {"UnitDependent='yes'", false, 1, false, false},
+        {"UnitDependent='2' Other='x'", false, 1, false, true},
+    };
+    int n = 0;
+    for (const auto& row : rows) {
+        const std::string name = "A" + std::to_string(n++);
+        auto attribute =
+            Load(block, "<" + name + " " + row.keys + "><SNVTTYPE>108</SNVTTYPE></" + name + ">");
+        EXPECT_EQ(attribute->IAttribute_IsKeepFloatStandard(), row.keepFloat) << row.keys;
+        EXPECT_EQ(attribute->IAttribute_DividedBy(), row.divideBy) << row.keys;
+        EXPECT_EQ(attribute->IAttribute_ToolOnly(), row.toolOnly) << row.keys;
+        EXPECT_EQ(attribute->IAttribute_IsUnitDependent(), row.unitDependent) << row.keys;
+    }
+}
+
+TEST_F(ParameterTest, ElementsAreReadInAnyCaseAndAbsentOnesLoadSilently) {
+    Block block("PrmValues");
+    ScopedMessageRecorder messages;
+    auto plain =
+        Load(block, "<Plain><snvttype>108</snvttype><!-- <VISIBLE>1</VISIBLE> --></Plain>");
+    EXPECT_EQ(plain->CDBOrderInPosition(), 0);
+    EXPECT_FALSE(plain->IAttribute_Visible());
+    EXPECT_EQ(plain->IAttribute_Value(), "");
+    EXPECT_EQ(plain->IAttribute_DefaultValue(), "");
+    EXPECT_EQ(plain->IAttribute_Min(), "0") << "the dictionary's limits";
+    EXPECT_EQ(plain->IAttribute_Max(), "255");
+    auto hidden = Load(block,
+                       "<Hidden><Visible>0</Visible><CdbOrderInPosition>7.5</CdbOrderInPosition>"
+                       "<SNVTTYPE>108</SNVTTYPE></Hidden>");
+    EXPECT_FALSE(hidden->IAttribute_Visible());
+    EXPECT_EQ(hidden->CDBOrderInPosition(), 8);
+    EXPECT_THAT(messages.Messages(), IsEmpty());
+}
+
+TEST_F(ParameterTest, EmptyElementsWarnAndTheLoadGoesOn) {
+    Block block("PrmValues");
+    const struct {
+        const char* element;
+        const char* warning;
+    } rows[] = {
+        {"<W1><CDBORDERINPOSITION/><SNVTTYPE>108</SNVTTYPE></W1>",
+         "W1: CDBOrderingPosition not defined into the XML file of the object PrmValues."},
+        {"<W2><SNVTTYPE></SNVTTYPE></W2>",
+         "W2: SNVTType not defined into the XML file of the object PrmValues."},
+        {"<W3><SNVTTYPE>108</SNVTTYPE><DEFAULTVALUE/></W3>",
+         "W3: Default value not defined into the XML file of the object PrmValues; 0 assumed."},
+    };
+    for (const auto& row : rows) {
+        ScopedMessageRecorder messages;
+        Load(block, row.element);
+        ASSERT_FALSE(messages.Messages().empty()) << row.element;
+        EXPECT_EQ(messages.Messages()[0].text, row.warning);
+        EXPECT_EQ(messages.Messages()[0].title, "Warning");
+        EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Critical);
+    }
+    auto w3 = inline_.IAttributes_Item("W3");
+    EXPECT_EQ(w3->IAttribute_Value(), "0");
+    EXPECT_EQ(w3->IAttribute_DefaultValue(), "0");
+    EXPECT_EQ(inline_.IAttributes_Item("W1")->IAttribute_SNVTType()->ISNVType_Length(), 1);
+}
+
+TEST_F(ParameterTest, NumericDefaultAndLimitsComeFromTheirPaths) {
+    for (const bool comma : {false, true}) {
+        std::unique_ptr<ScopedLocale> locale;
+        if (comma) {
+            locale = std::make_unique<ScopedLocale>();
+            ZERBIN_REQUIRE_COMMA_LOCALE(*locale);
+        }
+        const std::string sep = comma ? "," : ".";
+        Block block("PrmValues");
+        auto setpoint = block.Attribute("Setpoint");
+        EXPECT_EQ(setpoint->IAttribute_DefaultValue(), "21" + sep + "5");
+        EXPECT_EQ(setpoint->IAttribute_Value(), "21" + sep + "5");
+        EXPECT_EQ(setpoint->IAttribute_Min(), "5");
+        EXPECT_EQ(setpoint->IAttribute_Max(), "35" + sep + "5");
+        EXPECT_EQ(setpoint->IAttribute_Description(), "Room setpoint");
+        // Spelled DEFAULTVALUE, the default is found by the element pass alone: not normalised.
+        EXPECT_EQ(block.Attribute("Ratio")->IAttribute_DefaultValue(), "0.5");
+        EXPECT_EQ(block.Attribute("Ratio")->IAttribute_Max(), "100");
+    }
+}
+
+TEST_F(ParameterTest, AUnitSelectorListsItsChoicesAndTakesTheFirst) {
+    Block block("PrmUnits");
+    auto units = block.Attribute("Units");
+    EXPECT_TRUE(units->IAttribute_IsUnit());
+    EXPECT_EQ(units->IAttribute_SNVTType()->ISNVType_GenType(), "Enum");
+    EXPECT_EQ(units->IAttribute_SNVTType()->ISNVType_Length(), 1);
+    EXPECT_EQ(units->IAttribute_SNVTType()->ISNVType_EnumDesc(),
+              "105,Celsius;122,Fahrenheit;124,Kelvin;");
+    EXPECT_EQ(units->IAttribute_Value(), "105");
+    EXPECT_EQ(units->IAttribute_DefaultValue(), "105");
+    EXPECT_EQ(units->IAttribute_Fields(), nullptr);
+    auto kelvin = units->SelectableUnits()->Item("3");
+    ASSERT_NE(kelvin, nullptr);
+    EXPECT_EQ(kelvin->UnitName, "Kelvin");
+    EXPECT_EQ(kelvin->UnitTypeID, "124");
+    EXPECT_EQ(kelvin->DifferentialTypeID, "");
+    EXPECT_EQ(units->SelectableUnits()->Item("celsius")->DifferentialTypeID, "120");
+}
+
+TEST_F(ParameterTest, SelectorChoicesKeepTheValueBeforeThemWhenTheirTextIsMissing) {
+    Block block("PrmValues");
+    auto units = Load(block, "<U><UNITS><A>105</A><B/><a>107</a><C>108:x</C></UNITS></U>");
+    EXPECT_EQ(units->IAttribute_SNVTType()->ISNVType_EnumDesc(), "105,A;105,B;107,a;108,C;");
+    EXPECT_EQ(units->SelectableUnits()->Count(), 3) << "a repeats A and is not added";
+    auto types = Load(block, "<T><TYPES><!-- none --><A/><B>106</B></TYPES></T>");
+    EXPECT_EQ(types->IAttribute_SNVTType()->ISNVType_EnumDesc(), ",A;106,B;");
+    EXPECT_EQ(types->IAttribute_Value(), "106");
+}
+
+TEST_F(ParameterTest, ADefaultValueBeforeOrAfterASelectorOverridesItsFirstChoice) {
+    Block block("PrmTypes");
+    auto unitsBefore =
+        Load(block, "<U1><DEFAULTVALUE>122</DEFAULTVALUE><UNITS><A>105</A><B>122</B></UNITS></U1>");
+    auto unitsAfter =
+        Load(block, "<U2><UNITS><A>105</A><B>122</B></UNITS><DEFAULTVALUE>122</DEFAULTVALUE></U2>");
+    EXPECT_EQ(unitsBefore->IAttribute_Value(), "122");
+    EXPECT_EQ(unitsAfter->IAttribute_Value(), "122");
+
+    EXPECT_EQ(InputTypes(block, "In1"), "105") << "the block's own type selector";
+    auto typesBefore =
+        Load(block, "<T1><DEFAULTVALUE>107</DEFAULTVALUE><TYPES><A>106</A></TYPES></T1>");
+    EXPECT_EQ(InputTypes(block, "In1"), "105") << "no first choice was written";
+    auto typesAfter =
+        Load(block, "<T2><TYPES><A>106</A><B>107</B></TYPES><DEFAULTVALUE>107</DEFAULTVALUE></T2>");
+    EXPECT_EQ(InputTypes(block, "In1"), "106") << "the first choice went through the write";
+    EXPECT_EQ(typesAfter->IAttribute_Value(), "107");
+    EXPECT_EQ(typesAfter->IAttribute_DefaultValue(), "107");
+    EXPECT_EQ(typesBefore->IAttribute_Value(), "107");
+}
+
+TEST_F(ParameterTest, ATypeSelectorsFirstChoiceReachesItsTypeDependentMembersOnly) {
+    Block block("PrmTypes");
+    auto type = block.Attribute("Type");
+    EXPECT_TRUE(type->IAttribute_IsType());
+    EXPECT_EQ(type->IAttribute_SNVTType()->ISNVType_EnumDesc(),
+              "105,Temperature;106,Mode;107,Percent;");
+    EXPECT_EQ(type->IAttribute_Value(), "105");
+    EXPECT_EQ(InputTypes(block, "In1"), "105");
+    EXPECT_EQ(InputTypes(block, "In2"), "108");
+    auto outputs = block->IAppObject_Outputs();
+    EXPECT_EQ(outputs->IOutputs_Item("Out1")->IOutput_SNVTType()->ISNVType_ID(), "105");
+    EXPECT_EQ(outputs->IOutputs_Item("Out2")->IOutput_SNVTType()->ISNVType_ID(), "108");
+}
+
+TEST_F(ParameterTest, ADeviceDependentListComesFromTheOwnerDeviceDocument) {
+    auto device = xml::LoadString(
+        "<Device><Fans><Low>1</Low><!-- off --><High>2,5:fast</High></Fans></Device>", nullptr);
+    Block withDocument("PrmValues", false,
+                       [&](CDBAppObject& object) { object.IAppObject_OwnerDeviceXML(device); });
+    Block withoutDocument("PrmValues", false);
+    auto takeOver = std::make_shared<RecordingInterceptor>();
+    takeOver->takeOverDeviceList = true;
+    const struct {
+        const Block* owner;
+        const char* element;
+        std::shared_ptr<AttributeInterceptor> interceptor;
+        const char* enumDesc;
+        const char* value;
+    } rows[] = {
+        {&withDocument, "<S DeviceDependent='Fans'/>", nullptr, "1,Low;2.5,High;", "1"},
+        {&withDocument, "<S DeviceDependent='Fans'><DEFAULTVALUE>2.5</DEFAULTVALUE></S>", nullptr,
+         "1,Low;2.5,High;", "2.5"},
+        {&withDocument, "<S DeviceDependent='Pumps'/>", nullptr, "", ""},
+        {&withoutDocument, "<S DeviceDependent='Fans'><SNVTTYPE>105</SNVTTYPE></S>", nullptr, "",
+         ""},
+        {&withDocument, "<S DeviceDependent='Fans'/>", takeOver, "", ""},
+    };
+    for (const auto& row : rows) {
+        CDBAttributes attributes;
+        auto document = xml::LoadString(row.element, nullptr);
+        auto speed = attributes.AddFromDefinition("S", document->document_element(),
+                                                  row.owner->Object(), row.interceptor);
+        EXPECT_TRUE(speed->IAttribute_IsDeviceDependent());
+        EXPECT_EQ(speed->IAttribute_DeviceKey(), NthToken(row.element, 1, "'"));
+        EXPECT_EQ(speed->IAttribute_SNVTType()->ISNVType_GenType(), "Enum") << row.element;
+        EXPECT_EQ(speed->IAttribute_SNVTType()->ISNVType_Length(), 1) << row.element;
+        EXPECT_EQ(speed->IAttribute_SNVTType()->ISNVType_EnumDesc(), row.enumDesc) << row.element;
+        EXPECT_EQ(speed->IAttribute_Value(), row.value) << row.element;
+    }
+    EXPECT_THAT(takeOver->calls,
+                ElementsAre("InterceptUnitDependent(S,0,'')", "InterceptDifferential(S,0)",
+                            "InterceptDeviceList(S)"));
+}
+
+TEST_F(ParameterTest, AStructureTakesItsFieldDefaultsAndLimitsByPath) {
+    ScopedMessageRecorder messages;
+    Block block("PrmStruct");
+    auto setting = block.Attribute("Setting");
+    EXPECT_EQ(setting->IAttribute_Value(), "21.5 2");
+    EXPECT_EQ(setting->IAttribute_DefaultValue(), "21.5 2");
+    EXPECT_EQ(setting->IAttribute_SNVTType()->ISNVType_Length(), 3);
+    auto temp = setting->FieldsCollection()->Item("Temp");
+    EXPECT_EQ(temp->FieldMin(), "10");
+    EXPECT_EQ(temp->FieldMax(), "30");
+    EXPECT_EQ(temp->IField_Parent(), std::static_pointer_cast<IObject>(setting));
+    EXPECT_EQ(setting->IAttribute_Min(), "") << "limits are held per field";
+
+    EXPECT_EQ(block.Attribute("Partial")->IAttribute_Value(), "-5 0");
+    EXPECT_EQ(block.Attribute("Single")->IAttribute_Value(), "9");
+    ASSERT_EQ(messages.Messages().size(), 1U);
+    EXPECT_EQ(messages.Messages()[0].text,
+              "Partial.State: Default value not defined into the XML file of the object "
+              "PrmStruct; 0 assumed.");
+    EXPECT_EQ(messages.Messages()[0].title, "Warning");
+    EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Critical);
+}
+
+}  // namespace
+}  // namespace zerbin::testing

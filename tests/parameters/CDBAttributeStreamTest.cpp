@@ -1,0 +1,113 @@
+// The bytes of each kind of attribute in the image, in both byte orders.
+#include <gtest/gtest.h>
+
+#include "interfaces/Error.h"
+#include "platform/Messages.h"
+#include "tests/parameters/ParameterTestSupport.h"
+
+namespace zerbin::testing {
+namespace {
+
+// The image of the block with only this attribute written over bytes of "AA": what changed
+// stands at the attribute's place and nowhere else.
+struct Written {
+    std::string bigEndian;
+    std::string intel;
+};
+
+Written WriteOver(CDBAttribute& attribute, int32_t dimension) {
+    const std::string blank(static_cast<std::size_t>(2 * dimension), 'A');
+    return {attribute.WriteStream(blank), attribute.WriteIntelStream(blank)};
+}
+
+// The digits from the attribute's place on, as far as they differ from the blank image
+// plus the place itself.
+std::string AtPlace(const std::string& image, CDBAttribute& attribute, std::size_t bytes) {
+    return image.substr(static_cast<std::size_t>(2 * attribute.IAttribute_CDBPosition()),
+                        2 * bytes);
+}
+
+TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
+    const struct {
+        const char* block;
+        bool shortFloat;
+        const char* attribute;
+        const char* value;  // nullptr: as loaded
+        std::size_t bytes;
+        const char* bigEndian;
+        const char* intel;
+    } rows[] = {
+        {"PrmValues", false, "Setpoint", "20.5", 2, "0802", "0208"},
+        {"PrmValues", false, "Setpoint", "327.68", 2, "AAAA", "AAAA"},  // can't be encoded
+        {"PrmValues", false, "Gain", "1", 4, "3F800000", "0000803F"},
+        {"PrmValues", false, "Ratio", "1", 4, "3F800000", "0000803F"},
+        {"PrmValues", true, "Ratio", "1", 2, "1400", "0014"},
+        {"PrmValues", true, "Gain", "1", 4, "3F800000", "0000803F"},  // keeps the standard float
+        {"PrmValues", false, "Count", "25", 1, "02", "02"},           // 2.5 stored, half to even
+        {"PrmValues", false, "Label", "AB", 6, "414220202020", "414220202020"},
+        {"PrmValues", false, "Flags", nullptr, 1, "05", "05"},
+        {"PrmValues", false, "Mode", "2", 1, "02", "02"},
+        // A standard float on a 2-byte type: four bytes of IEEE single; the Intel form writes
+        // the scaled number into the first two and leaves the others.
+        {"PrmValues", false, "Raw", "1", 4, "3F800000", "6400AAAA"},
+        {"PrmTypes", false, "Type", "106", 1, "06", "06"},  // the FACTOR, not the code
+        {"PrmTypes", false, "Type", "113", 1, "FF", "FF"},  // a factor of 300 is clamped
+        {"PrmUnits", false, "Units", "122", 1, "16", "16"},
+        {"PrmStruct", false, "Setting", "20.5 1", 3, "080201", "020801"},
+        {"PrmStruct", false, "Single", nullptr, 1, "09", "09"},
+    };
+    for (const auto& row : rows) {
+        ScopedMessageRecorder loadMessages;  // PrmStruct warns of a missing field default
+        Block block(row.block, true, [&](CDBAppObject& object) {
+            object.IAppObject_ManageShortFloat(row.shortFloat);
+        });
+        ScopedMessageRecorder messages;
+        auto attribute = block.Attribute(row.attribute);
+        if (row.value != nullptr) {
+            attribute->IAttribute_Value(row.value);
+        }
+        const Written written = WriteOver(*attribute, block->IAppObject_CDBDimension());
+        const std::string context = std::string(row.attribute) + " " + (row.value ? row.value : "");
+        EXPECT_EQ(AtPlace(written.bigEndian, *attribute, row.bytes), row.bigEndian) << context;
+        EXPECT_EQ(AtPlace(written.intel, *attribute, row.bytes), row.intel) << context;
+        for (const std::string* image : {&written.bigEndian, &written.intel}) {
+            std::string outside = *image;
+            outside.erase(static_cast<std::size_t>(2 * attribute->IAttribute_CDBPosition()),
+                          2 * row.bytes);
+            EXPECT_EQ(outside.find_first_not_of('A'), std::string::npos) << context;
+        }
+        EXPECT_TRUE(messages.Messages().empty()) << context;
+    }
+}
+
+TEST_F(ParameterTest, AToolOnlyAttributeLeavesTheImageAlone) {
+    Block block("PrmValues");
+    auto note = block.Attribute("Note");
+    const std::string blank(8, 'A');
+    EXPECT_EQ(note->WriteStream(blank), blank);
+    EXPECT_EQ(note->WriteIntelStream(blank), blank);
+}
+
+TEST_F(ParameterTest, ACoefficientBeyondSixteenBitsAndAPlacePastTheEndGoToTheCaller) {
+    Block block("PrmValues");
+    auto wide = Load(block, "<Wide><SNVTTYPE>114</SNVTTYPE><DEFAULTVALUE>1</DEFAULTVALUE></Wide>");
+    EXPECT_THROW(wide->WriteStream("0000"), OverflowError);
+    EXPECT_THROW(wide->WriteIntelStream("0000"), OverflowError);
+
+    auto setpoint = block.Attribute("Setpoint");
+    EXPECT_THROW(setpoint->WriteStream("0000"), Error);
+}
+
+TEST_F(ParameterTest, ASelectorWithAnUnknownTypeWritesAZeroFactorAfterTheDictionarysMessage) {
+    Block block("PrmTypes");
+    auto type = block.Attribute("Type");
+    type->IAttribute_Value("999");
+    ScopedMessageRecorder messages;
+    const std::string image = type->WriteStream("AAAAAAAAAA");
+    EXPECT_EQ(image.substr(6, 2), "00");
+    ASSERT_FALSE(messages.Messages().empty());
+    EXPECT_EQ(messages.Messages()[0].text, "Error: SNVT_999 is not defined");
+}
+
+}  // namespace
+}  // namespace zerbin::testing

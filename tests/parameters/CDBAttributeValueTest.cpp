@@ -1,0 +1,228 @@
+// The value of an attribute: what a write stores, what the reads and the display forms give,
+// the return to the default, the macro terminal test, and bad input of every kind.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "datatypes/CDBField.h"
+#include "datatypes/CDBFields.h"
+#include "interfaces/Error.h"
+#include "platform/Messages.h"
+#include "tests/parameters/ParameterTestSupport.h"
+#include "tests/support/MacroDoubles.h"
+#include "tests/support/RecordingListener.h"
+
+namespace zerbin::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST_F(ParameterTest, AWriteStoresByClassWithEitherSeparator) {
+    const struct {
+        const char* attribute;
+        const char* written;
+        const char* readWithPoint;
+        const char* readWithComma;
+    } rows[] = {
+        {"Setpoint", "1.5", "1.5", "1,5"},
+        {"Setpoint", "1,5", "1.5", "1,5"},
+        {"Count", "25", "2.5", "2,5"},    // DivideBy 10: the quotient, and nothing multiplies back
+        {"Count", "12,5", "1.2", "1,2"},  // the divisor reads the text as it came
+        {"Label", "a,b.c", "a,b.c", "a,b.c"},  // a text is neither divided nor re-punctuated
+        {"Mode", "2", "2", "2"},
+        {"Flags", " 7 ", " 7 ", " 7 "},
+    };
+    for (const bool comma : {false, true}) {
+        std::unique_ptr<ScopedLocale> locale;
+        if (comma) {
+            locale = std::make_unique<ScopedLocale>();
+            ZERBIN_REQUIRE_COMMA_LOCALE(*locale);
+        }
+        Block block("PrmValues");
+        for (const auto& row : rows) {
+            block.Attribute(row.attribute)->IAttribute_Value(row.written);
+            EXPECT_EQ(block.Attribute(row.attribute)->IAttribute_Value(),
+                      comma ? row.readWithComma : row.readWithPoint)
+                << row.attribute << " " << row.written << (comma ? " with ','" : " with '.'");
+        }
+    }
+}
+
+TEST_F(ParameterTest, AStructureWriteGivesEachFieldItsToken) {
+    Block block("PrmStruct");
+    auto setting = block.Attribute("Setting");
+    auto fields = setting->FieldsCollection();
+    const struct {
+        const char* written;
+        const char* temp;
+        const char* state;
+        const char* value;
+    } rows[] = {
+        {"20.5 1", "20.5", "1", "20.5 1"},
+        {"7 1 9", "7", "1", "7 1"},  // tokens beyond the last field are dropped
+        {"7", "", "", ""},           // token 0 of a text without blank is empty
+        {"", "", "", ""},
+    };
+    for (const auto& row : rows) {
+        setting->IAttribute_Value(row.written);
+        EXPECT_EQ(fields->Item("Temp")->IField_Value(), row.temp) << row.written;
+        EXPECT_EQ(fields->Item("State")->IField_Value(), row.state) << row.written;
+        EXPECT_EQ(setting->IAttribute_Value(), row.value) << row.written;
+    }
+    auto single = block.Attribute("Single");
+    single->IAttribute_Value("42");
+    EXPECT_EQ(single->IAttribute_Value(), "42") << "a single field takes the whole text";
+    EXPECT_EQ(single->IAttribute_DispValue(), "42 s");
+}
+
+TEST_F(ParameterTest, DisplayFormsFollowTheClassAndOnlyTheValueIsConverted) {
+    for (const bool comma : {false, true}) {
+        std::unique_ptr<ScopedLocale> locale;
+        if (comma) {
+            locale = std::make_unique<ScopedLocale>();
+            ZERBIN_REQUIRE_COMMA_LOCALE(*locale);
+        }
+        const std::string sep = comma ? "," : ".";
+        Block values("PrmValues");
+        Block structures("PrmStruct");
+        auto setpoint = values.Attribute("Setpoint");
+        setpoint->IAttribute_Value("22.5");
+        EXPECT_EQ(setpoint->IAttribute_DispValue(), "22" + sep + "5 C");
+        EXPECT_EQ(setpoint->IAttribute_DispDefault(), "21" + sep + "5 C");
+        EXPECT_EQ(setpoint->IAttribute_DispMin(), "5 C");
+        EXPECT_EQ(setpoint->IAttribute_DispMax(), "35" + sep + "5 C");
+
+        auto mode = values.Attribute("Mode");
+        EXPECT_EQ(mode->IAttribute_DispDefault(), "ON");
+        mode->IAttribute_Value("2");
+        EXPECT_EQ(mode->IAttribute_DispValue(), "AUTO");
+        mode->IAttribute_Value("7");
+        EXPECT_EQ(mode->IAttribute_DispValue(), "") << "no such code";
+
+        EXPECT_EQ(values.Attribute("Flags")->IAttribute_DispValue(), "5");
+        EXPECT_EQ(values.Attribute("Flags")->IAttribute_DispDefault(), "5");
+        values.Attribute("Label")->IAttribute_Value(" x.y ");
+        EXPECT_EQ(values.Attribute("Label")->IAttribute_DispValue(), "x.y");
+        EXPECT_EQ(values.Attribute("Label")->IAttribute_DispMin(), "");
+
+        auto setting = structures.Attribute("Setting");
+        setting->IAttribute_Value("19.5 0");
+        EXPECT_EQ(setting->IAttribute_DispValue(), "19" + sep + "5 C OFF");
+        EXPECT_EQ(setting->IAttribute_DispDefault(), "21" + sep + "5 C AUTO");
+        EXPECT_EQ(setting->IAttribute_DispMin(), "10 C");
+        EXPECT_EQ(setting->FieldsCollection()->Item("Temp")->IField_Value(), "19" + sep + "5")
+            << "the display read gives the fields the tokens of the value";
+    }
+}
+
+TEST_F(ParameterTest, InUsUnitsTheValueIsConvertedWhileDefaultAndLimitsKeepTheDictionaryUnit) {
+    SetUnitSystem(UnitSystem::US);
+    Block block("PrmValues");
+    auto setpoint = block.Attribute("Setpoint");
+    setpoint->IAttribute_Value("20");
+    auto converter = setpoint->UnitsManager();
+    EXPECT_EQ(setpoint->IAttribute_DispValue(),
+              converter->ToDisplayValue("105", "20") + " " + converter->DisplayUnit("105"));
+    EXPECT_NE(converter->DisplayUnit("105"), "C") << "the fixture type must be converted";
+    EXPECT_EQ(setpoint->IAttribute_DispDefault(), "21.5 C");
+    EXPECT_EQ(setpoint->IAttribute_DispMax(), "35.5 C");
+}
+
+TEST_F(ParameterTest, BackToDefaultRestoresTheStoredDefaultAndTellsTheListeners) {
+    ScopedLocale locale;
+    ZERBIN_REQUIRE_COMMA_LOCALE(locale);
+    Block block("PrmValues");
+    Block structures("PrmStruct");
+    block->IAppObject_GlobalKey("K");
+    auto listener = std::make_shared<RecordingListener>();
+    auto setpoint = block.Attribute("Setpoint");
+    setpoint->IAttribute_CallBack(listener);
+    setpoint->IAttribute_Value("30");
+    setpoint->IAttribute_BackToDefault();
+    EXPECT_EQ(setpoint->IAttribute_Value(), "21,5");
+    EXPECT_THAT(listener->Lines(), ElementsAre("AttributeChanged(K\\ATT\\Setpoint)",
+                                               "AttributeChanged(K\\ATT\\Setpoint)"));
+
+    auto setting = structures.Attribute("Setting");
+    setting->IAttribute_Value("1 1");
+    setting->IAttribute_BackToDefault();
+    EXPECT_EQ(setting->IAttribute_Value(), "21,5 2") << "the fields follow at once";
+}
+
+TEST_F(ParameterTest, BackToDefaultPassesAListenersFailureOnWhileTheWriteAbsorbsIt) {
+    Block block("PrmValues");
+    auto failing = std::make_shared<RecordingListener>("failing");
+    failing->FailOn("AttributeChanged");
+    auto after = std::make_shared<RecordingListener>("after");
+    auto count = block.Attribute("Count");
+    count->IAttribute_CallBack(failing);
+    count->IAttribute_CallBack(after);
+
+    EXPECT_NO_THROW(count->IAttribute_Value("50"));
+    EXPECT_EQ(after->CountOf("AttributeChanged"), 1U) << "the next listener is still told";
+    EXPECT_THROW(count->IAttribute_BackToDefault(), Error);
+    EXPECT_EQ(count->IAttribute_Value(), "0") << "set before the listeners are told";
+    EXPECT_EQ(after->CountOf("AttributeChanged"), 1U);
+}
+
+TEST_F(ParameterTest, AListenerThatWritesBackCannotRecurseWithoutBound) {
+    Block block("PrmValues");
+    auto setpoint = block.Attribute("Setpoint");
+    auto listener = std::make_shared<RecordingListener>();
+    int writes = 0;
+    listener->OnCall(
+        [&](const ListenerCall&) { setpoint->IAttribute_Value(std::to_string(++writes)); });
+    setpoint->IAttribute_CallBack(listener);
+    setpoint->IAttribute_Value("0");
+    EXPECT_EQ(listener->CountOf("AttributeChanged"),
+              static_cast<std::size_t>(CDBAttribute::kMaxNestedWrites));
+    EXPECT_EQ(setpoint->IAttribute_Value(), std::to_string(CDBAttribute::kMaxNestedWrites - 1));
+}
+
+TEST_F(ParameterTest, MacroConnectionIsAnExactMatchOfTheGlobalKeyAmongAttributeTerminals) {
+    Block block("PrmValues");
+    block->IAppObject_GlobalKey("K");
+    auto setpoint = block.Attribute("Setpoint");
+    EXPECT_FALSE(setpoint->IAttribute_IsMacroConnected()) << "no parent";
+
+    auto macro = std::make_shared<FakeMacro>();
+    block->IAppObject_Parent(FakeMacroHost::Holding(macro));
+    auto broken = FakeMacroAttributeGroup::WithKeys({"K\\ATT\\Setpoint"});
+    broken->fails = true;
+    macro->attributeGroups = {
+        FakeMacroAttributeGroup::WithKeys({"k\\att\\setpoint", "K\\ATT\\Gain"}), broken};
+    EXPECT_FALSE(setpoint->IAttribute_IsMacroConnected());
+    EXPECT_TRUE(block.Attribute("Gain")->IAttribute_IsMacroConnected());
+    macro->attributeGroups.push_back(FakeMacroAttributeGroup::WithKeys({"K\\ATT\\Setpoint"}));
+    EXPECT_TRUE(setpoint->IAttribute_IsMacroConnected());
+}
+
+// No text, of any length or form, breaks an attribute or the image it writes.
+TEST_F(ParameterTest, AnyTextInAnyClassIsStoredWithoutFailureAndKeepsTheImageWhole) {
+    const std::string texts[] = {
+        "",    std::string(300, '9'), "1e999", "-",      "\xff\xfe\x80", "&Hfff",
+        "nan", " 1 2 3 4 5 ",         ",",     "1.2.3,4"};
+    Block values("PrmValues");
+    Block structures("PrmStruct");
+    Block units("PrmUnits");
+    for (const Block* block : {&values, &structures, &units}) {
+        const std::string blank(static_cast<std::size_t>(2 * (*block)->IAppObject_CDBDimension()),
+                                '0');
+        for (const auto& attribute : (*block)->AttributesCollection()->Members()) {
+            for (const auto& text : texts) {
+                ScopedMessageRecorder messages;
+                EXPECT_NO_THROW(attribute->IAttribute_Value(text));
+                EXPECT_NO_THROW(attribute->IAttribute_Value());
+                const std::string image = attribute->WriteStream(blank);
+                const std::string intel = attribute->WriteIntelStream(blank);
+                EXPECT_EQ(image.size(), blank.size()) << attribute->IAttribute_Name();
+                EXPECT_EQ(intel.size(), blank.size()) << attribute->IAttribute_Name();
+                EXPECT_EQ(image.find_first_not_of("0123456789ABCDEF"), std::string::npos)
+                    << attribute->IAttribute_Name() << " " << text;
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace zerbin::testing
