@@ -199,6 +199,16 @@ TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners
     EXPECT_THAT(journal->Lines(), ElementsAre("host AttributeChanged(K\\ATT\\Units)"));
 }
 
+TEST_F(ParameterTest, OfSeveralUnitsOfTheSelectedTypeTheLastOneCounts) {
+    Block block("PrmUnits");
+    auto selector = Load(
+        block, "<Other><UNITS><Fahrenheit>105</Fahrenheit><Celsius>105</Celsius></UNITS></Other>");
+    selector->IAttribute_Value("105");
+    auto supply = block.Attribute("Supply");
+    EXPECT_EQ(supply->IAttribute_Value(), "20.5") << "the default of Celsius, not of Fahrenheit";
+    EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_ID(), "105");
+}
+
 TEST_F(ParameterTest, AManagedShortFloatStaysShortAfterAChangeOfUnit) {
     Block block("PrmUnits", true,
                 [](CDBAppObject& object) { object.IAppObject_ManageShortFloat(true); });
