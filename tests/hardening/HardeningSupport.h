@@ -1,0 +1,244 @@
+// Helpers for the hardening tests: the shipped data, throw-away folder trees, blocks made in
+// the host's order of calls, a message sink that only counts, and the saved form of a block.
+//
+// The store of parsed definitions lives for the whole process and knows types by name only,
+// so a throw-away library uses type names that no other test uses: UniqueTypeName.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include <pugixml.hpp>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/MMain.h"
+#include "platform/Files.h"
+#include "platform/Messages.h"
+#include "platform/Xml.h"
+#include "tests/TestSupport.h"
+
+namespace zerbin::testing {
+
+inline std::filesystem::path DataDir() {
+    return ZERBIN_DATA_DIR;
+}
+
+inline std::shared_ptr<const pugi::xml_document> LoadOrFail(const std::filesystem::path& file) {
+    xml::ParseError error;
+    auto document = xml::LoadFile(file, &error);
+    if (!document) {
+        ADD_FAILURE() << file << ": " << error.reason;
+        return std::make_shared<pugi::xml_document>();
+    }
+    return document;
+}
+
+inline std::shared_ptr<const pugi::xml_document> ShippedDictionary() {
+    static const auto dictionary = LoadOrFail(DataDir() / "snvts.xml");
+    return dictionary;
+}
+
+inline std::shared_ptr<const pugi::xml_document> ShippedDevice() {
+    static const auto device = LoadOrFail(DataDir() / "devices" / "Controller.xml");
+    return device;
+}
+
+// The block types of the shipped library, sorted by name.
+inline std::vector<std::string> ShippedTypes() {
+    std::vector<std::string> types;
+    for (const auto& entry : std::filesystem::directory_iterator(DataDir() / "library")) {
+        const std::string name = entry.path().filename().string();
+        if (std::filesystem::exists(entry.path() / (name + ".xml"))) {
+            types.push_back(name);
+        }
+    }
+    std::sort(types.begin(), types.end());
+    return types;
+}
+
+// Points the component folder into a block library while it lives, so that the library is
+// that folder's parent.
+class ScopedLibrary {
+public:
+    explicit ScopedLibrary(const std::filesystem::path& library) {
+        SetComponentFolder(library / "component");
+    }
+    ~ScopedLibrary() { SetComponentFolder({}); }
+    ScopedLibrary(const ScopedLibrary&) = delete;
+    ScopedLibrary& operator=(const ScopedLibrary&) = delete;
+};
+
+// A fresh folder in the temporary folder, removed again at the end.
+class TempTree {
+public:
+    TempTree() : root_(MakeRoot()) {}
+    ~TempTree() {
+        std::error_code ec;
+        std::filesystem::remove_all(root_, ec);
+    }
+    TempTree(const TempTree&) = delete;
+    TempTree& operator=(const TempTree&) = delete;
+
+    const std::filesystem::path& Root() const { return root_; }
+
+    // Writes root/relative, creating folders on the way.
+    std::filesystem::path Write(const std::filesystem::path& relative,
+                                const std::string& content) const {
+        const std::filesystem::path file = root_ / relative;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream out(file, std::ios::binary);
+        out << content;
+        return file;
+    }
+
+private:
+    static std::filesystem::path MakeRoot() {
+        static int counter = 0;
+        const std::filesystem::path root =
+            std::filesystem::temp_directory_path() /
+            ("zerbin-hardening-" + std::to_string(::getpid()) + "-" + std::to_string(++counter));
+        std::filesystem::create_directories(root);
+        return root;
+    }
+
+    std::filesystem::path root_;
+};
+
+// A type name that no other test of this process has used.
+inline std::string UniqueTypeName(const std::string& stem) {
+    static int counter = 0;
+    return stem + "_" + std::to_string(++counter);
+}
+
+// A block of the type in the host's order of calls: dictionary, type, device document,
+// creation, keys.
+inline std::shared_ptr<CDBAppObject> MakeBlock(const std::string& type) {
+    auto block = std::make_shared<CDBAppObject>();
+    block->IAppObject_XmlSNVTDoc(SnvtDictionary());
+    int32_t errorCode = 0;
+    block->IAppObject_Init(type, errorCode);
+    block->IAppObject_OwnerDeviceXML(ShippedDevice());
+    block->IAppObject_Create();
+    block->IAppObject_GlobalKey("Project\\Block");
+    block->IAppObject_ExtendedKey("Net\\Device\\Block");
+    return block;
+}
+
+inline std::vector<std::shared_ptr<IAttribute>> AttributesOf(CDBAppObject& block) {
+    const auto attributes = block.IAppObject_Attributes();
+    return attributes ? attributes->IAttributes_NewEnum()
+                      : std::vector<std::shared_ptr<IAttribute>>{};
+}
+
+inline std::vector<std::shared_ptr<IOutput>> OutputsOf(CDBAppObject& block) {
+    const auto outputs = block.IAppObject_Outputs();
+    return outputs ? outputs->IOutputs_NewEnum() : std::vector<std::shared_ptr<IOutput>>{};
+}
+
+// Name and value of every attribute, one line each.
+inline std::string AttributeValues(CDBAppObject& block) {
+    std::string values;
+    for (const auto& attribute : AttributesOf(block)) {
+        values += attribute->IAttribute_Name() + "=" + attribute->IAttribute_Value() + "\n";
+    }
+    return values;
+}
+
+// The text of a node and everything below it, with no indentation.
+inline std::string XmlText(pugi::xml_node node) {
+    std::ostringstream out;
+    node.print(out, "", pugi::format_raw);
+    return out.str();
+}
+
+inline std::string XmlText(const pugi::xml_document& document) {
+    std::ostringstream out;
+    document.save(out, "", pugi::format_raw);
+    return out.str();
+}
+
+// The block saved under a "Project" element of a document of its own.
+struct SavedBlock {
+    std::shared_ptr<pugi::xml_document> document = std::make_shared<pugi::xml_document>();
+    pugi::xml_node project = document->append_child("Project");
+    pugi::xml_node Element() const { return project.first_child(); }
+};
+
+inline SavedBlock Save(CDBAppObject& block) {
+    SavedBlock saved;
+    block.IAppObject_XmlSave(saved.project, *saved.document);
+    return saved;
+}
+
+// The names of the child elements of a node, in order.
+inline std::vector<std::string> ChildNames(pugi::xml_node node) {
+    std::vector<std::string> names;
+    for (pugi::xml_node child : node.children()) {
+        if (child.type() == pugi::node_element) {
+            names.push_back(child.name());
+        }
+    }
+    return names;
+}
+
+// Counts the messages shown by their text and keeps nothing else, for tests that show a
+// great many.
+class CountingSink : public MessageSink {
+public:
+    int Show(const Message& message) override {
+        ++counts_[message.text];
+        ++total_;
+        return kMessageOk;
+    }
+    const std::map<std::string, int64_t>& Counts() const { return counts_; }
+    int64_t Total() const { return total_; }
+
+private:
+    std::map<std::string, int64_t> counts_;
+    int64_t total_ = 0;
+};
+
+class ScopedCountingSink {
+public:
+    ScopedCountingSink() : previous_(CurrentMessageSink()) { SetMessageSink(sink_); }
+    ~ScopedCountingSink() { SetMessageSink(previous_); }
+    ScopedCountingSink(const ScopedCountingSink&) = delete;
+    ScopedCountingSink& operator=(const ScopedCountingSink&) = delete;
+
+    const CountingSink& sink() const { return *sink_; }
+
+private:
+    std::shared_ptr<CountingSink> sink_ = std::make_shared<CountingSink>();
+    std::shared_ptr<MessageSink> previous_;
+};
+
+inline std::vector<std::string> MessageTexts(const ScopedMessageRecorder& recorder) {
+    std::vector<std::string> texts;
+    for (const Message& message : recorder.Messages()) {
+        texts.push_back(message.text);
+    }
+    return texts;
+}
+
+inline std::string NotAvailable(const std::string& type) {
+    return "Error: The object " + type + " is not available; Please verify its name.";
+}
+
+// Installs the shipped dictionary for every test of a suite; tests elsewhere may have
+// installed another one.
+class ShippedDictionaryTest : public ::testing::Test {
+protected:
+    void SetUp() override { SetSnvtDictionary(ShippedDictionary()); }
+};
+
+}  // namespace zerbin::testing

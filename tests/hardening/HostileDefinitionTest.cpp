@@ -1,0 +1,330 @@
+// Definitions written by others, at their worst: nested beyond any call stack, tens of
+// megabytes long, with member names that are no XML names, and type names that try to reach
+// outside the block library. Each ends with a defined outcome and leaves the host running.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "interfaces/Error.h"
+#include "platform/DefinitionStore.h"
+#include "tests/hardening/HardeningSupport.h"
+
+namespace zerbin::testing {
+namespace {
+
+constexpr int kDeep = 100000;
+
+// n elements, each inside the one before.
+std::string Nest(int depth, const std::string& inner = "x") {
+    std::string text;
+    text.reserve(static_cast<std::size_t>(depth) * 7 + inner.size());
+    for (int i = 0; i < depth; ++i) {
+        text += "<n>";
+    }
+    text += inner;
+    for (int i = 0; i < depth; ++i) {
+        text += "</n>";
+    }
+    return text;
+}
+
+// A block with one attribute, one input and one output; the pieces can be swapped for
+// hostile ones.
+std::string Definition(const std::string& nameElement = "<NAME>Deep</NAME>",
+                       const std::string& attributeExtra = "") {
+    return "<AppObject>" + nameElement +
+           "<ID>300</ID>"
+           "<InReferences><Flow><CDBORDERINPOSITION>2</CDBORDERINPOSITION>"
+           "<VISIBLE>1</VISIBLE><SNVTCOMPATIBILITYLIST>105</SNVTCOMPATIBILITYLIST></Flow>"
+           "</InReferences>"
+           "<OutReferences><Out1><VISIBLE>1</VISIBLE><SNVTTYPE>105</SNVTTYPE></Out1>"
+           "</OutReferences>"
+           "<Attributes><Setpoint><CDBORDERINPOSITION>1</CDBORDERINPOSITION>"
+           "<VISIBLE>1</VISIBLE><SNVTTYPE>105</SNVTTYPE><DefaultValue>20</DefaultValue>"
+           "<Min>0</Min><Max>100</Max>" +
+           attributeExtra + "</Setpoint></Attributes></AppObject>";
+}
+
+// What a host can see of a block, for comparing a hostile block with its harmless twin.
+struct Observed {
+    std::string name;
+    std::vector<std::string> messages;
+    std::string values;
+    int32_t inputs = 0;
+    int32_t outputs = 0;
+    std::string stream;
+    std::string intel;
+
+    bool operator==(const Observed&) const = default;
+};
+
+void PrintTo(const Observed& o, std::ostream* out) {
+    *out << "name=" << o.name << " inputs=" << o.inputs << " outputs=" << o.outputs
+         << " values=" << o.values << " stream=" << o.stream << " intel=" << o.intel
+         << " messages=" << o.messages.size();
+}
+
+Observed Observe(const TempTree& tree, const std::string& definition) {
+    const std::string type = UniqueTypeName("HOSTILE");
+    tree.Write(std::filesystem::path("library") / type / (type + ".xml"), definition);
+    ScopedLibrary library(tree.Root() / "library");
+    ScopedMessageRecorder recorder;
+    const auto block = MakeBlock(type);
+    Observed seen;
+    seen.name = block->IAppObject_Name();
+    seen.values = AttributeValues(*block);
+    seen.inputs = block->IAppObject_Inputs() ? block->IAppObject_Inputs()->IInputs_Count() : 0;
+    seen.outputs = block->IAppObject_Outputs() ? block->IAppObject_Outputs()->IOutputs_Count() : 0;
+    seen.stream = block->IAppObject_Stream();
+    seen.intel = block->IAppObject_IntelStream();
+    seen.messages = MessageTexts(recorder);
+    block->IAppObject_Destroy();
+    return seen;
+}
+
+using HostileDefinitionTest = ShippedDictionaryTest;
+
+TEST_F(HostileDefinitionTest, DeepNestingBehavesLikeItsShallowTwin) {
+    struct Row {
+        const char* what;
+        std::string hostile;
+        std::string twin;
+    };
+    const Row rows[] = {
+        {"AppObject below 100,000 elements", Nest(kDeep, Definition()), Definition()},
+        {"an attribute holding 100,000 levels", Definition("<NAME>Deep</NAME>", Nest(kDeep)),
+         Definition()},
+        // A header element whose first child is an element has no text: it is skipped.
+        {"a name holding 100,000 levels", Definition("<NAME>" + Nest(kDeep) + "</NAME>"),
+         Definition("")},
+    };
+    TempTree tree;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const Observed twin = Observe(tree, row.twin);
+        EXPECT_EQ(Observe(tree, row.hostile), twin);
+        EXPECT_EQ(twin.messages, std::vector<std::string>{});
+        EXPECT_EQ(twin.inputs, 1);
+    }
+}
+
+TEST_F(HostileDefinitionTest, DeepNestingInAProjectLeavesTheValueEmpty) {
+    TempTree tree;
+    const std::string type = UniqueTypeName("HOSTILE");
+    tree.Write(std::filesystem::path("library") / type / (type + ".xml"), Definition());
+    ScopedLibrary library(tree.Root() / "library");
+    ScopedMessageRecorder recorder;
+    const auto block = MakeBlock(type);
+    block->IAppObject_XPosition(7.5);
+
+    const auto project = xml::LoadString("<B><X_Position>" + Nest(kDeep, "3") +
+                                             "</X_Position><Attributes><Setpoint>" +
+                                             Nest(kDeep, "42") + "</Setpoint></Attributes></B>",
+                                         nullptr);
+    ASSERT_NE(project, nullptr);
+    block->IAppObject_XmlLoad(project->document_element());
+
+    // The first child of each is an element, not a text: the position keeps its value and
+    // the attribute, emptied before its write, stays empty.
+    EXPECT_EQ(block->IAppObject_XPosition(), 7.5);
+    EXPECT_EQ(AttributeValues(*block), "Setpoint=\n");
+    EXPECT_TRUE(recorder.Messages().empty());
+    block->IAppObject_Destroy();
+}
+
+// About 50 MB: a long description, many header elements that mean nothing, many comments in
+// the sections and one long comment at the end, around the members of Definition().
+std::string FiftyMegabyteDefinition(std::size_t descriptionBytes) {
+    const std::string base = Definition();
+    const std::string sectionStart = "<Attributes>";
+    std::string text;
+    text.reserve(52u << 20);
+    text += "<?xml version=\"1.0\"?>\n<AppObject><DESCRIPTION>";
+    const std::string words = "A block description that goes on and on. ";
+    while (text.size() < descriptionBytes + 60) {
+        text += words;
+    }
+    const std::size_t descriptionEnd = text.size();
+    text += "</DESCRIPTION>";
+    for (int i = 0; i < 200000; ++i) {
+        text += "<FILLER>nothing to see here</FILLER>\n";
+    }
+    // The members, with 100,000 comments in front of the attribute.
+    const std::size_t at = base.find(sectionStart) + sectionStart.size();
+    text += base.substr(std::string("<AppObject>").size(), at - std::string("<AppObject>").size());
+    for (int i = 0; i < 100000; ++i) {
+        text += "<!-- a comment in the attributes section, skipped -->\n";
+    }
+    text += base.substr(at, base.size() - at - std::string("</AppObject>").size());
+    text += "</AppObject>\n<!--";
+    text.append((50u << 20) > text.size() ? (50u << 20) - text.size() : 0, '-' + 1);
+    text += "-->\n";
+    EXPECT_GE(descriptionEnd, descriptionBytes);
+    return text;
+}
+
+TEST_F(HostileDefinitionTest, FiftyMegabyteDefinitionLoadsLikeItsMembersAlone) {
+    constexpr std::size_t kDescription = 16u << 20;
+    TempTree tree;
+    const std::string definition = FiftyMegabyteDefinition(kDescription);
+    ASSERT_GE(definition.size(), 50u << 20);
+    const Observed twin = Observe(tree, Definition());
+
+    const std::string type = UniqueTypeName("HUGE");
+    tree.Write(std::filesystem::path("library") / type / (type + ".xml"), definition);
+    ScopedLibrary library(tree.Root() / "library");
+    ScopedMessageRecorder recorder;
+    const auto block = MakeBlock(type);
+
+    EXPECT_GE(block->IAppObject_Description().size(), kDescription);
+    EXPECT_EQ(block->IAppObject_ID(), "300");
+    EXPECT_EQ(AttributeValues(*block), twin.values);
+    EXPECT_EQ(block->IAppObject_Stream(), twin.stream);
+    EXPECT_EQ(block->IAppObject_IntelStream(), twin.intel);
+    EXPECT_TRUE(recorder.Messages().empty());
+    block->IAppObject_Destroy();
+}
+
+// A definition whose member has a local name that no XML element may bear: the block is
+// made, and its project save stops with an error at that member.
+TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
+    struct Row {
+        const char* what;
+        std::string attributes;
+        std::string outputs;
+        std::vector<std::string> savedAttributes;  // the elements under "Attributes"
+        bool outputsStarted;                       // whether "Outputs" was appended
+    };
+    const std::string plain =
+        "<CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTTYPE>8</SNVTTYPE>"
+        "<DefaultValue>5</DefaultValue>";
+    const std::string second = "<CDBORDERINPOSITION>2</CDBORDERINPOSITION><SNVTTYPE>8</SNVTTYPE>";
+    const std::string output = "<VISIBLE>1</VISIBLE><SNVTTYPE>8</SNVTTYPE>";
+    const Row rows[] = {
+        {"attribute starting with a digit",
+         "<First>" + plain + "</First><p:9Lives>" + second + "</p:9Lives><Last>" + second +
+             "</Last>",
+         "",
+         {"First"},
+         false},
+        {"attribute with an empty local name",
+         "<First>" + plain + "</First><p:>" + second + "</p:>",
+         "",
+         {"First"},
+         false},
+        {"attribute starting with a hyphen", "<p:-dash>" + plain + "</p:-dash>", "", {}, false},
+        {"displayable output starting with a dot",
+         "<First>" + plain + "</First>",
+         "<Good>" + output + "</Good><p:.dot>" + output + "</p:.dot>",
+         {"First"},
+         true},
+    };
+    TempTree tree;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const std::string type = UniqueTypeName("BADNAME");
+        tree.Write(std::filesystem::path("library") / type / (type + ".xml"),
+                   "<AppObject><NAME>Bad name</NAME><ID>1</ID><Attributes>" + row.attributes +
+                       "</Attributes><OutReferences>" + row.outputs +
+                       "</OutReferences></AppObject>");
+        ScopedLibrary library(tree.Root() / "library");
+        ScopedMessageRecorder recorder;
+        const auto block = MakeBlock(type);
+        for (const auto& out : OutputsOf(*block)) {
+            out->IOutput_IsDisplayable(true);
+        }
+
+        pugi::xml_document document;
+        pugi::xml_node project = document.append_child("Project");
+        EXPECT_THROW(block->IAppObject_XmlSave(project, document), Error);
+
+        // The subtree stands as far as it came; the document around it is whole.
+        const pugi::xml_node saved = project.child(type.c_str());
+        ASSERT_TRUE(saved);
+        std::vector<std::string> top = {"UserName", "X_Position", "Y_Position", "CDB",
+                                        "Attributes"};
+        if (row.outputsStarted) {
+            top.push_back("Outputs");
+        }
+        EXPECT_EQ(ChildNames(saved), top);
+        EXPECT_EQ(ChildNames(saved.child("Attributes")), row.savedAttributes);
+        EXPECT_NE(xml::LoadString(XmlText(document), nullptr), nullptr);
+        block->IAppObject_Destroy();
+    }
+}
+
+TEST_F(HostileDefinitionTest, TypeNameThatIsNoXmlNameSavesNothing) {
+    TempTree tree;
+    // A fine folder name, but no element can bear it.
+    const std::string type = "1" + UniqueTypeName("DIGIT");
+    tree.Write(std::filesystem::path("library") / type / (type + ".xml"),
+               "<AppObject><NAME>Digit</NAME></AppObject>");
+    ScopedLibrary library(tree.Root() / "library");
+    const auto block = MakeBlock(type);
+    ASSERT_EQ(block->IAppObject_Name(), "Digit");
+
+    pugi::xml_document document;
+    pugi::xml_node project = document.append_child("Project");
+    EXPECT_THROW(block->IAppObject_XmlSave(project, document), Error);
+    EXPECT_FALSE(project.first_child());
+    block->IAppObject_Destroy();
+}
+
+// Each type name below would reach a definition file that the test planted outside the
+// library (or, for the names the file system can't hold, nothing at all). The block must
+// behave as for a type that does not exist and read none of them.
+TEST_F(HostileDefinitionTest, TypeNameOutsideTheLibraryIsNotAvailable) {
+    TempTree tree;
+    const std::filesystem::path root = tree.Root();
+    const std::string trap =
+        "<AppObject><NAME>Trap</NAME><ID>302</ID><Attributes><A>"
+        "<CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTTYPE>8</SNVTTYPE>"
+        "</A></Attributes></AppObject>";
+    const std::string absolute = (root / "ABS").string();
+    // Where each name, taken as a path, would lead: library/<name>/<name>.xml, cut at a NUL.
+    tree.Write("TRAP.xml", trap);                       // "../TRAP"
+    tree.Write("TRAP/manual.pdf", "%PDF");              // "../TRAP", its datasheet
+    tree.Write("...xml", trap);                         // ".."
+    tree.Write("library/sub/TRAP/sub/TRAP.xml", trap);  // "sub/TRAP"
+    tree.Write("library/..\\TRAP/..\\TRAP.xml", trap);  // a backslash is a letter here
+    tree.Write("library/TRAP.xml", trap);               // "TRAP.xml", NUL, ...
+    tree.Write("ABS.xml", trap);                        // an absolute name
+
+    const std::string names[] = {
+        "../TRAP",
+        "..",
+        "sub/TRAP",
+        "..\\TRAP",
+        std::string("TRAP.xml\0/x", 11),
+        std::string("TRAP\0", 5),
+        absolute,
+        std::string(10000, 'A'),
+    };
+    ScopedLibrary library(root / "library");
+    for (const std::string& name : names) {
+        SCOPED_TRACE(name.substr(0, 40));
+        ScopedMessageRecorder recorder;
+        auto block = std::make_shared<CDBAppObject>();
+        block->IAppObject_XmlSNVTDoc(SnvtDictionary());
+        int32_t errorCode = 17;
+        EXPECT_TRUE(block->IAppObject_Init(name, errorCode));
+        EXPECT_EQ(errorCode, 17);
+        EXPECT_EQ(MessageTexts(recorder), std::vector<std::string>{NotAvailable(name)});
+        EXPECT_EQ(block->IAppObject_Name(), "");
+        EXPECT_FALSE(block->IAppObject_DatasheetAvailable());
+
+        block->IAppObject_Create();
+        EXPECT_EQ(MessageTexts(recorder), std::vector<std::string>(4, NotAvailable(name)));
+        EXPECT_EQ(block->IAppObject_Attributes(), nullptr);
+        EXPECT_EQ(block->IAppObject_CDBDimension(), 3);
+        EXPECT_EQ(block->IAppObject_Stream(), "030000");
+        EXPECT_EQ(DefinitionCache().Store()->FindDocument(name), nullptr);
+        block->IAppObject_Destroy();
+    }
+}
+
+}  // namespace
+}  // namespace zerbin::testing
