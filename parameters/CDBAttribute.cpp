@@ -220,6 +220,15 @@ void CDBAttribute::CDBPosition(int32_t v) {
     position_ = v;
 }
 
+void CDBAttribute::Release() {
+    editor_.reset();
+    if (fields_) {
+        for (const auto& field : fields_->Fields()) {
+            field->SetParent(nullptr);
+        }
+    }
+}
+
 std::shared_ptr<IUnitConverter> CDBAttribute::UnitsManager() {
     return Owner().UnitsManager();
 }

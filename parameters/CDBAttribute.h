@@ -100,6 +100,10 @@ public:
     // coefficient does not fit 16 bits or the place starts past the end of the image.
     std::string WriteStream(std::string image);
     std::string WriteIntelStream(std::string image);
+    // Internal. Cuts the references that would keep this attribute alive by themselves: the
+    // fields' references back to it and the editor, which may hold it as its point. The
+    // collection calls it when it goes; the attribute has no editor afterwards.
+    void Release();
     // The converter of the owning block.
     std::shared_ptr<IUnitConverter> UnitsManager() override;
     // The concrete type record and fields, for the owner and the editors.

@@ -4,6 +4,12 @@
 
 namespace zerbin {
 
+CDBAttributes::~CDBAttributes() {
+    for (const auto& attribute : items_.Items()) {
+        attribute->Release();
+    }
+}
+
 int32_t CDBAttributes::IAttributes_Count() {
     return items_.Count();
 }
@@ -36,7 +42,12 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
     attribute->SetParent(std::move(owner));
     attribute->SetName(name);
     attribute->LoadDefinition(node);
-    items_.Add(name, attribute);
+    try {
+        items_.Add(name, attribute);
+    } catch (...) {
+        attribute->Release();  // refused: nothing else will ever release it
+        throw;
+    }
     attribute->CreateEditor();
     return attribute;
 }

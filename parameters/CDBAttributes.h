@@ -17,6 +17,12 @@ namespace zerbin {
 
 class CDBAttributes : public IAttributes {
 public:
+    CDBAttributes() = default;
+    // Releases what would keep an attribute alive by itself (see CDBAttribute::Release).
+    ~CDBAttributes() override;
+    CDBAttributes(const CDBAttributes&) = delete;
+    CDBAttributes& operator=(const CDBAttributes&) = delete;
+
     int32_t IAttributes_Count() override;
     std::shared_ptr<IAttribute> IAttributes_Item(const std::string& Key) override;
     std::vector<std::shared_ptr<IAttribute>> IAttributes_NewEnum() override;

@@ -131,6 +131,18 @@ TEST_F(ParameterTest, EachClassGetsItsEditorAndSetValueHandsItTheAttribute) {
     EXPECT_EQ(editor->shown, 1);
 }
 
+TEST_F(ParameterTest, AStructureAndAnEditorThatHoldsItsAttributeGoWithTheBlock) {
+    SetEditorFactory(std::make_shared<RecordingEditorFactory>());
+    ScopedMessageRecorder messages;
+    std::weak_ptr<CDBAttribute> setting;
+    {
+        Block block("PrmStruct");
+        block.Attribute("Setting")->IAttribute_SetValue();  // the editor keeps its point
+        setting = block.Attribute("Setting");
+    }
+    EXPECT_TRUE(setting.expired());
+}
+
 TEST_F(ParameterTest, AnAttributeOfNoKnownClassHasNoEditorAndSetValueDoesNothing) {
     auto factory = std::make_shared<RecordingEditorFactory>();
     SetEditorFactory(factory);

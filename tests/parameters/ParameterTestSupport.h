@@ -137,11 +137,9 @@ struct RecordingEditor : IValueEditor {
 struct RecordingEditorFactory : IEditorFactory {
     std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName) override {
         names.push_back(editorName);
-        editors.push_back(std::make_shared<RecordingEditor>());
-        return editors.back();
+        return std::make_shared<RecordingEditor>();
     }
     std::vector<std::string> names;
-    std::vector<std::shared_ptr<RecordingEditor>> editors;
 };
 
 }  // namespace zerbin::testing
