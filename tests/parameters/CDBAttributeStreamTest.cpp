@@ -47,6 +47,7 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
         {"PrmValues", false, "Label", "AB", 6, "414220202020", "414220202020"},
         {"PrmValues", false, "Flags", nullptr, 1, "05", "05"},
         {"PrmValues", false, "Mode", "2", 1, "02", "02"},
+        {"PrmValues", false, "Note", "AB", 0, "", ""},  // tool-only: no place at all
         // A standard float on a 2-byte type: four bytes of IEEE single; the Intel form writes
         // the scaled number into the first two and leaves the others.
         {"PrmValues", false, "Raw", "1", 4, "3F800000", "6400AAAA"},
@@ -80,12 +81,16 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
     }
 }
 
-TEST_F(ParameterTest, AToolOnlyAttributeLeavesTheImageAlone) {
-    Block block("PrmValues");
-    auto note = block.Attribute("Note");
-    const std::string blank(8, 'A');
-    EXPECT_EQ(note->WriteStream(blank), blank);
-    EXPECT_EQ(note->WriteIntelStream(blank), blank);
+TEST_F(ParameterTest, ADeviceDependentAttributeWritesItsCodeAsAnEnumeration) {
+    auto device =
+        xml::LoadString("<Device><Fans><Low>1</Low><High>2</High></Fans></Device>", nullptr);
+    Block block("PrmValues", false,
+                [&](CDBAppObject& object) { object.IAppObject_OwnerDeviceXML(device); });
+    auto speed = Load(block, "<Speed DeviceDependent='Fans'/>");
+    speed->CDBPosition(1);
+    speed->IAttribute_Value("2");
+    EXPECT_EQ(speed->WriteStream("AAAAAA"), "AA02AA");
+    EXPECT_EQ(speed->WriteIntelStream("AAAAAA"), "AA02AA");
 }
 
 TEST_F(ParameterTest, ACoefficientBeyondSixteenBitsAndAPlacePastTheEndGoToTheCaller) {

@@ -37,16 +37,6 @@ TEST_F(ParameterTest, ItemLooksUpTheKeyInAnyCaseThenThePositionAndNeverThrows) {
     }
 }
 
-TEST_F(ParameterTest, NewEnumKeepsTheOrderOfTheDefinition) {
-    Block block("PrmValues");
-    std::vector<std::string> names;
-    for (const auto& attribute : block->IAppObject_Attributes()->IAttributes_NewEnum()) {
-        names.push_back(attribute->IAttribute_Name());
-    }
-    EXPECT_THAT(names, ElementsAre("Setpoint", "Gain", "Ratio", "Count", "Label", "Flags", "Mode",
-                                   "Note", "Raw"));
-}
-
 TEST_F(ParameterTest, ANameTakenInAnyCaseIsRefusedAndTheFirstAttributeStays) {
     Block block("PrmValues");
     Load(block, "<SetPoint><SNVTTYPE>108</SNVTTYPE></SetPoint>");
