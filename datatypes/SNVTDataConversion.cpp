@@ -183,7 +183,8 @@ std::string Encode(std::string& value, const std::string& typeClass, int32_t len
         } else if (typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric") {
             value = NormalizeDecimal(value);
             if (a == 0) {
-                value = "0";
+                // Not value = "0": GCC 12 at -O3 warns falsely on that assignment (-Wrestrict).
+                value = std::string(1, '0');
             } else {
                 const double n = CommaSeparator() ? LocaleNumber(value) : LeadingNumber(value);
                 // The SNVT scale, display = A * 10^B * (raw + C), solved for raw in exactly

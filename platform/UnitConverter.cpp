@@ -125,27 +125,23 @@ double RoundDecimal(double value, int decimals) {
     if (keep < 0) {
         return negative ? -0.0 : 0.0;
     }
-    std::string kept = digits.substr(0, static_cast<std::size_t>(keep));
+    // A leading 0 takes the carry of 9.99 and stands for the empty part when nothing is kept.
+    std::string kept(1, '0');
+    kept += digits.substr(0, static_cast<std::size_t>(keep));
     const std::string rest = digits.substr(static_cast<std::size_t>(keep));
     const bool beyondHalf = rest.find_first_not_of('0', 1) != std::string::npos;
-    const bool lastOdd = !kept.empty() && (kept.back() - '0') % 2 == 1;
-    const bool up = rest[0] > '5' || (rest[0] == '5' && (beyondHalf || lastOdd));
-    if (kept.empty()) {
-        kept = "0";
-    }
-    if (up) {
+    const bool lastOdd = (kept.back() - '0') % 2 == 1;
+    if (rest[0] > '5' || (rest[0] == '5' && (beyondHalf || lastOdd))) {
         std::size_t k = kept.size();
-        while (k > 0 && kept[k - 1] == '9') {
+        while (kept[k - 1] == '9') {
             kept[--k] = '0';
         }
-        if (k == 0) {
-            kept.insert(kept.begin(), '1');
-        } else {
-            ++kept[k - 1];
-        }
+        ++kept[k - 1];
     }
-    const std::string rounded =
-        (negative ? "-" : "") + kept + "e" + std::to_string(-static_cast<long>(decimals));
+    std::string rounded(negative ? 1 : 0, '-');
+    rounded += kept;
+    rounded += 'e';
+    rounded += std::to_string(-static_cast<long>(decimals));
     double result = 0.0;
     std::from_chars(rounded.data(), rounded.data() + rounded.size(), result);
     return result;
