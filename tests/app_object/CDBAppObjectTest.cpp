@@ -254,6 +254,22 @@ TEST(AppObjectLifecycle, DestroyTakesTheBlockApartAndLetsItGo) {
     EXPECT_TRUE(watch.expired()) << "a member still holds the block";
 }
 
+TEST(AppObjectLifecycle, NoMemberKeepsADestroyedBlockAlive) {
+    FixtureLibrary library;
+    // RoundTrip holds a Struct, whose fields refer back to their attribute.
+    for (const char* type : {"Worked", "RoundTrip", "OnlyOutputs"}) {
+        auto block = testing::CreateBlock(type).Release();
+        block->IAppObject_GlobalKey("K");
+        block->IAppObject_CallBack(std::make_shared<RecordingListener>());
+        const std::weak_ptr<CDBAppObject> watch = block;
+
+        block->IAppObject_Destroy();
+        block.reset();
+
+        EXPECT_TRUE(watch.expired()) << type;
+    }
+}
+
 TEST(AppObjectLifecycle, DestroyCutsTheInputsBackReferences) {
     FixtureLibrary library;
     auto block = testing::CreateBlock("InputsOnly").Release();
