@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -59,7 +60,7 @@ std::vector<std::shared_ptr<IOutput>> OutputsOf(CDBAppObject& block) {
 }
 
 // A load divides the value of a DivideBy attribute once more, so such a block can't come
-// back the same (tests/hardening holds the disabled test that shows it).
+// back the same (DISABLED_DivideByValueSurvivesSaveAndLoad).
 bool HasDividedAttribute(CDBAppObject& block) {
     for (const auto& attribute : AttributesOf(block)) {
         if (attribute->IAttribute_DividedBy() > 1) {
@@ -85,6 +86,12 @@ bool NumberCarried(const std::shared_ptr<IAttribute>& attribute) {
 
 bool CanRoundTrip(CDBAppObject& block) {
     if (HasDividedAttribute(block) || !XmlCarries(block.IAppObject_UserName())) {
+        return false;
+    }
+    // A position text beyond the double range loads as an infinity, which is saved as "inf"
+    // and read back as 0 (DISABLED_PositionBeyondTheDoubleRangeIsNoInfinity).
+    if (!std::isfinite(block.IAppObject_XPosition()) ||
+        !std::isfinite(block.IAppObject_YPosition())) {
         return false;
     }
     for (const auto& attribute : AttributesOf(block)) {

@@ -58,6 +58,38 @@ TEST_F(HostileProjectTest, HundredThousandBlocksOfAnUnknownTypeEachEndWithMessag
               (std::map<std::string, int64_t>{{NotAvailable(type), 4 * int64_t{kBlocks}}}));
 }
 
+// A position from a project that is no finite number. Today a text beyond the double range
+// reads as an infinity, which the next save writes as "inf" and the load after that reads as
+// 0; and an exponent beyond the range of a long ("1E-99999999999999999999") loses its sign
+// and turns a tiny number into an infinity. The position should keep its value, as for any
+// text the number rule can't read, or take the number the text stands for.
+// Disabled until the number rule and the position load agree on that.
+TEST_F(HostileProjectTest, DISABLED_PositionBeyondTheDoubleRangeIsNoInfinity) {
+    struct Row {
+        const char* text;
+        double expected;  // 7.5 is the position before the load
+    };
+    const Row rows[] = {
+        {"1E400", 7.5},
+        {"-1E400", 7.5},
+        {"1E-99999999999999999999", 0},
+        {"64.5D-11111111111111111111111", 0},
+    };
+    TempTree tree;
+    ScopedLibrary library(tree.Root() / "library");
+    ScopedMessageRecorder recorder;
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        auto block = std::make_shared<CDBAppObject>();
+        block->IAppObject_XPosition(7.5);
+        const auto project = xml::LoadString(
+            std::string("<B><X_Position>") + row.text + "</X_Position></B>", nullptr);
+        ASSERT_NE(project, nullptr);
+        block->IAppObject_XmlLoad(project->document_element());
+        EXPECT_EQ(block->IAppObject_XPosition(), row.expected);
+    }
+}
+
 // What sets an attribute apart in how it takes a value.
 std::string KindOf(IAttribute& attribute) {
     const auto type = attribute.IAttribute_SNVTType();
