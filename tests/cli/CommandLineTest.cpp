@@ -1,0 +1,113 @@
+// The shape of the command line, through the real program: every usage error ends with
+// status 2 and exactly one line on stderr, and nothing on stdout.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace zerbin::testing {
+namespace {
+
+struct UsageRow {
+    std::vector<std::string> args;
+    std::string error;
+};
+
+TEST(CommandLine, UsageErrorsExitTwoWithOneHintLine) {
+    const std::vector<UsageRow> rows{
+        {{}, "no command given (try 'zerbin --help')"},
+        {{"frobnicate"}, "unknown command 'frobnicate' (try 'zerbin --help')"},
+        {{"--colour", "types"}, "unknown option '--colour' (try 'zerbin --help')"},
+        // Options of a command are not options of the program, and the other way round.
+        {{"--intel", "image", "THERMOSTAT"}, "unknown option '--intel' (try 'zerbin --help')"},
+        {{"image", "THERMOSTAT", "--library", "x"},
+         "unknown option '--library' for 'image' (try 'zerbin image --help')"},
+        {{"show", "THERMOSTAT", "--set", "Mode=1"},
+         "unknown option '--set' for 'show' (try 'zerbin show --help')"},
+        {{"--library"}, "option '--library' expects an argument"},
+        {{"image", "THERMOSTAT", "--set"}, "option '--set' expects an argument"},
+        {{"image", "THERMOSTAT", "--intel=1"}, "option '--intel' takes no argument"},
+        {{"image"}, "'image' expects a block type (try 'zerbin image --help')"},
+        {{"load"}, "'load' expects a project file (try 'zerbin load --help')"},
+        {{"image", "THERMOSTAT", "PID_LOOP"},
+         "unexpected argument 'PID_LOOP' (try 'zerbin image --help')"},
+        {{"types", "THERMOSTAT"}, "unexpected argument 'THERMOSTAT' (try 'zerbin types --help')"},
+        {{"image", "THERMOSTAT", "--set", "Mode"}, "--set expects NAME=VALUE, found 'Mode'"},
+        {{"image", "THERMOSTAT", "--ref", "SpaceTemp"},
+         "--ref expects INPUT=HEX, found 'SpaceTemp'"},
+        {{"image", "THERMOSTAT", "--ref", "SpaceTemp=42g3"},
+         "--ref expects hexadecimal digits for 'SpaceTemp', found '42g3'"},
+        {{"image", "THERMOSTAT", "--ref", "SpaceTemp="},
+         "--ref expects hexadecimal digits for 'SpaceTemp', found ''"},
+        {{"--units", "imperial", "types"}, "--units expects 'si' or 'us', found 'imperial'"},
+        {{"image", "THERMOSTAT", "--export-index", "32768"},
+         "--export-index expects a whole number from -32768 to 32767, found '32768'"},
+        {{"image", "THERMOSTAT", "--export-index", "3x"},
+         "--export-index expects a whole number from -32768 to 32767, found '3x'"},
+        {{"save", "THERMOSTAT", "--x", "12 5"}, "--x expects a number, found '12 5'"},
+        {{"export", "THERMOSTAT"}, "'export' needs --sim or --interop"},
+        {{"export", "THERMOSTAT", "--sim", "--interop"}, "--sim and --interop exclude each other"},
+        // What the block lacks is only known once it exists.
+        {{"image", "THERMOSTAT", "--set", "Gain=2"}, "THERMOSTAT has no attribute Gain"},
+        {{"image", "THERMOSTAT", "--ref", "Flow=4000"}, "THERMOSTAT has no input Flow"},
+        {{"image", "LABEL", "--ref", "In=4000"}, "LABEL has no input In"},
+        {{"image", "NO_SUCH_TYPE"},
+         "no block type 'NO_SUCH_TYPE' in library '" + (ShippedData() / "library").string() + "'"},
+        {{"check", "THERMOSTAT", "NO_SUCH_TYPE"},
+         "no block type 'NO_SUCH_TYPE' in library '" + (ShippedData() / "library").string() + "'"},
+        {{"show", ".."}, "invalid block type name '..'"},
+        {{"image", "../THERMOSTAT"}, "invalid block type name '../THERMOSTAT'"},
+    };
+    for (const UsageRow& row : rows) {
+        const ProgramResult result = RunProgram(row.args);
+        SCOPED_TRACE(::testing::PrintToString(row.args));
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err, "zerbin: error: " + row.error + "\n");
+        EXPECT_EQ(result.out, "");
+    }
+}
+
+TEST(CommandLine, AUsageErrorInALaterSetWritesNothingBefore) {
+    // The type selector's write would show a message for an unknown id; the bad name
+    // behind it must stop the run before that write happens.
+    const ProgramResult result =
+        RunProgram({"image", "TYPE_MUX", "--set", "DataType=999", "--set", "Nope=1"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.err, "zerbin: error: TYPE_MUX has no attribute Nope\n");
+}
+
+TEST(CommandLine, HelpAndVersionAnswerOnStdoutWithStatusZero) {
+    const ProgramResult help = RunProgram({"--help"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.out.rfind("USAGE: zerbin [options] <command> [arguments]\n", 0), 0u);
+    EXPECT_EQ(help.err, "");
+    EXPECT_EQ(RunProgram({"-h"}).out, help.out);
+    // Help wins over whatever else stands on the line.
+    EXPECT_EQ(RunProgram({"--help", "frobnicate"}).status, 0);
+
+    const std::vector<std::string> commands{"types",  "show", "image", "save",
+                                            "export", "load", "check"};
+    for (const std::string& command : commands) {
+        const ProgramResult commandHelp = RunProgram({command, "--help"});
+        EXPECT_EQ(commandHelp.status, 0) << command;
+        EXPECT_EQ(commandHelp.out.rfind("USAGE: zerbin [options] " + command, 0), 0u) << command;
+        EXPECT_NE(commandHelp.out, help.out) << command;
+    }
+
+    const ProgramResult version = RunProgram({"--version"});
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.out, "zerbin " ZERBIN_VERSION_TEXT "\n");
+}
+
+TEST(CommandLine, OptionValuesMayFollowAnEqualsSign) {
+    const ProgramResult spaced = RunProgram({"image", "THERMOSTAT", "--set", "Mode=3"});
+    const ProgramResult joined = RunProgram({"image", "THERMOSTAT", "--set=Mode=3"});
+    EXPECT_EQ(spaced.status, 0);
+    EXPECT_EQ(joined.status, 0);
+    EXPECT_EQ(joined.out, spaced.out);
+}
+
+}  // namespace
+}  // namespace zerbin::testing

@@ -1,0 +1,113 @@
+// types and check, on the shipped library and on libraries a test writes.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace zerbin::testing {
+namespace {
+
+TEST(LibraryCommands, TypesListsTheShippedLibrarySortedByFolder) {
+    const ProgramResult result = RunProgram({"types"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out,
+              "ALARM_LIMITS\t305\tAlarm limits\tAlarm\n"
+              "ANALOG_SCALER\t304\tAnalog scaler\tMath\n"
+              "FAN_STAGE\t303\tFan stage\tHVAC\n"
+              "IO_CHANNEL\t312\tInput channel\tI/O\n"
+              "LABEL\t311\tText label\tDisplay\n"
+              "PID_LOOP\t301\tPID loop\tControl\n"
+              "Q_EMPTY\t313\tComment\tDisplay\n"
+              "SETPOINT_SET\t310\tSetpoint set\tHVAC\n"
+              "SETPOINT_UNIT\t309\tUnit-selectable setpoint\tHVAC\n"
+              "THERMOSTAT\t302\tThermostat\tHVAC\n"
+              "TIME_DELAY\t306\tTime delay\tLogic\n"
+              "TYPE_MUX\t308\tType-selectable multiplexer\tLogic\n"
+              "WEEKLY_SCHEDULE\t307\tWeekly schedule\tSchedule\n");
+}
+
+TEST(LibraryCommands, EveryShippedTypePassesCheckSilently) {
+    const ProgramResult result = RunProgram({"check"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "");
+    // Short floats change the layout of the Float parameters; it must stay complete.
+    const ProgramResult shortFloat = RunProgram({"--short-float", "check"});
+    EXPECT_EQ(shortFloat.status, 0);
+    EXPECT_EQ(shortFloat.err, "");
+}
+
+// A library with one sound type, one whose ordering numbers have a gap, and one whose
+// definition is not well-formed.
+class FaultyLibrary : public ::testing::Test {
+protected:
+    void SetUp() override {
+        folder_.Write("lib/GOOD/GOOD.xml", R"(<AppObject>
+  <NAME>Good</NAME><ID>10</ID>
+  <Attributes>
+    <Mode><CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTTYPE>108</SNVTTYPE>
+      <DefaultValue>3</DefaultValue></Mode>
+  </Attributes>
+</AppObject>)");
+        folder_.Write("lib/GAP/GAP.xml", R"(<AppObject>
+  <NAME>Gap</NAME><ID>11</ID>
+  <InReferences>
+    <In><CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTCOMPATIBILITYLIST>95</SNVTCOMPATIBILITYLIST></In>
+  </InReferences>
+  <Attributes>
+    <Mode><CDBORDERINPOSITION>3</CDBORDERINPOSITION><SNVTTYPE>108</SNVTTYPE></Mode>
+  </Attributes>
+</AppObject>)");
+        folder_.Write("lib/BAD/BAD.xml", "<AppObject><NAME>Bad</AppObject>");
+        library_ = (folder_.Path() / "lib").string();
+    }
+
+    ProgramResult Check(std::vector<std::string> types) const {
+        std::vector<std::string> args{"--library", library_, "check"};
+        args.insert(args.end(), types.begin(), types.end());
+        return RunProgram(args);
+    }
+
+    TempFolder folder_;
+    std::string library_;
+};
+
+TEST_F(FaultyLibrary, CheckShowsEachTypesMessagesAndExitsOne) {
+    const std::string notAvailable =
+        "Zerbin: Error: The object BAD is not available; Please verify its name.\n";
+    const ProgramResult result = Check({});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "");
+    // Types in folder order; a definition that can't be loaded is tried at the header and
+    // at each of the three sections.
+    EXPECT_EQ(result.err, notAvailable + notAvailable + notAvailable + notAvailable +
+                              "zerbin: note: block type 'BAD' showed 4 messages\n"
+                              "Zerbin: GAP: Missing CDBOrderinPosition in XML File: 2\n"
+                              "zerbin: note: block type 'GAP' showed 1 message\n");
+}
+
+TEST_F(FaultyLibrary, CheckOfNamedTypesLooksAtThoseAlone) {
+    const ProgramResult good = Check({"GOOD"});
+    EXPECT_EQ(good.status, 0);
+    EXPECT_EQ(good.err, "");
+
+    const ProgramResult gap = Check({"GOOD", "GAP"});
+    EXPECT_EQ(gap.status, 1);
+    EXPECT_EQ(gap.err,
+              "Zerbin: GAP: Missing CDBOrderinPosition in XML File: 2\n"
+              "zerbin: note: block type 'GAP' showed 1 message\n");
+}
+
+TEST_F(FaultyLibrary, TypesListsEveryDefinitionFolderAndReportsTheUnreadable) {
+    const ProgramResult result = RunProgram({"--library", library_, "types"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "BAD\t\t\t\nGAP\t11\tGap\t\nGOOD\t10\tGood\t\n");
+    EXPECT_EQ(result.err,
+              "Zerbin: Error: The object BAD is not available; Please verify its name.\n");
+}
+
+}  // namespace
+}  // namespace zerbin::testing

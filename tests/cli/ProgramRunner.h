@@ -1,0 +1,143 @@
+// Runs the zerbin program as a user would and collects what it says, and makes throw-away
+// folders for libraries and projects written by a test.
+#pragma once
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+extern char** environ;
+
+namespace zerbin::testing {
+
+struct ProgramResult {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+inline std::filesystem::path ShippedData() {
+    return ZERBIN_SHIPPED_DATA;
+}
+
+inline std::string ReadWhole(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// A folder under the system's temporary folder, removed with everything in it.
+class TempFolder {
+public:
+    TempFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "zerbin-cli-XXXXXX");
+        if (mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("mkdtemp failed");
+        }
+        path_ = pattern;
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path_; }
+
+    // Writes text to a file below the folder, making the folders on the way.
+    std::filesystem::path Write(const std::filesystem::path& relative, const std::string& text) {
+        const std::filesystem::path file = path_ / relative;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << text;
+        return file;
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+// The environment of the test with the locale replaced: the program follows the user's
+// locale, and the expected texts are written for a known one.
+inline std::vector<std::string> EnvironmentWithLocale(const std::string& locale) {
+    std::vector<std::string> variables;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string variable = *entry;
+        if (variable.rfind("LC_", 0) != 0 && variable.rfind("LANG=", 0) != 0 &&
+            variable.rfind("LANGUAGE=", 0) != 0) {
+            variables.push_back(variable);
+        }
+    }
+    variables.push_back("LC_ALL=" + locale);
+    return variables;
+}
+
+// Runs the program with args in workingFolder (the test's own when empty) under locale;
+// stdout and stderr go through files, so neither can fill up and block the other.
+inline ProgramResult RunProgram(const std::vector<std::string>& args,
+                                const std::filesystem::path& workingFolder = {},
+                                const std::string& locale = "C") {
+    TempFolder capture;
+    const std::string outFile = capture.Path() / "out";
+    const std::string errFile = capture.Path() / "err";
+
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, outFile.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, errFile.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    if (!workingFolder.empty()) {
+        posix_spawn_file_actions_addchdir_np(&actions, workingFolder.c_str());
+    }
+
+    std::vector<std::string> argvText{ZERBIN_PROGRAM};
+    argvText.insert(argvText.end(), args.begin(), args.end());
+    std::vector<char*> argv;
+    for (std::string& arg : argvText) {
+        argv.push_back(arg.data());
+    }
+    argv.push_back(nullptr);
+    std::vector<std::string> environmentText = EnvironmentWithLocale(locale);
+    std::vector<char*> environment;
+    for (std::string& variable : environmentText) {
+        environment.push_back(variable.data());
+    }
+    environment.push_back(nullptr);
+
+    ProgramResult result;
+    pid_t pid = 0;
+    const int spawned =
+        posix_spawn(&pid, ZERBIN_PROGRAM, &actions, nullptr, argv.data(), environment.data());
+    posix_spawn_file_actions_destroy(&actions);
+    if (spawned != 0) {
+        throw std::runtime_error("cannot start " + std::string(ZERBIN_PROGRAM));
+    }
+    int wstatus = 0;
+    waitpid(pid, &wstatus, 0);
+    result.status = WIFEXITED(wstatus) ? WEXITSTATUS(wstatus) : -1;
+    result.out = ReadWhole(outFile);
+    result.err = ReadWhole(errFile);
+    return result;
+}
+
+// The lines of a text, without their line feeds; a last line without one counts too.
+inline std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+}  // namespace zerbin::testing

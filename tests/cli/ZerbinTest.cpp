@@ -1,0 +1,129 @@
+// What a whole run does around the commands: the documents it reads, where it finds the
+// shipped data, and how the messages of the blocks reach the user.
+#include <gtest/gtest.h>
+
+#include <locale.h>
+#include <clocale>
+
+#include <string>
+#include <vector>
+
+#include "tests/cli/ProgramRunner.h"
+
+namespace zerbin::testing {
+namespace {
+
+constexpr const char* kBrokenXml = "<SNVTS>\n  <SNVT_105>\n</SNVTS>\n";
+
+TEST(Zerbin, UnreadableDocumentsExitThreeNamingFileAndReason) {
+    TempFolder folder;
+    const std::string broken = folder.Write("broken.xml", kBrokenXml).string();
+    const std::string missing = (folder.Path() / "missing.xml").string();
+    const std::string mismatch = "start-end tags mismatch at line 3, column 3";
+
+    struct Row {
+        std::vector<std::string> args;
+        std::string error;
+    };
+    const std::vector<Row> rows{
+        {{"--dictionary", broken, "types"}, "cannot read dictionary '" + broken + "': " + mismatch},
+        {{"--dictionary", missing, "image", "THERMOSTAT"},
+         "cannot read dictionary '" + missing + "': file was not found"},
+        {{"--device", broken, "show", "IO_CHANNEL"},
+         "cannot read device document '" + broken + "': " + mismatch},
+        {{"--device", missing, "check"},
+         "cannot read device document '" + missing + "': file was not found"},
+        {{"load", broken}, "cannot read project '" + broken + "': " + mismatch},
+        {{"load", missing}, "cannot read project '" + missing + "': file was not found"},
+        {{"--library", missing, "types"},
+         "cannot read library '" + missing + "': no such file or directory"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.args));
+        const ProgramResult result = RunProgram(row.args);
+        EXPECT_EQ(result.status, 3);
+        EXPECT_EQ(result.err, "zerbin: error: " + row.error + "\n");
+        EXPECT_EQ(result.out, "");
+    }
+}
+
+TEST(Zerbin, FindsTheShippedDataFromAnyWorkingFolder) {
+    TempFolder elsewhere;
+    const ProgramResult here = RunProgram({"image", "PID_LOOP"});
+    ASSERT_EQ(here.status, 0) << here.err;
+    for (const std::filesystem::path& folder : {std::filesystem::path("/"), elsewhere.Path()}) {
+        const ProgramResult there = RunProgram({"image", "PID_LOOP"}, folder);
+        EXPECT_EQ(there.status, 0) << folder;
+        EXPECT_EQ(there.out, here.out) << folder;
+        EXPECT_EQ(there.err, "") << folder;
+    }
+}
+
+TEST(Zerbin, ARelativeLibraryIsTakenFromTheWorkingFolder) {
+    TempFolder folder;
+    folder.Write("lib/NOTE/NOTE.xml",
+                 "<AppObject><NAME>Note</NAME><ID>4660</ID><CATEGORY>Misc</CATEGORY></AppObject>");
+    const ProgramResult types = RunProgram({"--library", "lib", "types"}, folder.Path());
+    EXPECT_EQ(types.status, 0) << types.err;
+    EXPECT_EQ(types.out, "NOTE\t4660\tNote\tMisc\n");
+    // A block with no members: the header alone, with the ID 4660 = hexadecimal 1234.
+    const ProgramResult image = RunProgram({"--library", "lib", "image", "NOTE"}, folder.Path());
+    EXPECT_EQ(image.out, "031234\n");
+    EXPECT_EQ(image.err, "");
+}
+
+TEST(Zerbin, MessagesOfTheBlocksGoToStderrAsTitleAndText) {
+    // 999 is no type of the dictionary: the selector's write and the image both look it up.
+    const ProgramResult result = RunProgram({"image", "TYPE_MUX", "--set", "DataType=999"});
+    EXPECT_EQ(result.status, 0);
+    // The image is still built; the selector's byte is the factor of an unknown type, 0.
+    EXPECT_EQ(result.out, "0C0134000000000000000002\n");
+    const std::vector<std::string> lines = Lines(result.err);
+    ASSERT_FALSE(lines.empty());
+    for (const std::string& line : lines) {
+        EXPECT_EQ(line, "Zerbin: Error: SNVT_999 is not defined");
+    }
+}
+
+TEST(Zerbin, AWarningKeepsItsOwnTitle) {
+    TempFolder folder;
+    folder.Write("lib/NOORDER/NOORDER.xml", R"(<AppObject>
+  <NAME>No order</NAME>
+  <ID>1</ID>
+  <Attributes>
+    <Mode><CDBORDERINPOSITION></CDBORDERINPOSITION><SNVTTYPE>108</SNVTTYPE></Mode>
+  </Attributes>
+</AppObject>)");
+    const ProgramResult result =
+        RunProgram({"--library", (folder.Path() / "lib").string(), "image", "NOORDER"});
+    EXPECT_EQ(result.status, 0);
+    const std::vector<std::string> lines = Lines(result.err);
+    ASSERT_FALSE(lines.empty());
+    EXPECT_EQ(lines.front(),
+              "Warning: Mode: CDBOrderingPosition not defined into the XML file of the object "
+              "No order.");
+}
+
+TEST(Zerbin, NumbersFollowTheUsersLocale) {
+    locale_t comma = newlocale(LC_NUMERIC_MASK, "de_DE.UTF-8", static_cast<locale_t>(nullptr));
+    if (comma == static_cast<locale_t>(nullptr)) {
+        GTEST_SKIP() << "locale de_DE.UTF-8 is not installed (.ci/install makes it)";
+    }
+    freelocale(comma);
+    TempFolder folder;
+    const std::vector<std::string> save{"save",  "THERMOSTAT", "--x",
+                                        "120.5", "--set",      "HeatSetpoint=20.5"};
+    const ProgramResult german = RunProgram(save, {}, "de_DE.UTF-8");
+    EXPECT_EQ(german.status, 0) << german.err;
+    EXPECT_NE(german.out.find("<X_Position>120,5</X_Position>"), std::string::npos);
+    EXPECT_NE(german.out.find("<HeatSetpoint>20,5</HeatSetpoint>"), std::string::npos);
+    // A project written with a comma loads to the same image on a machine with a point.
+    const std::string project = folder.Write("project.xml", german.out).string();
+    const ProgramResult loaded = RunProgram({"load", project});
+    EXPECT_EQ(
+        loaded.out,
+        "\tTHERMOSTAT\t" + RunProgram({"image", "THERMOSTAT", "--set", "HeatSetpoint=20.5"}).out);
+}
+
+}  // namespace
+}  // namespace zerbin::testing
