@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 #include <optional>
@@ -53,7 +54,8 @@ struct ScaleOf {
         b = type.ISNVType_BCoef();
         c = type.ISNVType_CCoef();
         const bool isSigned = type.ISNVType_GenType() == "SignedNumeric";
-        const int bits = 8 * type.ISNVType_Length();
+        // Scaled types take one or two bytes; a Float's four are never walked.
+        const int bits = 8 * std::min(type.ISNVType_Length(), 2);
         rawMin = isSigned ? -(1 << (bits - 1)) : 0;
         rawMax = isSigned ? (1 << (bits - 1)) - 1 : (1 << bits) - 1;
     }
