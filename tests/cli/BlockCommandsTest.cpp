@@ -51,6 +51,9 @@ TEST(BlockCommands, ImagesOfTheShippedTypes) {
         {{"image", "WEEKLY_SCHEDULE"}, "1101330000003E01A40438000100000C19"},
         // The first channel and relay of the shipped device document.
         {{"image", "IO_CHANNEL", "--set", "Channel=7"}, "090138070000000014"},
+        // CO2 limit 1000 ppm is 03E8; minimum outside air 15 % at 0.005 % is 0BB8.
+        {{"image", "ROOM_CONTROLLER"},
+         "20013A00000000000000000834096000C801F400C8177003E828000005DC0BB8"},
         // A type with no CDB: a zero length and the ID.
         {{"image", "Q_EMPTY"}, "000139"},
     };

@@ -21,6 +21,7 @@ TEST(LibraryCommands, TypesListsTheShippedLibrarySortedByFolder) {
               "LABEL\t311\tText label\tDisplay\n"
               "PID_LOOP\t301\tPID loop\tControl\n"
               "Q_EMPTY\t313\tComment\tDisplay\n"
+              "ROOM_CONTROLLER\t314\tRoom controller\tHVAC\n"
               "SETPOINT_SET\t310\tSetpoint set\tHVAC\n"
               "SETPOINT_UNIT\t309\tUnit-selectable setpoint\tHVAC\n"
               "THERMOSTAT\t302\tThermostat\tHVAC\n"
