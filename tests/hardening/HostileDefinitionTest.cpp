@@ -135,34 +135,37 @@ TEST_F(HostileDefinitionTest, DeepNestingInAProjectLeavesTheValueEmpty) {
     block->IAppObject_Destroy();
 }
 
-// About 50 MB: a long description, many header elements that mean nothing, many comments in
-// the sections and one long comment at the end, around the members of Definition().
+constexpr std::size_t kFiftyMegabytes = 50u << 20;
+
+// Definition() grown to 50 MB: a long description, many header elements that mean nothing,
+// many comments in the attributes section and one long comment after the document element.
 std::string FiftyMegabyteDefinition(std::size_t descriptionBytes) {
-    const std::string base = Definition();
-    const std::string sectionStart = "<Attributes>";
+    const std::string members = Definition();
+    const std::string open = "<AppObject>";
+    const std::string close = "</AppObject>";
+    const std::size_t attributes =
+        members.find("<Attributes>") + std::string("<Attributes>").size();
+
     std::string text;
-    text.reserve(52u << 20);
-    text += "<?xml version=\"1.0\"?>\n<AppObject><DESCRIPTION>";
-    const std::string words = "A block description that goes on and on. ";
-    while (text.size() < descriptionBytes + 60) {
-        text += words;
+    text.reserve(kFiftyMegabytes + (1u << 20));
+    text += "<?xml version=\"1.0\"?>\n" + open + "<DESCRIPTION>";
+    while (text.size() < descriptionBytes + 64) {
+        text += "A block description that goes on and on. ";
     }
-    const std::size_t descriptionEnd = text.size();
     text += "</DESCRIPTION>";
     for (int i = 0; i < 200000; ++i) {
         text += "<FILLER>nothing to see here</FILLER>\n";
     }
-    // The members, with 100,000 comments in front of the attribute.
-    const std::size_t at = base.find(sectionStart) + sectionStart.size();
-    text += base.substr(std::string("<AppObject>").size(), at - std::string("<AppObject>").size());
+    text += members.substr(open.size(), attributes - open.size());
     for (int i = 0; i < 100000; ++i) {
         text += "<!-- a comment in the attributes section, skipped -->\n";
     }
-    text += base.substr(at, base.size() - at - std::string("</AppObject>").size());
-    text += "</AppObject>\n<!--";
-    text.append((50u << 20) > text.size() ? (50u << 20) - text.size() : 0, '-' + 1);
+    text += members.substr(attributes);
+    text += "\n<!--";
+    if (text.size() < kFiftyMegabytes) {
+        text.append(kFiftyMegabytes - text.size(), '.');
+    }
     text += "-->\n";
-    EXPECT_GE(descriptionEnd, descriptionBytes);
     return text;
 }
 
@@ -170,7 +173,7 @@ TEST_F(HostileDefinitionTest, FiftyMegabyteDefinitionLoadsLikeItsMembersAlone) {
     constexpr std::size_t kDescription = 16u << 20;
     TempTree tree;
     const std::string definition = FiftyMegabyteDefinition(kDescription);
-    ASSERT_GE(definition.size(), 50u << 20);
+    ASSERT_GE(definition.size(), kFiftyMegabytes);
     const Observed twin = Observe(tree, Definition());
 
     const std::string type = UniqueTypeName("HUGE");
