@@ -79,9 +79,9 @@ bool NumberCarried(const std::shared_ptr<IAttribute>& attribute) {
         return true;
     }
     const std::string value = attribute->IAttribute_Value();
-    return std::count(value.begin(), value.end(), '.') +
-               std::count(value.begin(), value.end(), ',') <=
-           1;
+    const auto separators =
+        std::count_if(value.begin(), value.end(), [](char c) { return c == '.' || c == ','; });
+    return separators <= 1;
 }
 
 bool CanRoundTrip(CDBAppObject& block) {
