@@ -70,6 +70,7 @@ public:
     std::shared_ptr<const Picture> IAppObject_Icon() override;
     std::string IAppObject_Category() override;
     void IAppObject_Create() override;
+    // The core has no window system: headless, nothing opens and nothing is reported.
     void IAppObject_Show(std::shared_ptr<IObject> Owner) override;
     void IAppObject_ObjectDebug() override;
     void IAppObject_Save(const std::string& Filename) override;

@@ -82,18 +82,6 @@ TEST(AppObjectFrame, ProgrammaticIdFollowsTheComponentFile) {
     SetComponentBaseName({});
 }
 
-TEST(AppObjectFrame, DictionaryIsSharedByAllBlocks) {
-    auto dictionary = std::make_shared<pugi::xml_document>();
-    auto writer = std::make_shared<CDBAppObject>();
-    auto other = std::make_shared<CDBAppObject>();
-
-    writer->IAppObject_XmlSNVTDoc(dictionary);
-
-    EXPECT_EQ(SnvtDictionary(), dictionary);
-    other->IAppObject_XmlSNVTDoc(testing::FixtureDictionary());
-    EXPECT_EQ(SnvtDictionary(), testing::FixtureDictionary());
-}
-
 // ---- Width ----------------------------------------------------------------------------------
 
 TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
