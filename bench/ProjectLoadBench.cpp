@@ -1,0 +1,188 @@
+// Opening a large project: a generated project of 10,000 blocks of the shipped types is
+// parsed, each block created and restored from its element, and every image built, with
+// all blocks alive at once as in an open project. pugixml parsing the same file alone is the
+// floor; the ratio of the two and the peak memory are printed at the end.
+// Run: build with -DZERBIN_BENCH=ON, then build/ProjectLoadBench.
+#include <benchmark/benchmark.h>
+#include <sys/resource.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app_object/CDBAppObject.h"
+#include "platform/Files.h"
+#include "platform/Messages.h"
+#include "platform/Xml.h"
+
+namespace {
+
+using zerbin::CDBAppObject;
+
+constexpr int kBlocks = 10000;
+
+const std::filesystem::path kData =
+    std::filesystem::path(__FILE__).parent_path().parent_path() / "data";
+
+struct Documents {
+    std::shared_ptr<const pugi::xml_document> dictionary;
+    std::shared_ptr<const pugi::xml_document> device;
+};
+
+Documents& Shipped() {
+    static Documents documents{
+        zerbin::xml::LoadFile(kData / "snvts.xml", nullptr),
+        zerbin::xml::LoadFile(kData / "devices" / "Controller.xml", nullptr)};
+    return documents;
+}
+
+std::filesystem::path& ProjectFile() {
+    static std::filesystem::path file =
+        std::filesystem::temp_directory_path() / "zerbin-bench-project.xml";
+    return file;
+}
+
+class CountingSink : public zerbin::MessageSink {
+public:
+    int Show(const zerbin::Message&) override {
+        ++count;
+        return zerbin::kMessageOk;
+    }
+    int count = 0;
+};
+
+std::shared_ptr<CDBAppObject> CreateBlock(const std::string& type, const std::string& key) {
+    auto block = std::make_shared<CDBAppObject>();
+    block->IAppObject_XmlSNVTDoc(Shipped().dictionary);
+    int32_t errorCode = 0;
+    block->IAppObject_Init(type, errorCode);
+    block->IAppObject_OwnerDeviceXML(Shipped().device);
+    block->IAppObject_ManageShortFloat(false);
+    block->IAppObject_Create();
+    block->IAppObject_GlobalKey(key);
+    return block;
+}
+
+std::vector<std::string> ShippedTypes() {
+    std::vector<std::string> types;
+    for (const auto& entry : std::filesystem::directory_iterator(kData / "library")) {
+        const std::string name = entry.path().filename().string();
+        if (std::filesystem::exists(entry.path() / (name + ".xml"))) {
+            types.push_back(name);
+        }
+    }
+    std::sort(types.begin(), types.end());
+    return types;
+}
+
+// The project as the tool saves it: every block with its user name, place, image and values.
+void WriteProject() {
+    const std::vector<std::string> types = ShippedTypes();
+    pugi::xml_document project;
+    pugi::xml_node root = project.append_child("Project");
+    for (int i = 0; i < kBlocks; ++i) {
+        const std::string key = "Block" + std::to_string(i + 1);
+        auto block = CreateBlock(types[static_cast<std::size_t>(i) % types.size()], key);
+        block->IAppObject_UserName(key);
+        block->IAppObject_XPosition(40.0 * (i % 100));
+        block->IAppObject_YPosition(30.0 * (i / 100));
+        block->IAppObject_Stream();
+        block->IAppObject_XmlSave(root, project);
+        block->IAppObject_Destroy();
+    }
+    project.save_file(ProjectFile().c_str(), "  ");
+}
+
+double PeakRssMegabytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return static_cast<double>(usage.ru_maxrss) / 1024.0;  // kilobytes on Linux
+}
+
+void PugixmlParse(benchmark::State& state) {
+    for (auto _ : state) {
+        pugi::xml_document document;
+        benchmark::DoNotOptimize(document.load_file(ProjectFile().c_str()));
+    }
+    state.counters["blocks"] = kBlocks;
+}
+
+void LoadAndImage(benchmark::State& state) {
+    auto sink = std::make_shared<CountingSink>();
+    zerbin::SetMessageSink(sink);
+    std::size_t imageBytes = 0;
+    for (auto _ : state) {
+        const auto project = zerbin::xml::LoadFile(ProjectFile(), nullptr);
+        std::vector<std::shared_ptr<CDBAppObject>> blocks;
+        blocks.reserve(kBlocks);
+        int index = 0;
+        for (pugi::xml_node element : project->document_element().children()) {
+            auto block = CreateBlock(element.name(), "Block" + std::to_string(++index));
+            block->IAppObject_XmlLoad(element);
+            imageBytes += block->IAppObject_Stream().size() / 2;
+            blocks.push_back(std::move(block));
+        }
+        for (const auto& block : blocks) {
+            block->IAppObject_Destroy();
+        }
+    }
+    state.counters["blocks"] = kBlocks;
+    state.counters["image_bytes"] =
+        benchmark::Counter(static_cast<double>(imageBytes), benchmark::Counter::kAvgIterations);
+    state.counters["peak_rss_MB"] = PeakRssMegabytes();
+    if (sink->count > 0) {
+        state.SkipWithError("the project shows messages");
+    }
+}
+
+// Keeps the median time of each benchmark, to print the ratio after the table.
+class MedianReporter : public benchmark::ConsoleReporter {
+public:
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.run_type == Run::RT_Aggregate && run.aggregate_name == "median") {
+                medians[run.run_name.function_name] = run.GetAdjustedRealTime();
+            }
+        }
+        ConsoleReporter::ReportRuns(runs);
+    }
+    std::map<std::string, double> medians;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (!Shipped().dictionary || !Shipped().device) {
+        return 3;
+    }
+    zerbin::SetComponentFolder(kData / "library" / "Zerbin");
+    WriteProject();
+    std::printf("project: %s, %d blocks, %.1f MB\n", ProjectFile().c_str(), kBlocks,
+                static_cast<double>(std::filesystem::file_size(ProjectFile())) / 1e6);
+
+    benchmark::RegisterBenchmark("PugixmlParse", PugixmlParse)
+        ->Unit(benchmark::kMillisecond)
+        ->Repetitions(5)
+        ->ReportAggregatesOnly(true);
+    benchmark::RegisterBenchmark("LoadAndImage", LoadAndImage)
+        ->Unit(benchmark::kMillisecond)
+        ->Repetitions(5)
+        ->ReportAggregatesOnly(true);
+    benchmark::Initialize(&argc, argv);
+    MedianReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+
+    const auto parse = reporter.medians.find("PugixmlParse");
+    const auto load = reporter.medians.find("LoadAndImage");
+    if (parse != reporter.medians.end() && load != reporter.medians.end()) {
+        std::printf("median load and image: %.1f ms; pugixml parse: %.1f ms; ratio %.1f\n",
+                    load->second, parse->second, load->second / parse->second);
+    }
+    std::printf("peak RSS: %.1f MB\n", PeakRssMegabytes());
+    return 0;
+}
