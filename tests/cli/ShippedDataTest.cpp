@@ -10,6 +10,7 @@
 
 #include <pugixml.hpp>
 
+#include "platform/UnitConverter.h"
 #include "tests/cli/ProgramRunner.h"
 
 namespace zerbin::testing {
@@ -76,6 +77,15 @@ TEST_F(ShippedDataFiles, DictionaryEntriesAreCompleteAndConsistent) {
                       std::strtod(entry.child_value("MAX"), nullptr));
             EXPECT_NE(std::string(entry.child_value("BACNETUNIT")), "");
         }
+    }
+}
+
+TEST_F(ShippedDataFiles, UsCustomaryConversionsNameShippedTypesInTheirUnits) {
+    // The converter keys its table by type id: each id must be the type it means to convert.
+    for (const UnitConversion& row : UsCustomaryTable()->Rows()) {
+        SCOPED_TRACE(row.typeId);
+        ASSERT_TRUE(Known(row.typeId));
+        EXPECT_EQ(std::string(entries_.at(row.typeId).child_value("UNIT")), row.metricUnit);
     }
 }
 
