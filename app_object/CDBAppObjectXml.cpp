@@ -2,6 +2,7 @@
 // simulator and other tools take.
 #include <cctype>
 #include <charconv>
+#include <cmath>
 #include <string>
 #include <system_error>
 
@@ -81,7 +82,13 @@ double LocaleDouble(const std::string& text) {
 void LoadPosition(pugi::xml_node element, double& position) {
     const std::string text = NormalizeDecimal(xml::FirstChildText(element));
     // With "." the reading is lenient: a text with no number places the block at 0.
-    position = DecimalSeparator() == "." ? LeadingNumber(text) : LocaleDouble(text);
+    const double read = DecimalSeparator() == "." ? LeadingNumber(text) : LocaleDouble(text);
+    // A number beyond the range of a Double is an overflow, as for any other number rule:
+    // the position keeps its value instead of turning into an infinity that no save can write.
+    if (!std::isfinite(read)) {
+        throw OverflowError();
+    }
+    position = read;
 }
 
 }  // namespace
@@ -171,7 +178,8 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         }
         SkipStep([&] {
             if (auto attribute = Need(attributes_).IAttributes_Item(xml::BaseName(child))) {
-                attribute->IAttribute_Value(xml::FirstChildText(child));
+                Need(std::dynamic_pointer_cast<CDBAttribute>(attribute))
+                    .RestoreSavedValue(xml::FirstChildText(child));
             }
         });
         break;
@@ -187,9 +195,9 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
             continue;
         }
         // An element without text leaves the value empty, not at its default.
-        SkipStep(
-            [&] { Need(std::dynamic_pointer_cast<CDBAttribute>(attribute)).ClearLoadedValue(); });
-        SkipStep([&] { attribute->IAttribute_Value(xml::FirstChildText(child)); });
+        const auto loaded = std::dynamic_pointer_cast<CDBAttribute>(attribute);
+        SkipStep([&] { Need(loaded).ClearLoadedValue(); });
+        SkipStep([&] { Need(loaded).RestoreSavedValue(xml::FirstChildText(child)); });
     }
 }
 

@@ -83,7 +83,12 @@ double ParseCText(const std::string& ctext) {
         const std::size_t e = ctext.find('e');
         if (e != std::string::npos) {
             long exponent = 0;
-            std::from_chars(ctext.data() + e + 1 + (ctext[e + 1] == '+' ? 1 : 0), last, exponent);
+            const char* digits = ctext.data() + e + 1 + (ctext[e + 1] == '+' ? 1 : 0);
+            if (std::from_chars(digits, last, exponent).ec == std::errc::result_out_of_range) {
+                // An exponent beyond a long still says which way the number went.
+                exponent = *digits == '-' ? -(std::numeric_limits<long>::max() / 2)
+                                          : std::numeric_limits<long>::max() / 2;
+            }
             magnitude += exponent;
         }
         const double huge = std::numeric_limits<double>::infinity();

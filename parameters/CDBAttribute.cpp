@@ -200,6 +200,18 @@ void CDBAttribute::ClearLoadedValue() {
     value_.clear();
 }
 
+void CDBAttribute::RestoreSavedValue(const std::string& text) {
+    const bool outer = restoringSaved_;
+    restoringSaved_ = true;
+    try {
+        IAttribute_Value(text);
+    } catch (...) {
+        restoringSaved_ = outer;
+        throw;
+    }
+    restoringSaved_ = outer;
+}
+
 bool CDBAttribute::IsUnitDependent() const {
     return isUnitDependent_;
 }

@@ -87,6 +87,9 @@ public:
     void SetExtendedKey(const std::string& key);
     // Empties Value right before a project load writes the saved one.
     void ClearLoadedValue();
+    // The value write for a value saved in a project. A saved value was divided by DivideBy
+    // when it was first written, so it is stored as it stands, not divided once more.
+    void RestoreSavedValue(const std::string& text);
     bool IsUnitDependent() const;
     bool IsUnitSelector() const;
     std::shared_ptr<CDBUnits> SelectableUnits() const;
@@ -155,6 +158,7 @@ private:
     std::string WriteImage(std::string image, bool intel);
 
     int writeDepth_ = 0;
+    bool restoringSaved_ = false;
     // Set by ApplyShortFloat: the block manages short floats, so a later change of type keeps
     // the short length that the layout gave this attribute.
     bool shortFloatManaged_ = false;

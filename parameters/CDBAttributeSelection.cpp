@@ -188,9 +188,14 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
             if (node) {
                 limit = NormalizeDecimal(xml::FirstChildText(node));
             } else {
+                // The converter gives limits in the user's units; the record holds them in the
+                // dictionary's, as it holds the value.
                 IUnitConverter& converter = Need(UnitsManager());
-                limit = NormalizeDecimal(lower ? converter.MinimumFor(converterTypeId)
-                                               : converter.MaximumFor(converterTypeId));
+                const std::string shown = lower ? converter.MinimumFor(converterTypeId)
+                                                : converter.MaximumFor(converterTypeId);
+                limit = shown.empty()
+                            ? shown
+                            : NormalizeDecimal(converter.FromDisplayValue(converterTypeId, shown));
             }
         });
         if (limit.empty()) {

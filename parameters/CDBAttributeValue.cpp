@@ -145,7 +145,7 @@ void CDBAttribute::StoreValue(const std::string& text) {
             return;
         }
         value_ = NormalizeDecimal(text);
-        if (divideBy_ > 1) {
+        if (divideBy_ > 1 && !restoringSaved_) {
             // LeadingNumber reads the text as it came: "12,5" divides 12.
             value_ = FormatDouble(LeadingNumber(text) / static_cast<double>(divideBy_));
         }

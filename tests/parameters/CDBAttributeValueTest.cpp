@@ -224,5 +224,18 @@ TEST_F(ParameterTest, AnyTextInAnyClassIsStoredWithoutFailureAndKeepsTheImageWho
     }
 }
 
+TEST_F(ParameterTest, LimitsFromTheConverterAreKeptInTheDictionaryUnitInUsUnits) {
+    SetUnitSystem(UnitSystem::US);
+    Block block("PrmUnits");
+    auto units = block.Attribute("Units");
+    units->IAttribute_Value("122");
+    units->IAttribute_Value("105");
+    // Offset has no limits of its own for Celsius: they come from the converter, which shows
+    // them in degrees Fahrenheit, while the attribute keeps degrees Celsius.
+    auto offset = block.Attribute("Offset");
+    EXPECT_EQ(offset->IAttribute_Min(), "-273.17");
+    EXPECT_EQ(offset->IAttribute_Max(), "327.66");
+}
+
 }  // namespace
 }  // namespace zerbin::testing
