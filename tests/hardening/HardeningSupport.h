@@ -145,14 +145,6 @@ inline std::vector<std::shared_ptr<IOutput>> OutputsOf(CDBAppObject& block) {
     return outputs ? outputs->IOutputs_NewEnum() : std::vector<std::shared_ptr<IOutput>>{};
 }
 
-// A load divides the value of a DivideBy attribute once more, so a block with one can't
-// come back the same from its project (DISABLED_DivideByValueSurvivesSaveAndLoad).
-inline bool HasDividedAttribute(CDBAppObject& block) {
-    const auto attributes = AttributesOf(block);
-    return std::any_of(attributes.begin(), attributes.end(),
-                       [](const auto& a) { return a->IAttribute_DividedBy() > 1; });
-}
-
 // Name and value of every attribute, one line each.
 inline std::string AttributeValues(CDBAppObject& block) {
     std::string values;
