@@ -43,7 +43,8 @@ and CATEGORY of its definition, separated by tabs.
 
 Creates a block of TYPE and shows its header values, its CDB dimension, a table of the
 members in layout order (kind, name, SNVT id, class, length, ordering number, CDB
-position) and a table of its outputs with their reference codes.
+position, value as shown to the user in the unit system of --units) and a table of its
+outputs with their reference codes.
 )";
         case Command::Image:
             return R"(USAGE: zerbin [options] image TYPE [--set NAME=VALUE]... [--ref INPUT=HEX]...

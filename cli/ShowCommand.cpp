@@ -83,7 +83,7 @@ Member AttributeMember(CDBAttribute& attribute) {
         {AttributeKind(attribute), attribute.IAttribute_Name(),
          OrNone(type ? type->ISNVType_ID() : ""), OrNone(type ? type->ISNVType_GenType() : ""),
          std::to_string(length), toolOnly ? kNone : std::to_string(attribute.CDBOrderInPosition()),
-         toolOnly ? kNone : std::to_string(position)},
+         toolOnly ? kNone : std::to_string(position), OrNone(attribute.IAttribute_DispValue())},
         position,
         !toolOnly && position > 0};
 }
@@ -101,11 +101,12 @@ std::string CompatibleList(IInput& input) {
 Member InputMember(CDBInput& input) {
     const bool extended = input.IInput_Extended();
     const int32_t position = input.IInput_CDBPosition();
-    return Member{{extended ? "extended input" : "input", input.IInput_Name(),
-                   CompatibleList(input), "reference", extended ? "3" : "2",
-                   std::to_string(input.CDBOrderInPosition()), std::to_string(position)},
-                  position,
-                  position > 0};
+    return Member{
+        {extended ? "extended input" : "input", input.IInput_Name(), CompatibleList(input),
+         "reference", extended ? "3" : "2", std::to_string(input.CDBOrderInPosition()),
+         std::to_string(position), OrNone(input.IInput_Value())},
+        position,
+        position > 0};
 }
 
 // Placed members by their offset, attributes before inputs at an equal one as the layout
@@ -172,7 +173,8 @@ int RunShow(const CommandContext& context) {
                         {"CDBDimension", std::to_string(block->IAppObject_CDBDimension())},
                     });
 
-    std::vector<Row> members{{"Kind", "Name", "SNVT", "Class", "Length", "Order", "Position"}};
+    std::vector<Row> members{
+        {"Kind", "Name", "SNVT", "Class", "Length", "Order", "Position", "Value"}};
     for (Member& member : MembersInLayoutOrder(*block)) {
         members.push_back(std::move(member.row));
     }

@@ -22,46 +22,48 @@ TEST(ShowCommand, ShowsHeaderLayoutAndOutputsOfAType) {
     const ProgramResult result = RunProgram({"show", "TIME_DELAY"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out,
-              "TIME_DELAY: Time delay\n"
-              "  ID                306\n"
-              "  Description       On and off delay of a switch signal, with a maximum run "
-              "time\n"
-              "  Category          Logic\n"
-              "  ExecTime          2\n"
-              "  MaxInstances      64\n"
-              "  RAM usage         10\n"
-              "  Backup usage      0\n"
-              "  Device clock      no\n"
-              "  Device dependent  no\n"
-              "  Datasheet         no\n"
-              "  CDBDimension      14\n"
-              "\n"
-              "Members in layout order:\n"
-              "  Kind            Name        SNVT   Class            Length  Order  Position\n"
-              "  extended input  Trigger     95,22  reference        3       1      3\n"
-              "  input           Reset       95     reference        2       2      6\n"
-              "  attribute       OnDelay     107    UnsignedNumeric  2       3      8\n"
-              "  attribute       OffDelay    107    UnsignedNumeric  2       4      10\n"
-              "  attribute       MaxRunTime  123    UnsignedNumeric  2       5      12\n"
-              "\n"
-              "Outputs:\n"
-              "  Output     SNVT  Class            Length  Type-dependent  Reference\n"
-              "  Out        95    Struct           0       no              4000\n"
-              "  Remaining  107   UnsignedNumeric  2       no              4100\n");
+    EXPECT_EQ(
+        result.out,
+        "TIME_DELAY: Time delay\n"
+        "  ID                306\n"
+        "  Description       On and off delay of a switch signal, with a maximum run "
+        "time\n"
+        "  Category          Logic\n"
+        "  ExecTime          2\n"
+        "  MaxInstances      64\n"
+        "  RAM usage         10\n"
+        "  Backup usage      0\n"
+        "  Device clock      no\n"
+        "  Device dependent  no\n"
+        "  Datasheet         no\n"
+        "  CDBDimension      14\n"
+        "\n"
+        "Members in layout order:\n"
+        "  Kind            Name        SNVT   Class            Length  Order  Position  Value\n"
+        "  extended input  Trigger     95,22  reference        3       1      3         -\n"
+        "  input           Reset       95     reference        2       2      6         -\n"
+        "  attribute       OnDelay     107    UnsignedNumeric  2       3      8         5 s\n"
+        "  attribute       OffDelay    107    UnsignedNumeric  2       4      10        0 s\n"
+        "  attribute       MaxRunTime  123    UnsignedNumeric  2       5      12        0 min\n"
+        "\n"
+        "Outputs:\n"
+        "  Output     SNVT  Class            Length  Type-dependent  Reference\n"
+        "  Out        95    Struct           0       no              4000\n"
+        "  Remaining  107   UnsignedNumeric  2       no              4100\n");
 }
 
 TEST(ShowCommand, MembersFollowTheirOffsetsWhateverTheirDefinitionOrder) {
     // Here the selector is defined after the inputs and the dependents have no type of
     // their own until the first unit is applied.
-    EXPECT_EQ(MembersSection(RunProgram({"show", "SETPOINT_UNIT"}).out),
-              "Members in layout order:\n"
-              "  Kind            Name           SNVT    Class          Length  Order  Position\n"
-              "  unit selector   Units          -       Enum           1       1      3\n"
-              "  input           SetpointShift  105,39  reference      2       2      4\n"
-              "  unit-dependent  Setpoint       105     SignedNumeric  2       3      6\n"
-              "  unit-dependent  Hysteresis     105     SignedNumeric  2       4      8\n"
-              "  unit-dependent  FrostLimit     105     SignedNumeric  2       5      10\n");
+    EXPECT_EQ(
+        MembersSection(RunProgram({"show", "SETPOINT_UNIT"}).out),
+        "Members in layout order:\n"
+        "  Kind            Name           SNVT    Class          Length  Order  Position  Value\n"
+        "  unit selector   Units          -       Enum           1       1      3         Celsius\n"
+        "  input           SetpointShift  105,39  reference      2       2      4         -\n"
+        "  unit-dependent  Setpoint       105     SignedNumeric  2       3      6         21 °C\n"
+        "  unit-dependent  Hysteresis     105     SignedNumeric  2       4      8         0.5 °C\n"
+        "  unit-dependent  FrostLimit     105     SignedNumeric  2       5      10        5 °C\n");
 }
 
 // The cells of a table line: columns stand two or more blanks apart.
@@ -83,13 +85,16 @@ TEST(ShowCommand, KindsAndLengthsOfTheSpecialMembers) {
     };
     const std::vector<Row> rows{
         // A tool-only member takes no place: it stands last, with no number or offset.
-        {"ALARM_LIMITS", {"tool-only", "AlarmText", "36", "Textual", "31", "-", "-"}},
+        {"ALARM_LIMITS",
+         {"tool-only", "AlarmText", "36", "Textual", "31", "-", "-", "Limit exceeded"}},
         // The standard float is 4 bytes whatever management the device has.
-        {"PID_LOOP", {"attribute", "Gain", "51", "Float", "4", "5", "10"}},
-        {"TYPE_MUX", {"type selector", "DataType", "-", "Enum", "1", "1", "3"}},
-        {"IO_CHANNEL", {"device list", "FaultRelay", "-", "Enum", "1", "2", "4"}},
+        {"PID_LOOP", {"attribute", "Gain", "51", "Float", "4", "5", "10", "2.5 counts"}},
+        {"TYPE_MUX", {"type selector", "DataType", "-", "Enum", "1", "1", "3", "Temperature"}},
+        {"IO_CHANNEL", {"device list", "FaultRelay", "-", "Enum", "1", "2", "4", "None"}},
         // A structure is as long as its fields together.
-        {"SETPOINT_SET", {"attribute", "Setpoints", "106", "Struct", "12", "3", "7"}},
+        {"SETPOINT_SET",
+         {"attribute", "Setpoints", "106", "Struct", "12", "3", "7",
+          "23 °C 25 °C 28 °C 21 °C 19 °C 16 °C"}},
     };
     for (const Row& row : rows) {
         const std::vector<std::string> lines =
@@ -104,16 +109,29 @@ TEST(ShowCommand, KindsAndLengthsOfTheSpecialMembers) {
         Lines(MembersSection(RunProgram({"--short-float", "show", "PID_LOOP"}).out));
     EXPECT_TRUE(std::any_of(shortFloat.begin(), shortFloat.end(), [](const std::string& line) {
         return Cells(line) ==
-               std::vector<std::string>{"attribute", "Bias", "55", "Float", "2", "8", "18"};
+               std::vector<std::string>{"attribute", "Bias", "55", "Float", "2", "8", "18", "0 %"};
     }));
 }
 
 TEST(ShowCommand, ATypeWithNoCdbPlacesNothing) {
     const ProgramResult result = RunProgram({"show", "Q_EMPTY"});
     EXPECT_NE(result.out.find("  CDBDimension      0\n"), std::string::npos);
-    EXPECT_NE(result.out.find("  tool-only  Comment  36    Textual  31      -      -\n"),
-              std::string::npos);
+    EXPECT_NE(
+        result.out.find("  tool-only  Comment  36    Textual  31      -      -         Note\n"),
+        std::string::npos);
     EXPECT_NE(result.out.find("Outputs:\n  none\n"), std::string::npos);
+}
+
+TEST(ShowCommand, ValuesFollowTheUnitSystem) {
+    const std::string si = MembersSection(RunProgram({"show", "THERMOSTAT"}).out);
+    const std::string us = MembersSection(RunProgram({"--units", "us", "show", "THERMOSTAT"}).out);
+    EXPECT_NE(si.find("HeatSetpoint      105        SignedNumeric  2       3      7         21 °C"),
+              std::string::npos)
+        << si;
+    EXPECT_NE(
+        us.find("HeatSetpoint      105        SignedNumeric  2       3      7         69.8 °F"),
+        std::string::npos)
+        << us;
 }
 
 }  // namespace
