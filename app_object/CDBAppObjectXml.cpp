@@ -27,57 +27,6 @@ pugi::xml_node AppendTextElement(pugi::xml_node parent, const std::string& name,
     return element;
 }
 
-// The whole text as a double with DecimalSeparator as its point, by the grammar LocaleNumber
-// reads (blanks around, a sign, digits with one separator, an exponent), but without its
-// single-precision limit, since a position is a double. Throws Error for anything else.
-double LocaleDouble(const std::string& text) {
-    const std::string body = Trim(text);
-    const char separator = DecimalSeparator().front();
-    std::string ctext;
-    std::size_t i = 0;
-    if (i < body.size() && (body[i] == '+' || body[i] == '-')) {
-        if (body[i] == '-') {
-            ctext += '-';
-        }
-        ++i;
-    }
-    bool digits = false;
-    bool point = false;
-    for (; i < body.size(); ++i) {
-        const char c = body[i];
-        if (std::isdigit(static_cast<unsigned char>(c))) {
-            digits = true;
-            ctext += c;
-        } else if (c == separator && !point) {
-            point = true;
-            ctext += '.';
-        } else {
-            break;
-        }
-    }
-    if (digits && i < body.size() && (body[i] == 'E' || body[i] == 'e')) {
-        ctext += 'e';
-        ++i;
-        if (i < body.size() && (body[i] == '+' || body[i] == '-')) {
-            ctext += body[i++];
-        }
-        const std::size_t exponentStart = i;
-        while (i < body.size() && std::isdigit(static_cast<unsigned char>(body[i]))) {
-            ctext += body[i++];
-        }
-        digits = i > exponentStart;
-    }
-    if (!digits || i != body.size()) {
-        throw Error("Type mismatch", 13);
-    }
-    double value = 0.0;
-    const auto [end, ec] = std::from_chars(ctext.data(), ctext.data() + ctext.size(), value);
-    if (ec != std::errc{}) {
-        throw OverflowError();
-    }
-    return value;
-}
-
 // A canvas position from project XML, written on a machine with either separator.
 void LoadPosition(pugi::xml_node element, double& position) {
     const std::string text = NormalizeDecimal(xml::FirstChildText(element));

@@ -341,7 +341,7 @@ double LeadingNumber(const std::string& text) {
     return ParseCText(ctext);
 }
 
-float LocaleNumber(const std::string& text) {
+double LocaleDouble(const std::string& text) {
     const std::string body = Trim(text);
     const char separator = DecimalSeparator().front();
     std::string ctext;
@@ -385,7 +385,11 @@ float LocaleNumber(const std::string& text) {
     if (!digits || i != body.size()) {
         throw Error("Type mismatch", 13);
     }
-    const double value = ParseCText(ctext);
+    return ParseCText(ctext);
+}
+
+float LocaleNumber(const std::string& text) {
+    const double value = LocaleDouble(text);
     if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max())) {
         throw OverflowError();
     }

@@ -80,6 +80,9 @@ double LeadingNumber(const std::string& text);
 // point. Throws Error for anything else, the empty text included, and OverflowError beyond
 // the range of float.
 float LocaleNumber(const std::string& text);
+// The same grammar read as a double, without the single's range: for canvas positions.
+// Beyond the double's range the value is an infinity.
+double LocaleDouble(const std::string& text);
 
 // ---- Rounding and narrowing --------------------------------------------------------------
 // Rounding is half to even everywhere: 2.5 gives 2, 3.5 gives 4, -2.5 gives -2. A result
