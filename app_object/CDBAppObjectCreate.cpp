@@ -14,6 +14,7 @@
 #include "platform/Events.h"
 #include "platform/Messages.h"
 #include "platform/Xml.h"
+#include "platform/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {
@@ -51,7 +52,7 @@ template <class AddMember>
 int32_t WalkSection(const std::shared_ptr<const pugi::xml_document>& document, const char* path,
                     AddMember&& add) {
     pugi::xml_node section;
-    SkipStep([&] { section = xml::FindFirst(Need(document).root(), path); });
+    SkipStep([&] { section = xml::FindFirstIndexed(Need(document).root(), path); });
     int32_t expected = 0;
     for (pugi::xml_node child : section.children()) {
         ServePendingEvents();

@@ -13,6 +13,7 @@
 #include "parameters/CDBAttribute.h"
 #include "platform/Messages.h"
 #include "platform/Xml.h"
+#include "platform/XmlPathIndex.h"
 
 namespace zerbin {
 
@@ -27,7 +28,7 @@ std::string AttributePath(const std::string& attributeName, const std::string& t
 // The text of the first node the path selects; throws when it selects nothing or the node
 // has no text.
 std::string TextAt(pugi::xml_node document, const std::string& path) {
-    return xml::FirstChildText(Need(xml::FindFirst(document, path)));
+    return xml::FirstChildText(Need(xml::FindFirstIndexed(document, path)));
 }
 
 // A choice of UNITS, TYPES or the device list counts only up to its first ":".

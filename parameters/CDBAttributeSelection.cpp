@@ -12,6 +12,7 @@
 #include "interfaces/ICanvasElement.h"
 #include "parameters/CDBAttribute.h"
 #include "platform/Xml.h"
+#include "platform/XmlPathIndex.h"
 
 namespace zerbin {
 
@@ -168,7 +169,7 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
 
     SkipStep([&] {
         const auto node =
-            xml::FindFirst(document, UnitPath(name_, "DefaultValues", Need(unit).UnitName));
+            xml::FindFirstIndexed(document, UnitPath(name_, "DefaultValues", Need(unit).UnitName));
         defaultValue_ = node ? NormalizeDecimal(xml::FirstChildText(node))
                              : NormalizeDecimal(Need(UnitsManager()).DefaultFor(converterTypeId));
     });
@@ -184,7 +185,8 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
     auto deriveLimit = [&](const char* list, bool lower) {
         std::string limit;
         SkipStep([&] {
-            const auto node = xml::FindFirst(document, UnitPath(name_, list, Need(unit).UnitName));
+            const auto node =
+                xml::FindFirstIndexed(document, UnitPath(name_, list, Need(unit).UnitName));
             if (node) {
                 limit = NormalizeDecimal(xml::FirstChildText(node));
             } else {

@@ -1,0 +1,139 @@
+#include "platform/XmlPathIndex.h"
+
+#include <functional>
+#include <utility>
+
+#include "platform/Xml.h"
+
+namespace zerbin::xml {
+namespace {
+
+bool HasEmptySegment(std::string_view path) {
+    return path.empty() || path.front() == '/' || path.back() == '/' ||
+           path.find("//") != std::string_view::npos;
+}
+
+struct CachedIndex {
+    std::weak_ptr<const pugi::xml_document> document;
+    std::shared_ptr<const PathIndex> index;
+};
+
+// Keyed by the document's own node: that is what a caller holding only a pugi::xml_node of
+// the document can name. An expired entry may share its key with a newer document that took
+// the freed memory, so an entry counts only while its document lives.
+std::unordered_map<const void*, CachedIndex>& Cache() {
+    static std::unordered_map<const void*, CachedIndex> cache;
+    return cache;
+}
+
+const PathIndex* LiveIndex(const void* key) {
+    auto& cache = Cache();
+    const auto found = cache.find(key);
+    if (found == cache.end() || found->second.document.expired()) {
+        return nullptr;
+    }
+    return found->second.index.get();
+}
+
+}  // namespace
+
+std::size_t PathIndex::NamePairHash::operator()(const NamePair& pair) const noexcept {
+    const std::size_t parent = std::hash<std::string_view>{}(pair.parent);
+    const std::size_t name = std::hash<std::string_view>{}(pair.name);
+    return parent ^ (name + 0x9E3779B97F4A7C15ull + (parent << 6) + (parent >> 2));
+}
+
+PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
+    // The same pre-order walk as the plain search, so each list is in document order.
+    pugi::xml_node node = root.first_child();
+    while (node) {
+        if (node.type() == pugi::node_element) {
+            const std::string_view name = node.name();
+            byName_[name].push_back(node);
+            byParentAndName_[NamePair{node.parent().name(), name}].push_back(node);
+        }
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && node != root && !node.next_sibling()) {
+            node = node.parent();
+        }
+        if (!node || node == root) {
+            break;
+        }
+        node = node.next_sibling();
+    }
+}
+
+bool PathIndex::AncestorsMatch(pugi::xml_node candidate, std::string_view ancestors) const {
+    // Segments from the nearest ancestor outwards; the whole path must lie below the root.
+    pugi::xml_node ancestor = candidate.parent();
+    while (!ancestors.empty()) {
+        const std::size_t slash = ancestors.rfind('/');
+        const std::string_view segment =
+            slash == std::string_view::npos ? ancestors : ancestors.substr(slash + 1);
+        if (!ancestor || ancestor == root_ || segment != ancestor.name()) {
+            return false;
+        }
+        ancestor = ancestor.parent();
+        ancestors =
+            slash == std::string_view::npos ? std::string_view{} : ancestors.substr(0, slash);
+    }
+    return true;
+}
+
+pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
+    if (!root_ || HasEmptySegment(slashPath)) {
+        return {};
+    }
+    const std::size_t lastSlash = slashPath.rfind('/');
+    if (lastSlash == std::string_view::npos) {
+        const auto found = byName_.find(slashPath);
+        return found == byName_.end() ? pugi::xml_node{} : found->second.front();
+    }
+    const std::string_view name = slashPath.substr(lastSlash + 1);
+    const std::string_view ancestors = slashPath.substr(0, lastSlash);
+    const std::size_t parentSlash = ancestors.rfind('/');
+    const std::string_view parent =
+        parentSlash == std::string_view::npos ? ancestors : ancestors.substr(parentSlash + 1);
+    const auto found = byParentAndName_.find(NamePair{parent, name});
+    if (found == byParentAndName_.end()) {
+        return {};
+    }
+    for (const pugi::xml_node candidate : found->second) {
+        if (AncestorsMatch(candidate, ancestors)) {
+            return candidate;
+        }
+    }
+    return {};
+}
+
+std::shared_ptr<const PathIndex> IndexOf(
+    const std::shared_ptr<const pugi::xml_document>& document) {
+    if (!document) {
+        return nullptr;
+    }
+    auto& cache = Cache();
+    const void* key = document->internal_object();
+    if (const auto found = cache.find(key);
+        found != cache.end() && !found->second.document.expired()) {
+        return found->second.index;
+    }
+    // A new document is the moment to forget the ones that are gone.
+    std::erase_if(cache, [](const auto& entry) { return entry.second.document.expired(); });
+    auto index = std::make_shared<const PathIndex>(*document);
+    cache[key] = CachedIndex{document, index};
+    return index;
+}
+
+pugi::xml_node FindFirstIndexed(pugi::xml_node root, std::string_view slashPath) {
+    if (root.type() == pugi::node_document) {
+        if (const PathIndex* index = LiveIndex(root.internal_object())) {
+            return index->FindFirst(slashPath);
+        }
+    }
+    return xml::FindFirst(root, slashPath);
+}
+
+}  // namespace zerbin::xml

@@ -1,0 +1,180 @@
+#include "platform/XmlPathIndex.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/Xml.h"
+#include "tests/TestSupport.h"
+
+namespace zerbin::xml {
+namespace {
+
+std::shared_ptr<pugi::xml_document> Load(std::string_view text) {
+    ParseError error;
+    auto doc = LoadString(text, &error);
+    EXPECT_NE(doc, nullptr) << error.reason;
+    return doc;
+}
+
+// The "n" attribute of a found element, or "-" for no match.
+std::string Tag(pugi::xml_node node) {
+    return node ? node.attribute("n").value() : "-";
+}
+
+// Elements carry n='...' so that a row can name the one it expects.
+constexpr const char* kTree =
+    "<?AppObject pi?><!--<AppObject/>-->"
+    "<R n='R'>"
+    "  <A n='A1'><B n='A1/B'/></A>"
+    "  <X n='X'><B n='X/B'/><!-- <C/> --></X>"
+    "  <A n='A2'><C n='A2/C'><B n='A2/C/B'/></C></A>"
+    "  <P n='P1'><Q n='P1/Q'><P n='P1/Q/P'><Q n='P1/Q/P/Q'/></P></Q></P>"
+    "  <ns:A n='nsA'><ns:B n='nsA/nsB'/></ns:A>"
+    "  <a n='lowA'><a n='a/a'><a n='a/a/a'/></a></a>"
+    "</R>";
+
+struct Row {
+    const char* root;  // path of the root element; empty for the document
+    const char* path;
+    const char* expected;
+};
+
+TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
+    const Row rows[] = {
+        {"", "A/B", "A1/B"},
+        {"", "X/B", "X/B"},
+        {"", "C/B", "A2/C/B"},
+        {"", "A/C/B", "A2/C/B"},  // first A has no C: the second one answers
+        {"", "R/A/C/B", "A2/C/B"},
+        {"", "B", "A1/B"},
+        {"", "R/B", "-"},  // no B is a child of R
+        {"", "Q/A/B", "-"},
+        {"", "R/X/C", "-"},      // a comment is no element
+        {"", "AppObject", "-"},  // nor is a processing instruction or a comment's text
+        {"", "P/Q", "P1/Q"},     // the outer pair comes first in document order
+        {"", "Q/P/Q", "P1/Q/P/Q"},
+        {"", "P/Q/P/Q/P", "-"},
+        {"", "ns:A/ns:B", "nsA/nsB"},
+        {"", "A/ns:B", "-"},  // prefixes are part of the name
+        {"", "a/a/a", "a/a/a"},
+        {"", "a/a", "a/a"},
+        {"", "A/b", "-"},  // case counts
+        {"", "", "-"},
+        {"", "/B", "-"},
+        {"", "A/", "-"},
+        {"", "A//B", "-"},
+        {"R/A", "B", "A1/B"},
+        {"R/A", "A/B", "-"},  // the root is not part of a match
+        {"R", "R/A/B", "-"},
+        {"R", "A/C/B", "A2/C/B"},
+        {"R/a", "a/a", "a/a/a"},
+        {"R/a", "a", "a/a"},
+    };
+    auto doc = Load(kTree);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.root) + " | " + row.path);
+        const pugi::xml_node root = *row.root == '\0' ? *doc : FindFirst(*doc, row.root);
+        ASSERT_TRUE(root);
+        const PathIndex index(root);
+        EXPECT_EQ(Tag(index.FindFirst(row.path)), row.expected);
+        EXPECT_EQ(Tag(FindFirst(root, row.path)), row.expected);
+    }
+}
+
+// The definitions and dictionaries of the fixtures hold every shape the component reads: ask
+// every path that ends at one of their elements, and the same paths with a wrong ancestor.
+TEST(PathIndex, AgreesWithTheWalkOnEveryPathOfTheFixtureDocuments) {
+    int documents = 0;
+    for (const auto& entry :
+         std::filesystem::recursive_directory_iterator(testing::FixturesDir())) {
+        if (entry.path().extension() != ".xml" || entry.file_size() > 64 * 1024) {
+            continue;
+        }
+        auto doc = LoadFile(entry.path(), nullptr);
+        if (!doc) {
+            continue;  // fixtures that are broken on purpose
+        }
+        ++documents;
+        SCOPED_TRACE(entry.path().string());
+        const PathIndex index(*doc);
+        std::vector<pugi::xml_node> elements;
+        for (const pugi::xpath_node& found : doc->select_nodes("//*")) {
+            elements.push_back(found.node());
+        }
+        for (pugi::xml_node element : elements) {
+            std::string path = element.name();
+            pugi::xml_node ancestor = element.parent();
+            for (int length = 1; length <= 4 && ancestor; ++length) {
+                ASSERT_EQ(index.FindFirst(path), FindFirst(*doc, path)) << path;
+                const std::string wrong = "Nowhere/" + path;
+                ASSERT_EQ(index.FindFirst(wrong), FindFirst(*doc, wrong)) << wrong;
+                path = std::string(ancestor.name()) + "/" + path;
+                ancestor = ancestor.parent();
+            }
+        }
+    }
+    EXPECT_GT(documents, 5);
+}
+
+TEST(PathIndex, IndexesDocumentsNestedAHundredThousandDeep) {
+    constexpr int kDepth = 100000;
+    std::string text;
+    text.reserve(kDepth * 8 + 64);
+    for (int i = 0; i < kDepth; ++i) {
+        text += "<n>";
+    }
+    text += "<SNVTS><SNVT_1 n='leaf'/></SNVTS>";
+    for (int i = 0; i < kDepth; ++i) {
+        text += "</n>";
+    }
+    auto doc = Load(text);
+    ASSERT_NE(doc, nullptr);
+    const PathIndex index(*doc);
+    EXPECT_EQ(Tag(index.FindFirst("n/n/SNVTS/SNVT_1")), "leaf");
+    EXPECT_EQ(Tag(index.FindFirst("SNVTS/SNVT_2")), "-");
+    EXPECT_EQ(index.FindFirst("n/n/n"), doc->first_child().first_child().first_child());
+}
+
+// ---- The cache of indexes ------------------------------------------------------------------
+
+TEST(IndexOf, BuildsOneIndexForEachLiveDocument) {
+    std::shared_ptr<const pugi::xml_document> first = Load("<A><B n='1'/></A>");
+    const auto index = IndexOf(first);
+    ASSERT_NE(index, nullptr);
+    EXPECT_EQ(IndexOf(first), index);
+    EXPECT_EQ(index->Root(), first->root());
+    EXPECT_NE(IndexOf(Load("<A/>")), index);
+    EXPECT_EQ(IndexOf(nullptr), nullptr);
+}
+
+TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
+    // Freed and allocated again at once, the second document usually takes the first one's
+    // memory, and so the key of its stale entry.
+    for (int round = 0; round < 4; ++round) {
+        std::shared_ptr<const pugi::xml_document> doc =
+            Load("<A><B n='" + std::to_string(round) + "'/></A>");
+        EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), std::to_string(round));
+        EXPECT_EQ(Tag(IndexOf(doc)->FindFirst("A/B")), std::to_string(round));
+        EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), std::to_string(round));
+    }
+}
+
+TEST(FindFirstIndexed, AsksTheIndexOnlyOfALiveIndexedDocument) {
+    auto doc = Load("<A><B n='old'/></A>");
+    const pugi::xml_node subtree = doc->child("A");
+
+    EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), "old");  // not indexed: the walk
+    const auto index = IndexOf(doc);
+    // Seen through a change behind the index's back, which its users must never make: the
+    // walk sees the new element, the index does not.
+    doc->child("A").prepend_child("B").append_attribute("n") = "new";
+    EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), "old");
+    EXPECT_EQ(Tag(FindFirstIndexed(subtree, "B")), "new");  // a subtree is walked
+    EXPECT_EQ(Tag(FindFirstIndexed(pugi::xml_node(), "B")), "-");
+}
+
+}  // namespace
+}  // namespace zerbin::xml
