@@ -2,8 +2,10 @@
 // the store, reading its header, and looking for a datasheet of the type.
 #include <cctype>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "app_object/CDBAppObject.h"
 #include "app_object/MMain.h"
@@ -14,6 +16,7 @@
 #include "platform/Files.h"
 #include "platform/Messages.h"
 #include "platform/Xml.h"
+#include "platform/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {
@@ -59,11 +62,49 @@ std::optional<std::string> FirstDocument(const std::filesystem::path& folder,
     return FirstMatch(folder, stem + ExtensionWildcard("doc"));
 }
 
+// The full path of a type's datasheet, searched in its order: the type's folder, then, when
+// the type has an ID, the shared folder.
+std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
+                                         const std::string& type, const std::string& id) {
+    if (IsSafeTypeName(type)) {
+        if (auto file = FirstDocument(library / type, "*")) {
+            return (library / type / *file).string();
+        }
+    }
+    if (id.empty()) {
+        return std::nullopt;
+    }
+    const std::filesystem::path shared = library / "DataSheets";
+    if (auto file = FirstDocument(shared, "pb_" + LiteralWildcard(id) + "_*")) {
+        return (shared / *file).string();
+    }
+    return std::nullopt;
+}
+
+// The folders of a type whose definition is in the store are listed once per process, as that
+// definition was parsed once: listing them again for every block of the type was most of the
+// cost of placing one. A type that did not load is searched each time, as it is loaded each
+// time. Keyed by the library as well, so that a host that points the component elsewhere is
+// searched afresh, and by the ID, which the header of a later type name may leave standing.
+const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& library,
+                                                  const std::string& type, const std::string& id) {
+    using Key = std::tuple<std::string, std::string, std::string>;
+    static std::map<Key, std::optional<std::string>> found;
+    Key key{library.string(), type, id};
+    if (const auto known = found.find(key); known != found.end()) {
+        return known->second;
+    }
+    return found.emplace(std::move(key), FindDatasheet(library, type, id)).first->second;
+}
+
 }  // namespace
 
 std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
     const std::shared_ptr<DefinitionStore> store = definitionCache_->Store();
     if (auto known = store->FindDocument(uniqueIdString_)) {
+        // Every definition handed out is indexed, so that the members' path lookups need
+        // not walk it; the index is built once and lives as long as the document.
+        xml::IndexOf(known);
         return known;
     }
     std::shared_ptr<const pugi::xml_document> document = std::make_shared<pugi::xml_document>();
@@ -79,6 +120,7 @@ std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
         }
         if (loaded) {
             store->AddDocument(loaded, uniqueIdString_);
+            xml::IndexOf(loaded);
             document = loaded;
             return;
         }
@@ -97,7 +139,7 @@ void CDBAppObject::LoadDefinitionHeader() {
     pugi::xml_node appObject;
     SkipStep([&] {
         document = ObjectXML();
-        appObject = Need(xml::FindFirst(Need(document).root(), "AppObject"));
+        appObject = Need(xml::FindFirstIndexed(Need(document).root(), "AppObject"));
     });
     SkipStep([&] {
         for (pugi::xml_node child : Need(appObject).children()) {
@@ -135,24 +177,14 @@ void CDBAppObject::LoadDefinitionHeader() {
 
 void CDBAppObject::SearchDatasheet() {
     const std::filesystem::path library = LibraryFolder();
-    std::optional<std::string> file;
-    if (IsSafeTypeName(uniqueIdString_)) {
-        file = FirstDocument(library / uniqueIdString_, "*");
-    }
-    if (file) {
+    const bool known = definitionCache_->Store()->FindDocument(uniqueIdString_) != nullptr;
+    const std::optional<std::string> path = known ? CachedDatasheet(library, uniqueIdString_, id_)
+                                                  : FindDatasheet(library, uniqueIdString_, id_);
+    if (path) {
         datasheetAvailable_ = true;
-        datasheetPath_ = (library / uniqueIdString_ / *file).string();
-        return;
-    }
-    if (id_.empty()) {
+        datasheetPath_ = *path;
+    } else if (id_.empty()) {
         datasheetAvailable_ = false;
-        return;
-    }
-    const std::filesystem::path shared = library / "DataSheets";
-    file = FirstDocument(shared, "pb_" + LiteralWildcard(id_) + "_*");
-    if (file) {
-        datasheetAvailable_ = true;
-        datasheetPath_ = (shared / *file).string();
     } else {
         // Deliberately leaves the flag alone: a datasheet found by an earlier type name stays
         // announced, although its path is gone.
