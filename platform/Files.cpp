@@ -21,17 +21,23 @@ std::string& BaseNameOverride() {
     return baseName;
 }
 
-// The file that holds this code: the plug-in when the core is linked into one, else the
-// program. Empty when the loader can't tell.
-std::filesystem::path OwnFile() {
+std::filesystem::path LocateOwnFile() {
     Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&OwnFile), &info) == 0 || info.dli_fname == nullptr ||
-        info.dli_fname[0] == '\0') {
+    if (dladdr(reinterpret_cast<const void*>(&LocateOwnFile), &info) == 0 ||
+        info.dli_fname == nullptr || info.dli_fname[0] == '\0') {
         return {};
     }
     std::error_code ec;
     std::filesystem::path file = std::filesystem::weakly_canonical(info.dli_fname, ec);
     return ec ? std::filesystem::path(info.dli_fname) : file;
+}
+
+// The file that holds this code: the plug-in when the core is linked into one, else the
+// program. Empty when the loader can't tell. Found once: the code does not move while it
+// runs, and every block asks for its library folder.
+const std::filesystem::path& OwnFile() {
+    static const std::filesystem::path file = LocateOwnFile();
+    return file;
 }
 
 bool IsSharedObject(const std::filesystem::path& file) {
