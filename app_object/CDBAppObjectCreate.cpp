@@ -78,11 +78,16 @@ void CDBAppObject::IAppObject_Create() {
             }
             inputs_->AddFromDefinition(name, child, shared_from_this());
         });
-    SkipStep([&] {
-        if (Need(inputs_).IInputs_Count() != expectedInputs) {
-            ShowMessage(SectionMessage("InReferences", name_));
-        }
-    });
+    // Each step below that goes through a collection is dropped when the collection does not
+    // exist. The absence is tested up front rather than thrown and caught: many blocks have no
+    // inputs or no outputs, and a throw costs more than placing such a block otherwise does.
+    if (inputs_) {
+        SkipStep([&] {
+            if (inputs_->IInputs_Count() != expectedInputs) {
+                ShowMessage(SectionMessage("InReferences", name_));
+            }
+        });
+    }
 
     const int32_t expectedOutputs =
         WalkSection(ObjectXML(), "AppObject/OutReferences", [&](pugi::xml_node child) {
@@ -92,11 +97,13 @@ void CDBAppObject::IAppObject_Create() {
             }
             outputs_->AddFromDefinition(name, child, shared_from_this());
         });
-    SkipStep([&] {
-        if (Need(outputs_).IOutputs_Count() != expectedOutputs) {
-            ShowMessage(SectionMessage("OutReferences", name_));
-        }
-    });
+    if (outputs_) {
+        SkipStep([&] {
+            if (outputs_->IOutputs_Count() != expectedOutputs) {
+                ShowMessage(SectionMessage("OutReferences", name_));
+            }
+        });
+    }
 
     std::shared_ptr<CDBAttribute> selector;
     const int32_t expectedAttributes =
@@ -130,19 +137,24 @@ void CDBAppObject::IAppObject_Create() {
         }
     }
 
-    SkipStep([&] {
-        if (Need(attributes_).IAttributes_Count() != expectedAttributes) {
-            ShowMessage(SectionMessage("Attribute", name_));
-        }
-    });
+    if (attributes_) {
+        SkipStep([&] {
+            if (attributes_->IAttributes_Count() != expectedAttributes) {
+                ShowMessage(SectionMessage("Attribute", name_));
+            }
+        });
+    }
 
     // A failure inside the layout ends it silently with the positions reached so far.
     SkipStep([&] { ComputeCDBLayout(); });
 
-    SkipStep([&] { inputWidth_ = Need(inputs_).MaxNameLength(); });
-    SkipStep([&] {
-        baseWidth_ = AddChecked(Need(inputs_).MaxNameLength(), Need(outputs_).MaxNameLength());
-    });
+    if (inputs_) {
+        SkipStep([&] { inputWidth_ = inputs_->MaxNameLength(); });
+    }
+    if (inputs_ && outputs_) {
+        SkipStep(
+            [&] { baseWidth_ = AddChecked(inputs_->MaxNameLength(), outputs_->MaxNameLength()); });
+    }
 }
 
 void CDBAppObject::ComputeCDBLayout() {

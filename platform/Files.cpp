@@ -40,6 +40,15 @@ const std::filesystem::path& OwnFile() {
     return file;
 }
 
+std::filesystem::path NormalisedParent(const std::filesystem::path& component) {
+    std::filesystem::path folder = component.lexically_normal();
+    // "a/b/" has the parent "a/b": drop the empty last element first.
+    if (!folder.has_filename() && folder.has_relative_path()) {
+        folder = folder.parent_path();
+    }
+    return folder.parent_path();
+}
+
 bool IsSharedObject(const std::filesystem::path& file) {
     const std::string name = file.filename().string();
     return file.extension() == ".so" || name.find(".so.") != std::string::npos ||
@@ -109,12 +118,17 @@ void SetComponentBaseName(std::string baseName) {
 }
 
 std::filesystem::path LibraryFolder() {
-    std::filesystem::path folder = ComponentFolder().lexically_normal();
-    // "a/b/" has the parent "a/b": drop the empty last element first.
-    if (!folder.has_filename() && folder.has_relative_path()) {
-        folder = folder.parent_path();
+    // Every block asks; the answer changes only with the component folder.
+    static bool known = false;
+    static std::filesystem::path lastComponent;
+    static std::filesystem::path lastLibrary;
+    const std::filesystem::path component = ComponentFolder();
+    if (!known || component.native() != lastComponent.native()) {
+        lastLibrary = NormalisedParent(component);
+        lastComponent = component;
+        known = true;
     }
-    return folder.parent_path();
+    return lastLibrary;
 }
 
 bool IsSafeTypeName(const std::string& name) {

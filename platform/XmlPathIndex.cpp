@@ -37,7 +37,7 @@ const PathIndex* LiveIndex(const void* key) {
 
 }  // namespace
 
-std::size_t PathIndex::NamePairHash::operator()(const NamePair& pair) const noexcept {
+std::size_t PathIndex::NamePairHash::operator()(const NamePair& pair) const {
     const std::size_t parent = std::hash<std::string_view>{}(pair.parent);
     const std::size_t name = std::hash<std::string_view>{}(pair.name);
     return parent ^ (name + 0x9E3779B97F4A7C15ull + (parent << 6) + (parent >> 2));
@@ -66,9 +66,8 @@ PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
     }
 }
 
-bool PathIndex::AncestorsMatch(pugi::xml_node candidate, std::string_view ancestors) const {
-    // Segments from the nearest ancestor outwards; the whole path must lie below the root.
-    pugi::xml_node ancestor = candidate.parent();
+bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const {
+    pugi::xml_node ancestor = node.parent();
     while (!ancestors.empty()) {
         const std::size_t slash = ancestors.rfind('/');
         const std::string_view segment =
@@ -95,14 +94,19 @@ pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
     const std::string_view name = slashPath.substr(lastSlash + 1);
     const std::string_view ancestors = slashPath.substr(0, lastSlash);
     const std::size_t parentSlash = ancestors.rfind('/');
-    const std::string_view parent =
-        parentSlash == std::string_view::npos ? ancestors : ancestors.substr(parentSlash + 1);
+    const bool parentOnly = parentSlash == std::string_view::npos;
+    const std::string_view parent = parentOnly ? ancestors : ancestors.substr(parentSlash + 1);
+    const std::string_view aboveParent =
+        parentOnly ? std::string_view{} : ancestors.substr(0, parentSlash);
     const auto found = byParentAndName_.find(NamePair{parent, name});
     if (found == byParentAndName_.end()) {
         return {};
     }
+    // The key has matched the parent's name; what is left is that the parent lies below the
+    // root, and the ancestors above it.
     for (const pugi::xml_node candidate : found->second) {
-        if (AncestorsMatch(candidate, ancestors)) {
+        const pugi::xml_node parentNode = candidate.parent();
+        if (parentNode != root_ && AncestorsMatch(parentNode, aboveParent)) {
             return candidate;
         }
     }

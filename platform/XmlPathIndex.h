@@ -32,11 +32,15 @@ private:
         std::string_view name;
         bool operator==(const NamePair&) const = default;
     };
+    // Deliberately not noexcept: libstdc++ then keeps each key's hash in the table, and a
+    // lookup compares hashes instead of hashing the names of every key in the bucket again.
     struct NamePairHash {
-        std::size_t operator()(const NamePair& pair) const noexcept;
+        std::size_t operator()(const NamePair& pair) const;
     };
 
-    bool AncestorsMatch(pugi::xml_node candidate, std::string_view ancestors) const;
+    // True when the ancestors of node, nearest first, carry the segments of ancestors from its
+    // last one backwards, all of them below the root.
+    bool AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const;
 
     pugi::xml_node root_;
     std::unordered_map<std::string_view, std::vector<pugi::xml_node>> byName_;
