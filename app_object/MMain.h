@@ -108,7 +108,7 @@ std::string FormatSingle(float value);
 // ASCII letters upper-cased; every other byte left as it is.
 std::string UpperCase(std::string text);
 // Equal when equal after UpperCase.
-bool EqualsNoCase(const std::string& a, const std::string& b);
+bool EqualsNoCase(std::string_view a, std::string_view b);
 // Without the blanks at both ends; tabs and other white space stay.
 std::string Trim(const std::string& text);
 // Code points of a UTF-8 text (bytes that do not continue a sequence).

@@ -1,5 +1,10 @@
 #include "datatypes/CDBSNVTType.h"
 
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
 #include <pugixml.hpp>
 
 #include "app_object/MMain.h"
@@ -28,23 +33,6 @@ constexpr TypeClass kTypeClasses[] = {
     {"UnsignedNumeric", "Numeric", Details::Numeric},
     {"Bitfield", "Numeric", Details::Numeric},
 };
-
-std::string KeyOf(pugi::xml_node node) {
-    return UpperCase(xml::BaseName(node));
-}
-
-// A whole-number key of the details. A key without content keeps the field; a number that
-// does not fit 32 bits deliberately leaves 0 rather than the value of an earlier type, so a
-// re-resolved record never keeps a length or scale that the new entry does not have.
-void ReadWholeNumber(pugi::xml_node node, int32_t& field) {
-    std::string text;
-    if (!SkipStep([&] { text = xml::FirstChildText(node); })) {
-        return;
-    }
-    if (!SkipStep([&] { field = ToInt32(LeadingNumber(text)); })) {
-        field = 0;
-    }
-}
 
 }  // namespace
 
@@ -135,80 +123,189 @@ bool CDBSNVTType::IEnumType_IsEnumType() {
 
 // ---- Internal ------------------------------------------------------------------------------
 
+// Resolving reads a handful of elements and numbers for every attribute, output and field of
+// every block, yet for one dictionary the outcome for an id never changes. So the outcome is
+// worked out once, as the ordered edits the resolution makes, and replayed on each record.
+// Replay, not a finished record: resolving clears nothing, the length check looks at the
+// length the record ends with, and a number keeps the separator in force when it is resolved.
+struct CDBSNVTType::Resolution {
+    enum class Kind { Text, Number, Whole, Message, CheckLength };
+    struct Edit {
+        Kind kind;
+        std::string CDBSNVTType::*text = nullptr;
+        int32_t CDBSNVTType::*whole = nullptr;
+        std::string value;  // the text, the number text before NormalizeDecimal, the message
+        int32_t number = 0;
+    };
+    std::vector<Edit> edits;
+
+    void Text(std::string CDBSNVTType::*field, std::string value) {
+        edits.push_back({Kind::Text, field, nullptr, std::move(value), 0});
+    }
+    void Number(std::string CDBSNVTType::*field, std::string value) {
+        edits.push_back({Kind::Number, field, nullptr, std::move(value), 0});
+    }
+    void Whole(int32_t CDBSNVTType::*field, int32_t value) {
+        edits.push_back({Kind::Whole, nullptr, field, {}, value});
+    }
+    void Message(std::string text) {
+        edits.push_back({Kind::Message, nullptr, nullptr, std::move(text), 0});
+    }
+    void CheckLength() { edits.push_back({Kind::CheckLength, nullptr, nullptr, {}, 0}); }
+};
+
+namespace {
+
+// A whole-number key of the details. A key without content keeps the field; a number that
+// does not fit 32 bits deliberately leaves 0 rather than the value of an earlier type, so a
+// re-resolved record never keeps a length or scale that the new entry does not have.
+template <typename Resolution, typename Field>
+void ReadWholeNumber(pugi::xml_node node, Field field, Resolution& out) {
+    std::string text;
+    if (!SkipStep([&] { text = xml::FirstChildText(node); })) {
+        return;
+    }
+    int32_t value = 0;
+    SkipStep([&] { value = ToInt32(LeadingNumber(text)); });
+    out.Whole(field, value);
+}
+
+// The outcomes of one dictionary, dropped when another is installed.
+struct ResolutionCache {
+    uint64_t generation = 0;
+    std::unordered_map<std::string, std::shared_ptr<const CDBSNVTType::Resolution>> byId;
+};
+
+// Ids come from files written by others; past this many, start over rather than grow.
+constexpr std::size_t kMaxCachedIds = 4096;
+
+}  // namespace
+
 void CDBSNVTType::ResolveByID(const std::string& id) {
     id_ = id;
+    Replay(CachedResolution(id));
+}
+
+std::shared_ptr<const CDBSNVTType::Resolution> CDBSNVTType::CachedResolution(
+    const std::string& id) {
+    static ResolutionCache cache;
+    const uint64_t generation = SnvtIndexGeneration();
+    if (cache.generation != generation || cache.byId.size() >= kMaxCachedIds) {
+        cache.byId.clear();
+        cache.generation = generation;
+    }
+    auto found = cache.byId.find(id);
+    if (found == cache.byId.end()) {
+        auto resolution = std::make_shared<Resolution>();
+        Resolve(id, *resolution);
+        found = cache.byId.emplace(id, std::move(resolution)).first;
+    }
+    return found->second;
+}
+
+void CDBSNVTType::Replay(const std::shared_ptr<const Resolution>& resolution) {
+    for (const Resolution::Edit& edit : resolution->edits) {
+        switch (edit.kind) {
+            case Resolution::Kind::Text:
+                this->*edit.text = edit.value;
+                break;
+            case Resolution::Kind::Number:
+                SkipStep([&] { this->*edit.text = NormalizeDecimal(edit.value); });
+                break;
+            case Resolution::Kind::Whole:
+                this->*edit.whole = edit.number;
+                break;
+            case Resolution::Kind::Message:
+                ShowMessage(edit.value);
+                break;
+            case Resolution::Kind::CheckLength:
+                if (length_ == 0) {
+                    ShowMessage("Error: SNVT_" + id_ + " has a bad Length");
+                }
+                break;
+        }
+    }
+}
+
+void CDBSNVTType::Resolve(const std::string& id, Resolution& out) {
     const std::string notDefined = "Error: SNVT_" + id + " is not defined";
     const pugi::xml_node entry = FindSnvtEntry(id);
     if (!entry) {
         // Every later step goes through the missing entry and would fail in its turn: one
         // message tells the user all there is to know.
-        ShowMessage(notDefined);
+        out.Message(notDefined);
         return;
     }
     // A failing step is reported and dropped; the walk goes on with the next one.
     auto step = [&](auto&& body) {
         const bool ran = SkipStep(body);
         if (!ran) {
-            ShowMessage(notDefined);
+            out.Message(notDefined);
         }
         return ran;
     };
 
     for (const pugi::xml_attribute attribute : entry.attributes()) {
-        const std::string key = UpperCase(xml::BaseName(attribute));
-        if (key == "FACTOR") {
-            step([&] { factor_ = ToInt32(LeadingNumber(attribute.value())); });
-        } else if (key == "R7REGION") {
-            step([&] { r7Region_ = ToInt32(LeadingNumber(attribute.value())); });
+        const std::string_view name = xml::BaseNameView(attribute);
+        if (EqualsNoCase(name, "FACTOR")) {
+            step([&] {
+                out.Whole(&CDBSNVTType::factor_, ToInt32(LeadingNumber(attribute.value())));
+            });
+        } else if (EqualsNoCase(name, "R7REGION")) {
+            step([&] {
+                out.Whole(&CDBSNVTType::r7Region_, ToInt32(LeadingNumber(attribute.value())));
+            });
         }
     }
     for (const pugi::xml_node child : entry.children()) {
         if (xml::IsComment(child)) {
             continue;
         }
-        const std::string key = KeyOf(child);
-        if (key == "NAME") {
-            step([&] { name_ = xml::FirstChildText(child); });
-        } else if (key == "TYPE") {
+        const std::string_view name = xml::BaseNameView(child);
+        if (EqualsNoCase(name, "NAME")) {
+            step([&] { out.Text(&CDBSNVTType::name_, xml::FirstChildText(child)); });
+        } else if (EqualsNoCase(name, "TYPE")) {
             // A TYPE without content has been reported; acting on the word it did not
             // replace would only add a second, misleading message.
-            if (step([&] { genType_ = xml::FirstChildText(child); })) {
-                ApplyTypeClass();
+            std::string word;
+            if (step([&] { word = xml::FirstChildText(child); })) {
+                out.Text(&CDBSNVTType::genType_, word);
+                ApplyTypeClass(id, word, out);
             }
         }
     }
 }
 
-void CDBSNVTType::ApplyTypeClass() {
+void CDBSNVTType::ApplyTypeClass(const std::string& id, const std::string& word, Resolution& out) {
     for (const TypeClass& typeClass : kTypeClasses) {
-        if (genType_ != typeClass.word) {
+        if (word != typeClass.word) {
             continue;
         }
-        luiType_ = typeClass.luiType;
+        out.Text(&CDBSNVTType::luiType_, typeClass.luiType);
         switch (typeClass.details) {
             case Details::Enums:
-                length_ = 1;
-                LoadEnums();
+                out.Whole(&CDBSNVTType::length_, 1);
+                LoadEnums(id, out);
                 break;
             case Details::Numeric:
-                LoadNumericDetails();
+                LoadNumericDetails(id, out);
                 break;
             case Details::Text:
-                LoadTextDetails();
+                LoadTextDetails(id, out);
                 break;
             case Details::None:
                 break;
         }
         return;
     }
-    ShowMessage("Error: SNVT_" + id_ + " has a bad type");
+    out.Message("Error: SNVT_" + id + " has a bad type");
 }
 
-void CDBSNVTType::LoadEnums() {
+void CDBSNVTType::LoadEnums(const std::string& id, Resolution& out) {
     std::string desc;
     std::string value;
     SkipStep([&] {
-        const pugi::xml_node enums = Need(FindSnvtChild(id_, "Enums"));
+        const pugi::xml_node enums = Need(FindSnvtChild(id, "Enums"));
         for (const pugi::xml_node child : enums.children()) {
             if (xml::IsComment(child)) {
                 continue;
@@ -219,10 +316,10 @@ void CDBSNVTType::LoadEnums() {
             desc += value + "," + xml::BaseName(child) + ";";
         }
     });
-    enumDesc_ = Trim(desc);
+    out.Text(&CDBSNVTType::enumDesc_, Trim(desc));
 }
 
-void CDBSNVTType::LoadNumericDetails() {
+void CDBSNVTType::LoadNumericDetails(const std::string& id, Resolution& out) {
     struct TextKey {
         const char* key;
         std::string CDBSNVTType::*field;
@@ -246,34 +343,36 @@ void CDBSNVTType::LoadNumericDetails() {
         {"C_COEF", &CDBSNVTType::cCoef_},
     };
 
-    for (const pugi::xml_node child : FindSnvtEntry(id_).children()) {
+    for (const pugi::xml_node child : FindSnvtEntry(id).children()) {
         if (xml::IsComment(child)) {
             continue;
         }
-        const std::string key = KeyOf(child);
+        const std::string_view name = xml::BaseNameView(child);
         for (const TextKey& textKey : kTextKeys) {
-            if (key == textKey.key) {
+            if (EqualsNoCase(name, textKey.key)) {
                 SkipStep([&] {
-                    const std::string text = xml::FirstChildText(child);
-                    this->*textKey.field = textKey.number ? NormalizeDecimal(text) : text;
+                    std::string text = xml::FirstChildText(child);
+                    if (textKey.number) {
+                        out.Number(textKey.field, std::move(text));
+                    } else {
+                        out.Text(textKey.field, std::move(text));
+                    }
                 });
             }
         }
         for (const WholeKey& wholeKey : kWholeKeys) {
-            if (key == wholeKey.key) {
-                ReadWholeNumber(child, this->*wholeKey.field);
+            if (EqualsNoCase(name, wholeKey.key)) {
+                ReadWholeNumber(child, wholeKey.field, out);
             }
         }
     }
-    if (length_ == 0) {
-        ShowMessage("Error: SNVT_" + id_ + " has a bad Length");
-    }
+    out.CheckLength();
 }
 
-void CDBSNVTType::LoadTextDetails() {
-    for (const pugi::xml_node child : FindSnvtEntry(id_).children()) {
-        if (!xml::IsComment(child) && KeyOf(child) == "LENGTH") {
-            ReadWholeNumber(child, length_);
+void CDBSNVTType::LoadTextDetails(const std::string& id, Resolution& out) {
+    for (const pugi::xml_node child : FindSnvtEntry(id).children()) {
+        if (!xml::IsComment(child) && EqualsNoCase(xml::BaseNameView(child), "LENGTH")) {
+            ReadWholeNumber(child, &CDBSNVTType::length_, out);
         }
     }
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 
 #include "interfaces/ISNVType.h"
@@ -46,12 +47,18 @@ public:
     void SetMin(const std::string& v);
     void SetMax(const std::string& v);
 
+    // The edits that resolving an id makes to a record, worked out once per dictionary.
+    struct Resolution;
+
 private:
-    // Sets LUIType and Length for the class word in GenType and reads its details.
-    void ApplyTypeClass();
-    void LoadEnums();
-    void LoadNumericDetails();
-    void LoadTextDetails();
+    static std::shared_ptr<const Resolution> CachedResolution(const std::string& id);
+    static void Resolve(const std::string& id, Resolution& out);
+    // LUIType and Length for the class word, and its details.
+    static void ApplyTypeClass(const std::string& id, const std::string& word, Resolution& out);
+    static void LoadEnums(const std::string& id, Resolution& out);
+    static void LoadNumericDetails(const std::string& id, Resolution& out);
+    static void LoadTextDetails(const std::string& id, Resolution& out);
+    void Replay(const std::shared_ptr<const Resolution>& resolution);
 
     std::string enumDesc_;
     std::string genType_;

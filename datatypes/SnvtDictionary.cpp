@@ -19,7 +19,13 @@ struct SnvtIndex {
     std::weak_ptr<const pugi::xml_document> document;
     std::unordered_map<std::string, pugi::xml_node> entries;
     std::unordered_map<std::string, pugi::xml_node> children;
+    uint64_t generation = 0;
 };
+
+uint64_t& LastGeneration() {
+    static uint64_t last = 0;
+    return last;
+}
 
 bool IsElementNamed(pugi::xml_node node, std::string_view name) {
     return node.type() == pugi::node_element && name == node.name();
@@ -83,6 +89,7 @@ const SnvtIndex* CurrentIndex() {
     if (!same) {
         index = SnvtIndex{};
         index.document = document;
+        index.generation = ++LastGeneration();
         Index(index, *document);
     }
     return &index;
@@ -118,6 +125,11 @@ pugi::xml_node FindSnvtChild(const std::string& id, const std::string& childName
     }
     const auto found = index->children.find(id + "/" + childName);
     return found == index->children.end() ? pugi::xml_node{} : found->second;
+}
+
+uint64_t SnvtIndexGeneration() {
+    const SnvtIndex* index = CurrentIndex();
+    return index == nullptr ? 0 : index->generation;
 }
 
 void InvalidateSnvtIndex() {

@@ -5,6 +5,7 @@
 // different document is what makes the next lookup index anew.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include <pugixml.hpp>
@@ -19,6 +20,11 @@ pugi::xml_node FindSnvtEntry(const std::string& id);
 // (names compared exactly). When the first entry of an id lacks such a child, this may be the
 // child of a later entry of the same id. Empty node when there is none.
 pugi::xml_node FindSnvtChild(const std::string& id, const std::string& childName);
+
+// A number that changes whenever the lookups may answer differently: another dictionary
+// installed, or the index dropped. 0 while no dictionary is installed. Lets a caller keep what
+// it derived from the entries for as long as the number stays the same.
+uint64_t SnvtIndexGeneration();
 
 // Drops the index, for a host that has changed the installed dictionary in place.
 void InvalidateSnvtIndex();

@@ -236,10 +236,10 @@ bool IsNameChar(uint32_t c) {
            (c >= 0x300 && c <= 0x36F) || (c >= 0x203F && c <= 0x2040);
 }
 
-std::string AfterPrefix(const char* name) {
+std::string_view AfterPrefix(const char* name) {
     const std::string_view view(name);
     const std::size_t colon = view.find(':');
-    return std::string(colon == std::string_view::npos ? view : view.substr(colon + 1));
+    return colon == std::string_view::npos ? view : view.substr(colon + 1);
 }
 
 // Splits "A/B/C" into its segments; false when a segment is empty.
@@ -355,7 +355,7 @@ bool IsComment(pugi::xml_node node) {
     return node.type() == pugi::node_comment;
 }
 
-std::string BaseName(pugi::xml_node node) {
+std::string_view BaseNameView(pugi::xml_node node) {
     switch (node.type()) {
         case pugi::node_element:
         case pugi::node_pi:
@@ -366,8 +366,16 @@ std::string BaseName(pugi::xml_node node) {
     }
 }
 
-std::string BaseName(pugi::xml_attribute attribute) {
+std::string_view BaseNameView(pugi::xml_attribute attribute) {
     return AfterPrefix(attribute.name());
+}
+
+std::string BaseName(pugi::xml_node node) {
+    return std::string(BaseNameView(node));
+}
+
+std::string BaseName(pugi::xml_attribute attribute) {
+    return std::string(BaseNameView(attribute));
 }
 
 std::string FirstChildText(pugi::xml_node node) {

@@ -49,6 +49,9 @@ bool IsComment(pugi::xml_node node);
 // The local name: the part after a namespace prefix. Empty for text and similar nodes.
 std::string BaseName(pugi::xml_node node);
 std::string BaseName(pugi::xml_attribute attribute);
+// The same, viewing the node's own name: valid while the node and its name are unchanged.
+std::string_view BaseNameView(pugi::xml_node node);
+std::string_view BaseNameView(pugi::xml_attribute attribute);
 
 // The value of the node's first child node (the text of an element that holds text). Throws
 // Error when the node is empty or has no child, and when the first child has no value

@@ -271,6 +271,42 @@ TEST(CDBSNVTType, ResolvingAgainClearsNothing) {
     EXPECT_TRUE(recorder.Messages().empty());
 }
 
+// Resolving an id a second time in one dictionary reuses the first outcome; it must still act
+// as a fresh resolution would: on the record as it stands, with its messages again.
+TEST(CDBSNVTType, ASecondResolutionActsAsTheFirst) {
+    ScopedDictionary installed(
+        Snvts(std::string(kTemperature) + "<SNVT_9><TYPE>Float</TYPE><MIN>1.5</MIN></SNVT_9>"));
+    ScopedMessageRecorder recorder;
+    CDBSNVTType fresh;
+    fresh.ResolveByID("9");
+    CDBSNVTType reused;
+    reused.ResolveByID("105");
+    reused.ResolveByID("9");
+    CDBSNVTType again;
+    again.ResolveByID("9");
+    EXPECT_EQ(TextsOf(recorder.Messages()),
+              (Texts{"Error: SNVT_9 has a bad Length", "Error: SNVT_9 has a bad Length"}))
+        << "the length check looks at the record's own length, each time";
+    EXPECT_EQ(reused.ISNVType_Length(), 2);
+    EXPECT_EQ(reused.ISNVType_Units(), "degrees");
+    EXPECT_EQ(again.ISNVType_Min(), "1.5");
+    EXPECT_EQ(again.ISNVType_LUIType(), "Float");
+}
+
+TEST(CDBSNVTType, ANewDictionaryAnswersForItself) {
+    CDBSNVTType first;
+    {
+        ScopedDictionary installed(Snvts(kTemperature));
+        first.ResolveByID("105");
+    }
+    const Resolved second = Resolve(
+        "<SNVT_105><NAME>Other</NAME><TYPE>Textual</TYPE><LENGTH>31</LENGTH></SNVT_105>", "105");
+    EXPECT_EQ(first.ISNVType_Name(), "Temperature");
+    EXPECT_EQ(second.type->ISNVType_Name(), "Other");
+    EXPECT_EQ(second.type->ISNVType_Length(), 31);
+    EXPECT_EQ(second.type->ISNVType_Units(), "");
+}
+
 TEST(CDBSNVTType, SettersChangeOneFieldEach) {
     const Resolved r = Resolve(kTemperature, "105");
     CDBSNVTType& t = *r.type;
