@@ -34,34 +34,34 @@ enum class Opt {
     Interop,
 };
 
-struct OptionSpec {
+struct OptionInfo {
     Opt id;
     std::string_view name;
     bool takesValue;
 };
 
 constexpr std::array kOptions{
-    OptionSpec{Opt::Library, "--library", true},
-    OptionSpec{Opt::Dictionary, "--dictionary", true},
-    OptionSpec{Opt::Device, "--device", true},
-    OptionSpec{Opt::ShortFloat, "--short-float", false},
-    OptionSpec{Opt::Units, "--units", true},
-    OptionSpec{Opt::Help, "--help", false},
-    OptionSpec{Opt::Help, "-h", false},
-    OptionSpec{Opt::Version, "--version", false},
-    OptionSpec{Opt::Set, "--set", true},
-    OptionSpec{Opt::Ref, "--ref", true},
-    OptionSpec{Opt::ExportIndex, "--export-index", true},
-    OptionSpec{Opt::Intel, "--intel", false},
-    OptionSpec{Opt::UserName, "--user-name", true},
-    OptionSpec{Opt::X, "--x", true},
-    OptionSpec{Opt::Y, "--y", true},
-    OptionSpec{Opt::Key, "--key", true},
-    OptionSpec{Opt::Sim, "--sim", false},
-    OptionSpec{Opt::Interop, "--interop", false},
+    OptionInfo{Opt::Library, "--library", true},
+    OptionInfo{Opt::Dictionary, "--dictionary", true},
+    OptionInfo{Opt::Device, "--device", true},
+    OptionInfo{Opt::ShortFloat, "--short-float", false},
+    OptionInfo{Opt::Units, "--units", true},
+    OptionInfo{Opt::Help, "--help", false},
+    OptionInfo{Opt::Help, "-h", false},
+    OptionInfo{Opt::Version, "--version", false},
+    OptionInfo{Opt::Set, "--set", true},
+    OptionInfo{Opt::Ref, "--ref", true},
+    OptionInfo{Opt::ExportIndex, "--export-index", true},
+    OptionInfo{Opt::Intel, "--intel", false},
+    OptionInfo{Opt::UserName, "--user-name", true},
+    OptionInfo{Opt::X, "--x", true},
+    OptionInfo{Opt::Y, "--y", true},
+    OptionInfo{Opt::Key, "--key", true},
+    OptionInfo{Opt::Sim, "--sim", false},
+    OptionInfo{Opt::Interop, "--interop", false},
 };
 
-struct CommandSpec {
+struct CommandInfo {
     Command command;
     std::string_view name;
     std::vector<Opt> options;
@@ -73,8 +73,8 @@ struct CommandSpec {
 
 constexpr std::size_t kAny = static_cast<std::size_t>(-1);
 
-const std::vector<CommandSpec>& Commands() {
-    static const std::vector<CommandSpec> commands{
+const std::vector<CommandInfo>& Commands() {
+    static const std::vector<CommandInfo> commands{
         {Command::Types, "types", {}, "", 0, 0},
         {Command::Show, "show", {}, "a block type", 1, 1},
         {Command::Image,
@@ -101,28 +101,28 @@ const std::vector<CommandSpec>& Commands() {
     return commands;
 }
 
-const CommandSpec* FindCommand(std::string_view name) {
-    for (const CommandSpec& spec : Commands()) {
-        if (spec.name == name) {
-            return &spec;
+const CommandInfo* FindCommand(std::string_view name) {
+    for (const CommandInfo& info : Commands()) {
+        if (info.name == name) {
+            return &info;
         }
     }
     return nullptr;
 }
 
-const CommandSpec& SpecOf(Command command) {
-    for (const CommandSpec& spec : Commands()) {
-        if (spec.command == command) {
-            return spec;
+const CommandInfo& InfoOf(Command command) {
+    for (const CommandInfo& info : Commands()) {
+        if (info.command == command) {
+            return info;
         }
     }
-    throw std::logic_error("command without a spec");
+    throw std::logic_error("command without an entry");
 }
 
-const OptionSpec* FindOption(std::string_view name) {
-    for (const OptionSpec& spec : kOptions) {
-        if (spec.name == name) {
-            return &spec;
+const OptionInfo* FindOption(std::string_view name) {
+    for (const OptionInfo& info : kOptions) {
+        if (info.name == name) {
+            return &info;
         }
     }
     return nullptr;
@@ -220,14 +220,14 @@ UnitSystem ParseUnits(const std::string& text) {
     throw UsageError("--units expects 'si' or 'us', found '" + text + "'");
 }
 
-void ApplyOption(const OptionSpec& spec, const std::string& token,
+void ApplyOption(const OptionInfo& info, const std::string& token,
                  std::optional<std::string>& inlineValue, Cursor& cursor, Invocation& result) {
-    if (!spec.takesValue && inlineValue) {
-        throw UsageError("option '" + std::string(spec.name) + "' takes no argument");
+    if (!info.takesValue && inlineValue) {
+        throw UsageError("option '" + std::string(info.name) + "' takes no argument");
     }
-    const std::string name(spec.name);
+    const std::string name(info.name);
     auto value = [&] { return cursor.Value(token, inlineValue); };
-    switch (spec.id) {
+    switch (info.id) {
         case Opt::Library:
             result.library = value();
             break;
@@ -276,7 +276,7 @@ void ApplyOption(const OptionSpec& spec, const std::string& token,
         case Opt::Sim:
         case Opt::Interop: {
             const ExportForm form =
-                spec.id == Opt::Sim ? ExportForm::Simulator : ExportForm::Interoperability;
+                info.id == Opt::Sim ? ExportForm::Simulator : ExportForm::Interoperability;
             if (result.exportForm != ExportForm::None && result.exportForm != form) {
                 throw UsageError("--sim and --interop exclude each other");
             }
@@ -302,17 +302,17 @@ bool IsGlobal(Opt id) {
     }
 }
 
-void CheckArguments(const CommandSpec& spec, const Invocation& result) {
+void CheckArguments(const CommandInfo& info, const Invocation& result) {
     const std::size_t count = result.arguments.size();
-    if (count < spec.minArguments) {
-        throw UsageError("'" + std::string(spec.name) + "' expects " +
-                         std::string(spec.argumentName) + Hint(spec.command));
+    if (count < info.minArguments) {
+        throw UsageError("'" + std::string(info.name) + "' expects " +
+                         std::string(info.argumentName) + Hint(info.command));
     }
-    if (count > spec.maxArguments) {
-        throw UsageError("unexpected argument '" + result.arguments[spec.maxArguments] + "'" +
-                         Hint(spec.command));
+    if (count > info.maxArguments) {
+        throw UsageError("unexpected argument '" + result.arguments[info.maxArguments] + "'" +
+                         Hint(info.command));
     }
-    if (spec.command == Command::Export && result.exportForm == ExportForm::None) {
+    if (info.command == Command::Export && result.exportForm == ExportForm::None) {
         throw UsageError("'export' needs --sim or --interop");
     }
 }
@@ -320,13 +320,13 @@ void CheckArguments(const CommandSpec& spec, const Invocation& result) {
 }  // namespace
 
 std::string CommandName(Command command) {
-    return std::string(SpecOf(command).name);
+    return std::string(InfoOf(command).name);
 }
 
 Invocation ParseCommandLine(const std::vector<std::string>& args) {
     Invocation result;
     Cursor cursor(args);
-    const CommandSpec* command = nullptr;
+    const CommandInfo* command = nullptr;
     bool optionsEnded = false;
 
     while (!cursor.AtEnd()) {
@@ -354,19 +354,19 @@ Invocation ParseCommandLine(const std::vector<std::string>& args) {
         if (equals != std::string::npos) {
             inlineValue = token.substr(equals + 1);
         }
-        const OptionSpec* spec = FindOption(name);
+        const OptionInfo* info = FindOption(name);
         const bool allowed =
-            spec != nullptr &&
-            (command == nullptr ? IsGlobal(spec->id)
-                                : spec->id == Opt::Help ||
+            info != nullptr &&
+            (command == nullptr ? IsGlobal(info->id)
+                                : info->id == Opt::Help ||
                                       std::find(command->options.begin(), command->options.end(),
-                                                spec->id) != command->options.end());
+                                                info->id) != command->options.end());
         if (!allowed) {
             const std::string where =
                 command == nullptr ? "" : " for '" + std::string(command->name) + "'";
             throw UsageError("unknown option '" + name + "'" + where + Hint(result.command));
         }
-        ApplyOption(*spec, name, inlineValue, cursor, result);
+        ApplyOption(*info, name, inlineValue, cursor, result);
         // Help and version answer at once, whatever else stands on the line.
         if (result.help || result.version || result.commandHelp) {
             return result;
