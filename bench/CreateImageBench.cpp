@@ -10,43 +10,14 @@
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
+#include "bench/ShippedBlocks.h"
 #include "platform/Files.h"
-#include "platform/Messages.h"
-#include "platform/Xml.h"
 
 namespace {
 
 using zerbin::CDBAppObject;
-
-// The shipped data of the source tree this program was built from.
-const std::filesystem::path kData =
-    std::filesystem::path(__FILE__).parent_path().parent_path() / "data";
-
-struct Documents {
-    std::shared_ptr<const pugi::xml_document> dictionary;
-    std::shared_ptr<const pugi::xml_document> device;
-};
-
-class CountingSink : public zerbin::MessageSink {
-public:
-    int Show(const zerbin::Message&) override {
-        ++count;
-        return zerbin::kMessageOk;
-    }
-    int count = 0;
-};
-
-std::shared_ptr<CDBAppObject> CreateBlock(const Documents& documents, const std::string& type) {
-    auto block = std::make_shared<CDBAppObject>();
-    block->IAppObject_XmlSNVTDoc(documents.dictionary);
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    block->IAppObject_OwnerDeviceXML(documents.device);
-    block->IAppObject_ManageShortFloat(false);
-    block->IAppObject_Create();
-    block->IAppObject_GlobalKey("Block1");
-    return block;
-}
+using zerbin::bench::CountingSink;
+using zerbin::bench::CreateBlock;
 
 int32_t MemberCount(CDBAppObject& block) {
     int32_t count = 0;
@@ -62,15 +33,15 @@ int32_t MemberCount(CDBAppObject& block) {
     return count;
 }
 
-void CreateAndImage(benchmark::State& state, const Documents& documents, const std::string& type) {
+void CreateAndImage(benchmark::State& state, const std::string& type) {
     auto sink = std::make_shared<CountingSink>();
     zerbin::SetMessageSink(sink);
     // The first block of a type parses its definition into the store; a host pays that once.
-    auto first = CreateBlock(documents, type);
+    auto first = CreateBlock(type, "Block1");
     state.counters["members"] = MemberCount(*first);
     first->IAppObject_Destroy();
     for (auto _ : state) {
-        auto block = CreateBlock(documents, type);
+        auto block = CreateBlock(type, "Block1");
         benchmark::DoNotOptimize(block->IAppObject_Stream());
         block->IAppObject_Destroy();
     }
@@ -79,46 +50,31 @@ void CreateAndImage(benchmark::State& state, const Documents& documents, const s
     }
 }
 
-void ImageOnly(benchmark::State& state, const Documents& documents, const std::string& type) {
-    auto block = CreateBlock(documents, type);
+void ImageOnly(benchmark::State& state, const std::string& type) {
+    auto block = CreateBlock(type, "Block1");
     for (auto _ : state) {
         benchmark::DoNotOptimize(block->IAppObject_Stream());
     }
     block->IAppObject_Destroy();
 }
 
-std::vector<std::string> ShippedTypes() {
-    std::vector<std::string> types;
-    for (const auto& entry : std::filesystem::directory_iterator(kData / "library")) {
-        const std::string name = entry.path().filename().string();
-        if (std::filesystem::exists(entry.path() / (name + ".xml"))) {
-            types.push_back(name);
-        }
-    }
-    std::sort(types.begin(), types.end());
-    return types;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-    static Documents documents{
-        zerbin::xml::LoadFile(kData / "snvts.xml", nullptr),
-        zerbin::xml::LoadFile(kData / "devices" / "Controller.xml", nullptr)};
-    if (!documents.dictionary || !documents.device) {
+    using zerbin::bench::Shipped;
+    if (!Shipped().dictionary || !Shipped().device) {
         return 3;
     }
-    zerbin::SetComponentFolder(kData / "library" / "Zerbin");
-    for (const std::string& type : ShippedTypes()) {
+    zerbin::SetComponentFolder(zerbin::bench::kData / "library" / "Zerbin");
+    for (const std::string& type : zerbin::bench::ShippedTypes()) {
         benchmark::RegisterBenchmark(
             ("CreateAndImage/" + type).c_str(),
-            [type](benchmark::State& state) { CreateAndImage(state, documents, type); })
+            [type](benchmark::State& state) { CreateAndImage(state, type); })
             ->Unit(benchmark::kMicrosecond)
             ->Repetitions(5)
             ->ReportAggregatesOnly(true);
-        benchmark::RegisterBenchmark(
-            ("Image/" + type).c_str(),
-            [type](benchmark::State& state) { ImageOnly(state, documents, type); })
+        benchmark::RegisterBenchmark(("Image/" + type).c_str(),
+                                     [type](benchmark::State& state) { ImageOnly(state, type); })
             ->Unit(benchmark::kMicrosecond)
             ->Repetitions(5)
             ->ReportAggregatesOnly(true);

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
+#include "bench/ShippedBlocks.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
 #include "platform/Xml.h"
@@ -22,61 +23,18 @@
 namespace {
 
 using zerbin::CDBAppObject;
+using zerbin::bench::CountingSink;
+using zerbin::bench::CreateBlock;
+using zerbin::bench::kData;
+using zerbin::bench::Shipped;
+using zerbin::bench::ShippedTypes;
 
 constexpr int kBlocks = 10000;
-
-const std::filesystem::path kData =
-    std::filesystem::path(__FILE__).parent_path().parent_path() / "data";
-
-struct Documents {
-    std::shared_ptr<const pugi::xml_document> dictionary;
-    std::shared_ptr<const pugi::xml_document> device;
-};
-
-Documents& Shipped() {
-    static Documents documents{
-        zerbin::xml::LoadFile(kData / "snvts.xml", nullptr),
-        zerbin::xml::LoadFile(kData / "devices" / "Controller.xml", nullptr)};
-    return documents;
-}
 
 std::filesystem::path& ProjectFile() {
     static std::filesystem::path file =
         std::filesystem::temp_directory_path() / "zerbin-bench-project.xml";
     return file;
-}
-
-class CountingSink : public zerbin::MessageSink {
-public:
-    int Show(const zerbin::Message&) override {
-        ++count;
-        return zerbin::kMessageOk;
-    }
-    int count = 0;
-};
-
-std::shared_ptr<CDBAppObject> CreateBlock(const std::string& type, const std::string& key) {
-    auto block = std::make_shared<CDBAppObject>();
-    block->IAppObject_XmlSNVTDoc(Shipped().dictionary);
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    block->IAppObject_OwnerDeviceXML(Shipped().device);
-    block->IAppObject_ManageShortFloat(false);
-    block->IAppObject_Create();
-    block->IAppObject_GlobalKey(key);
-    return block;
-}
-
-std::vector<std::string> ShippedTypes() {
-    std::vector<std::string> types;
-    for (const auto& entry : std::filesystem::directory_iterator(kData / "library")) {
-        const std::string name = entry.path().filename().string();
-        if (std::filesystem::exists(entry.path() / (name + ".xml"))) {
-            types.push_back(name);
-        }
-    }
-    std::sort(types.begin(), types.end());
-    return types;
 }
 
 // The project as the tool saves it: every block with its user name, place, image and values.
