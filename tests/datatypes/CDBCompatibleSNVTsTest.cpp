@@ -50,11 +50,20 @@ TEST(CDBCompatibleSNVTs, AddListTakesTokensUpToTheFirstEmptyOne) {
     }
 }
 
-TEST(CDBCompatibleSNVTs, RepeatedAddsMakeOneSet) {
-    auto set = SetOf("1,2");
+TEST(CDBCompatibleSNVTs, RepeatedAddsMakeOneSetThatAnswersByPositionOrId) {
+    auto set = SetOf("1,2,abc");
     set->ICompatibleSNVTs_Add("2,3");
     set->ICompatibleSNVTs_Add("1");
-    EXPECT_EQ(Ids(*set), (Ids_t{"1", "2", "3"}));
+    EXPECT_EQ(Ids(*set), (Ids_t{"1", "2", "abc", "3"}));
+    EXPECT_EQ(set->ICompatibleSNVTs_ToString(), "1,2,abc,3");
+    EXPECT_EQ(set->ICompatibleSNVTs_Item(2)->ICompatibleSNVT_ID(), "2");
+    for (int32_t outside : {0, 5, -1}) {
+        EXPECT_EQ(set->ICompatibleSNVTs_Item(outside), nullptr) << outside;
+    }
+    EXPECT_TRUE(set->ICompatibleSNVTs_Exists("ABC"));
+    EXPECT_FALSE(set->ICompatibleSNVTs_Exists("ab"));
+    EXPECT_FALSE(set->ICompatibleSNVTs_Exists(""));
+    EXPECT_EQ(SetOf("")->ICompatibleSNVTs_ToString(), "");
 }
 
 TEST(CDBCompatibleSNVTs, ServesEventsBeforeEachTokenOfAList) {
@@ -70,21 +79,6 @@ TEST(CDBCompatibleSNVTs, ServesEventsBeforeEachTokenOfAList) {
     EXPECT_EQ((std::vector<int32_t>(countsSeen.begin(), countsSeen.begin() + 3)),
               (std::vector<int32_t>{0, 1, 2}));
     EXPECT_EQ(countsSeen.size(), listTurns) << "a single id is not a list";
-}
-
-TEST(CDBCompatibleSNVTs, ItemIsByPositionAndNoneOutside) {
-    auto set = SetOf("105,106,107");
-    EXPECT_EQ(set->ICompatibleSNVTs_Item(2)->ICompatibleSNVT_ID(), "106");
-    EXPECT_EQ(set->ICompatibleSNVTs_Item(0), nullptr);
-    EXPECT_EQ(set->ICompatibleSNVTs_Item(4), nullptr);
-    EXPECT_EQ(set->ICompatibleSNVTs_Item(-1), nullptr);
-}
-
-TEST(CDBCompatibleSNVTs, ExistsIgnoresCase) {
-    auto set = SetOf("abc");
-    EXPECT_TRUE(set->ICompatibleSNVTs_Exists("ABC"));
-    EXPECT_FALSE(set->ICompatibleSNVTs_Exists("ab"));
-    EXPECT_FALSE(set->ICompatibleSNVTs_Exists(""));
 }
 
 TEST(CDBCompatibleSNVTs, MergeIsTheIntersectionInTheGivenOrder) {
@@ -107,11 +101,7 @@ TEST(CDBCompatibleSNVTs, MergeIsTheIntersectionInTheGivenOrder) {
         EXPECT_EQ(Ids(*self), Ids(*SetOf(row.self))) << "operands stay";
         EXPECT_EQ(Ids(*given), Ids(*SetOf(row.given))) << "operands stay";
     }
-}
-
-TEST(CDBCompatibleSNVTs, MergeWithoutASetThrows) {
-    auto set = SetOf("1");
-    EXPECT_THROW(set->ICompatibleSNVTs_Merge(nullptr), Error);
+    EXPECT_THROW(SetOf("1")->ICompatibleSNVTs_Merge(nullptr), Error);
 }
 
 TEST(CDBCompatibleSNVTs, CloneSharesNoEntry) {
@@ -133,12 +123,6 @@ TEST(CDBCompatibleSNVTs, RemoveOfAnAbsentIdThrowsAndChangesNothing) {
     set->ICompatibleSNVTs_Remove("1");
     set->AddList("1");
     EXPECT_EQ(Ids(*set), (Ids_t{"2", "1"})) << "a removed id can come back, at the end";
-}
-
-TEST(CDBCompatibleSNVTs, ToStringJoinsTheIdsWithCommas) {
-    EXPECT_EQ(SetOf("")->ICompatibleSNVTs_ToString(), "");
-    EXPECT_EQ(SetOf("105")->ICompatibleSNVTs_ToString(), "105");
-    EXPECT_EQ(SetOf("105,abc,7")->ICompatibleSNVTs_ToString(), "105,abc,7");
 }
 
 }  // namespace

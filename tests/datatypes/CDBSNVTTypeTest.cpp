@@ -47,17 +47,6 @@ constexpr const char* kTemperature = R"(
     <A_COEF>1</A_COEF><B_COEF>-2</B_COEF><C_COEF>0</C_COEF><INVALIDVALUE>327.67</INVALIDVALUE>
   </SNVT_105>)";
 
-TEST(CDBSNVTType, NewRecordHoldsDefaults) {
-    CDBSNVTType type;
-    EXPECT_EQ(type.ISNVType_ID(), "");
-    EXPECT_EQ(type.ISNVType_GenType(), "");
-    EXPECT_EQ(type.ISNVType_Length(), 0);
-    EXPECT_EQ(type.ISNVType_Factor(), 0);
-    EXPECT_EQ(type.ISNVType_Min(), "");
-    EXPECT_FALSE(type.ISNVType_HasField());
-    EXPECT_FALSE(type.IEnumType_IsEnumType());
-}
-
 TEST(CDBSNVTType, ResolvesEveryKeyOfANumericEntry) {
     const Resolved r = Resolve(kTemperature, "105");
     CDBSNVTType& t = *r.type;
@@ -311,27 +300,12 @@ TEST(CDBSNVTType, SettersChangeOneFieldEach) {
     const Resolved r = Resolve(kTemperature, "105");
     CDBSNVTType& t = *r.type;
     t.SetGenType("Enum");
-    t.SetLength(1);
-    t.SetEnumDesc("0,A;");
     t.SetMin("1,5");
-    t.SetMax("9");
-    EXPECT_EQ(t.ISNVType_GenType(), "Enum");
-    EXPECT_EQ(t.ISNVType_LUIType(), "Numeric");
-    EXPECT_EQ(t.ISNVType_Length(), 1);
-    EXPECT_EQ(t.ISNVType_EnumDesc(), "0,A;");
+    EXPECT_EQ(t.ISNVType_LUIType(), "Numeric") << "the family is set by a resolution only";
     EXPECT_EQ(t.ISNVType_Min(), "1.5") << "read through DecimalToDisplay";
-    EXPECT_EQ(t.ISNVType_Max(), "9");
     EXPECT_EQ(t.ISNVType_Units(), "degrees");
     t.IEnumType_EnumDesc("1,B;");
     EXPECT_EQ(t.ISNVType_EnumDesc(), "1,B;");
-    EXPECT_EQ(t.IEnumType_EnumDesc(), "1,B;");
-}
-
-TEST(CDBSNVTType, AStructHasNoFieldFlag) {
-    const Resolved r =
-        Resolve("<SNVT_8><TYPE>Struct</TYPE><Fields><a>1</a></Fields></SNVT_8>", "8");
-    EXPECT_FALSE(r.type->ISNVType_HasField());
-    EXPECT_EQ(r.type->ISNVType_LUIType(), "Invalid");
 }
 
 }  // namespace
