@@ -149,6 +149,14 @@ private:
     std::shared_ptr<CDBAppObject> block_;
 };
 
+// A block given its type and nothing more, for tests of the definition and its header.
+inline std::shared_ptr<CDBAppObject> InitBlock(const std::string& type) {
+    auto block = std::make_shared<CDBAppObject>();
+    int32_t errorCode = 0;
+    block->IAppObject_Init(type, errorCode);
+    return block;
+}
+
 // Construct, dictionary, type, short float setting, create: steps 1 to 5 of the host.
 inline HostedBlock CreateBlock(const std::string& type, bool manageShortFloat = false) {
     auto block = std::make_shared<CDBAppObject>();

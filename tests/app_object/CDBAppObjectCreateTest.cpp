@@ -24,8 +24,8 @@ using testing::HostedBlock;
 using ::testing::IsEmpty;
 using testing::Texts;
 
-// Every attribute's and input's position, by member name.
-std::map<std::string, int32_t> Positions(const CDBAppObject& block) {
+// Every attribute's and input's position as "name=position", ordered by name.
+std::string Positions(const CDBAppObject& block) {
     std::map<std::string, int32_t> positions;
     if (auto attributes = block.AttributesCollection()) {
         for (const auto& attribute : attributes->Members()) {
@@ -37,14 +37,18 @@ std::map<std::string, int32_t> Positions(const CDBAppObject& block) {
             positions[input->IInput_Name()] = input->IInput_CDBPosition();
         }
     }
-    return positions;
+    std::string text;
+    for (const auto& [name, position] : positions) {
+        text += (text.empty() ? "" : " ") + name + "=" + std::to_string(position);
+    }
+    return text;
 }
 
 struct LayoutRow {
     const char* type;
     std::vector<std::string> messages;
     int32_t cdbDimension;
-    std::map<std::string, int32_t> positions;
+    const char* positions;
 };
 
 class Layout : public ::testing::TestWithParam<LayoutRow> {};
@@ -70,49 +74,28 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // Two attributes share number 3 and follow the definition's order; the tool-only
         // Note's 9 does not count.
-        LayoutRow{"Worked",
-                  {},
-                  17,
-                  {{"Mode", 3},
-                   {"Setpoint", 4},
-                   {"Gain", 6},
-                   {"Trim", 10},
-                   {"Note", 0},
-                   {"Flow", 12},
-                   {"Level", 14}}},
+        LayoutRow{"Worked", {}, 17, "Flow=12 Gain=6 Level=14 Mode=3 Note=0 Setpoint=4 Trim=10"},
         LayoutRow{"WorkedDup",
                   {"WorkedDup: Duplicates CDBOrderinPosition in XML File: 3"},
                   14,
-                  {{"Mode", 3},
-                   {"Setpoint", 4},
-                   {"Gain", 6},
-                   {"Trim", 10},
-                   {"Note", 0},
-                   {"Flow", 12},
-                   {"Level", 0}}},
+                  "Flow=12 Gain=6 Level=0 Mode=3 Note=0 Setpoint=4 Trim=10"},
         LayoutRow{"WorkedGap",
                   {"WorkedGap: Missing CDBOrderinPosition in XML File: 4"},
                   12,
-                  {{"Mode", 3},
-                   {"Setpoint", 4},
-                   {"Gain", 6},
-                   {"Trim", 10},
-                   {"Note", 0},
-                   {"Flow", 0},
-                   {"Level", 0}}},
+                  "Flow=0 Gain=6 Level=0 Mode=3 Note=0 Setpoint=4 Trim=10"},
         LayoutRow{"BadSections",
                   {"Error: Problems in the InReferences section of the XML file of Bad sections ",
                    "Error: Problems in the OutReferences section of the XML file of Bad sections ",
                    "Error: Problems in the Attribute section of the XML file of Bad sections "},
                   6,
-                  {{"Mode", 3}, {"Flow", 4}}},
+                  "Flow=4 Mode=3"},
         LayoutRow{"AllToolOnly",
                   {"AllToolOnly: Missing CDBOrderinPosition in XML File: 1"},
                   3,
-                  {{"First", 0}, {"Second", 0}}},
-        LayoutRow{"OnlyOutputs", {}, 3, {}}, LayoutRow{"q_Empty", {}, 0, {{"Flow", 0}}},
-        LayoutRow{"ZeroOrders", {}, 4, {{"Zero", 0}, {"Negative", 0}, {"First", 3}}},
-        LayoutRow{"Sections", {}, 4, {{"Mode", 3}}}),
+                  "First=0 Second=0"},
+        LayoutRow{"OnlyOutputs", {}, 3, ""}, LayoutRow{"q_Empty", {}, 0, "Flow=0"},
+        LayoutRow{"ZeroOrders", {}, 4, "First=3 Negative=0 Zero=0"},
+        LayoutRow{"Sections", {}, 4, "Mode=3"}),
     [](const ::testing::TestParamInfo<LayoutRow>& info) { return info.param.type; });
 
 TEST(Create, ADuplicateMemberIsDroppedAndTheFirstStays) {
@@ -155,21 +138,6 @@ TEST(Create, ATypeWithoutDefinitionTellsOnceForEachSectionAndHasAnEmptyCdb) {
     EXPECT_EQ(block->IAppObject_CDBDimension(), 3);
 }
 
-TEST(Create, WidthsComeFromTheLongestNames) {
-    FixtureLibrary library;
-    ScopedMessageRecorder messages;
-
-    HostedBlock worked = CreateBlock("Worked");  // Flow, Level; Out1
-    HostedBlock outputsOnly = CreateBlock("OnlyOutputs");
-
-    EXPECT_EQ(worked->IAppObject_InputWidth(), 5);
-    worked->IAppObject_UserName("");
-    EXPECT_EQ(worked->IAppObject_Width(), 9);
-    EXPECT_EQ(outputsOnly->IAppObject_InputWidth(), 0);
-    outputsOnly->IAppObject_UserName("");
-    EXPECT_EQ(outputsOnly->IAppObject_Width(), 5);  // no inputs: no base width at all
-}
-
 TEST(Create, ShortFloatShortensTheFloatsThatDoNotKeepTheStandard) {
     FixtureLibrary library;
     ScopedMessageRecorder messages;
@@ -179,7 +147,7 @@ TEST(Create, ShortFloatShortensTheFloatsThatDoNotKeepTheStandard) {
 
     EXPECT_EQ(standard->IAppObject_CDBDimension(), 11);
     EXPECT_EQ(shortened->IAppObject_CDBDimension(), 9);
-    EXPECT_EQ(Positions(*shortened), (std::map<std::string, int32_t>{{"Gain", 3}, {"Ratio", 7}}));
+    EXPECT_EQ(Positions(*shortened), "Gain=3 Ratio=7");
 }
 
 TEST(Create, TheLastUnitSelectorGovernsTheDependentAttributes) {

@@ -16,18 +16,12 @@ namespace {
 
 using ::testing::ElementsAre;
 using testing::HeaderOnlyDefinition;
+using testing::InitBlock;
 using ::testing::IsEmpty;
 using testing::NotAvailableMessage;
 using testing::TempLibrary;
 using testing::Texts;
 using testing::UniqueTypeName;
-
-std::shared_ptr<CDBAppObject> InitBlock(const std::string& type) {
-    auto block = std::make_shared<CDBAppObject>();
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    return block;
-}
 
 TEST(DefinitionDocument, InitOfAMissingTypeTellsTheUserAndStillSucceeds) {
     TempLibrary library;
@@ -81,21 +75,6 @@ TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
     EXPECT_THAT(Texts(messages), IsEmpty());
 }
 
-TEST(DefinitionDocument, ATypeNameThatLeavesTheLibraryIsNotAvailable) {
-    TempLibrary library;
-    ScopedMessageRecorder messages;
-    const std::string type = UniqueTypeName("Outside");
-    // A well-formed definition one level above the library.
-    TempLibrary::WriteAt(library.Outside() / type / (type + ".xml"),
-                         HeaderOnlyDefinition("<NAME>Escaped</NAME>"));
-    const std::string escaping = "../" + type;
-
-    auto block = InitBlock(escaping);
-
-    EXPECT_EQ(block->IAppObject_Name(), "");
-    EXPECT_THAT(Texts(messages), ElementsAre(NotAvailableMessage(escaping)));
-}
-
 // ---- Header -----------------------------------------------------------------------------------
 
 TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
@@ -147,39 +126,31 @@ TEST(DefinitionHeader, LaterElementsOverwriteAndElementsWithoutTextAreSkipped) {
     EXPECT_EQ(block->IAppObject_MaxInstances(), 3);
 }
 
-struct NumberRow {
-    const char* text;
-    int32_t expected;
-};
-
 TEST(DefinitionHeader, NumbersAreLeadingNumbersRoundedHalfToEven) {
-    const NumberRow rows[] = {
+    struct Row {
+        const char* text;
+        int32_t expected;
+    };
+    TempLibrary library;
+    auto init = [&](const std::string& element, const std::string& text) {
+        const std::string type = UniqueTypeName("Number");
+        library.WriteDefinition(
+            type, HeaderOnlyDefinition("<" + element + ">" + text + "</" + element + ">"));
+        return InitBlock(type);
+    };
+    const Row numbers[] = {
         {"12.5", 12}, {"13.5", 14}, {"abc", 0},
         {" 7 kB", 7}, {"-2.5", -2}, {"1e3", 1000},
         {"&H10", 16}, {"1,5", 1},   {"2147483647", 2147483647},
     };
-    TempLibrary library;
-    for (const NumberRow& row : rows) {
-        SCOPED_TRACE(row.text);
-        const std::string type = UniqueTypeName("Number");
-        library.WriteDefinition(
-            type, HeaderOnlyDefinition(std::string("<RAMUSAGE>") + row.text + "</RAMUSAGE>"));
-        EXPECT_EQ(InitBlock(type)->IAppObject_DDBDimension(), row.expected);
+    for (const Row& row : numbers) {
+        EXPECT_EQ(init("RAMUSAGE", row.text)->IAppObject_DDBDimension(), row.expected) << row.text;
     }
-}
-
-TEST(DefinitionHeader, DeviceClockFollowsTheNumberNotTheWord) {
-    const struct {
-        const char* text;
-        bool expected;
-    } rows[] = {{"1", true}, {"-1", true}, {"true", false}, {"0", false}, {"0.4", false}};
-    TempLibrary library;
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        const std::string type = UniqueTypeName("Clock");
-        library.WriteDefinition(type, HeaderOnlyDefinition(std::string("<USEDEVICECLOCK>") +
-                                                           row.text + "</USEDEVICECLOCK>"));
-        EXPECT_EQ(InitBlock(type)->IAppObject_UsesDeviceClock(), row.expected);
+    // The device clock follows the number, not the word.
+    const Row clocks[] = {{"1", 1}, {"-1", 1}, {"true", 0}, {"0", 0}, {"0.4", 0}};
+    for (const Row& row : clocks) {
+        EXPECT_EQ(init("USEDEVICECLOCK", row.text)->IAppObject_UsesDeviceClock(), row.expected != 0)
+            << row.text;
     }
 }
 

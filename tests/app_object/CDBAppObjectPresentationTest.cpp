@@ -20,17 +20,11 @@ namespace {
 
 using ::testing::ElementsAre;
 using testing::HeaderOnlyDefinition;
+using testing::InitBlock;
 using ::testing::IsEmpty;
 using testing::TempLibrary;
 using testing::Texts;
 using testing::UniqueTypeName;
-
-std::shared_ptr<CDBAppObject> InitBlock(const std::string& type) {
-    auto block = std::make_shared<CDBAppObject>();
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    return block;
-}
 
 // ---- Colour ---------------------------------------------------------------------------------
 

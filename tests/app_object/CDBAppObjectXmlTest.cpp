@@ -107,19 +107,6 @@ TEST(ProjectXml, AValueThatLooksLikeTheNoTextMarkerIsWrittenAsText) {
     EXPECT_NE(Saved(*block).find("<UserName>NoTextField</UserName>"), std::string::npos);
 }
 
-TEST(ProjectXml, ATypeNameThatIsNoXmlNameRaisesAndWritesNothing) {
-    testing::TempLibrary library;
-    const std::string type = testing::UniqueTypeName("Bad name");
-    library.WriteDefinition(type, testing::HeaderOnlyDefinition("<NAME>Bad</NAME>"));
-    HostedBlock block = CreateBlock(type);
-    pugi::xml_document project;
-    pugi::xml_node blocks = project.append_child("Blocks");
-
-    EXPECT_THROW(block->IAppObject_XmlSave(blocks, project), Error);
-    EXPECT_THROW(block->IAppObject_XMLSaveSim(blocks, project), Error);
-    EXPECT_FALSE(blocks.first_child());
-}
-
 TEST(LeanXml, BothFormsWriteTheKeyAndNoCanvasOrImage) {
     FixtureLibrary library;
     HostedBlock block = WorkedFan();

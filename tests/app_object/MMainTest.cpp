@@ -135,15 +135,6 @@ TEST(AppendElement, RefusesAnInvalidNameWithoutTouchingTheTree) {
     EXPECT_FALSE(root.first_child());
 }
 
-TEST(AppendAttributeElement, AddsOneAttribute) {
-    pugi::xml_document doc;
-    pugi::xml_node root = doc.append_child("Root");
-    pugi::xml_node element = AppendAttributeElement(doc, root, "Output", "IsDisplayable", "1");
-    EXPECT_EQ(root.first_child(), element);
-    EXPECT_STREQ(element.attribute("IsDisplayable").value(), "1");
-    EXPECT_FALSE(element.first_child());
-}
-
 // ---- Decimal separator -------------------------------------------------------------------
 
 TEST(DecimalSeparator, FollowsTheNumericLocaleOnDetection) {
@@ -354,19 +345,6 @@ TEST(TextHelpers, FoldAsciiOnlyTrimBlanksAndCountCodePoints) {
     EXPECT_EQ(CharCount("\xC3\xA4\xE2\x82\xAC\xF0\x9F\x98\x80"), 3);  // ä € and an emoji
     EXPECT_EQ(BoolDigit(true), "1");
     EXPECT_EQ(BoolDigit(false), "0");
-}
-
-// ---- Process-wide dictionary ---------------------------------------------------------------
-
-TEST(SnvtDictionary, IsOneReferenceForTheProcess) {
-    auto first = std::make_shared<pugi::xml_document>();
-    SetSnvtDictionary(first);
-    EXPECT_EQ(SnvtDictionary(), first);
-    auto second = std::make_shared<pugi::xml_document>();
-    SetSnvtDictionary(second);
-    EXPECT_EQ(SnvtDictionary(), second);
-    SetSnvtDictionary(nullptr);
-    EXPECT_EQ(SnvtDictionary(), nullptr);
 }
 
 // ---- Skip mode -----------------------------------------------------------------------------

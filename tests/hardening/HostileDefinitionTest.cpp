@@ -272,6 +272,7 @@ TEST_F(HostileDefinitionTest, TypeNameThatIsNoXmlNameSavesNothing) {
     pugi::xml_document document;
     pugi::xml_node project = document.append_child("Project");
     EXPECT_THROW(block->IAppObject_XmlSave(project, document), Error);
+    EXPECT_THROW(block->IAppObject_XMLSaveSim(project, document), Error);
     EXPECT_FALSE(project.first_child());
     block->IAppObject_Destroy();
 }
