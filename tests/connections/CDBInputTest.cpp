@@ -62,10 +62,10 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         bool mandatory;
         bool visible;
         int32_t order;
-        std::vector<std::string> compatibles;
+        std::vector<std::string> compatibles = {};
     };
     const Row rows[] = {
-        {"<In/>", false, false, false, false, 0, {}},
+        {"<In/>", false, false, false, false, 0},
         // Flags by presence: the value is never read.
         {R"(<In ISEXTENDED="0" TYPEDEPENDENT="false"/>)", true, true, false, false, 0, {}},
         {R"(<In isExtended=""/>)", true, false, false, false, 0, {}},
@@ -74,42 +74,6 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         {"<In><Mandatory>x1</Mandatory></In>", false, false, false, false, 0, {}},
         {"<In><visible>-1</visible></In>", false, false, false, true, 0, {}},
         {"<In><VISIBLE>1</VISIBLE><VISIBLE>0</VISIBLE></In>", false, false, false, false, 0, {}},
-        {"<In><CDBORDERINPOSITION>2.5</CDBORDERINPOSITION></In>",
-         false,
-         false,
-         false,
-         false,
-         2,
-         {}},
-        {"<In><CDBORDERINPOSITION>3.5</CDBORDERINPOSITION></In>",
-         false,
-         false,
-         false,
-         false,
-         4,
-         {}},
-        {"<In><CDBORDERINPOSITION> 7 bytes</CDBORDERINPOSITION></In>",
-         false,
-         false,
-         false,
-         false,
-         7,
-         {}},
-        {"<In><CDBORDERINPOSITION>&amp;H10</CDBORDERINPOSITION></In>",
-         false,
-         false,
-         false,
-         false,
-         16,
-         {}},
-        {"<In><CDBORDERINPOSITION>4</CDBORDERINPOSITION><CDBORDERINPOSITION>9</CDBORDERINPOSITION>"
-         "</In>",
-         false,
-         false,
-         false,
-         false,
-         9,
-         {}},
         // Repeated lists add up; an id that is there already is passed over.
         {"<In><SNVTCOMPATIBILITYLIST>105,106</SNVTCOMPATIBILITYLIST>"
          "<snvtCompatibilityList>107,105</snvtCompatibilityList></In>",
@@ -119,16 +83,21 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
          false,
          0,
          {"105", "106", "107"}},
+        // The order is a leading number rounded half to even; the last element wins.
+        {"<In><CDBORDERINPOSITION>2.5</CDBORDERINPOSITION></In>", false, false, false, false, 2},
+        {"<In><CDBORDERINPOSITION>3.5</CDBORDERINPOSITION></In>", false, false, false, false, 4},
+        {"<In><CDBORDERINPOSITION> 7 bytes</CDBORDERINPOSITION></In>", false, false, false, false,
+         7},
+        {"<In><CDBORDERINPOSITION>&amp;H10</CDBORDERINPOSITION></In>", false, false, false, false,
+         16},
+        {"<In><CDBORDERINPOSITION>4</CDBORDERINPOSITION><CDBORDERINPOSITION>9</CDBORDERINPOSITION>"
+         "</In>",
+         false, false, false, false, 9},
         // Children are matched by their local name; comments and unknown children are passed
         // by, even ones that hold no text.
         {R"(<In xmlns:d="urn:d"><d:VISIBLE>1</d:VISIBLE></In>)", false, false, false, true, 0, {}},
-        {"<In><!--<VISIBLE>1</VISIBLE>--><Other/><Note>x</Note></In>",
-         false,
-         false,
-         false,
-         false,
-         0,
-         {}},
+        {"<In><!--<VISIBLE>1</VISIBLE>--><Other/><Note>x</Note></In>", false, false, false, false,
+         0},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.xml);
@@ -222,24 +191,6 @@ TEST_F(InputTest, TypeChangeOfAnInputThatDoesNotFollowTheSelectorDoesNothing) {
     input->IInput_changeType("105");
     EXPECT_THAT(CompatibleIds(*input), ElementsAre("1", "2"));
     EXPECT_THAT(listener->Calls(), IsEmpty());
-}
-
-TEST_F(InputTest, ListenersAreServedByRegistrationAndATwiceRegisteredOneHearsTwice) {
-    auto input = Load(R"(<In TYPEDEPENDENT=""/>)");
-    input->IInput_changeType("105");  // no listener yet: nothing to tell, nothing fails
-    auto journal = std::make_shared<CallJournal>();
-    auto once = std::make_shared<RecordingListener>("once", journal);
-    auto twice = std::make_shared<RecordingListener>("twice", journal);
-    input->IInput_CallBack(twice);
-    input->IInput_CallBack(once);
-    input->IInput_CallBack(twice);
-    input->IInput_changeType("106");
-    EXPECT_THAT(
-        journal->Lines(),
-        ElementsAre("twice ConnectionToBeDeleted(K\\RIN\\In)", "twice RefInTypeChanged(K\\RIN\\In)",
-                    "once ConnectionToBeDeleted(K\\RIN\\In)", "once RefInTypeChanged(K\\RIN\\In)",
-                    "twice ConnectionToBeDeleted(K\\RIN\\In)",
-                    "twice RefInTypeChanged(K\\RIN\\In)"));
 }
 
 TEST_F(InputTest, AListenerErrorReachesTheCallerOfTheTypeChange) {
