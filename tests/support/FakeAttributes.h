@@ -22,19 +22,20 @@
 
 namespace zerbin::testing {
 
+// Answers its name and value; every other read answers nothing.
 struct FakeAttribute : IAttribute {
     explicit FakeAttribute(std::string attributeName = {}) : name(std::move(attributeName)) {}
 
-    std::shared_ptr<IAppObject> IAttribute_Parent() override { return parent; }
-    bool IAttribute_Visible() override { return visible; }
+    std::shared_ptr<IAppObject> IAttribute_Parent() override { return nullptr; }
+    bool IAttribute_Visible() override { return true; }
     void IAttribute_SetValue() override {}
     bool IAttribute_IsUnit() override { return false; }
-    std::string IAttribute_Description() override { return description; }
+    std::string IAttribute_Description() override { return {}; }
     std::string IAttribute_Value() override { return value; }
     std::string IAttribute_DispValue() override { return value; }
-    std::string IAttribute_DispMin() override { return min; }
-    std::string IAttribute_DispMax() override { return max; }
-    std::string IAttribute_DispDefault() override { return defaultValue; }
+    std::string IAttribute_DispMin() override { return {}; }
+    std::string IAttribute_DispMax() override { return {}; }
+    std::string IAttribute_DispDefault() override { return {}; }
     // Records the text, then throws when failsOnWrite is set (the value stays written).
     void IAttribute_Value(std::string Text) override {
         writes.push_back(Text);
@@ -45,17 +46,15 @@ struct FakeAttribute : IAttribute {
     }
     std::string IAttribute_Name() override { return name; }
     int32_t IAttribute_NodeType() override { return 9; }
-    std::string IAttribute_GlobalKey() override { return globalKey; }
-    std::shared_ptr<ISNVType> IAttribute_SNVTType() override { return snvtType; }
-    void IAttribute_BackToDefault() override { IAttribute_Value(defaultValue); }
-    std::string IAttribute_DefaultValue() override { return defaultValue; }
-    std::string IAttribute_Tag() override { return tag; }
-    void IAttribute_Tag(std::string v) override { tag = std::move(v); }
-    std::shared_ptr<IFields> IAttribute_Fields() override { return fields; }
-    void IAttribute_CallBack(std::shared_ptr<IcbkAppObject> v) override {
-        callBacks.push_back(std::move(v));
-    }
-    int32_t IAttribute_CDBPosition() override { return cdbPosition; }
+    std::string IAttribute_GlobalKey() override { return {}; }
+    std::shared_ptr<ISNVType> IAttribute_SNVTType() override { return nullptr; }
+    void IAttribute_BackToDefault() override { IAttribute_Value({}); }
+    std::string IAttribute_DefaultValue() override { return {}; }
+    std::string IAttribute_Tag() override { return {}; }
+    void IAttribute_Tag(std::string) override {}
+    std::shared_ptr<IFields> IAttribute_Fields() override { return nullptr; }
+    void IAttribute_CallBack(std::shared_ptr<IcbkAppObject>) override {}
+    int32_t IAttribute_CDBPosition() override { return 0; }
     bool IAttribute_ToolOnly() override { return false; }
     bool IAttribute_IsDeviceDependent() override { return false; }
     bool IAttribute_IsUnitDependent() override { return false; }
@@ -63,28 +62,15 @@ struct FakeAttribute : IAttribute {
     bool IAttribute_IsKeepFloatStandard() override { return false; }
     int32_t IAttribute_DividedBy() override { return 1; }
     bool IAttribute_IsType() override { return false; }
-    std::string IAttribute_Min() override { return min; }
-    std::string IAttribute_Max() override { return max; }
-    std::string IAttribute_ExtendedKey() override { return extendedKey; }
+    std::string IAttribute_Min() override { return {}; }
+    std::string IAttribute_Max() override { return {}; }
+    std::string IAttribute_ExtendedKey() override { return {}; }
     bool IAttribute_IsMacroConnected() override { return false; }
 
     std::string name;
     std::string value;
     std::vector<std::string> writes;  // every text written through IAttribute_Value
     bool failsOnWrite = false;
-    std::string defaultValue;
-    std::string description;
-    std::string min;
-    std::string max;
-    std::string tag;
-    std::string globalKey;
-    std::string extendedKey;
-    int32_t cdbPosition = 0;
-    bool visible = true;
-    std::shared_ptr<IAppObject> parent;
-    std::shared_ptr<ISNVType> snvtType;
-    std::shared_ptr<IFields> fields;
-    std::vector<std::shared_ptr<IcbkAppObject>> callBacks;
 };
 
 // Looks members up as the real collection does: by key without regard to case, then by
@@ -105,13 +91,11 @@ struct FakeAttributes : IAttributes {
     std::vector<std::shared_ptr<IAttribute>> IAttributes_NewEnum() override {
         return {items.Items().begin(), items.Items().end()};
     }
-    std::string IAttributes_GlobalKey() override { return globalKey; }
-    std::string IAttributes_ExtendedKey() override { return extendedKey; }
+    std::string IAttributes_GlobalKey() override { return {}; }
+    std::string IAttributes_ExtendedKey() override { return {}; }
 
     KeyedCollection<FakeAttribute> items;
     std::vector<std::string> asked;  // every key given to IAttributes_Item
-    std::string globalKey;
-    std::string extendedKey;
 };
 
 }  // namespace zerbin::testing

@@ -29,12 +29,16 @@ inline void FailIf(bool fails) {
     }
 }
 
+// The answer of a host call that fails when asked to.
+template <class T>
+T Answer(bool fails, const T& value) {
+    FailIf(fails);
+    return value;
+}
+
 struct FakeMacroTerminal : IMacroTerminal {
     explicit FakeMacroTerminal(std::string key = {}) : itemKey(std::move(key)) {}
-    std::string ItemKey() override {
-        FailIf(fails);
-        return itemKey;
-    }
+    std::string ItemKey() override { return Answer(fails, itemKey); }
     std::string itemKey;
     bool fails = false;
 };
@@ -47,10 +51,7 @@ struct FakeMacroTerminals : IMacroTerminals {
         }
         return list;
     }
-    int32_t Count() override {
-        FailIf(fails);
-        return static_cast<int32_t>(terminals.size());
-    }
+    int32_t Count() override { return Answer(fails, static_cast<int32_t>(terminals.size())); }
     // nullptr outside 1 to Count(); positions asked for are kept in `asked`.
     std::shared_ptr<IMacroTerminal> Item(int32_t position) override {
         asked.push_back(position);
@@ -65,52 +66,29 @@ struct FakeMacroTerminals : IMacroTerminals {
     bool fails = false;
 };
 
-struct FakeMacroAttributeGroup : IMacroAttributeGroup {
-    static std::shared_ptr<FakeMacroAttributeGroup> WithKeys(const std::vector<std::string>& keys) {
-        auto group = std::make_shared<FakeMacroAttributeGroup>();
+// A group that holds a list of terminals; Self is the double that derives from it.
+template <class Self, class Interface>
+struct FakeTerminalGroup : Interface {
+    static std::shared_ptr<Self> WithKeys(const std::vector<std::string>& keys) {
+        auto group = std::make_shared<Self>();
         group->terminals = FakeMacroTerminals::WithKeys(keys);
         return group;
     }
-    std::shared_ptr<IMacroTerminals> Terminals() override {
-        FailIf(fails);
-        return terminals;
-    }
+    std::shared_ptr<IMacroTerminals> Terminals() override { return Answer(fails, terminals); }
     std::shared_ptr<FakeMacroTerminals> terminals;
     bool fails = false;
 };
 
-struct FakeMacroFieldGroup : IMacroFieldGroup {
-    static std::shared_ptr<FakeMacroFieldGroup> WithKeys(const std::vector<std::string>& keys) {
-        auto group = std::make_shared<FakeMacroFieldGroup>();
-        group->terminals = FakeMacroTerminals::WithKeys(keys);
-        return group;
-    }
-    std::shared_ptr<IMacroTerminals> Terminals() override {
-        FailIf(fails);
-        return terminals;
-    }
-    std::shared_ptr<FakeMacroTerminals> terminals;
-    bool fails = false;
+struct FakeMacroAttributeGroup : FakeTerminalGroup<FakeMacroAttributeGroup, IMacroAttributeGroup> {
 };
+struct FakeMacroFieldGroup : FakeTerminalGroup<FakeMacroFieldGroup, IMacroFieldGroup> {};
 
 // An input group; it also answers as the holder of field groups, as the host's does.
-struct FakeMacroInputGroup : IMacroInputGroup, IMacroInputFields {
-    static std::shared_ptr<FakeMacroInputGroup> WithKeys(const std::vector<std::string>& keys) {
-        auto group = std::make_shared<FakeMacroInputGroup>();
-        group->terminals = FakeMacroTerminals::WithKeys(keys);
-        return group;
-    }
-    std::shared_ptr<IMacroTerminals> Terminals() override {
-        FailIf(fails);
-        return terminals;
-    }
-    bool HasFields() override {
-        FailIf(fails);
-        return hasFields;
-    }
+struct FakeMacroInputGroup : FakeTerminalGroup<FakeMacroInputGroup, IMacroInputGroup>,
+                             IMacroInputFields {
+    bool HasFields() override { return Answer(fails, hasFields); }
     std::vector<std::shared_ptr<IObject>> Fields() override {
-        FailIf(fails || failsFields);
-        return fields;
+        return Answer(fails || failsFields, fields);
     }
     // Adds a field group and sets hasFields.
     std::shared_ptr<FakeMacroFieldGroup> AddFieldGroup(const std::vector<std::string>& keys) {
@@ -119,11 +97,9 @@ struct FakeMacroInputGroup : IMacroInputGroup, IMacroInputFields {
         hasFields = true;
         return group;
     }
-    std::shared_ptr<FakeMacroTerminals> terminals;
     bool hasFields = false;
     std::vector<std::shared_ptr<IObject>> fields;  // normally FakeMacroFieldGroup
-    bool fails = false;
-    bool failsFields = false;  // only Fields() throws
+    bool failsFields = false;                      // only Fields() throws
 };
 
 struct FakeMacroOutputGroup : IMacroOutputGroup {
@@ -132,10 +108,7 @@ struct FakeMacroOutputGroup : IMacroOutputGroup {
         group->terminal = std::make_shared<FakeMacroTerminal>(key);
         return group;
     }
-    std::shared_ptr<IMacroTerminal> Terminal() override {
-        FailIf(fails);
-        return terminal;
-    }
+    std::shared_ptr<IMacroTerminal> Terminal() override { return Answer(fails, terminal); }
     std::shared_ptr<FakeMacroTerminal> terminal;  // may stay nullptr
     bool fails = false;
 };
@@ -143,14 +116,8 @@ struct FakeMacroOutputGroup : IMacroOutputGroup {
 struct FakeConnection : IConnection {
     FakeConnection(std::shared_ptr<IObject> from, std::shared_ptr<IObject> to)
         : source(std::move(from)), target(std::move(to)) {}
-    std::shared_ptr<IObject> Source() override {
-        FailIf(fails);
-        return source;
-    }
-    std::shared_ptr<IObject> Target() override {
-        FailIf(fails);
-        return target;
-    }
+    std::shared_ptr<IObject> Source() override { return Answer(fails, source); }
+    std::shared_ptr<IObject> Target() override { return Answer(fails, target); }
     std::shared_ptr<IObject> source;
     std::shared_ptr<IObject> target;
     bool fails = false;
@@ -158,24 +125,17 @@ struct FakeConnection : IConnection {
 
 struct FakeMacro : IMacro {
     std::vector<std::shared_ptr<IMacroAttributeGroup>> AttributeGroups() override {
-        FailIf(fails);
-        return attributeGroups;
+        return Answer(fails, attributeGroups);
     }
     std::vector<std::shared_ptr<IMacroInputGroup>> InputGroups() override {
-        FailIf(fails);
-        return inputGroups;
+        return Answer(fails, inputGroups);
     }
     std::vector<std::shared_ptr<IMacroOutputGroup>> OutputGroups() override {
-        FailIf(fails);
-        return outputGroups;
+        return Answer(fails, outputGroups);
     }
-    std::vector<std::shared_ptr<IObject>> Members() override {
-        FailIf(fails);
-        return members;
-    }
+    std::vector<std::shared_ptr<IObject>> Members() override { return Answer(fails, members); }
     std::optional<std::vector<std::shared_ptr<IConnection>>> Connections() override {
-        FailIf(fails);
-        return connections;
+        return Answer(fails, connections);
     }
     std::vector<std::shared_ptr<IMacroAttributeGroup>> attributeGroups;
     std::vector<std::shared_ptr<IMacroInputGroup>> inputGroups;
@@ -186,10 +146,7 @@ struct FakeMacro : IMacro {
 };
 
 struct FakeTopObject : ITopObject {
-    std::shared_ptr<IMacro> RootMacro() override {
-        FailIf(fails);
-        return rootMacro;
-    }
+    std::shared_ptr<IMacro> RootMacro() override { return Answer(fails, rootMacro); }
     std::shared_ptr<IMacro> rootMacro;
     bool fails = false;
 };
@@ -202,14 +159,8 @@ struct FakeMacroHost : IMacroHost, IHostContainer {
         host->macro = std::move(m);
         return host;
     }
-    std::shared_ptr<IMacro> Macro() override {
-        FailIf(fails);
-        return macro;
-    }
-    std::shared_ptr<IObject> TopObject() override {
-        FailIf(fails);
-        return topObject;
-    }
+    std::shared_ptr<IMacro> Macro() override { return Answer(fails, macro); }
+    std::shared_ptr<IObject> TopObject() override { return Answer(fails, topObject); }
     std::shared_ptr<IMacro> macro;
     std::shared_ptr<IObject> topObject;  // normally a FakeTopObject
     bool fails = false;

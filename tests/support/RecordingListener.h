@@ -61,6 +61,8 @@ private:
 };
 
 class RecordingListener : public IcbkAppObject {
+    using Key = const std::string&;
+
 public:
     explicit RecordingListener(std::string name = "listener",
                                std::shared_ptr<CallJournal> journal = nullptr)
@@ -93,66 +95,33 @@ public:
     void FailOn(std::string operation) { failOn_ = std::move(operation); }
 
     void IcbkAppObject_Created() override { Hear("Created", {}); }
-    void IcbkAppObject_CDBChanged(int32_t ExtraCDBLen, int32_t ExtraDDBLen,
-                                  int32_t ExtraSDBLen) override {
-        Hear("CDBChanged", {std::to_string(ExtraCDBLen), std::to_string(ExtraDDBLen),
-                            std::to_string(ExtraSDBLen)});
+    void IcbkAppObject_CDBChanged(int32_t cdb, int32_t ddb, int32_t sdb) override {
+        Hear("CDBChanged", {std::to_string(cdb), std::to_string(ddb), std::to_string(sdb)});
     }
     void IcbkAppObject_Destroied() override { Hear("Destroied", {}); }
-    void IcbkAppObject_AttributeChanged(const std::string& GlobalKey) override {
-        Hear("AttributeChanged", {GlobalKey});
+    void IcbkAppObject_AttributeChanged(Key k) override { Hear("AttributeChanged", {k}); }
+    void IcbkAppObject_AppObjectUserNameChanged(Key k) override {
+        Hear("AppObjectUserNameChanged", {k});
     }
-    void IcbkAppObject_AppObjectUserNameChanged(const std::string& GlobalKey) override {
-        Hear("AppObjectUserNameChanged", {GlobalKey});
-    }
-    void IcbkAppObject_NVNameChanged(const std::string& GlobalKey,
-                                     const std::string& NewName) override {
-        Hear("NVNameChanged", {GlobalKey, NewName});
-    }
-    void IcbkAppObject_CPNameChanged(const std::string& GlobalKey,
-                                     const std::string& NewName) override {
-        Hear("CPNameChanged", {GlobalKey, NewName});
-    }
-    void IcbkAppObject_NVTypeChanged(const std::string& GlobalKey) override {
-        Hear("NVTypeChanged", {GlobalKey});
-    }
-    void IcbkAppObject_CPTypeChanged(const std::string& GlobalKey) override {
-        Hear("CPTypeChanged", {GlobalKey});
-    }
-    void IcbkAppObject_RefInTypeChanged(const std::string& GlobalKey) override {
-        Hear("RefInTypeChanged", {GlobalKey});
-    }
-    void IcbkAppObject_RefInAdded(const std::string& GlobalKey) override {
-        Hear("RefInAdded", {GlobalKey});
-    }
-    void IcbkAppObject_RefInRemoved(const std::string& GlobalKey) override {
-        Hear("RefInRemoved", {GlobalKey});
-    }
-    void IcbkAppObject_RefOutAdded(const std::string& GlobalKey) override {
-        Hear("RefOutAdded", {GlobalKey});
-    }
-    void IcbkAppObject_RefOutRemoved(const std::string& GlobalKey) override {
-        Hear("RefOutRemoved", {GlobalKey});
-    }
-    void IcbkAppObject_RefOutTypeChanged(const std::string& GlobalKey) override {
-        Hear("RefOutTypeChanged", {GlobalKey});
-    }
+    void IcbkAppObject_NVNameChanged(Key k, Key n) override { Hear("NVNameChanged", {k, n}); }
+    void IcbkAppObject_CPNameChanged(Key k, Key n) override { Hear("CPNameChanged", {k, n}); }
+    void IcbkAppObject_NVTypeChanged(Key k) override { Hear("NVTypeChanged", {k}); }
+    void IcbkAppObject_CPTypeChanged(Key k) override { Hear("CPTypeChanged", {k}); }
+    void IcbkAppObject_RefInTypeChanged(Key k) override { Hear("RefInTypeChanged", {k}); }
+    void IcbkAppObject_RefInAdded(Key k) override { Hear("RefInAdded", {k}); }
+    void IcbkAppObject_RefInRemoved(Key k) override { Hear("RefInRemoved", {k}); }
+    void IcbkAppObject_RefOutAdded(Key k) override { Hear("RefOutAdded", {k}); }
+    void IcbkAppObject_RefOutRemoved(Key k) override { Hear("RefOutRemoved", {k}); }
+    void IcbkAppObject_RefOutTypeChanged(Key k) override { Hear("RefOutTypeChanged", {k}); }
     void IcbkAppObject_ConnectionDeleted() override { Hear("ConnectionDeleted", {}); }
-    void IcbkAppObject_ConnectionToBeDeleted(const std::string& ConnectionKey) override {
-        Hear("ConnectionToBeDeleted", {ConnectionKey});
+    void IcbkAppObject_ConnectionToBeDeleted(Key k) override { Hear("ConnectionToBeDeleted", {k}); }
+    void IcbkAppObject_RefOutAddedBefore(Key k, Key b) override {
+        Hear("RefOutAddedBefore", {k, b});
     }
-    void IcbkAppObject_RefOutAddedBefore(const std::string& GlobalKey,
-                                         const std::string& BeforeKey) override {
-        Hear("RefOutAddedBefore", {GlobalKey, BeforeKey});
-    }
-    void IcbkAppObject_RefreshObj(const std::string& GlobalKey) override {
-        Hear("RefreshObj", {GlobalKey});
-    }
+    void IcbkAppObject_RefreshObj(Key k) override { Hear("RefreshObj", {k}); }
     void IcbkAppObject_NumObjectsChanged() override { Hear("NumObjectsChanged", {}); }
     void IcbkAppObject_AvailableDimsChanged() override { Hear("AvailableDimsChanged", {}); }
-    void IcbkAppObject_RemoveGatewayObject(const std::string& sRemovedKey) override {
-        Hear("RemoveGatewayObject", {sRemovedKey});
-    }
+    void IcbkAppObject_RemoveGatewayObject(Key k) override { Hear("RemoveGatewayObject", {k}); }
     void IcbkAppObject_LoadGatewayDevices() override { Hear("LoadGatewayDevices", {}); }
     std::shared_ptr<IObject> IcbkAppObject_Gateways() override {
         Hear("Gateways", {});
