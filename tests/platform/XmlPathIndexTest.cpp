@@ -44,6 +44,7 @@ struct Row {
     const char* expected;
 };
 
+// Each row is asked of the walk and of the index alike.
 TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
     const Row rows[] = {
         {"", "A/B", "A1/B"},
@@ -84,6 +85,7 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
         EXPECT_EQ(Tag(index.FindFirst(row.path)), row.expected);
         EXPECT_EQ(Tag(FindFirst(root, row.path)), row.expected);
     }
+    EXPECT_EQ(Tag(FindFirst(pugi::xml_node(), "A")), "-");
 }
 
 // The definitions and dictionaries of the fixtures hold every shape the component reads: ask
@@ -121,7 +123,7 @@ TEST(PathIndex, AgreesWithTheWalkOnEveryPathOfTheFixtureDocuments) {
     EXPECT_GT(documents, 5);
 }
 
-TEST(PathIndex, IndexesDocumentsNestedAHundredThousandDeep) {
+TEST(PathIndex, WalkAndIndexTakeDocumentsNestedAHundredThousandDeep) {
     constexpr int kDepth = 100000;
     std::string text;
     text.reserve(kDepth * 8 + 64);
@@ -136,6 +138,8 @@ TEST(PathIndex, IndexesDocumentsNestedAHundredThousandDeep) {
     ASSERT_NE(doc, nullptr);
     const PathIndex index(*doc);
     EXPECT_EQ(Tag(index.FindFirst("n/n/SNVTS/SNVT_1")), "leaf");
+    EXPECT_EQ(Tag(FindFirst(*doc, "n/n/SNVTS/SNVT_1")), "leaf");
+    EXPECT_EQ(Tag(FindFirst(*doc, "SNVTS/SNVT_2")), "-");
     EXPECT_EQ(Tag(index.FindFirst("SNVTS/SNVT_2")), "-");
     EXPECT_EQ(index.FindFirst("n/n/n"), doc->first_child().first_child().first_child());
 }

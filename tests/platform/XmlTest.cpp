@@ -75,66 +75,6 @@ TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
     std::filesystem::remove_all(dir);
 }
 
-// ---- Path lookup ---------------------------------------------------------------------------
-
-TEST(FindFirst, FindsTheFirstMatchInDocumentOrderAtAnyDepth) {
-    auto doc = Load(
-        "<Root>"
-        "  <Other><SNVT_105 n='not under SNVTS'/></Other>"
-        "  <Deep><Deeper><SNVTS><SNVT_105 n='first'/></SNVTS></Deeper></Deep>"
-        "  <SNVTS><SNVT_105 n='second'/></SNVTS>"
-        "</Root>");
-    EXPECT_STREQ(FindFirst(*doc, "SNVTS/SNVT_105").attribute("n").value(), "first");
-    EXPECT_STREQ(FindFirst(*doc, "SNVT_105").attribute("n").value(), "not under SNVTS");
-    EXPECT_STREQ(FindFirst(*doc, "Root/SNVTS/SNVT_105").attribute("n").value(), "second");
-    EXPECT_STREQ(FindFirst(*doc, "Deeper/SNVTS/SNVT_105").attribute("n").value(), "first");
-}
-
-TEST(FindFirst, MatchesNamesExactlyAndOnlyBelowTheRoot) {
-    auto doc = Load(
-        "<AppObject><Attributes><A/></Attributes><Header><ID>7</ID></Header>"
-        "</AppObject>");
-    const pugi::xml_node header = FindFirst(*doc, "AppObject/Header");
-    struct Row {
-        pugi::xml_node root;
-        const char* path;
-        bool found;
-    };
-    const Row rows[] = {
-        {*doc, "AppObject/Header/ID", true},
-        {*doc, "appobject/Header", false},  // case counts
-        {*doc, "Header/Attributes", false},
-        {*doc, "Attributes/ID", false},  // partial path mismatch
-        {*doc, "Missing/ID", false},
-        {*doc, "", false},
-        {*doc, "AppObject//ID", false},
-        {*doc, "/ID", false},
-        {header, "ID", true},
-        {header, "Header/ID", false},  // the root itself is not part of a match
-        {pugi::xml_node(), "ID", false},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(static_cast<bool>(FindFirst(row.root, row.path)), row.found) << row.path;
-    }
-}
-
-TEST(FindFirst, WalksDocumentsNestedAHundredThousandDeep) {
-    constexpr int kDepth = 100000;
-    std::string text;
-    text.reserve(kDepth * 8 + 32);
-    for (int i = 0; i < kDepth; ++i) {
-        text += "<n>";
-    }
-    text += "<SNVTS><SNVT_1>x</SNVT_1></SNVTS>";
-    for (int i = 0; i < kDepth; ++i) {
-        text += "</n>";
-    }
-    auto doc = Load(text);
-    ASSERT_NE(doc, nullptr);
-    EXPECT_EQ(FirstChildText(FindFirst(*doc, "SNVTS/SNVT_1")), "x");
-    EXPECT_FALSE(FindFirst(*doc, "SNVTS/SNVT_2"));
-}
-
 // ---- Node kinds, names, text ---------------------------------------------------------------
 
 TEST(XmlNodes, TellKindsAndLocalNames) {
