@@ -18,14 +18,16 @@ inline std::filesystem::path FixturesDir() {
 
 // Switches LC_NUMERIC to a locale whose decimal separator is a comma for its lifetime, and
 // detects the separator after each switch so DecimalSeparator() follows. When no such locale
-// is installed nothing changes and Active() is false; use ZERBIN_REQUIRE_COMMA_LOCALE.
+// is installed nothing changes and Active() is false; use ZERBIN_REQUIRE_COMMA_LOCALE. Given
+// comma = false it switches to "C" instead, so that a test can run under both separators.
 class ScopedLocale {
 public:
-    ScopedLocale() {
+    explicit ScopedLocale(bool comma = true) {
         const char* current = std::setlocale(LC_NUMERIC, nullptr);
         previous_ = current != nullptr ? current : "C";
-        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE"}) {
-            if (std::setlocale(LC_NUMERIC, name) != nullptr) {
+        for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "C"}) {
+            if ((std::string(name) == "C") == !comma &&
+                std::setlocale(LC_NUMERIC, name) != nullptr) {
                 active_ = true;
                 break;
             }
@@ -55,3 +57,8 @@ private:
             GTEST_SKIP() << "locale de_DE.UTF-8 is not installed (.ci/install makes it)"; \
         }                                                                                 \
     } while (false)
+
+// The comma separator in force when comma is set, else the point.
+#define ZERBIN_SEPARATOR_FOR(comma, name)          \
+    ::zerbin::testing::ScopedLocale name((comma)); \
+    ZERBIN_REQUIRE_COMMA_LOCALE(name)

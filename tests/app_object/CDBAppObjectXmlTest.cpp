@@ -220,12 +220,7 @@ class PositionLoad : public ::testing::TestWithParam<PositionRow> {};
 
 TEST_P(PositionLoad, ReadsEitherSeparator) {
     const PositionRow& row = GetParam();
-    testing::ScopedLocale comma;
-    if (row.comma) {
-        ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-    } else {
-        std::setlocale(LC_NUMERIC, "C");
-    }
+    ZERBIN_SEPARATOR_FOR(row.comma, locale);
     auto block = std::make_shared<CDBAppObject>();  // detects the separator
     block->IAppObject_XPosition(7);
     block->IAppObject_YPosition(7);
@@ -361,12 +356,7 @@ void PrintTo(const BlockState& state, std::ostream* out) {
 class SaveThenLoad : public ::testing::TestWithParam<bool> {};
 
 TEST_P(SaveThenLoad, GivesBackTheSameBlockImageAndXml) {
-    testing::ScopedLocale comma;
-    if (GetParam()) {
-        ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-    } else {
-        std::setlocale(LC_NUMERIC, "C");
-    }
+    ZERBIN_SEPARATOR_FOR(GetParam(), locale);
     FixtureLibrary library;
     ScopedMessageRecorder messages;
     ValueGenerator values(GetParam() ? 20261123u : 5318008u);

@@ -118,12 +118,8 @@ constexpr EncodeRow kEdgeCases[] = {
 };
 
 // Switches to the comma separator when asked; the tests skip when it is not installed.
-#define ZERBIN_SEPARATOR(comma, locale)          \
-    std::optional<testing::ScopedLocale> locale; \
-    if (comma) {                                 \
-        locale.emplace();                        \
-        ZERBIN_REQUIRE_COMMA_LOCALE(*locale);    \
-    }                                            \
+#define ZERBIN_SEPARATOR(comma, locale)  \
+    ZERBIN_SEPARATOR_FOR(comma, locale); \
     ASSERT_EQ(DecimalSeparator(), (comma) ? "," : ".")
 
 class EncodeTest : public ::testing::TestWithParam<std::tuple<EncodeRow, bool>> {};

@@ -178,11 +178,7 @@ protected:
 
 TEST_P(ShippedRoundTripTest, RandomValuesComeBackFromTheProject) {
     const auto& [type, comma] = GetParam();
-    std::optional<ScopedLocale> locale;
-    if (comma) {
-        locale.emplace();
-        ZERBIN_REQUIRE_COMMA_LOCALE(*locale);
-    }
+    ZERBIN_SEPARATOR_FOR(comma, locale);
     ScopedLibrary library(DataDir() / "library");
     ScopedMessageRecorder recorder;
     for (int round = 0; round < kRounds; ++round) {

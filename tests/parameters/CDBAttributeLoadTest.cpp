@@ -106,11 +106,7 @@ TEST_F(ParameterTest, EmptyElementsWarnAndTheLoadGoesOn) {
 
 TEST_F(ParameterTest, NumericDefaultAndLimitsComeFromTheirPaths) {
     for (const bool comma : {false, true}) {
-        std::unique_ptr<ScopedLocale> locale;
-        if (comma) {
-            locale = std::make_unique<ScopedLocale>();
-            ZERBIN_REQUIRE_COMMA_LOCALE(*locale);
-        }
+        ZERBIN_SEPARATOR_FOR(comma, locale);
         const std::string sep = comma ? "," : ".";
         Block block("PrmValues");
         auto setpoint = block.Attribute("Setpoint");

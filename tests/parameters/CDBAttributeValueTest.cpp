@@ -33,11 +33,7 @@ TEST_F(ParameterTest, AWriteStoresByClassWithEitherSeparator) {
         {"Flags", " 7 ", " 7 ", " 7 "},
     };
     for (const bool comma : {false, true}) {
-        std::unique_ptr<ScopedLocale> locale;
-        if (comma) {
-            locale = std::make_unique<ScopedLocale>();
-            ZERBIN_REQUIRE_COMMA_LOCALE(*locale);
-        }
+        ZERBIN_SEPARATOR_FOR(comma, locale);
         Block block("PrmValues");
         for (const auto& row : rows) {
             block.Attribute(row.attribute)->IAttribute_Value(row.written);
@@ -77,11 +73,7 @@ TEST_F(ParameterTest, AStructureWriteGivesEachFieldItsToken) {
 
 TEST_F(ParameterTest, DisplayFormsFollowTheClassAndOnlyTheValueIsConverted) {
     for (const bool comma : {false, true}) {
-        std::unique_ptr<ScopedLocale> locale;
-        if (comma) {
-            locale = std::make_unique<ScopedLocale>();
-            ZERBIN_REQUIRE_COMMA_LOCALE(*locale);
-        }
+        ZERBIN_SEPARATOR_FOR(comma, locale);
         const std::string sep = comma ? "," : ".";
         Block values("PrmValues");
         Block structures("PrmStruct");
