@@ -4,10 +4,21 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
 #include <string>
+#include <system_error>
+#include <vector>
+
+#include <pugixml.hpp>
 
 #include "app_object/MMain.h"
+#include "platform/Files.h"
+#include "platform/Messages.h"
 
 namespace zerbin::testing {
 
@@ -47,6 +58,83 @@ private:
     std::string previous_;
     bool active_ = false;
 };
+
+// A fresh folder under the temporary folder, removed with everything in it.
+class TempFolder {
+public:
+    TempFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "zerbin-test-XXXXXX");
+        if (::mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("mkdtemp failed");
+        }
+        path_ = pattern;
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::filesystem::path& Path() const { return path_; }
+
+    // Writes text to a file below the folder, making the folders on the way.
+    std::filesystem::path Write(const std::filesystem::path& relative,
+                                const std::string& text) const {
+        const std::filesystem::path file = path_ / relative;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << text;
+        return file;
+    }
+
+private:
+    std::filesystem::path path_;
+};
+
+// Points the component folder into a block library while it lives, so that the library is
+// that folder's parent.
+class ScopedLibrary {
+public:
+    explicit ScopedLibrary(const std::filesystem::path& library) {
+        SetComponentFolder(library / "component");
+    }
+    ~ScopedLibrary() { SetComponentFolder({}); }
+    ScopedLibrary(const ScopedLibrary&) = delete;
+    ScopedLibrary& operator=(const ScopedLibrary&) = delete;
+};
+
+// The store of parsed definitions lives for the whole process and knows types by name only,
+// so a throw-away library must use type names that no other test of the process has used.
+inline std::string UniqueTypeName(const std::string& stem) {
+    static int counter = 0;
+    return stem + "_" + std::to_string(++counter);
+}
+
+inline std::vector<std::string> MessageTexts(const ScopedMessageRecorder& recorder) {
+    std::vector<std::string> texts;
+    for (const Message& message : recorder.Messages()) {
+        texts.push_back(message.text);
+    }
+    return texts;
+}
+
+// What a block says of a type that it cannot find.
+inline std::string NotAvailable(const std::string& type) {
+    return "Error: The object " + type + " is not available; Please verify its name.";
+}
+
+// A node and everything below it, or a whole document, as compact XML text.
+inline std::string XmlText(pugi::xml_node node) {
+    std::ostringstream out;
+    node.print(out, "", pugi::format_raw);
+    return out.str();
+}
+
+inline std::string XmlText(const pugi::xml_document& document) {
+    std::ostringstream out;
+    document.save(out, "", pugi::format_raw);
+    return out.str();
+}
 
 }  // namespace zerbin::testing
 

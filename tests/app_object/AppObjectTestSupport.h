@@ -1,17 +1,11 @@
 // Helpers for the application object tests: block libraries on disk (the fixture library and
-// throw-away ones), the fixture SNVT dictionary, blocks made in the host's order of calls, and
-// the texts of recorded messages.
-//
-// The store of parsed definitions lives for the whole process and knows types by name only,
-// so a throw-away library must use names that no other test uses: UniqueTypeName.
+// throw-away ones), the fixture SNVT dictionary and blocks made in the host's order of calls.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <utility>
@@ -31,80 +25,37 @@ inline std::filesystem::path AppObjectFixtures() {
     return FixturesDir() / "app_object";
 }
 
-// Points the component folder into a block library while it lives, so that the library is
-// that folder's parent.
-class ScopedComponentFolder {
-public:
-    explicit ScopedComponentFolder(const std::filesystem::path& library) {
-        SetComponentFolder(library / "component");
-    }
-    ~ScopedComponentFolder() { SetComponentFolder({}); }
-    ScopedComponentFolder(const ScopedComponentFolder&) = delete;
-    ScopedComponentFolder& operator=(const ScopedComponentFolder&) = delete;
-};
-
 // The library of fixture block types under tests/fixtures/app_object/library.
 class FixtureLibrary {
 public:
     FixtureLibrary() : folder_(AppObjectFixtures() / "library") {}
 
 private:
-    ScopedComponentFolder folder_;
+    ScopedLibrary folder_;
 };
 
 // A fresh, empty library in the temporary folder, removed again at the end.
 class TempLibrary {
 public:
-    TempLibrary() : root_(MakeRoot()), folder_(root_ / "library") {}
-    ~TempLibrary() {
-        std::error_code ec;
-        std::filesystem::remove_all(root_, ec);
-    }
-    TempLibrary(const TempLibrary&) = delete;
-    TempLibrary& operator=(const TempLibrary&) = delete;
+    TempLibrary() : library_(Folder()) { std::filesystem::create_directories(Folder()); }
 
     // The library folder: block types are its subfolders.
-    std::filesystem::path Folder() const { return root_ / "library"; }
-    // The folder that holds the library, outside it.
-    std::filesystem::path Outside() const { return root_; }
+    std::filesystem::path Folder() const { return temp_.Path() / "library"; }
 
     // Writes library/relative, creating folders on the way.
     std::filesystem::path WriteFile(const std::filesystem::path& relative,
                                     const std::string& content) const {
-        return WriteAt(Folder() / relative, content);
+        return temp_.Write(std::filesystem::path("library") / relative, content);
     }
     // The definition file of a type: library/type/type.xml.
     std::filesystem::path WriteDefinition(const std::string& type, const std::string& xml) const {
         return WriteFile(std::filesystem::path(type) / (type + ".xml"), xml);
     }
 
-    static std::filesystem::path WriteAt(const std::filesystem::path& file,
-                                         const std::string& content) {
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream out(file, std::ios::binary);
-        out << content;
-        return file;
-    }
-
 private:
-    static std::filesystem::path MakeRoot() {
-        static int counter = 0;
-        const std::filesystem::path root =
-            std::filesystem::temp_directory_path() /
-            ("zerbin-app-object-" + std::to_string(::getpid()) + "-" + std::to_string(++counter));
-        std::filesystem::create_directories(root / "library");
-        return root;
-    }
-
-    std::filesystem::path root_;
-    ScopedComponentFolder folder_;
+    TempFolder temp_;
+    ScopedLibrary library_;
 };
-
-// A type name that no other test of this process has used.
-inline std::string UniqueTypeName(const std::string& stem) {
-    static int counter = 0;
-    return stem + "_" + std::to_string(++counter);
-}
 
 // A definition with a header and nothing else; elements is the XML of the header elements.
 inline std::string HeaderOnlyDefinition(const std::string& elements) {
@@ -166,30 +117,6 @@ inline HostedBlock CreateBlock(const std::string& type, bool manageShortFloat = 
     block->IAppObject_ManageShortFloat(manageShortFloat);
     block->IAppObject_Create();
     return HostedBlock(std::move(block));
-}
-
-inline std::vector<std::string> Texts(const ScopedMessageRecorder& recorder) {
-    std::vector<std::string> texts;
-    for (const Message& message : recorder.Messages()) {
-        texts.push_back(message.text);
-    }
-    return texts;
-}
-
-inline std::string NotAvailableMessage(const std::string& type) {
-    return "Error: The object " + type + " is not available; Please verify its name.";
-}
-
-// A node and its subtree as compact XML text.
-inline std::string XmlText(pugi::xml_node node) {
-    struct Writer : pugi::xml_writer {
-        std::string text;
-        void write(const void* data, size_t size) override {
-            text.append(static_cast<const char*>(data), size);
-        }
-    } writer;
-    node.print(writer, "", pugi::format_raw);
-    return writer.text;
 }
 
 }  // namespace zerbin::testing

@@ -22,7 +22,7 @@ using ::testing::ElementsAreArray;
 using testing::FixtureLibrary;
 using testing::HostedBlock;
 using ::testing::IsEmpty;
-using testing::Texts;
+using testing::MessageTexts;
 
 // Every attribute's and input's position as "name=position", ordered by name.
 std::string Positions(const CDBAppObject& block) {
@@ -60,7 +60,7 @@ TEST_P(Layout, PlacesTheMembersAndReportsWhatIsWrong) {
 
     HostedBlock block = CreateBlock(row.type);
 
-    EXPECT_THAT(Texts(messages), ElementsAreArray(row.messages));
+    EXPECT_THAT(MessageTexts(messages), ElementsAreArray(row.messages));
     for (const Message& message : messages.Messages()) {
         EXPECT_EQ(message.title, "Zerbin");
         EXPECT_EQ(message.buttons, MessageButtons::Ok);
@@ -120,7 +120,7 @@ TEST(Create, MissingAndMisspelledSectionsLeaveTheirCollectionsAbsent) {
     EXPECT_EQ(block->IAppObject_Outputs(), nullptr);
     EXPECT_EQ(block->IAppObject_Attributes()->IAttributes_Count(), 1);
     EXPECT_EQ(block->IAppObject_InputWidth(), 0);
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(Create, ATypeWithoutDefinitionTellsOnceForEachSectionAndHasAnEmptyCdb) {
@@ -130,8 +130,8 @@ TEST(Create, ATypeWithoutDefinitionTellsOnceForEachSectionAndHasAnEmptyCdb) {
 
     HostedBlock block = CreateBlock(type);
 
-    const std::string message = testing::NotAvailableMessage(type);
-    EXPECT_THAT(Texts(messages), ElementsAre(message, message, message, message));
+    const std::string message = testing::NotAvailable(type);
+    EXPECT_THAT(MessageTexts(messages), ElementsAre(message, message, message, message));
     EXPECT_EQ(block->IAppObject_Inputs(), nullptr);
     EXPECT_EQ(block->IAppObject_Outputs(), nullptr);
     EXPECT_EQ(block->IAppObject_Attributes(), nullptr);
@@ -162,7 +162,7 @@ TEST(Create, TheLastUnitSelectorGovernsTheDependentAttributes) {
     EXPECT_EQ(temp->IAttribute_SNVTType()->ISNVType_ID(), "921");
     EXPECT_EQ(temp->IAttribute_Value(), "68");
     EXPECT_EQ(block->IAppObject_CDBDimension(), 7);
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 }  // namespace

@@ -18,9 +18,9 @@ using ::testing::ElementsAre;
 using testing::HeaderOnlyDefinition;
 using testing::InitBlock;
 using ::testing::IsEmpty;
-using testing::NotAvailableMessage;
+using testing::MessageTexts;
+using testing::NotAvailable;
 using testing::TempLibrary;
-using testing::Texts;
 using testing::UniqueTypeName;
 
 TEST(DefinitionDocument, InitOfAMissingTypeTellsTheUserAndStillSucceeds) {
@@ -35,7 +35,7 @@ TEST(DefinitionDocument, InitOfAMissingTypeTellsTheUserAndStillSucceeds) {
     EXPECT_EQ(errorCode, 1234);
     EXPECT_EQ(block->IAppObject_Name(), "");
     EXPECT_EQ(block->IAppObject_UniqueIDString(), type);
-    ASSERT_THAT(Texts(messages), ElementsAre(NotAvailableMessage(type)));
+    ASSERT_THAT(MessageTexts(messages), ElementsAre(NotAvailable(type)));
     EXPECT_EQ(messages.Messages()[0].title, "Zerbin");
     EXPECT_EQ(messages.Messages()[0].buttons, MessageButtons::Ok);
 }
@@ -72,7 +72,7 @@ TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
 
     EXPECT_EQ(second->ObjectXML(), document);
     EXPECT_EQ(second->IAppObject_Name(), "Shared");
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 // ---- Header -----------------------------------------------------------------------------------
@@ -105,7 +105,7 @@ TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     EXPECT_EQ(block->IAppObject_ExecTime(), 5);
     EXPECT_EQ(block->IAppObject_MaxInstances(), 16);
     EXPECT_TRUE(block->IAppObject_UsesDeviceClock());
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(DefinitionHeader, LaterElementsOverwriteAndElementsWithoutTextAreSkipped) {

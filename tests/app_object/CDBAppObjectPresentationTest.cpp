@@ -22,8 +22,8 @@ using ::testing::ElementsAre;
 using testing::HeaderOnlyDefinition;
 using testing::InitBlock;
 using ::testing::IsEmpty;
+using testing::MessageTexts;
 using testing::TempLibrary;
-using testing::Texts;
 using testing::UniqueTypeName;
 
 // ---- Colour ---------------------------------------------------------------------------------
@@ -158,7 +158,7 @@ TEST(Datasheet, WithoutOneTheShellIsNotAsked) {
 
     InitBlock(type)->IAppObject_ViewDatasheet(int64_t{42});
 
-    EXPECT_THAT(Texts(messages), ElementsAre("DataSheet not available"));
+    EXPECT_THAT(MessageTexts(messages), ElementsAre("DataSheet not available"));
     EXPECT_THAT(shell.requests, IsEmpty());
 }
 
@@ -178,7 +178,7 @@ TEST(Datasheet, OpensTheFileMaximisedInItsViewer) {
     EXPECT_EQ(request.parameters, "0");
     EXPECT_EQ(request.folder, block->DatasheetPath());
     EXPECT_EQ(request.showState, 3);
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(Datasheet, ShellFailuresMapOntoThreeMessages) {
@@ -203,9 +203,9 @@ TEST(Datasheet, ShellFailuresMapOntoThreeMessages) {
         ScopedShell shell(row.result);
         block->IAppObject_ViewDatasheet(int64_t{1});
         if (row.message) {
-            EXPECT_THAT(Texts(messages), ElementsAre(*row.message));
+            EXPECT_THAT(MessageTexts(messages), ElementsAre(*row.message));
         } else {
-            EXPECT_THAT(Texts(messages), IsEmpty());
+            EXPECT_THAT(MessageTexts(messages), IsEmpty());
         }
     }
 }
@@ -220,7 +220,7 @@ TEST(Datasheet, AHandleThatIsNoNumberDropsTheCall) {
         ScopedShell shell(33);
         block->IAppObject_ViewDatasheet(handle);
         EXPECT_THAT(shell.requests, IsEmpty());
-        EXPECT_THAT(Texts(messages), ElementsAre("Visualization not allowed"));
+        EXPECT_THAT(MessageTexts(messages), ElementsAre("Visualization not allowed"));
     }
 }
 

@@ -18,7 +18,7 @@ using ::testing::ElementsAre;
 using testing::FixtureLibrary;
 using testing::HostedBlock;
 using ::testing::IsEmpty;
-using testing::Texts;
+using testing::MessageTexts;
 
 std::string Repeat(const std::string& digits, int times) {
     std::string text;
@@ -56,7 +56,7 @@ TEST_P(Image, IsBuiltFromTheHeaderAndTheMembers) {
     EXPECT_EQ(block->IAppObject_Stream(), row.stream);
     EXPECT_EQ(block->IAppObject_IntelStream(), row.intelStream);
     EXPECT_EQ(block->LastStream(), row.stream);
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -89,7 +89,7 @@ TEST(Stream, ABlockLongerThan255BytesIsCutAndItsLengthClamped) {
     EXPECT_EQ(image.size(), 510u);
     EXPECT_EQ(block->IAppObject_CDBDimension(), 255);
     EXPECT_EQ(block->IAppObject_IntelStream(), "FF0100" + body);
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(Stream, AMemberBeyondTheLastByteFailsTheImage) {
@@ -103,14 +103,14 @@ TEST(Stream, AMemberBeyondTheLastByteFailsTheImage) {
 
     EXPECT_EQ(block->IAppObject_Stream(), "");
     EXPECT_EQ(block->LastStream(), "0F0001");
-    EXPECT_THAT(Texts(messages),
+    EXPECT_THAT(MessageTexts(messages),
                 ElementsAre("Error exporting the object: Overlong block,   A possible error is "
                             "the lenght of the object."));
     EXPECT_EQ(messages.Messages()[0].title, "Zerbin");
 
     messages.recorder().Clear();
     EXPECT_EQ(block->IAppObject_IntelStream(), "");
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(Stream, ObjectIdIsTheLeadingNumberLimitedToAWord) {
@@ -149,7 +149,7 @@ TEST(Stream, AnIdBeyond32BitsRaisesTheOverflowToTheCaller) {
         EXPECT_THROW(block->IAppObject_IntelStream(), OverflowError);
         EXPECT_EQ(block->LastStream(), "");
     }
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(Stream, IsRebuiltAtEveryReadAndOnlyTheFirstFormIsKept) {

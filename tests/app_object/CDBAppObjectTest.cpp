@@ -23,8 +23,8 @@ using ::testing::ElementsAre;
 using testing::FixtureLibrary;
 using testing::HostedBlock;
 using ::testing::IsEmpty;
+using testing::MessageTexts;
 using testing::RecordingListener;
-using testing::Texts;
 
 TEST(AppObjectFrame, PathKeepsTheFolderPart) {
     const struct {
@@ -64,7 +64,7 @@ TEST(AppObjectFrame, TheStubsChangeNothing) {
     block->IAppObject_Show(nullptr);
 
     EXPECT_EQ(block->IAppObject_Stream(), image);
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(AppObjectFrame, ProgrammaticIdFollowsTheComponentFile) {

@@ -26,7 +26,7 @@ using testing::CreateBlock;
 using testing::FixtureLibrary;
 using testing::HostedBlock;
 using ::testing::IsEmpty;
-using testing::Texts;
+using testing::MessageTexts;
 using testing::XmlText;
 
 const char* const kWorkedAttributes =
@@ -179,7 +179,7 @@ TEST(ProjectXmlLoad, UnknownMembersAreIgnoredSilently) {
 
     EXPECT_EQ(AttributeValue(*block, "Mode"), "3");
     EXPECT_FALSE(block->IAppObject_Outputs()->IOutputs_Item("Out1")->IOutput_IsDisplayable());
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 TEST(ProjectXmlLoad, OnlyTheFirstUnitsElementIsRestored) {
@@ -376,7 +376,7 @@ TEST_P(SaveThenLoad, GivesBackTheSameBlockImageAndXml) {
         EXPECT_EQ(restored->IAppObject_Stream(), image);
         EXPECT_EQ(restored->IAppObject_IntelStream(), original->IAppObject_IntelStream());
     }
-    EXPECT_THAT(Texts(messages), IsEmpty());
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Separators, SaveThenLoad, ::testing::Values(false, true),

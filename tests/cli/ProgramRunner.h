@@ -1,5 +1,4 @@
-// Runs the zerbin program as a user would and collects what it says, and makes throw-away
-// folders for libraries and projects written by a test.
+// Runs the zerbin program as a user would and collects what it says.
 #pragma once
 
 #include <fcntl.h>
@@ -15,6 +14,8 @@
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "tests/TestSupport.h"
 
 extern char** environ;
 
@@ -34,37 +35,6 @@ inline std::string ReadWhole(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
-
-// A folder under the system's temporary folder, removed with everything in it.
-class TempFolder {
-public:
-    TempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zerbin-cli-XXXXXX");
-        if (mkdtemp(pattern.data()) == nullptr) {
-            throw std::runtime_error("mkdtemp failed");
-        }
-        path_ = pattern;
-    }
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-
-    const std::filesystem::path& Path() const { return path_; }
-
-    // Writes text to a file below the folder, making the folders on the way.
-    std::filesystem::path Write(const std::filesystem::path& relative, const std::string& text) {
-        const std::filesystem::path file = path_ / relative;
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << text;
-        return file;
-    }
-
-private:
-    std::filesystem::path path_;
-};
 
 // The environment of the test with the locale replaced: the program follows the user's
 // locale, and the expected texts are written for a known one.

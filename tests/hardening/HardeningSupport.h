@@ -1,12 +1,8 @@
-// Helpers for the hardening tests: the shipped data, throw-away folder trees, blocks made in
-// the host's order of calls, a message sink that only counts, and the saved form of a block.
-//
-// The store of parsed definitions lives for the whole process and knows types by name only,
-// so a throw-away library uses type names that no other test uses: UniqueTypeName.
+// Helpers for the hardening tests: the shipped data, blocks made in the host's order of calls,
+// a message sink that only counts, and the saved form of a block.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -66,60 +62,6 @@ inline std::vector<std::string> ShippedTypes() {
     return types;
 }
 
-// Points the component folder into a block library while it lives, so that the library is
-// that folder's parent.
-class ScopedLibrary {
-public:
-    explicit ScopedLibrary(const std::filesystem::path& library) {
-        SetComponentFolder(library / "component");
-    }
-    ~ScopedLibrary() { SetComponentFolder({}); }
-    ScopedLibrary(const ScopedLibrary&) = delete;
-    ScopedLibrary& operator=(const ScopedLibrary&) = delete;
-};
-
-// A fresh folder in the temporary folder, removed again at the end.
-class TempTree {
-public:
-    TempTree() : root_(MakeRoot()) {}
-    ~TempTree() {
-        std::error_code ec;
-        std::filesystem::remove_all(root_, ec);
-    }
-    TempTree(const TempTree&) = delete;
-    TempTree& operator=(const TempTree&) = delete;
-
-    const std::filesystem::path& Root() const { return root_; }
-
-    // Writes root/relative, creating folders on the way.
-    std::filesystem::path Write(const std::filesystem::path& relative,
-                                const std::string& content) const {
-        const std::filesystem::path file = root_ / relative;
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream out(file, std::ios::binary);
-        out << content;
-        return file;
-    }
-
-private:
-    static std::filesystem::path MakeRoot() {
-        static int counter = 0;
-        const std::filesystem::path root =
-            std::filesystem::temp_directory_path() /
-            ("zerbin-hardening-" + std::to_string(::getpid()) + "-" + std::to_string(++counter));
-        std::filesystem::create_directories(root);
-        return root;
-    }
-
-    std::filesystem::path root_;
-};
-
-// A type name that no other test of this process has used.
-inline std::string UniqueTypeName(const std::string& stem) {
-    static int counter = 0;
-    return stem + "_" + std::to_string(++counter);
-}
-
 // A block of the type in the host's order of calls: dictionary, type, device document,
 // creation, keys.
 inline std::shared_ptr<CDBAppObject> MakeBlock(const std::string& type) {
@@ -152,19 +94,6 @@ inline std::string AttributeValues(CDBAppObject& block) {
         values += attribute->IAttribute_Name() + "=" + attribute->IAttribute_Value() + "\n";
     }
     return values;
-}
-
-// The text of a node and everything below it, with no indentation.
-inline std::string XmlText(pugi::xml_node node) {
-    std::ostringstream out;
-    node.print(out, "", pugi::format_raw);
-    return out.str();
-}
-
-inline std::string XmlText(const pugi::xml_document& document) {
-    std::ostringstream out;
-    document.save(out, "", pugi::format_raw);
-    return out.str();
 }
 
 // The block saved under a "Project" element of a document of its own.
@@ -221,18 +150,6 @@ private:
     std::shared_ptr<CountingSink> sink_ = std::make_shared<CountingSink>();
     std::shared_ptr<MessageSink> previous_;
 };
-
-inline std::vector<std::string> MessageTexts(const ScopedMessageRecorder& recorder) {
-    std::vector<std::string> texts;
-    for (const Message& message : recorder.Messages()) {
-        texts.push_back(message.text);
-    }
-    return texts;
-}
-
-inline std::string NotAvailable(const std::string& type) {
-    return "Error: The object " + type + " is not available; Please verify its name.";
-}
 
 // Installs the shipped dictionary for every test of a suite; tests elsewhere may have
 // installed another one.

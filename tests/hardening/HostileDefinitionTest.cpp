@@ -67,10 +67,10 @@ void PrintTo(const Observed& o, std::ostream* out) {
          << " messages=" << o.messages.size();
 }
 
-Observed Observe(const TempTree& tree, const std::string& definition) {
+Observed Observe(const TempFolder& tree, const std::string& definition) {
     const std::string type = UniqueTypeName("HOSTILE");
     tree.Write(std::filesystem::path("library") / type / (type + ".xml"), definition);
-    ScopedLibrary library(tree.Root() / "library");
+    ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
     const auto block = MakeBlock(type);
     Observed seen;
@@ -101,7 +101,7 @@ TEST_F(HostileDefinitionTest, DeepNestingBehavesLikeItsShallowTwin) {
         {"a name holding 100,000 levels", Definition("<NAME>" + Nest(kDeep) + "</NAME>"),
          Definition("")},
     };
-    TempTree tree;
+    TempFolder tree;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         const Observed twin = Observe(tree, row.twin);
@@ -112,10 +112,10 @@ TEST_F(HostileDefinitionTest, DeepNestingBehavesLikeItsShallowTwin) {
 }
 
 TEST_F(HostileDefinitionTest, DeepNestingInAProjectLeavesTheValueEmpty) {
-    TempTree tree;
+    TempFolder tree;
     const std::string type = UniqueTypeName("HOSTILE");
     tree.Write(std::filesystem::path("library") / type / (type + ".xml"), Definition());
-    ScopedLibrary library(tree.Root() / "library");
+    ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
     const auto block = MakeBlock(type);
     block->IAppObject_XPosition(7.5);
@@ -171,14 +171,14 @@ std::string FiftyMegabyteDefinition(std::size_t descriptionBytes) {
 
 TEST_F(HostileDefinitionTest, FiftyMegabyteDefinitionLoadsLikeItsMembersAlone) {
     constexpr std::size_t kDescription = 16u << 20;
-    TempTree tree;
+    TempFolder tree;
     const std::string definition = FiftyMegabyteDefinition(kDescription);
     ASSERT_GE(definition.size(), kFiftyMegabytes);
     const Observed twin = Observe(tree, Definition());
 
     const std::string type = UniqueTypeName("HUGE");
     tree.Write(std::filesystem::path("library") / type / (type + ".xml"), definition);
-    ScopedLibrary library(tree.Root() / "library");
+    ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
     const auto block = MakeBlock(type);
 
@@ -225,7 +225,7 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
          {"First"},
          true},
     };
-    TempTree tree;
+    TempFolder tree;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         const std::string type = UniqueTypeName("BADNAME");
@@ -233,7 +233,7 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
                    "<AppObject><NAME>Bad name</NAME><ID>1</ID><Attributes>" + row.attributes +
                        "</Attributes><OutReferences>" + row.outputs +
                        "</OutReferences></AppObject>");
-        ScopedLibrary library(tree.Root() / "library");
+        ScopedLibrary library(tree.Path() / "library");
         ScopedMessageRecorder recorder;
         const auto block = MakeBlock(type);
         for (const auto& out : OutputsOf(*block)) {
@@ -260,12 +260,12 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
 }
 
 TEST_F(HostileDefinitionTest, TypeNameThatIsNoXmlNameSavesNothing) {
-    TempTree tree;
+    TempFolder tree;
     // A fine folder name, but no element can bear it.
     const std::string type = "1" + UniqueTypeName("DIGIT");
     tree.Write(std::filesystem::path("library") / type / (type + ".xml"),
                "<AppObject><NAME>Digit</NAME></AppObject>");
-    ScopedLibrary library(tree.Root() / "library");
+    ScopedLibrary library(tree.Path() / "library");
     const auto block = MakeBlock(type);
     ASSERT_EQ(block->IAppObject_Name(), "Digit");
 
@@ -281,8 +281,8 @@ TEST_F(HostileDefinitionTest, TypeNameThatIsNoXmlNameSavesNothing) {
 // library (or, for the names the file system can't hold, nothing at all). The block must
 // behave as for a type that does not exist and read none of them.
 TEST_F(HostileDefinitionTest, TypeNameOutsideTheLibraryIsNotAvailable) {
-    TempTree tree;
-    const std::filesystem::path root = tree.Root();
+    TempFolder tree;
+    const std::filesystem::path root = tree.Path();
     const std::string trap =
         "<AppObject><NAME>Trap</NAME><ID>302</ID><Attributes><A>"
         "<CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTTYPE>8</SNVTTYPE>"

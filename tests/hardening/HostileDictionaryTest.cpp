@@ -62,10 +62,10 @@ TEST(HostileDictionaryTest, StructuresThatNameEachOtherStopAfterOneLevel) {
     const auto dictionary = xml::LoadString(kCyclicDictionary, nullptr);
     ASSERT_NE(dictionary, nullptr);
     SetSnvtDictionary(dictionary);
-    TempTree tree;
+    TempFolder tree;
     const std::string type = UniqueTypeName("RING");
     tree.Write(std::filesystem::path("library") / type / (type + ".xml"), kCyclicDefinition);
-    ScopedLibrary library(tree.Root() / "library");
+    ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
 
     const auto block = MakeBlock(type);

@@ -32,8 +32,8 @@ TEST_F(HostileProjectTest, HundredThousandBlocksOfAnUnknownTypeEachEndWithMessag
     const auto project = xml::LoadString(text, nullptr);
     ASSERT_NE(project, nullptr);
 
-    TempTree tree;
-    ScopedLibrary library(tree.Root() / "library");
+    TempFolder tree;
+    ScopedLibrary library(tree.Path() / "library");
     ScopedCountingSink messages;
     int blocks = 0;
     int wellFormedImages = 0;
@@ -71,8 +71,8 @@ TEST_F(HostileProjectTest, PositionBeyondTheDoubleRangeIsNoInfinity) {
         {"1E-99999999999999999999", 0},
         {"64.5D-11111111111111111111111", 0},
     };
-    TempTree tree;
-    ScopedLibrary library(tree.Root() / "library");
+    TempFolder tree;
+    ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
