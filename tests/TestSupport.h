@@ -11,6 +11,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -19,6 +20,7 @@
 #include "app_object/MMain.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
+#include "platform/Xml.h"
 
 namespace zerbin::testing {
 
@@ -57,6 +59,38 @@ public:
 private:
     std::string previous_;
     bool active_ = false;
+};
+
+// A document parsed from text or read from a file; a document that does not load fails the
+// test with the reason.
+inline std::shared_ptr<pugi::xml_document> ParseXml(std::string_view text) {
+    xml::ParseError error;
+    auto document = xml::LoadString(text, &error);
+    EXPECT_NE(document, nullptr) << error.reason;
+    return document;
+}
+
+inline std::shared_ptr<pugi::xml_document> LoadXml(const std::filesystem::path& file) {
+    xml::ParseError error;
+    auto document = xml::LoadFile(file, &error);
+    EXPECT_NE(document, nullptr) << file << ": " << error.reason;
+    return document;
+}
+
+// Installs an SNVT dictionary for its lifetime and puts the previous one back.
+class ScopedDictionary {
+public:
+    explicit ScopedDictionary(std::string_view text) : ScopedDictionary(ParseXml(text)) {}
+    explicit ScopedDictionary(std::shared_ptr<const pugi::xml_document> document)
+        : previous_(SnvtDictionary()) {
+        SetSnvtDictionary(std::move(document));
+    }
+    ~ScopedDictionary() { SetSnvtDictionary(previous_); }
+    ScopedDictionary(const ScopedDictionary&) = delete;
+    ScopedDictionary& operator=(const ScopedDictionary&) = delete;
+
+private:
+    std::shared_ptr<const pugi::xml_document> previous_;
 };
 
 // A fresh folder under the temporary folder, removed with everything in it.

@@ -64,14 +64,8 @@ inline std::string HeaderOnlyDefinition(const std::string& elements) {
 
 // The fixture SNVT dictionary, parsed once.
 inline std::shared_ptr<const pugi::xml_document> FixtureDictionary() {
-    static const std::shared_ptr<const pugi::xml_document> dictionary = [] {
-        xml::ParseError error;
-        auto document = xml::LoadFile(AppObjectFixtures() / "snvt.xml", &error);
-        if (!document) {
-            ADD_FAILURE() << "fixture dictionary: " << error.reason;
-        }
-        return std::shared_ptr<const pugi::xml_document>(document);
-    }();
+    static const std::shared_ptr<const pugi::xml_document> dictionary =
+        LoadXml(AppObjectFixtures() / "snvt.xml");
     return dictionary;
 }
 

@@ -51,9 +51,8 @@ std::string Saved(CDBAppObject& block) {
 
 // Loads the block element of an XML text into the block.
 void Load(CDBAppObject& block, const std::string& text) {
-    xml::ParseError error;
-    auto document = xml::LoadString(text, &error);
-    ASSERT_TRUE(document) << error.reason;
+    auto document = testing::ParseXml(text);
+    ASSERT_TRUE(document);
     block.IAppObject_XmlLoad(document->document_element());
 }
 

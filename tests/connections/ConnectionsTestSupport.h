@@ -23,30 +23,14 @@ struct DefinitionElement {
 };
 
 inline DefinitionElement ParseElement(const std::string& text) {
-    xml::ParseError error;
-    auto doc = xml::LoadString(text, &error);
-    EXPECT_NE(doc, nullptr) << text << ": " << error.reason;
-    if (!doc) {
-        return {};
-    }
-    return {doc, doc->document_element()};
+    auto doc = ParseXml(text);
+    return doc ? DefinitionElement{doc, doc->document_element()} : DefinitionElement{};
 }
 
 // Installs the connection tests' dictionary and puts the previous one back.
-class ScopedConnectionsDictionary {
-public:
-    ScopedConnectionsDictionary() : previous_(SnvtDictionary()) {
-        xml::ParseError error;
-        auto doc = xml::LoadFile(FixturesDir() / "connections" / "snvt_dictionary.xml", &error);
-        EXPECT_NE(doc, nullptr) << error.reason;
-        SetSnvtDictionary(doc);
-    }
-    ~ScopedConnectionsDictionary() { SetSnvtDictionary(previous_); }
-    ScopedConnectionsDictionary(const ScopedConnectionsDictionary&) = delete;
-    ScopedConnectionsDictionary& operator=(const ScopedConnectionsDictionary&) = delete;
-
-private:
-    std::shared_ptr<const pugi::xml_document> previous_;
+struct ScopedConnectionsDictionary : ScopedDictionary {
+    ScopedConnectionsDictionary()
+        : ScopedDictionary(LoadXml(FixturesDir() / "connections" / "snvt_dictionary.xml")) {}
 };
 
 }  // namespace zerbin::testing

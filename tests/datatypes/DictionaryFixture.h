@@ -1,41 +1,11 @@
-// Installs SNVT dictionaries for the data type tests and restores the previous one.
+// The SNVT dictionaries of the data type tests are written inline.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <memory>
 #include <string>
-#include <string_view>
 
-#include <pugixml.hpp>
-
-#include "app_object/MMain.h"
-#include "platform/Xml.h"
+#include "tests/TestSupport.h"
 
 namespace zerbin::testing {
-
-inline std::shared_ptr<const pugi::xml_document> ParseDictionary(std::string_view text) {
-    xml::ParseError error;
-    auto document = xml::LoadString(text, &error);
-    EXPECT_NE(document, nullptr) << error.reason;
-    return document;
-}
-
-// Installs a dictionary for its lifetime.
-class ScopedDictionary {
-public:
-    explicit ScopedDictionary(std::string_view text) : ScopedDictionary(ParseDictionary(text)) {}
-    explicit ScopedDictionary(std::shared_ptr<const pugi::xml_document> document)
-        : previous_(SnvtDictionary()) {
-        SetSnvtDictionary(std::move(document));
-    }
-    ~ScopedDictionary() { SetSnvtDictionary(previous_); }
-    ScopedDictionary(const ScopedDictionary&) = delete;
-    ScopedDictionary& operator=(const ScopedDictionary&) = delete;
-
-private:
-    std::shared_ptr<const pugi::xml_document> previous_;
-};
 
 // "<SNVTS>" + entries + "</SNVTS>".
 inline std::string Snvts(const std::string& entries) {

@@ -34,7 +34,7 @@ std::string Path(const std::string& id) {
 }
 
 TEST(SnvtDictionary, AnswersAsAFirstMatchSearchInDocumentOrder) {
-    auto document = testing::ParseDictionary(kTricky);
+    auto document = testing::ParseXml(kTricky);
     ScopedDictionary installed(document);
     const char* ids[] = {"1", "105", "2", "3", "", "4", "105/NAME", "2/SNVTS/SNVT_105"};
     const char* children[] = {"", "NAME", "Enums", "Fields", "name", "SNVTS", "Enums/ON"};
@@ -65,11 +65,11 @@ TEST(SnvtDictionary, NothingIsFoundWithoutADictionary) {
 }
 
 TEST(SnvtDictionary, ANewlyInstalledDocumentIsUsedFromThenOn) {
-    auto first = testing::ParseDictionary(testing::Snvts("<SNVT_7><NAME>old</NAME></SNVT_7>"));
+    auto first = testing::ParseXml(testing::Snvts("<SNVT_7><NAME>old</NAME></SNVT_7>"));
     ScopedDictionary installed(first);
     EXPECT_EQ(xml::FirstChildText(FindSnvtChild("7", "NAME")), "old");
 
-    SetSnvtDictionary(testing::ParseDictionary(
+    SetSnvtDictionary(testing::ParseXml(
         testing::Snvts("<SNVT_8><NAME>eight</NAME></SNVT_8><SNVT_7><NAME>new</NAME></SNVT_7>")));
     EXPECT_EQ(xml::FirstChildText(FindSnvtChild("7", "NAME")), "new");
     EXPECT_TRUE(FindSnvtEntry("8"));

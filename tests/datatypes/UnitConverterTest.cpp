@@ -19,13 +19,6 @@
 namespace zerbin {
 namespace {
 
-std::shared_ptr<const pugi::xml_document> LoadDictionary(const std::filesystem::path& file) {
-    xml::ParseError error;
-    auto document = xml::LoadFile(file, &error);
-    EXPECT_NE(document, nullptr) << file << ": " << error.reason;
-    return document;
-}
-
 // Puts the process back on SI whatever a test switched on.
 class ScopedUnitSystem {
 public:
@@ -36,7 +29,7 @@ public:
 class UnitConverterTest : public ::testing::Test {
 protected:
     testing::ScopedDictionary dictionary_{
-        LoadDictionary(testing::FixturesDir() / "datatypes" / "units.xml")};
+        testing::LoadXml(testing::FixturesDir() / "datatypes" / "units.xml")};
     ScopedMessageRecorder messages_;  // the converter never shows one
     UnitConverter si_{UnitSystem::SI};
     UnitConverter us_{UnitSystem::US};

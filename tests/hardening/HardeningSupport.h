@@ -29,23 +29,13 @@ inline std::filesystem::path DataDir() {
     return ZERBIN_DATA_DIR;
 }
 
-inline std::shared_ptr<const pugi::xml_document> LoadOrFail(const std::filesystem::path& file) {
-    xml::ParseError error;
-    auto document = xml::LoadFile(file, &error);
-    if (!document) {
-        ADD_FAILURE() << file << ": " << error.reason;
-        return std::make_shared<pugi::xml_document>();
-    }
-    return document;
-}
-
 inline std::shared_ptr<const pugi::xml_document> ShippedDictionary() {
-    static const auto dictionary = LoadOrFail(DataDir() / "snvts.xml");
+    static const auto dictionary = LoadXml(DataDir() / "snvts.xml");
     return dictionary;
 }
 
 inline std::shared_ptr<const pugi::xml_document> ShippedDevice() {
-    static const auto device = LoadOrFail(DataDir() / "devices" / "Controller.xml");
+    static const auto device = LoadXml(DataDir() / "devices" / "Controller.xml");
     return device;
 }
 

@@ -28,7 +28,7 @@ namespace zerbin::testing {
 
 inline std::shared_ptr<const pugi::xml_document> ParameterDictionary() {
     static const std::shared_ptr<const pugi::xml_document> dictionary =
-        xml::LoadFile(FixturesDir() / "parameters" / "snvts.xml", nullptr);
+        LoadXml(FixturesDir() / "parameters" / "snvts.xml");
     return dictionary;
 }
 
@@ -84,8 +84,7 @@ protected:
     // An attribute made from inline XML with the given block as owner, as Create makes one.
     std::shared_ptr<CDBAttribute> Load(const Block& owner, const std::string& element,
                                        std::shared_ptr<AttributeInterceptor> interceptor = {}) {
-        auto document = xml::LoadString(element, nullptr);
-        EXPECT_NE(document, nullptr) << element;
+        auto document = ParseXml(element);
         pugi::xml_node node = document->document_element();
         return inline_.AddFromDefinition(xml::BaseName(node), node, owner.Object(),
                                          std::move(interceptor));

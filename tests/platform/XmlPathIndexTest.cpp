@@ -14,12 +14,7 @@
 namespace zerbin::xml {
 namespace {
 
-std::shared_ptr<pugi::xml_document> Load(std::string_view text) {
-    ParseError error;
-    auto doc = LoadString(text, &error);
-    EXPECT_NE(doc, nullptr) << error.reason;
-    return doc;
-}
+using testing::ParseXml;
 
 // The "n" attribute of a found element, or "-" for no match.
 std::string Tag(pugi::xml_node node) {
@@ -76,7 +71,7 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
         {"R/a", "a/a", "a/a/a"},
         {"R/a", "a", "a/a"},
     };
-    auto doc = Load(kTree);
+    auto doc = ParseXml(kTree);
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.root) + " | " + row.path);
         const pugi::xml_node root = *row.root == '\0' ? *doc : FindFirst(*doc, row.root);
@@ -134,7 +129,7 @@ TEST(PathIndex, WalkAndIndexTakeDocumentsNestedAHundredThousandDeep) {
     for (int i = 0; i < kDepth; ++i) {
         text += "</n>";
     }
-    auto doc = Load(text);
+    auto doc = ParseXml(text);
     ASSERT_NE(doc, nullptr);
     const PathIndex index(*doc);
     EXPECT_EQ(Tag(index.FindFirst("n/n/SNVTS/SNVT_1")), "leaf");
@@ -147,12 +142,12 @@ TEST(PathIndex, WalkAndIndexTakeDocumentsNestedAHundredThousandDeep) {
 // ---- The cache of indexes ------------------------------------------------------------------
 
 TEST(IndexOf, BuildsOneIndexForEachLiveDocument) {
-    std::shared_ptr<const pugi::xml_document> first = Load("<A><B n='1'/></A>");
+    std::shared_ptr<const pugi::xml_document> first = ParseXml("<A><B n='1'/></A>");
     const auto index = IndexOf(first);
     ASSERT_NE(index, nullptr);
     EXPECT_EQ(IndexOf(first), index);
     EXPECT_EQ(index->Root(), first->root());
-    EXPECT_NE(IndexOf(Load("<A/>")), index);
+    EXPECT_NE(IndexOf(ParseXml("<A/>")), index);
     EXPECT_EQ(IndexOf(nullptr), nullptr);
 }
 
@@ -179,7 +174,7 @@ TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
 }
 
 TEST(FindFirstIndexed, AsksTheIndexOnlyOfALiveIndexedDocument) {
-    auto doc = Load("<A><B n='old'/></A>");
+    auto doc = ParseXml("<A><B n='old'/></A>");
     const pugi::xml_node subtree = doc->child("A");
 
     EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), "old");  // not indexed: the walk
