@@ -74,6 +74,7 @@ TEST(AppObjectFrame, ProgrammaticIdFollowsTheComponentFile) {
     SetComponentBaseName("Plant");
     EXPECT_EQ(block->IAppObject_ProgrammaticId(), "Plant.CDBAppObject");
     SetComponentBaseName({});
+    EXPECT_EQ(block->IAppObject_ProgrammaticId(), "Zerbin.CDBAppObject") << "the fallback again";
 }
 
 // ---- Width ----------------------------------------------------------------------------------

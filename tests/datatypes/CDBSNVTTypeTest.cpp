@@ -17,14 +17,6 @@ using testing::ScopedDictionary;
 using testing::Snvts;
 using Texts = std::vector<std::string>;
 
-Texts TextsOf(const std::vector<Message>& messages) {
-    Texts texts;
-    for (const Message& message : messages) {
-        texts.push_back(message.text);
-    }
-    return texts;
-}
-
 // Resolves id against the entries given and keeps the messages shown on the way.
 struct Resolved {
     std::shared_ptr<CDBSNVTType> type = std::make_shared<CDBSNVTType>();
@@ -36,7 +28,7 @@ Resolved Resolve(const std::string& entries, const std::string& id) {
     ScopedMessageRecorder recorder;
     Resolved resolved;
     resolved.type->ResolveByID(id);
-    resolved.messages = TextsOf(recorder.Messages());
+    resolved.messages = testing::MessageTexts(recorder);
     return resolved;
 }
 
@@ -143,7 +135,7 @@ TEST(CDBSNVTType, AMissingEntryIsReportedOnce) {
     ScopedMessageRecorder recorder;
     CDBSNVTType type;
     type.ResolveByID("105");
-    EXPECT_EQ(TextsOf(recorder.Messages()), Texts{"Error: SNVT_105 is not defined"});
+    EXPECT_EQ(testing::MessageTexts(recorder), Texts{"Error: SNVT_105 is not defined"});
 }
 
 TEST(CDBSNVTType, AFailingStepIsReportedAndTheWalkGoesOn) {
@@ -273,7 +265,7 @@ TEST(CDBSNVTType, ASecondResolutionActsAsTheFirst) {
     reused.ResolveByID("9");
     CDBSNVTType again;
     again.ResolveByID("9");
-    EXPECT_EQ(TextsOf(recorder.Messages()),
+    EXPECT_EQ(testing::MessageTexts(recorder),
               (Texts{"Error: SNVT_9 has a bad Length", "Error: SNVT_9 has a bad Length"}))
         << "the length check looks at the record's own length, each time";
     EXPECT_EQ(reused.ISNVType_Length(), 2);

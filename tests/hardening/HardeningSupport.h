@@ -52,6 +52,14 @@ inline std::vector<std::string> ShippedTypes() {
     return types;
 }
 
+// Writes the definition of a new type into the library below the folder: the type's name.
+inline std::string PlantType(const TempFolder& folder, const std::string& stem,
+                             const std::string& definition) {
+    const std::string type = UniqueTypeName(stem);
+    folder.Write(std::filesystem::path("library") / type / (type + ".xml"), definition);
+    return type;
+}
+
 // A block of the type in the host's order of calls: dictionary, type, device document,
 // creation, keys.
 inline std::shared_ptr<CDBAppObject> MakeBlock(const std::string& type) {

@@ -68,8 +68,7 @@ void PrintTo(const Observed& o, std::ostream* out) {
 }
 
 Observed Observe(const TempFolder& tree, const std::string& definition) {
-    const std::string type = UniqueTypeName("HOSTILE");
-    tree.Write(std::filesystem::path("library") / type / (type + ".xml"), definition);
+    const std::string type = PlantType(tree, "HOSTILE", definition);
     ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
     const auto block = MakeBlock(type);
@@ -113,8 +112,7 @@ TEST_F(HostileDefinitionTest, DeepNestingBehavesLikeItsShallowTwin) {
 
 TEST_F(HostileDefinitionTest, DeepNestingInAProjectLeavesTheValueEmpty) {
     TempFolder tree;
-    const std::string type = UniqueTypeName("HOSTILE");
-    tree.Write(std::filesystem::path("library") / type / (type + ".xml"), Definition());
+    const std::string type = PlantType(tree, "HOSTILE", Definition());
     ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
     const auto block = MakeBlock(type);
@@ -176,8 +174,7 @@ TEST_F(HostileDefinitionTest, FiftyMegabyteDefinitionLoadsLikeItsMembersAlone) {
     ASSERT_GE(definition.size(), kFiftyMegabytes);
     const Observed twin = Observe(tree, Definition());
 
-    const std::string type = UniqueTypeName("HUGE");
-    tree.Write(std::filesystem::path("library") / type / (type + ".xml"), definition);
+    const std::string type = PlantType(tree, "HUGE", definition);
     ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
     const auto block = MakeBlock(type);
@@ -228,11 +225,10 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
     TempFolder tree;
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
-        const std::string type = UniqueTypeName("BADNAME");
-        tree.Write(std::filesystem::path("library") / type / (type + ".xml"),
-                   "<AppObject><NAME>Bad name</NAME><ID>1</ID><Attributes>" + row.attributes +
-                       "</Attributes><OutReferences>" + row.outputs +
-                       "</OutReferences></AppObject>");
+        const std::string type = PlantType(
+            tree, "BADNAME",
+            "<AppObject><NAME>Bad name</NAME><ID>1</ID><Attributes>" + row.attributes +
+                "</Attributes><OutReferences>" + row.outputs + "</OutReferences></AppObject>");
         ScopedLibrary library(tree.Path() / "library");
         ScopedMessageRecorder recorder;
         const auto block = MakeBlock(type);
@@ -262,9 +258,7 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
 TEST_F(HostileDefinitionTest, TypeNameThatIsNoXmlNameSavesNothing) {
     TempFolder tree;
     // A fine folder name, but no element can bear it.
-    const std::string type = "1" + UniqueTypeName("DIGIT");
-    tree.Write(std::filesystem::path("library") / type / (type + ".xml"),
-               "<AppObject><NAME>Digit</NAME></AppObject>");
+    const std::string type = PlantType(tree, "1DIGIT", "<AppObject><NAME>Digit</NAME></AppObject>");
     ScopedLibrary library(tree.Path() / "library");
     const auto block = MakeBlock(type);
     ASSERT_EQ(block->IAppObject_Name(), "Digit");

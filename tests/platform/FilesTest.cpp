@@ -69,14 +69,6 @@ TEST(ComponentFolder, HostOverrideDecidesTheLibraryFolder) {
     EXPECT_EQ(LibraryFolder(), ComponentFolder().lexically_normal().parent_path());
 }
 
-TEST(ComponentBaseName, FallsBackWhenLinkedIntoAProgram) {
-    EXPECT_EQ(ComponentBaseName(), "Zerbin");
-    SetComponentBaseName("Other");
-    EXPECT_EQ(ComponentBaseName(), "Other");
-    SetComponentBaseName({});
-    EXPECT_EQ(ComponentBaseName(), "Zerbin");
-}
-
 TEST(IsSafeTypeName, KeepsTypeNamesInsideTheLibrary) {
     for (const char* good : {"Pump", "AHU.v2", "a b", "..x", "x..", "\xC3\xA4"}) {
         EXPECT_TRUE(IsSafeTypeName(good)) << good;
