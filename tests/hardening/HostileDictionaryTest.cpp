@@ -59,12 +59,9 @@ std::vector<FieldShape> Shape(const std::shared_ptr<IAttribute>& attribute) {
 }
 
 TEST(HostileDictionaryTest, StructuresThatNameEachOtherStopAfterOneLevel) {
-    const auto dictionary = xml::LoadString(kCyclicDictionary, nullptr);
-    ASSERT_NE(dictionary, nullptr);
-    SetSnvtDictionary(dictionary);
+    ScopedDictionary dictionary(kCyclicDictionary);
     TempFolder tree;
-    const std::string type = UniqueTypeName("RING");
-    tree.Write(std::filesystem::path("library") / type / (type + ".xml"), kCyclicDefinition);
+    const std::string type = PlantType(tree, "RING", kCyclicDefinition);
     ScopedLibrary library(tree.Path() / "library");
     ScopedMessageRecorder recorder;
 
@@ -98,7 +95,6 @@ TEST(HostileDictionaryTest, StructuresThatNameEachOtherStopAfterOneLevel) {
                   "Self.self: Default value not defined into the XML file of the object Ring; "
                   "0 assumed."}));
     block->IAppObject_Destroy();
-    SetSnvtDictionary(ShippedDictionary());
 }
 
 }  // namespace
