@@ -53,21 +53,20 @@ TEST_F(OutputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         bool writable;
         bool typeDependent;
         bool visible;
-        const char* typeId;    // nullptr: no type
-        const char* typeName;  // as the dictionary names it
+        const char* typeId = nullptr;    // nullptr: no type
+        const char* typeName = nullptr;  // as the dictionary names it
     };
     const Row rows[] = {
-        {"<Out/>", false, false, false, nullptr, nullptr},
-        {R"(<Out DISPLAYWRITABLE="0" typeDependent="no"/>)", true, true, false, nullptr, nullptr},
-        {"<Out><VISIBLE>1</VISIBLE><Visible>0</Visible></Out>", false, false, false, nullptr,
-         nullptr},
-        {"<Out><VISIBLE>2.5</VISIBLE></Out>", false, false, true, nullptr, nullptr},
+        {"<Out/>", false, false, false},
+        {R"(<Out DISPLAYWRITABLE="0" typeDependent="no"/>)", true, true, false},
+        {"<Out><VISIBLE>1</VISIBLE><Visible>0</Visible></Out>", false, false, false},
+        {"<Out><VISIBLE>2.5</VISIBLE></Out>", false, false, true},
         {"<Out><SNVTTYPE>105</SNVTTYPE></Out>", false, false, false, "105", "Temperature"},
         {"<Out><SNVTTYPE>105</SNVTTYPE><snvttype>106</snvttype></Out>", false, false, false, "106",
          "Mode"},
         // What an input has, an output does not read.
         {"<Out ISEXTENDED=\"\"><CDBORDERINPOSITION/><SNVTCOMPATIBILITYLIST/><!-- x --></Out>",
-         false, false, false, nullptr, nullptr},
+         false, false, false},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.xml);
