@@ -179,7 +179,6 @@ struct DatasheetRow {
     std::vector<std::string> typeFolderFiles;
     std::vector<std::string> sharedFiles;
     std::string id;
-    bool available;
     std::string expectedFile;  // in the type's folder, or "DataSheets/..."; empty for none
 };
 
@@ -200,7 +199,7 @@ TEST_P(DatasheetSearch, FindsTheFirstMatchInItsOrder) {
 
     auto block = InitBlock(type);
 
-    EXPECT_EQ(block->IAppObject_DatasheetAvailable(), row.available);
+    EXPECT_EQ(block->IAppObject_DatasheetAvailable(), !row.expectedFile.empty());
     std::string expected;
     if (row.expectedFile.starts_with("DataSheets/")) {
         expected = (library.Folder() / row.expectedFile).string();
@@ -213,21 +212,16 @@ TEST_P(DatasheetSearch, FindsTheFirstMatchInItsOrder) {
 INSTANTIATE_TEST_SUITE_P(
     Rows, DatasheetSearch,
     ::testing::Values(
-        DatasheetRow{"PdfBeforeWord", {"b.doc", "a.pdf"}, {"pb_123_c.pdf"}, "123", true, "a.pdf"},
+        DatasheetRow{"PdfBeforeWord", {"b.doc", "a.pdf"}, {"pb_123_c.pdf"}, "123", "a.pdf"},
+        DatasheetRow{"WordInTypeFolder", {"b.doc", "x.txt"}, {"pb_123_c.pdf"}, "123", "b.doc"},
+        DatasheetRow{"ExtensionInAnyCase", {"Manual.PDF"}, {}, "", "Manual.PDF"},
         DatasheetRow{
-            "WordInTypeFolder", {"b.doc", "x.txt"}, {"pb_123_c.pdf"}, "123", true, "b.doc"},
-        DatasheetRow{"ExtensionInAnyCase", {"Manual.PDF"}, {}, "", true, "Manual.PDF"},
-        DatasheetRow{"SharedPdf",
-                     {},
-                     {"pb_123_x.doc", "pb_123_y.pdf"},
-                     "123",
-                     true,
-                     "DataSheets/pb_123_y.pdf"},
+            "SharedPdf", {}, {"pb_123_x.doc", "pb_123_y.pdf"}, "123", "DataSheets/pb_123_y.pdf"},
         DatasheetRow{
-            "SharedWord", {"notes.txt"}, {"pb_123_x.doc"}, "123", true, "DataSheets/pb_123_x.doc"},
-        DatasheetRow{"OtherIdsDoNotMatch", {}, {"pb_1234_x.pdf", "pb_12_x.pdf"}, "123", false, ""},
-        DatasheetRow{"NoIdNoSharedSearch", {}, {"pb__x.pdf"}, "", false, ""},
-        DatasheetRow{"IdIsNoWildcard", {}, {"pb_1x_a.pdf"}, "1*", false, ""}),
+            "SharedWord", {"notes.txt"}, {"pb_123_x.doc"}, "123", "DataSheets/pb_123_x.doc"},
+        DatasheetRow{"OtherIdsDoNotMatch", {}, {"pb_1234_x.pdf", "pb_12_x.pdf"}, "123", ""},
+        DatasheetRow{"NoIdNoSharedSearch", {}, {"pb__x.pdf"}, "", ""},
+        DatasheetRow{"IdIsNoWildcard", {}, {"pb_1x_a.pdf"}, "1*", ""}),
     [](const ::testing::TestParamInfo<DatasheetRow>& info) { return info.param.label; });
 
 }  // namespace
