@@ -19,7 +19,10 @@ namespace fs = std::filesystem;
 class ShellTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        dir_ = fs::temp_directory_path() / "zerbin_shell_test";
+        // One folder for each test: ctest runs the tests of this suite side by side.
+        dir_ = fs::temp_directory_path() /
+               ("zerbin_shell_" +
+                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
         fs::remove_all(dir_);
         fs::create_directories(dir_ / "bin");
         std::ofstream(dir_ / "sheet.pdf") << "%PDF";
