@@ -15,6 +15,8 @@ std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName) {
     return factory ? factory->CreateValueEditor(editorName) : nullptr;
 }
 
-void SetEditorFactory(std::shared_ptr<IEditorFactory> factory) { Factory() = std::move(factory); }
+void SetEditorFactory(std::shared_ptr<IEditorFactory> factory) {
+    Factory() = std::move(factory);
+}
 
 }  // namespace zerbin
