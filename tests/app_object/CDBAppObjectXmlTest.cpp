@@ -238,7 +238,11 @@ INSTANTIATE_TEST_SUITE_P(
                       PositionRow{"abc", false, 0}, PositionRow{"abc", true, 7},
                       PositionRow{"12abc", false, 12}, PositionRow{"12abc", true, 7},
                       PositionRow{"1.234,5", false, 1.234}, PositionRow{"1.234,5", true, 7},
-                      PositionRow{" 8 ", true, 8}, PositionRow{"1E3", true, 1000}));
+                      PositionRow{" 8 ", true, 8}, PositionRow{"1E3", true, 1000},
+                      // No infinity: an overflow keeps the value, an underflow gives 0.
+                      PositionRow{"1E400", false, 7}, PositionRow{"-1E400", false, 7},
+                      PositionRow{"1E-99999999999999999999", false, 0},
+                      PositionRow{"64.5D-11111111111111111111111", false, 0}));
 
 // ---- Save, then load ----------------------------------------------------------------------------
 

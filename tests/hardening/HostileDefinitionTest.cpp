@@ -110,29 +110,6 @@ TEST_F(HostileDefinitionTest, DeepNestingBehavesLikeItsShallowTwin) {
     }
 }
 
-TEST_F(HostileDefinitionTest, DeepNestingInAProjectLeavesTheValueEmpty) {
-    TempFolder tree;
-    const std::string type = PlantType(tree, "HOSTILE", Definition());
-    ScopedLibrary library(tree.Path() / "library");
-    ScopedMessageRecorder recorder;
-    const auto block = MakeBlock(type);
-    block->IAppObject_XPosition(7.5);
-
-    const auto project = xml::LoadString("<B><X_Position>" + Nest(kDeep, "3") +
-                                             "</X_Position><Attributes><Setpoint>" +
-                                             Nest(kDeep, "42") + "</Setpoint></Attributes></B>",
-                                         nullptr);
-    ASSERT_NE(project, nullptr);
-    block->IAppObject_XmlLoad(project->document_element());
-
-    // The first child of each is an element, not a text: the position keeps its value and
-    // the attribute, emptied before its write, stays empty.
-    EXPECT_EQ(block->IAppObject_XPosition(), 7.5);
-    EXPECT_EQ(AttributeValues(*block), "Setpoint=\n");
-    EXPECT_TRUE(recorder.Messages().empty());
-    block->IAppObject_Destroy();
-}
-
 constexpr std::size_t kFiftyMegabytes = 50u << 20;
 
 // Definition() grown to 50 MB: a long description, many header elements that mean nothing,
@@ -210,12 +187,6 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
          "",
          {"First"},
          false},
-        {"attribute with an empty local name",
-         "<First>" + plain + "</First><p:>" + second + "</p:>",
-         "",
-         {"First"},
-         false},
-        {"attribute starting with a hyphen", "<p:-dash>" + plain + "</p:-dash>", "", {}, false},
         {"displayable output starting with a dot",
          "<First>" + plain + "</First>",
          "<Good>" + output + "</Good><p:.dot>" + output + "</p:.dot>",
@@ -253,22 +224,6 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
         EXPECT_NE(xml::LoadString(XmlText(document), nullptr), nullptr);
         block->IAppObject_Destroy();
     }
-}
-
-TEST_F(HostileDefinitionTest, TypeNameThatIsNoXmlNameSavesNothing) {
-    TempFolder tree;
-    // A fine folder name, but no element can bear it.
-    const std::string type = PlantType(tree, "1DIGIT", "<AppObject><NAME>Digit</NAME></AppObject>");
-    ScopedLibrary library(tree.Path() / "library");
-    const auto block = MakeBlock(type);
-    ASSERT_EQ(block->IAppObject_Name(), "Digit");
-
-    pugi::xml_document document;
-    pugi::xml_node project = document.append_child("Project");
-    EXPECT_THROW(block->IAppObject_XmlSave(project, document), Error);
-    EXPECT_THROW(block->IAppObject_XMLSaveSim(project, document), Error);
-    EXPECT_FALSE(project.first_child());
-    block->IAppObject_Destroy();
 }
 
 // Each type name below would reach a definition file that the test planted outside the
