@@ -21,6 +21,7 @@ TEST(BlockCommands, ImagesOfTheShippedTypes) {
         {{"image", "THERMOSTAT"}, "10012E00000000083409600032000190"},
         {{"image", "THERMOSTAT", "--set", "HeatSetpoint=20.5", "--set", "Mode=3"},
          "10012E00000000080209600032030190"},
+        {{"image", "THERMOSTAT", "--set=Mode=3"}, "10012E00000000083409600032030190"},
         {{"image", "THERMOSTAT", "--intel"}, "102E0100000000340860093200009001"},
         // The gain keeps its IEEE single 2.5 = 40200000; 120 s at 0.1 s is 04B0.
         {{"image", "PID_LOOP"}, "1C012D000000000000014020000004B000000000000000004E20000A"},

@@ -85,25 +85,6 @@ TEST(Zerbin, MessagesOfTheBlocksGoToStderrAsTitleAndText) {
     }
 }
 
-TEST(Zerbin, AWarningKeepsItsOwnTitle) {
-    TempFolder folder;
-    folder.Write("lib/NOORDER/NOORDER.xml", R"(<AppObject>
-  <NAME>No order</NAME>
-  <ID>1</ID>
-  <Attributes>
-    <Mode><CDBORDERINPOSITION></CDBORDERINPOSITION><SNVTTYPE>108</SNVTTYPE></Mode>
-  </Attributes>
-</AppObject>)");
-    const ProgramResult result =
-        RunProgram({"--library", (folder.Path() / "lib").string(), "image", "NOORDER"});
-    EXPECT_EQ(result.status, 0);
-    const std::vector<std::string> lines = Lines(result.err);
-    ASSERT_FALSE(lines.empty());
-    EXPECT_EQ(lines.front(),
-              "Warning: Mode: CDBOrderingPosition not defined into the XML file of the object "
-              "No order.");
-}
-
 TEST(Zerbin, NumbersFollowTheUsersLocale) {
     locale_t comma = newlocale(LC_NUMERIC_MASK, "de_DE.UTF-8", static_cast<locale_t>(nullptr));
     if (comma == static_cast<locale_t>(nullptr)) {
