@@ -79,15 +79,6 @@ TEST(SnvtDictionary, ANewlyInstalledDocumentIsUsedFromThenOn) {
     EXPECT_FALSE(FindSnvtEntry("8"));
 }
 
-TEST(SnvtDictionary, ADocumentAtAReusedAddressIsIndexedAnew) {
-    // Whatever the allocator does, a freed document must never answer for its successor.
-    for (int round = 0; round < 20; ++round) {
-        const std::string name = "round" + std::to_string(round);
-        ScopedDictionary installed(testing::Snvts("<SNVT_9><NAME>" + name + "</NAME></SNVT_9>"));
-        ASSERT_EQ(xml::FirstChildText(FindSnvtChild("9", "NAME")), name);
-    }
-}
-
 TEST(SnvtDictionary, InvalidateRereadsAChangedDocument) {
     auto document = std::make_shared<pugi::xml_document>();
     document->append_child("SNVTS").append_child("SNVT_5");
@@ -96,21 +87,6 @@ TEST(SnvtDictionary, InvalidateRereadsAChangedDocument) {
     document->child("SNVTS").append_child("SNVT_6");
     InvalidateSnvtIndex();
     EXPECT_TRUE(FindSnvtEntry("6"));
-}
-
-TEST(SnvtDictionary, DeepDocumentsAreIndexedWithoutRecursion) {
-    constexpr int kDepth = 100000;
-    std::string text;
-    text.reserve(kDepth * 7 + 100);
-    for (int i = 0; i < kDepth; ++i) {
-        text += "<d>";
-    }
-    text += testing::Snvts("<SNVT_42><NAME>deep</NAME></SNVT_42>");
-    for (int i = 0; i < kDepth; ++i) {
-        text += "</d>";
-    }
-    ScopedDictionary installed(text);
-    EXPECT_EQ(xml::FirstChildText(FindSnvtChild("42", "NAME")), "deep");
 }
 
 }  // namespace
