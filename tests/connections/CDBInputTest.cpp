@@ -112,7 +112,7 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         input->IInput_changeType("999");
         EXPECT_EQ(CompatibleIds(*input),
                   row.typeDependent ? std::vector<std::string>{"999"} : row.compatibles);
-        EXPECT_EQ(listener->Calls().empty(), !row.typeDependent);
+        EXPECT_EQ(listener->Lines().empty(), !row.typeDependent);
     }
     EXPECT_THAT(messages.Messages(), IsEmpty());
 }
@@ -194,7 +194,7 @@ TEST_F(InputTest, AListenerErrorReachesTheCallerOfTheTypeChange) {
     input->IInput_CallBack(failing);
     input->IInput_CallBack(later);
     EXPECT_THROW(input->IInput_changeType("105"), Error);
-    EXPECT_THAT(later->Calls(), IsEmpty());
+    EXPECT_THAT(later->Lines(), IsEmpty());
     EXPECT_THAT(CompatibleIds(*input), ElementsAre("105"));
 }
 

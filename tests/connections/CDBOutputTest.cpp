@@ -203,9 +203,7 @@ TEST_F(OutputTest, TypeChangeRetypesTheOutputAndTellsEachListenerInPairs) {
     const auto oldType = output->IOutput_SNVTType();
     // A listener sees the new type already when it hears of the change.
     std::string seenByListener;
-    first->OnCall([&](const ListenerCall&) {
-        seenByListener = output->IOutput_SNVTCompatible()->ICompatibleSNVT_ID();
-    });
+    first->OnCall([&] { seenByListener = output->IOutput_SNVTCompatible()->ICompatibleSNVT_ID(); });
 
     output->IOutput_changeType("106");
 
@@ -232,7 +230,7 @@ TEST_F(OutputTest, TypeChangeOfAnOutputThatDoesNotFollowTheSelectorDoesNothing) 
     output->IOutput_changeType("106");
     EXPECT_EQ(output->IOutput_SNVTType(), type);
     EXPECT_TRUE(output->ISubItemConnable_IsSNVTCompatible("105"));
-    EXPECT_THAT(listener->Calls(), IsEmpty());
+    EXPECT_THAT(listener->Lines(), IsEmpty());
 }
 
 // ---- Macro check -----------------------------------------------------------------------------

@@ -81,7 +81,7 @@ TEST_F(TypeSelectorTest, AnAcceptedChangeRetypesTheMembersAndTellsTheListenersTw
     type_->IInterceptableAttribute_SetInterceptor(interceptor);
 
     type_->IAttribute_Value("105");  // the same value: nothing at all
-    EXPECT_THAT(listener_->Calls(), IsEmpty());
+    EXPECT_THAT(listener_->Lines(), IsEmpty());
     EXPECT_THAT(interceptor->calls, IsEmpty());
 
     type_->IAttribute_Value("106");
@@ -107,7 +107,7 @@ TEST_F(TypeSelectorTest, AConnectionToAnInputThatDoesNotListTheTypeRefusesTheCha
     EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Information);
     EXPECT_EQ(type_->IAttribute_Value(), "105");
     EXPECT_EQ(OutputType("Out1"), "105");
-    EXPECT_THAT(listener_->Calls(), IsEmpty());
+    EXPECT_THAT(listener_->Lines(), IsEmpty());
 
     type_->IAttribute_Value("108");  // In2 lists 108, In1 does not
     EXPECT_EQ(type_->IAttribute_Value(), "105");

@@ -162,8 +162,7 @@ TEST_F(ParameterTest, AListenerThatWritesBackCannotRecurseWithoutBound) {
     auto setpoint = block.Attribute("Setpoint");
     auto listener = std::make_shared<RecordingListener>();
     int writes = 0;
-    listener->OnCall(
-        [&](const ListenerCall&) { setpoint->IAttribute_Value(std::to_string(++writes)); });
+    listener->OnCall([&] { setpoint->IAttribute_Value(std::to_string(++writes)); });
     setpoint->IAttribute_CallBack(listener);
     setpoint->IAttribute_Value("0");
     EXPECT_EQ(listener->CountOf("AttributeChanged"),

@@ -1,12 +1,6 @@
 // A stand-in for the block that owns a member, for tests of members without a real
 // CDBAppObject. What a member asks of its block answers from the public fields; everything
 // else answers nothing and stores nothing.
-//
-//   auto block = std::make_shared<FakeAppObject>();
-//   block->name = "Loop";
-//   block->exportIndex = 3;
-//   block->attributes = attributes;   // e.g. a FakeAttributes
-//   block->parent = FakeMacroHost::Holding(macro);
 #pragma once
 
 #include <cstdint>

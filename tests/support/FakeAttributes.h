@@ -1,12 +1,5 @@
 // Stand-ins for an attribute and the collection of them, for tests of what writes to an
-// attribute from outside (an input handing over a length, a block pushing values) without
-// the real attribute model. A FakeAttribute keeps every value written, in order.
-//
-//   auto attributes = std::make_shared<FakeAttributes>();
-//   auto length = attributes->Add("Length");
-//   block->attributes = attributes;   // FakeAppObject
-//   ...
-//   EXPECT_THAT(length->writes, ElementsAre("31", "0"));
+// attribute from outside (an input handing over a length) without the real attribute model.
 #pragma once
 
 #include <cstdint>

@@ -2,14 +2,9 @@
 // macro with its terminal groups, members and connections, and the top of the project. Each
 // double is a plain struct with public data; set `fails` to make every read of that one
 // object throw zerbin::Error, as a failing host call does.
-//
-//   auto macro = std::make_shared<FakeMacro>();
-//   macro->inputGroups.push_back(FakeMacroInputGroup::WithKeys({"K\\RIN\\A"}));
-//   auto owner = FakeMacroHost::Holding(macro);
-//   appObject->parent = owner;  // FakeAppObject from tests/support/FakeAppObject.h
-//   EXPECT_TRUE(input->IInput_IsMacroConnected());
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -22,17 +17,12 @@
 
 namespace zerbin::testing {
 
-// Throws the error a failing host call gives, when asked to.
-inline void FailIf(bool fails) {
+// The answer of a host call, or the error of a failing one.
+template <class T = std::nullptr_t>
+T Answer(bool fails, const T& value = {}) {
     if (fails) {
         throw Error("host call failed");
     }
-}
-
-// The answer of a host call that fails when asked to.
-template <class T>
-T Answer(bool fails, const T& value) {
-    FailIf(fails);
     return value;
 }
 
@@ -55,7 +45,7 @@ struct FakeMacroTerminals : IMacroTerminals {
     // nullptr outside 1 to Count(); positions asked for are kept in `asked`.
     std::shared_ptr<IMacroTerminal> Item(int32_t position) override {
         asked.push_back(position);
-        FailIf(fails);
+        Answer(fails);
         if (position < 1 || position > static_cast<int32_t>(terminals.size())) {
             return nullptr;
         }
