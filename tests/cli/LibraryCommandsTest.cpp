@@ -66,48 +66,44 @@ protected:
         library_ = (folder_.Path() / "lib").string();
     }
 
-    ProgramResult Check(std::vector<std::string> types) const {
-        std::vector<std::string> args{"--library", library_, "check"};
-        args.insert(args.end(), types.begin(), types.end());
-        return RunProgram(args);
-    }
-
     TempFolder folder_;
     std::string library_;
 };
 
-TEST_F(FaultyLibrary, CheckShowsEachTypesMessagesAndExitsOne) {
+TEST_F(FaultyLibrary, CheckAndTypesReportEachTypesMessages) {
     const std::string notAvailable =
         "Zerbin: Error: The object BAD is not available; Please verify its name.\n";
-    const ProgramResult result = Check({});
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "");
-    // Types in folder order; a definition that can't be loaded is tried at the header and
-    // at each of the three sections.
-    EXPECT_EQ(result.err, notAvailable + notAvailable + notAvailable + notAvailable +
-                              "zerbin: note: block type 'BAD' showed 4 messages\n"
-                              "Zerbin: GAP: Missing CDBOrderinPosition in XML File: 2\n"
-                              "zerbin: note: block type 'GAP' showed 1 message\n");
-}
-
-TEST_F(FaultyLibrary, CheckOfNamedTypesLooksAtThoseAlone) {
-    const ProgramResult good = Check({"GOOD"});
-    EXPECT_EQ(good.status, 0);
-    EXPECT_EQ(good.err, "");
-
-    const ProgramResult gap = Check({"GOOD", "GAP"});
-    EXPECT_EQ(gap.status, 1);
-    EXPECT_EQ(gap.err,
-              "Zerbin: GAP: Missing CDBOrderinPosition in XML File: 2\n"
-              "zerbin: note: block type 'GAP' showed 1 message\n");
-}
-
-TEST_F(FaultyLibrary, TypesListsEveryDefinitionFolderAndReportsTheUnreadable) {
-    const ProgramResult result = RunProgram({"--library", library_, "types"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "BAD\t\t\t\nGAP\t11\tGap\t\nGOOD\t10\tGood\t\n");
-    EXPECT_EQ(result.err,
-              "Zerbin: Error: The object BAD is not available; Please verify its name.\n");
+    const std::string gap =
+        "Zerbin: GAP: Missing CDBOrderinPosition in XML File: 2\n"
+        "zerbin: note: block type 'GAP' showed 1 message\n";
+    struct Row {
+        std::vector<std::string> args;
+        int status;
+        std::string out;
+        std::string err;
+    };
+    const std::vector<Row> rows{
+        // Types in folder order; a definition that can't be loaded is tried at the header and
+        // at each of the three sections.
+        {{"check"},
+         1,
+         "",
+         notAvailable + notAvailable + notAvailable + notAvailable +
+             "zerbin: note: block type 'BAD' showed 4 messages\n" + gap},
+        // Named types are looked at alone.
+        {{"check", "GOOD"}, 0, "", ""},
+        {{"check", "GOOD", "GAP"}, 1, "", gap},
+        {{"types"}, 0, "BAD\t\t\t\nGAP\t11\tGap\t\nGOOD\t10\tGood\t\n", notAvailable},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.args));
+        std::vector<std::string> args{"--library", library_};
+        args.insert(args.end(), row.args.begin(), row.args.end());
+        const ProgramResult result = RunProgram(args);
+        EXPECT_EQ(result.status, row.status);
+        EXPECT_EQ(result.out, row.out);
+        EXPECT_EQ(result.err, row.err);
+    }
 }
 
 }  // namespace
