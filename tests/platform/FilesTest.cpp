@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <string>
+
+#include "tests/TestSupport.h"
 
 namespace zerbin {
 namespace {
@@ -13,17 +14,11 @@ namespace fs = std::filesystem;
 
 class FirstMatchTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        dir_ = fs::temp_directory_path() /
-               ("zerbin_files_" +
-                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(dir_);
-        fs::create_directories(dir_ / "Folder.pdf");
-    }
-    void TearDown() override { fs::remove_all(dir_); }
-    void Touch(const std::string& name) { std::ofstream(dir_ / name) << "x"; }
+    void SetUp() override { fs::create_directories(dir_ / "Folder.pdf"); }
+    void Touch(const std::string& name) { folder_.Write(name, "x"); }
 
-    fs::path dir_;
+    testing::TempFolder folder_;
+    fs::path dir_ = folder_.Path();
 };
 
 TEST_F(FirstMatchTest, MatchesRegularFilesByWildcard) {

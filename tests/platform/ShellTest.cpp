@@ -10,6 +10,8 @@
 #include <string>
 #include <thread>
 
+#include "tests/TestSupport.h"
+
 namespace zerbin {
 namespace {
 
@@ -19,20 +21,12 @@ namespace fs = std::filesystem;
 class ShellTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        // One folder for each test: ctest runs the tests of this suite side by side.
-        dir_ = fs::temp_directory_path() /
-               ("zerbin_shell_" +
-                std::string(::testing::UnitTest::GetInstance()->current_test_info()->name()));
-        fs::remove_all(dir_);
         fs::create_directories(dir_ / "bin");
         std::ofstream(dir_ / "sheet.pdf") << "%PDF";
         const char* path = std::getenv("PATH");
         oldPath_ = path != nullptr ? path : "";
     }
-    void TearDown() override {
-        setenv("PATH", oldPath_.c_str(), 1);
-        fs::remove_all(dir_);
-    }
+    void TearDown() override { setenv("PATH", oldPath_.c_str(), 1); }
     void InstallFakeOpener() {
         const fs::path script = dir_ / "bin" / "xdg-open";
         std::ofstream(script) << "#!/bin/sh\nprintf '%s' \"$*\" > \"" << (dir_ / "opened").string()
@@ -50,7 +44,8 @@ protected:
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
-    fs::path dir_;
+    testing::TempFolder folder_;
+    fs::path dir_ = folder_.Path();
     std::string oldPath_;
 };
 

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "interfaces/Error.h"
+#include "tests/TestSupport.h"
 
 namespace zerbin::xml {
 namespace {
@@ -50,8 +51,8 @@ TEST(XmlLoad, KeepsCommentsAndDropsBlankText) {
 }
 
 TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
-    const auto dir = std::filesystem::temp_directory_path() / "zerbin_xml_load_test";
-    std::filesystem::create_directories(dir);
+    const testing::TempFolder folder;
+    const auto& dir = folder.Path();
     const std::string expected = "\xE2\x82\xAC \xC3\xA4";  // "€ ä"
     struct Row {
         const char* name;
@@ -72,7 +73,6 @@ TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
     ParseError error;
     EXPECT_EQ(LoadFile(dir / "missing.xml", &error), nullptr);
     EXPECT_FALSE(error.reason.empty());
-    std::filesystem::remove_all(dir);
 }
 
 // ---- Node kinds, names, text ---------------------------------------------------------------
