@@ -1,4 +1,4 @@
-// The collection of attributes and the model of one: lookups, keys, listeners, visibility,
+// The collection of attributes and the model of one: keys, listeners, visibility,
 // the interceptor's place in the load, and the editor by class.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,17 +15,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-// The lookup rules are KeyedCollection's; here only that attributes are filed by their names
-// and that no key makes the lookup throw.
-TEST_F(ParameterTest, ItemLooksUpTheKeyInAnyCaseThenThePositionAndNeverThrows) {
-    Block block("PrmValues");
-    auto attributes = block->IAppObject_Attributes();
-    EXPECT_EQ(attributes->IAttributes_Item("setpoint"), block.Attribute("Setpoint"));
-    EXPECT_EQ(attributes->IAttributes_Item("2")->IAttribute_Name(), "Gain");
-    for (const char* key : {"0", "", "abc", "10", "1e400", "&H"}) {
-        EXPECT_EQ(attributes->IAttributes_Item(key), nullptr) << key;
-    }
-}
 TEST_F(ParameterTest, KeysReachTheAttributesAndTheirFieldsEachTimeTheBlockSetsThem) {
     Block block("PrmStruct");
     for (const std::string key : {"P\\B1", "P\\B2"}) {
