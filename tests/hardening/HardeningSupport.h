@@ -22,6 +22,7 @@
 #include "platform/Messages.h"
 #include "platform/Xml.h"
 #include "tests/TestSupport.h"
+#include "tests/support/RandomBlock.h"
 
 namespace zerbin::testing {
 
@@ -72,39 +73,6 @@ inline std::shared_ptr<CDBAppObject> MakeBlock(const std::string& type) {
     block->IAppObject_GlobalKey("Project\\Block");
     block->IAppObject_ExtendedKey("Net\\Device\\Block");
     return block;
-}
-
-inline std::vector<std::shared_ptr<IAttribute>> AttributesOf(CDBAppObject& block) {
-    const auto attributes = block.IAppObject_Attributes();
-    return attributes ? attributes->IAttributes_NewEnum()
-                      : std::vector<std::shared_ptr<IAttribute>>{};
-}
-
-inline std::vector<std::shared_ptr<IOutput>> OutputsOf(CDBAppObject& block) {
-    const auto outputs = block.IAppObject_Outputs();
-    return outputs ? outputs->IOutputs_NewEnum() : std::vector<std::shared_ptr<IOutput>>{};
-}
-
-// Name and value of every attribute, one line each.
-inline std::string AttributeValues(CDBAppObject& block) {
-    std::string values;
-    for (const auto& attribute : AttributesOf(block)) {
-        values += attribute->IAttribute_Name() + "=" + attribute->IAttribute_Value() + "\n";
-    }
-    return values;
-}
-
-// The block saved under a "Project" element of a document of its own.
-struct SavedBlock {
-    std::shared_ptr<pugi::xml_document> document = std::make_shared<pugi::xml_document>();
-    pugi::xml_node project = document->append_child("Project");
-    pugi::xml_node Element() const { return project.first_child(); }
-};
-
-inline SavedBlock Save(CDBAppObject& block) {
-    SavedBlock saved;
-    block.IAppObject_XmlSave(saved.project, *saved.document);
-    return saved;
 }
 
 // The names of the child elements of a node, in order.

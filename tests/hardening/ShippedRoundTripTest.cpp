@@ -3,14 +3,9 @@
 // XML, under either decimal separator.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <random>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -21,154 +16,6 @@ namespace zerbin::testing {
 namespace {
 
 constexpr int kRounds = 8;
-
-// The codes of an enum description "0,OFF;1,ON;".
-std::vector<std::string> EnumCodes(const std::string& description) {
-    std::vector<std::string> codes;
-    std::size_t at = 0;
-    while (at < description.size()) {
-        const std::size_t end = description.find(';', at);
-        const std::string entry = description.substr(at, end - at);
-        if (!entry.empty()) {
-            codes.push_back(entry.substr(0, entry.find(',')));
-        }
-        if (end == std::string::npos) {
-            break;
-        }
-        at = end + 1;
-    }
-    return codes;
-}
-
-// A limit in stored form, with either separator, as a number; fallback when it has none.
-double Limit(const std::string& text, double fallback) {
-    std::string point = text;
-    for (char& c : point) {
-        c = c == ',' ? '.' : c;
-    }
-    return point.empty() ? fallback : LeadingNumber(point);
-}
-
-class RandomValues {
-public:
-    explicit RandomValues(uint32_t seed) : rng_(seed) {}
-
-    int64_t Between(int64_t low, int64_t high) {
-        return std::uniform_int_distribution<int64_t>(low, high)(rng_);
-    }
-    bool Coin() { return Between(0, 1) == 1; }
-
-    // Letters, digits, blanks inside, separators and characters beyond ASCII; never only
-    // white space, which the XML of a project does not keep.
-    std::string Text(int64_t maxLength) {
-        static const std::vector<std::string> pieces = {
-            "a", "Z", "7", " ", ".", ",", "-", "_", "\xC3\xA4", "\xE2\x82\xAC", "&", "<", "'"};
-        std::string text;
-        const int64_t length = Between(0, maxLength);
-        for (int64_t i = 0; i < length; ++i) {
-            text += pieces[static_cast<std::size_t>(
-                Between(0, static_cast<int64_t>(pieces.size()) - 1))];
-        }
-        return text.find_first_not_of(' ') == std::string::npos ? std::string() : text;
-    }
-
-    // A value of the type: a listed code, bits that fit, a number within the limits with two
-    // decimals (written with "." whatever the separator), or a text that fits.
-    std::string Of(ISNVType& type) {
-        const std::string typeClass = type.ISNVType_GenType();
-        const int32_t length = type.ISNVType_Length();
-        if (typeClass == "Enum") {
-            const auto codes = EnumCodes(type.ISNVType_EnumDesc());
-            return codes.empty() ? "0"
-                                 : codes[static_cast<std::size_t>(
-                                       Between(0, static_cast<int64_t>(codes.size()) - 1))];
-        }
-        if (typeClass == "Bitfield") {
-            return std::to_string(Between(0, (int64_t{1} << (8 * std::min(length, 4))) - 1));
-        }
-        if (typeClass == "Textual") {
-            return Text(std::max(length, 1));
-        }
-        double low = Limit(type.ISNVType_Min(), 0);
-        double high = Limit(type.ISNVType_Max(), 100);
-        if (!(low < high) || !std::isfinite(low) || !std::isfinite(high)) {
-            low = 0;
-            high = 100;
-        }
-        const double value =
-            std::round((low + (high - low) * Between(0, 1000) / 1000.0) * 100) / 100;
-        char text[64];
-        std::snprintf(text, sizeof text, "%.2f", value);
-        return text;
-    }
-
-private:
-    std::mt19937 rng_;
-};
-
-// Writes random values: selectors first, since writing one re-derives or retypes others.
-// A DivideBy attribute keeps 0, the one value a second division leaves alone.
-void Randomize(CDBAppObject& block, RandomValues& random) {
-    block.IAppObject_UserName(random.Text(24));
-    block.IAppObject_XPosition(static_cast<double>(random.Between(-50000, 50000)) / 100);
-    block.IAppObject_YPosition(static_cast<double>(random.Between(0, 90000)) / 8);
-    for (bool selectors : {true, false}) {
-        for (const auto& attribute : AttributesOf(block)) {
-            if ((attribute->IAttribute_IsType() || attribute->IAttribute_IsUnit()) != selectors) {
-                continue;
-            }
-            if (attribute->IAttribute_DividedBy() > 1) {
-                attribute->IAttribute_Value("0");
-            } else if (const auto fields = attribute->IAttribute_Fields()) {
-                std::string value;
-                for (const auto& field : fields->IFields_NewEnum()) {
-                    value += (value.empty() ? "" : " ") + random.Of(*field->IField_SNVTType());
-                }
-                attribute->IAttribute_Value(value);
-            } else {
-                attribute->IAttribute_Value(random.Of(*attribute->IAttribute_SNVTType()));
-            }
-        }
-    }
-    for (const auto& output : OutputsOf(block)) {
-        output->IOutput_IsDisplayable(random.Coin());
-    }
-}
-
-// Everything a project keeps of a block, the images included.
-struct Snapshot {
-    std::string values;
-    std::string userName;
-    double x = 0;
-    double y = 0;
-    std::vector<bool> displayable;
-    std::string stream;
-    std::string intel;
-    std::string xml;
-
-    bool operator==(const Snapshot&) const = default;
-};
-
-void PrintTo(const Snapshot& s, std::ostream* out) {
-    *out << "\n  values: " << s.values << "  user name: " << s.userName << "\n  position: " << s.x
-         << ", " << s.y << "\n  stream: " << s.stream << "\n  intel: " << s.intel
-         << "\n  xml: " << s.xml;
-}
-
-Snapshot Take(CDBAppObject& block) {
-    Snapshot snapshot;
-    snapshot.values = AttributeValues(block);
-    snapshot.userName = block.IAppObject_UserName();
-    snapshot.x = block.IAppObject_XPosition();
-    snapshot.y = block.IAppObject_YPosition();
-    for (const auto& output : OutputsOf(block)) {
-        snapshot.displayable.push_back(output->IOutput_IsDisplayable());
-    }
-    snapshot.stream = block.IAppObject_Stream();
-    snapshot.intel = block.IAppObject_IntelStream();
-    snapshot.xml = XmlText(Save(block).Element());
-    return snapshot;
-}
 
 class ShippedRoundTripTest : public ::testing::TestWithParam<std::tuple<std::string, bool>> {
 protected:
