@@ -9,6 +9,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "connections/CDBInputs.h"
+#include "connections/CDBOutputs.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
 #include "tests/app_object/AppObjectTestSupport.h"
@@ -23,6 +24,15 @@ using testing::FixtureLibrary;
 using testing::HostedBlock;
 using ::testing::IsEmpty;
 using testing::MessageTexts;
+
+// How many inputs, outputs and attributes the block has; "-" for a collection it lacks.
+std::string Counts(CDBAppObject& block) {
+    auto count = [](const auto& collection) {
+        return collection ? std::to_string(collection->Members().size()) : std::string("-");
+    };
+    return count(block.InputsCollection()) + " " + count(block.OutputsCollection()) + " " +
+           count(block.AttributesCollection());
+}
 
 // Every attribute's and input's position as "name=position", ordered by name.
 std::string Positions(const CDBAppObject& block) {
@@ -49,6 +59,7 @@ struct LayoutRow {
     std::vector<std::string> messages;
     int32_t cdbDimension;
     const char* positions;
+    const char* counts;  // inputs, outputs, attributes
 };
 
 class Layout : public ::testing::TestWithParam<LayoutRow> {};
@@ -67,6 +78,7 @@ TEST_P(Layout, PlacesTheMembersAndReportsWhatIsWrong) {
     }
     EXPECT_EQ(block->IAppObject_CDBDimension(), row.cdbDimension);
     EXPECT_EQ(Positions(*block), row.positions);
+    EXPECT_EQ(Counts(*block), row.counts);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -74,69 +86,37 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // Two attributes share number 3 and follow the definition's order; the tool-only
         // Note's 9 does not count.
-        LayoutRow{"Worked", {}, 17, "Flow=12 Gain=6 Level=14 Mode=3 Note=0 Setpoint=4 Trim=10"},
+        LayoutRow{
+            "Worked", {}, 17, "Flow=12 Gain=6 Level=14 Mode=3 Note=0 Setpoint=4 Trim=10", "2 1 5"},
         LayoutRow{"WorkedDup",
                   {"WorkedDup: Duplicates CDBOrderinPosition in XML File: 3"},
                   14,
-                  "Flow=12 Gain=6 Level=0 Mode=3 Note=0 Setpoint=4 Trim=10"},
+                  "Flow=12 Gain=6 Level=0 Mode=3 Note=0 Setpoint=4 Trim=10",
+                  "2 1 5"},
         LayoutRow{"WorkedGap",
                   {"WorkedGap: Missing CDBOrderinPosition in XML File: 4"},
                   12,
-                  "Flow=0 Gain=6 Level=0 Mode=3 Note=0 Setpoint=4 Trim=10"},
+                  "Flow=0 Gain=6 Level=0 Mode=3 Note=0 Setpoint=4 Trim=10",
+                  "2 1 5"},
+        // A duplicate member is dropped and the first stays.
         LayoutRow{"BadSections",
                   {"Error: Problems in the InReferences section of the XML file of Bad sections ",
                    "Error: Problems in the OutReferences section of the XML file of Bad sections ",
                    "Error: Problems in the Attribute section of the XML file of Bad sections "},
                   6,
-                  "Flow=4 Mode=3"},
+                  "Flow=4 Mode=3",
+                  "1 1 1"},
         LayoutRow{"AllToolOnly",
                   {"AllToolOnly: Missing CDBOrderinPosition in XML File: 1"},
                   3,
-                  "First=0 Second=0"},
-        LayoutRow{"OnlyOutputs", {}, 3, ""}, LayoutRow{"q_Empty", {}, 0, "Flow=0"},
-        LayoutRow{"ZeroOrders", {}, 4, "First=3 Negative=0 Zero=0"},
-        LayoutRow{"Sections", {}, 4, "Mode=3"}),
+                  "First=0 Second=0",
+                  "- - 2"},
+        LayoutRow{"OnlyOutputs", {}, 3, "", "- 2 -"},
+        LayoutRow{"q_Empty", {}, 0, "Flow=0", "1 - -"},
+        LayoutRow{"ZeroOrders", {}, 4, "First=3 Negative=0 Zero=0", "- - 3"},
+        // "inreferences" and no OutReferences: those collections are absent.
+        LayoutRow{"Sections", {}, 4, "Mode=3", "- - 1"}),
     [](const ::testing::TestParamInfo<LayoutRow>& info) { return info.param.type; });
-
-TEST(Create, ADuplicateMemberIsDroppedAndTheFirstStays) {
-    FixtureLibrary library;
-    ScopedMessageRecorder messages;
-
-    HostedBlock block = CreateBlock("BadSections");
-
-    EXPECT_EQ(block->IAppObject_Inputs()->IInputs_Count(), 1);
-    EXPECT_EQ(block->IAppObject_Outputs()->IOutputs_Count(), 1);
-    EXPECT_EQ(block->IAppObject_Attributes()->IAttributes_Count(), 1);
-    EXPECT_EQ(block->IAppObject_Inputs()->IInputs_Item("FLOW")->IInput_Name(), "Flow");
-}
-
-TEST(Create, MissingAndMisspelledSectionsLeaveTheirCollectionsAbsent) {
-    FixtureLibrary library;
-    ScopedMessageRecorder messages;
-
-    HostedBlock block = CreateBlock("Sections");  // "inreferences", no OutReferences
-
-    EXPECT_EQ(block->IAppObject_Inputs(), nullptr);
-    EXPECT_EQ(block->IAppObject_Outputs(), nullptr);
-    EXPECT_EQ(block->IAppObject_Attributes()->IAttributes_Count(), 1);
-    EXPECT_EQ(block->IAppObject_InputWidth(), 0);
-    EXPECT_THAT(MessageTexts(messages), IsEmpty());
-}
-
-TEST(Create, ATypeWithoutDefinitionTellsOnceForEachSectionAndHasAnEmptyCdb) {
-    testing::TempLibrary library;
-    ScopedMessageRecorder messages;
-    const std::string type = testing::UniqueTypeName("Nowhere");
-
-    HostedBlock block = CreateBlock(type);
-
-    const std::string message = testing::NotAvailable(type);
-    EXPECT_THAT(MessageTexts(messages), ElementsAre(message, message, message, message));
-    EXPECT_EQ(block->IAppObject_Inputs(), nullptr);
-    EXPECT_EQ(block->IAppObject_Outputs(), nullptr);
-    EXPECT_EQ(block->IAppObject_Attributes(), nullptr);
-    EXPECT_EQ(block->IAppObject_CDBDimension(), 3);
-}
 
 TEST(Create, ShortFloatShortensTheFloatsThatDoNotKeepTheStandard) {
     FixtureLibrary library;
