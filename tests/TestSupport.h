@@ -157,16 +157,10 @@ inline std::string NotAvailable(const std::string& type) {
     return "Error: The object " + type + " is not available; Please verify its name.";
 }
 
-// A node and everything below it, or a whole document, as compact XML text.
+// A node and everything below it, or what a document holds, as compact XML text.
 inline std::string XmlText(pugi::xml_node node) {
     std::ostringstream out;
     node.print(out, "", pugi::format_raw);
-    return out.str();
-}
-
-inline std::string XmlText(const pugi::xml_document& document) {
-    std::ostringstream out;
-    document.save(out, "", pugi::format_raw);
     return out.str();
 }
 

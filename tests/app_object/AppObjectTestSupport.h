@@ -21,14 +21,10 @@
 
 namespace zerbin::testing {
 
-inline std::filesystem::path AppObjectFixtures() {
-    return FixturesDir() / "app_object";
-}
-
 // The library of fixture block types under tests/fixtures/app_object/library.
 class FixtureLibrary {
 public:
-    FixtureLibrary() : folder_(AppObjectFixtures() / "library") {}
+    FixtureLibrary() : folder_(FixturesDir() / "app_object" / "library") {}
 
 private:
     ScopedLibrary folder_;
@@ -65,7 +61,7 @@ inline std::string HeaderOnlyDefinition(const std::string& elements) {
 // The fixture SNVT dictionary, parsed once.
 inline std::shared_ptr<const pugi::xml_document> FixtureDictionary() {
     static const std::shared_ptr<const pugi::xml_document> dictionary =
-        LoadXml(AppObjectFixtures() / "snvt.xml");
+        LoadXml(FixturesDir() / "app_object" / "snvt.xml");
     return dictionary;
 }
 
