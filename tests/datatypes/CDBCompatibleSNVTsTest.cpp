@@ -66,21 +66,6 @@ TEST(CDBCompatibleSNVTs, RepeatedAddsMakeOneSetThatAnswersByPositionOrId) {
     EXPECT_EQ(SetOf("")->ICompatibleSNVTs_ToString(), "");
 }
 
-TEST(CDBCompatibleSNVTs, ServesEventsBeforeEachTokenOfAList) {
-    auto set = std::make_shared<CDBCompatibleSNVTs>();
-    std::vector<int32_t> countsSeen;
-    SetEventPump([&] { countsSeen.push_back(set->ICompatibleSNVTs_Count()); });
-    set->AddList("7,8,9");
-    const auto listTurns = countsSeen.size();
-    set->AddList("10");
-    SetEventPump({});
-
-    ASSERT_GE(listTurns, 3u);
-    EXPECT_EQ((std::vector<int32_t>(countsSeen.begin(), countsSeen.begin() + 3)),
-              (std::vector<int32_t>{0, 1, 2}));
-    EXPECT_EQ(countsSeen.size(), listTurns) << "a single id is not a list";
-}
-
 TEST(CDBCompatibleSNVTs, MergeIsTheIntersectionInTheGivenOrder) {
     struct Row {
         const char* self;
@@ -102,27 +87,6 @@ TEST(CDBCompatibleSNVTs, MergeIsTheIntersectionInTheGivenOrder) {
         EXPECT_EQ(Ids(*given), Ids(*SetOf(row.given))) << "operands stay";
     }
     EXPECT_THROW(SetOf("1")->ICompatibleSNVTs_Merge(nullptr), Error);
-}
-
-TEST(CDBCompatibleSNVTs, CloneSharesNoEntry) {
-    auto set = SetOf("1,2,3");
-    auto copy = std::dynamic_pointer_cast<CDBCompatibleSNVTs>(set->IClonable_Clone());
-    ASSERT_NE(copy, nullptr);
-    EXPECT_EQ(Ids(*copy), Ids(*set));
-    EXPECT_NE(copy->ICompatibleSNVTs_Item(1), set->ICompatibleSNVTs_Item(1));
-
-    copy->ICompatibleSNVTs_Remove("2");
-    EXPECT_EQ(Ids(*copy), (Ids_t{"1", "3"}));
-    EXPECT_EQ(Ids(*set), (Ids_t{"1", "2", "3"}));
-}
-
-TEST(CDBCompatibleSNVTs, RemoveOfAnAbsentIdThrowsAndChangesNothing) {
-    auto set = SetOf("1,2");
-    EXPECT_THROW(set->ICompatibleSNVTs_Remove("3"), Error);
-    EXPECT_EQ(Ids(*set), (Ids_t{"1", "2"}));
-    set->ICompatibleSNVTs_Remove("1");
-    set->AddList("1");
-    EXPECT_EQ(Ids(*set), (Ids_t{"2", "1"})) << "a removed id can come back, at the end";
 }
 
 }  // namespace

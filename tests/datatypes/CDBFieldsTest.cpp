@@ -120,40 +120,6 @@ TEST_F(CDBFieldsTest, AFailedLoadThrowsAndKeepsTheFieldsBefore) {
     }
 }
 
-TEST_F(CDBFieldsTest, AnUnknownFieldTypeIsReportedAndTakesNoBytes) {
-    auto fields = Load("201");
-    ASSERT_EQ(fields->IFields_Count(), 3);
-    EXPECT_EQ(fields->Item("Bad")->IField_Offset(), 2);
-    EXPECT_EQ(fields->Item("B")->IField_Offset(), 2);
-    ASSERT_EQ(messages_.Messages().size(), 1u);
-    EXPECT_EQ(messages_.Messages()[0].text, "Error: SNVT_999 is not defined");
-}
-
-TEST_F(CDBFieldsTest, LimitsStartAsTheDictionarysAndTheDefinitionMayOverwriteThem) {
-    auto field = Load("200")->Item("Setpoint");
-    EXPECT_EQ(field->FieldMin(), "-273.17");
-    EXPECT_EQ(field->FieldMax(), "327.66");
-    field->SetFieldMin("-10");
-    field->SetFieldMax("40,5");
-    EXPECT_EQ(field->FieldMin(), "-10");
-    EXPECT_EQ(field->Type()->ISNVType_Min(), "-10");
-    EXPECT_EQ(field->Type()->ISNVType_Max(), "40.5");
-}
-
-TEST_F(CDBFieldsTest, KeysAreTheAttributesWithTheFieldNameAndAliasesAreDropped) {
-    auto field = Load("200")->Item("Mode");
-    field->DefaultValue("1");
-    field->IField_Value("anything at all");
-    EXPECT_EQ(field->IField_DefaultValue(), "1");
-    field->SetGlobalKey("K\\ATT\\Setting");
-    field->SetExtendedKey("E\\ATT\\Setting");
-    EXPECT_EQ(field->IField_GlobalKey(), "K\\ATT\\Setting\\Mode");
-    EXPECT_EQ(field->IField_ExtendedKey(), "E\\ATT\\Setting\\Mode");
-    field->IField_R7AliasKey("alias");
-    field->IField_RefValue("ref");
-    EXPECT_EQ(field->IField_R7AliasKey(), "");
-    EXPECT_EQ(field->IField_RefValue(), "");
-}
 TEST_F(CDBFieldsTest, DisplayTextsDependOnTheClass) {
     auto all = Load("200");
     auto bits = Load("204");

@@ -72,29 +72,14 @@ constexpr EncodeRow kWorkedExamples[] = {
 
 // Further cases that hold under both separators.
 constexpr EncodeRow kEdgeCases[] = {
-    {"Float", 2, 0, 0, 0, "1000", "A7D0", "D0A7"},
-    {"Float", 2, 0, 0, 0, "-0.0001", "0800", "0008"},
     {"Float", 2, 0, 0, 0, "32768", "10400", "0010"},
     {"Float", 2, 0, 0, 0, "0.99990", "0800", "0008"},  // m rounds up to 2048: the carry
-    {"Float", 2, 0, 0, 0, "-0.99990", "01000", "0001"},
     {"Float", 2, 0, 0, 0, "1e20", "4356C", "6C43"},
-    {"Float", 4, 0, 0, 0, "1E+20", "60AD78EC", "EC78AD60"},
     {"Enum", 2, 0, 0, 0, "4", "04", "04"},
-    {"Enum", 1, 0, 0, 0, "-1", "FF", "FF"},
-    {"UnsignedNumeric", 1, 1, 0, 0, "-300", "D4", "D4"},
     {"Bitfield", 2, 1, -2, 7, "258", "0102", "0201"},  // coefficients play no part
-    {"Bitfield", 4, 0, 0, 0, "1", "3F800000", "0000803F"},
-    {"SignedNumeric", 2, 1, -1, 0, "-0.04", "0000", "0000"},
-    {"SignedNumeric", 2, 1, -1, 0, "3276.7", "7FFF", "FF7F"},
-    {"SignedNumeric", 2, -1, 0, 0, "5", "FFFB", "FBFF"},
     {"SignedNumeric", 2, 1, 0, 274, "0", "FEEE", "EEFE"},
     {"SignedNumeric", 4, 1, -38, 0, "1e10", "", ""},  // beyond a single after scaling
-    {"UnsignedNumeric", 2, 1, 1, 0, "150", "000F", "0F00"},
     {"Textual", 0, 0, 0, 0, "AB", "", ""},
-    {"Textual", 2, 0, 0, 0, "AB", "4142", "4142"},
-    {"Textual", 4, 0, 0, 0, "", "20202020", "20202020"},
-    {"Textual", 4, 0, 0, 0, "1,5", "312C3520", "312C3520"},
-    {"Textual", -1, 0, 0, 0, "AB", "", ""},
     {"Textual", 3, 0, 0, 0, "\xC3\xA9t\xC3\xA9", "E974E9", "E974E9"},  // one byte a character
     // € and Ÿ have codes in 0x80-0x9F; Ā, 日 and an emoji have none; U+0081 keeps its byte.
     {"Textual", 7, 0, 0, 0,
@@ -107,12 +92,6 @@ constexpr EncodeRow kEdgeCases[] = {
      "b",
      "3F613F62", "3F613F62"},
     {"SignedNumeric", 300, 1, 0, 0, "1", "", ""},
-    {"UnsignedNumeric", 300, 1, 0, 0, "1", "", ""},
-    {"Bitfield", 300, 0, 0, 0, "1", "", ""},
-    {"Enum", 300, 0, 0, 0, "1", "", ""},
-    {"Float", 300, 0, 0, 0, "1", "", ""},
-    {"Textual", 300, 0, 0, 0, "1", "", ""},
-    {"Struct", 300, 0, 0, 0, "1", "", ""},
     {"", 1, 1, 0, 0, "1", "", ""},
     {"signednumeric", 1, 1, 0, 0, "1", "", ""},
 };
@@ -152,15 +131,11 @@ struct SeparatorRow {
 TEST(Encode, ReadingANumberDependsOnTheSeparator) {
     const SeparatorRow rows[] = {
         {"SignedNumeric", 2, "abc", "0000", ""},
-        {"SignedNumeric", 2, "", "0000", ""},
         {"SignedNumeric", 2, "12abc", "04B0", ""},
         {"SignedNumeric", 2, "1e400", "", ""},
-        {"UnsignedNumeric", 4, "1e400", "", ""},
         {"Float", 4, "abc", "00000000", "00000000"},
         {"Float", 4, "1e400", "7F800000", "00000000"},
-        {"Float", 4, "-1e400", "FF800000", "00000000"},
         {"Float", 2, "1e400", "", "0000"},
-        {"Float", 2, "1.5e3", "B5DC", "B5DC"},
         {"Enum", 1, "1e400", "00", "00"},
         {"Enum", 1, "2,7", "03", "03"},
         {"Bitfield", 1, "7 apples", "07", "00"},
@@ -187,12 +162,10 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
     };
     const Row rows[] = {
         {"SignedNumeric", 2, 1, -2, "20.5", "2050", "2050"},
-        {"SignedNumeric", 2, 0, -2, "20.5", "0", "0"},
         {"UnsignedNumeric", 4, 1, 0, "12345678", "12345680", "12345680"},
         {"UnsignedNumeric", 2, 1, 1, "5", "0.5", "0,5"},
         {"Float", 4, 1, 0, "1,5", "1.5", "1,5"},
         {"Textual", 5, 1, 0, "AB", "AB   ", "AB   "},
-        {"Textual", 3, 1, 0, "\xC3\xA9", "\xC3\xA9  ", "\xC3\xA9  "},
         {"Textual", 300, 1, 0, "x", "x", "x"},
     };
     for (const bool comma : {false, true}) {
@@ -207,20 +180,6 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
     }
 }
 
-TEST(Encode, LongTextsKeepTheirFirstLengthCharacters) {
-    const std::string text(1000, 'x');
-    std::string value = text;
-    std::string expected;
-    for (int i = 0; i < 255; ++i) {
-        expected += "78";
-    }
-    EXPECT_EQ(EncodeStream(value, "Textual", 255, 0, 0, 0), expected);
-    value = text;
-    EXPECT_EQ(EncodeIntelStream(value, "Textual", 256, 0, 0, 0), "");
-    value = text;
-    EXPECT_EQ(EncodeStream(value, "Textual", 2147483647, 0, 0, 0), "");
-}
-
 TEST(FormatDisplayValue, FindsTheLabelOfAValue) {
     struct Row {
         const char* key;
@@ -228,17 +187,8 @@ TEST(FormatDisplayValue, FindsTheLabelOfAValue) {
         const char* label;
     };
     const Row rows[] = {
-        {"1", "0,OFF;1,ON;", "ON"},
-        {"0", "0,OFF;1,ON;", "OFF"},
-        {"2", "0,OFF;1,ON;", ""},
-        {"", "0,OFF;1,ON;", ""},
-        {"1", "", ""},
-        {"1.0", "1,ON;", ""},
-        {"1", "10,TEN;1,ONE;", "ONE"},
-        {"1", "0,OFF;1,ON", "ON"},
-        {"5", "0,OFF", ""},
-        {"x", "0,;x,;", ""},
-        {"1", "0,OFF;junk;1,ON;", "ON"},
+        {"1", "0,OFF;1,ON;", "ON"},    {"2", "0,OFF;1,ON;", ""},  {"1.0", "1,ON;", ""},
+        {"1", "10,TEN;1,ONE;", "ONE"}, {"1", "0,OFF;1,ON", "ON"}, {"1", "0,OFF;junk;1,ON;", "ON"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(FormatDisplayValue(row.key, row.desc), row.label)
@@ -261,10 +211,9 @@ TEST(OverwriteDigits, ReplacesInPlaceAndNeverGrows) {
         const char* result;
     };
     const Row rows[] = {
-        {"000000", 2, "AB", 2, "00AB00"},   {"000000", 2, "ABCD", 2, "00AB00"},
-        {"000000", 0, "AB", 4, "AB0000"},   {"000000", 4, "ABCD", 4, "0000AB"},
-        {"000000", 5, "ABCD", 4, "00000A"}, {"000000", 2, "", 4, "000000"},
-        {"000000", 2, "ABCD", 0, "000000"}, {"000000", 2, "ABCD", -2, "000000"},
+        {"000000", 2, "ABCD", 2, "00AB00"},
+        {"000000", 5, "ABCD", 4, "00000A"},
+        {"000000", 2, "ABCD", -2, "000000"},
     };
     for (const Row& row : rows) {
         std::string image = row.image;
@@ -276,10 +225,7 @@ TEST(OverwriteDigits, ReplacesInPlaceAndNeverGrows) {
 TEST(OverwriteDigits, APlaceAtOrPastTheEndThrows) {
     std::string image = "0000";
     EXPECT_THROW(OverwriteDigits(image, 4, "AB", 2), Error);
-    EXPECT_THROW(OverwriteDigits(image, 4, "", 2), Error);
     EXPECT_THROW(OverwriteDigits(image, -1, "AB", 2), Error);
-    std::string empty;
-    EXPECT_THROW(OverwriteDigits(empty, 0, "AB", 2), Error);
     EXPECT_EQ(image, "0000");
 }
 

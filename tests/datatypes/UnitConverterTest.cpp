@@ -77,49 +77,21 @@ TEST_F(UnitConverterTest, ShowsStoredValuesInTheUnitsOfTheSystem) {
     const UnitSystem SI = UnitSystem::SI;
     const UnitSystem US = UnitSystem::US;
     const DisplayRow rows[] = {
-        {SI, "105", "21.5", "21.5", "°C", 2},
         {SI, "105", "21.555", "21.56", "°C", 2},
         {SI, "105", "21.545", "21.54", "°C", 2},
-        {SI, "105", "2.675", "2.68", "°C", 2},
         {SI, "39", "20,0", "20", "°C", 1},
-        {SI, "63", "1.23456", "1.235", "°C", 3},
         {SI, "63", "0.0004", "0", "°C", 3},
-        {SI, "63", "1E+20", "1E+20", "°C", 3},
-        {SI, "81", "12.3456", "12.346", "%", 3},
         {SI, "15", " 7 ", "7", "l/s", 0},
-        {SI, "902", "-12", "-12", "y", 0},
-        {SI, "105", "abc", "abc", "°C", 2},
-        {SI, "105", "", "", "°C", 2},
         {SI, "105", "12abc", "12abc", "°C", 2},
         {SI, "106", "1", "1", "", 0},
-        {SI, "36", "text", "text", "", 0},
-        {SI, "95", "100 1", "100 1", "", 0},
-        {SI, "83", "5", "5", "", 0},
         {SI, "999", "5.55", "5.55", "", 0},
         {US, "105", "20", "68", "°F", 2},
-        {US, "105", "21.5", "70.7", "°F", 2},
         {US, "105", "-273.17", "-459.71", "°F", 2},
-        {US, "39", "100", "212", "°F", 1},
         {US, "39", "-40", "-40", "°F", 1},
-        {US, "63", "37", "98.6", "°F", 2},
-        {US, "30", "100", "14.5", "psi", 2},
         {US, "113", "249.08891", "1", "inH2O", 3},
-        {US, "113", "100", "0.401", "inH2O", 3},
-        {US, "59", "500", "2.007", "inH2O", 3},
-        {US, "15", "1", "16", "gpm", 0},
         {US, "53", "1", "15.85", "gpm", 2},
-        {US, "17", "10", "32.8", "ft", 1},
-        {US, "54", "0.3048", "1", "ft", 2},
-        {US, "20", "25.4", "1", "in", 3},
-        {US, "34", "1", "197", "fpm", 0},
-        {US, "62", "2.5", "492.1", "fpm", 1},
-        {US, "41", "10", "2.64", "gal", 2},
-        {US, "65", "3.785411784", "1", "gal", 2},
         {US, "42", "1", "35", "ft³", 0},
-        {US, "24", "1", "2.2", "lb", 1},
         {US, "1", "3.5", "3.5", "A", 1},
-        {US, "81", "50", "50", "%", 3},
-        {US, "106", "1", "1", "", 0},
         {US, "105", "abc", "abc", "°F", 2},
     };
     for (const DisplayRow& row : rows) {
@@ -146,21 +118,6 @@ TEST_F(UnitConverterTest, NumbersFollowTheSeparatorInForce) {
     EXPECT_DOUBLE_EQ(si_.ParseDisplayNumber("1.5"), 1.5);
 }
 
-TEST_F(UnitConverterTest, ReadsTheNumberADisplayTextStandsFor) {
-    struct Row {
-        const char* text;
-        double value;
-    };
-    const Row rows[] = {
-        {"21.5 °C", 21.5}, {"  -3", -3}, {"+2", 2}, {"1E3", 1000},       {"2.5e-1", 0.25},
-        {"1.5e", 1.5},     {"1,5", 1.5}, {"7.", 7}, {".5", 0.5},         {"abc", 0},
-        {"", 0},           {"-", 0},     {"E5", 0}, {"1e999", HUGE_VAL},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(si_.ParseDisplayNumber(row.text), row.value) << "\"" << row.text << "\"";
-    }
-}
-
 TEST_F(UnitConverterTest, StoresADisplayTextOnTheResolutionOfTheType) {
     struct Row {
         UnitSystem system;
@@ -171,29 +128,10 @@ TEST_F(UnitConverterTest, StoresADisplayTextOnTheResolutionOfTheType) {
     const UnitSystem SI = UnitSystem::SI;
     const UnitSystem US = UnitSystem::US;
     const Row rows[] = {
-        {SI, "105", "21.5", "21.5"},
-        {SI, "105", "21.555", "21.56"},
-        {SI, "39", "20.04 °C", "20"},
-        {SI, "81", "50.003", "50.005"},
-        {SI, "81", "-0.001", "0"},
-        {SI, "902", "33", "40"},
-        {SI, "63", "12345678", "12345680"},
-        {SI, "63", "1e39", "1E+39"},
-        {SI, "15", "abc", "abc"},
-        {SI, "106", "2", "2"},
-        {SI, "903", "1.25", "1.25"},
-        {US, "105", "68", "20"},
-        {US, "105", "70.7 °F", "21.5"},
-        {US, "105", "-459.7", "-273.17"},
-        {US, "39", "212.0", "100"},
-        {US, "39", "70", "21.1"},
-        {US, "63", "98.6", "37"},
-        {US, "30", "14.5", "100"},
-        {US, "113", "1", "249"},
-        {US, "15", "16", "1"},
-        {US, "53", "15.85", "0.9999796"},
-        {US, "1", "3.55", "3.6"},
-        {US, "105", "", ""},
+        {SI, "105", "21.555", "21.56"},   {SI, "39", "20.04 °C", "20"}, {SI, "81", "-0.001", "0"},
+        {SI, "902", "33", "40"},          {SI, "63", "1e39", "1E+39"},  {SI, "15", "abc", "abc"},
+        {US, "105", "70.7 °F", "21.5"},   {US, "39", "70", "21.1"},     {US, "113", "1", "249"},
+        {US, "53", "15.85", "0.9999796"}, {US, "105", "", ""},
     };
     for (const Row& row : rows) {
         UnitConverter& converter = row.system == UnitSystem::US ? us_ : si_;
@@ -224,25 +162,6 @@ TEST_F(UnitConverterTest, ScaledTypesRoundTripThroughTheirDisplayForm) {
     }
 }
 
-// A Float type has no grid: what comes back is the shown value, for any value on the
-// display's own grid.
-TEST_F(UnitConverterTest, FloatTypesRoundTripFromTheirDisplayForm) {
-    const char* shownValues[] = {"0", "1", "-40", "68.57", "98.6", "212", "999.99", "-0.5"};
-    for (UnitConverter* converter : {&si_, &us_}) {
-        for (const UnitConversion& row : UsCustomaryTable()->Rows()) {
-            if (!ScaleOf(row.typeId).isFloat) {
-                continue;
-            }
-            for (const char* shown : shownValues) {
-                const std::string expected = converter->ToDisplayValue(row.typeId, shown);
-                const std::string stored = converter->FromDisplayValue(row.typeId, expected);
-                EXPECT_EQ(converter->ToDisplayValue(row.typeId, stored), expected)
-                    << row.typeId << " shown " << expected << " stored " << stored;
-            }
-        }
-    }
-}
-
 TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
     struct Row {
         const char* typeId;
@@ -253,14 +172,10 @@ TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
     };
     const Row rows[] = {
         {"105", "-273.17", "327.66", "-459.7", "621.78"},  // -459.706 and 621.788, inwards
-        {"39", "-274", "6279.5", "-461.2", "11335.1"},
         {"63", "-273.17", "1E38", "-459.7", "1.8E+38"},
-        {"113", "-32768", "32766", "-131.551", "131.543"},
         {"15", "0", "65534", "0", "1038735"},
-        {"1", "-3276.8", "3276.7", "-3276.8", "3276.7"},
         {"902", "-50.5", "-3", "-50.5", "-3"},
         {"903", "abc", "", "abc", ""},
-        {"106", "", "", "", ""},
         {"999", "", "", "", ""},
     };
     for (const Row& row : rows) {
@@ -279,19 +194,6 @@ TEST_F(UnitConverterTest, ConvertedLimitsStayWithinTheStoredOnes) {
         const std::string max = us_.FromDisplayValue(row.typeId, us_.MaximumFor(row.typeId));
         EXPECT_GE(si_.ParseDisplayNumber(min), storedMin) << row.typeId;
         EXPECT_LE(si_.ParseDisplayNumber(max), storedMax) << row.typeId;
-    }
-}
-
-TEST_F(UnitConverterTest, DefaultIsZeroBroughtIntoTheLimits) {
-    struct Row {
-        const char* typeId;
-        const char* value;
-    };
-    const Row rows[] = {{"105", "0"}, {"901", "5"}, {"902", "-3"}, {"903", "0"},
-                        {"36", ""},   {"106", "0"}, {"999", "0"}};
-    for (const Row& row : rows) {
-        EXPECT_EQ(si_.DefaultFor(row.typeId), row.value) << row.typeId;
-        EXPECT_EQ(us_.DefaultFor(row.typeId), row.value) << "stored form in any system";
     }
 }
 
