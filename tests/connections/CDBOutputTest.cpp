@@ -118,15 +118,6 @@ TEST_F(OutputTest, WarnsAboutAnEmptyTypeAndGoesOn) {
     EXPECT_TRUE(output->IOutput_Visible());
 }
 
-TEST_F(OutputTest, LoadDefinitionRaisesOnAChildWithoutText) {
-    for (const char* text : {"<Out><VISIBLE/></Out>", "<Out><SNVTTYPE/></Out>",
-                             "<Out><SNVTTYPE><Id>105</Id></SNVTTYPE></Out>"}) {
-        SCOPED_TRACE(text);
-        EXPECT_THROW(Load(text), Error);
-    }
-    EXPECT_THAT(messages.Messages(), IsEmpty());
-}
-
 TEST_F(OutputTest, CompatibilityIsOneExactComparisonOfIds) {
     auto typed = Load("<Out><SNVTTYPE>105</SNVTTYPE></Out>");
     EXPECT_TRUE(typed->ISubItemConnable_IsSNVTCompatible("105"));
@@ -139,31 +130,6 @@ TEST_F(OutputTest, CompatibilityIsOneExactComparisonOfIds) {
 }
 
 // ---- Connections -----------------------------------------------------------------------------
-
-TEST_F(OutputTest, ConnectionsAreCountedWithoutFloor) {
-    struct Step {
-        bool connect;
-        bool connected;
-        int32_t count;
-    };
-    const std::vector<std::vector<Step>> sequences = {
-        {{true, true, 1}, {true, true, 2}, {false, true, 1}, {false, false, 0}},
-        // A connect always reads as connected, even when it only makes up for an unpaired
-        // disconnect.
-        {{false, true, -1}, {true, true, 0}, {true, true, 1}, {false, false, 0}},
-    };
-    for (const auto& sequence : sequences) {
-        auto output = Load("<Out/>");
-        int step = 0;
-        for (const Step& s : sequence) {
-            SCOPED_TRACE(step++);
-            output->ISubItemConnable_IsConnected(s.connect);
-            EXPECT_EQ(output->IOutput_IsConnected(), s.connected);
-            EXPECT_EQ(output->IDisplayItem_IsConnected(), s.connected);
-            EXPECT_EQ(output->ConnectionCount(), s.count);
-        }
-    }
-}
 
 // ---- Display item ----------------------------------------------------------------------------
 
@@ -245,14 +211,6 @@ TEST_F(OutputTest, IsMacroConnectedLooksAtTheOneTerminalOfEachOutputGroup) {
                  {FakeMacroOutputGroup::WithKey("x"), FakeMacroOutputGroup::WithKey(key)});
          },
          true},
-        {"the key in another case",
-         [&] { return holding({FakeMacroOutputGroup::WithKey("K\\ROU\\OUT")}); }, false},
-        {"a group without terminal, then the match",
-         [&] {
-             return holding(
-                 {std::make_shared<FakeMacroOutputGroup>(), FakeMacroOutputGroup::WithKey(key)});
-         },
-         true},
         {"failing calls before the match",
          [&] {
              auto broken = FakeMacroOutputGroup::WithKey(key);
@@ -262,13 +220,6 @@ TEST_F(OutputTest, IsMacroConnectedLooksAtTheOneTerminalOfEachOutputGroup) {
              return holding({broken, brokenTerminal, FakeMacroOutputGroup::WithKey(key)});
          },
          true},
-        {"a host that fails",
-         [&] {
-             auto host = holding({FakeMacroOutputGroup::WithKey(key)});
-             host->fails = true;
-             return host;
-         },
-         false},
     };
     auto output = Load("<Out/>");
     for (const Row& row : rows) {
