@@ -42,17 +42,6 @@ TEST(KeyedCollection, KeepsInsertionOrderAndFindsKeysInAnyCase) {
     EXPECT_EQ(collection.At(4), nullptr);
 }
 
-TEST(KeyedCollection, RefusesAKeyThatExistsInAnotherCase) {
-    auto collection = Collection({"Setpoint"});
-    try {
-        collection.Add("SETPOINT", std::make_shared<Member>());
-        FAIL() << "duplicate accepted";
-    } catch (const Error& e) {
-        EXPECT_EQ(e.Number(), kErrKeyExists);
-    }
-    EXPECT_EQ(collection.Count(), 1);
-}
-
 TEST(KeyedCollection, ItemLooksUpTheKeyFirstThenThePosition) {
     const auto collection = Collection({"a", "b", "2", "c"});
     struct Row {
@@ -69,22 +58,6 @@ TEST(KeyedCollection, ItemLooksUpTheKeyFirstThenThePosition) {
     for (const Row& row : rows) {
         EXPECT_EQ(NameOf(collection.Item(row.key)), row.expected) << '"' << row.key << '"';
     }
-}
-
-TEST(KeyedCollection, RemoveKeepsTheOthersFindable) {
-    auto collection = Collection({"one", "two", "three", "four"});
-    collection.Remove("TWO");
-    ASSERT_EQ(collection.Count(), 3);
-    EXPECT_EQ(collection.FindKey("two"), nullptr);
-    EXPECT_EQ(NameOf(collection.FindKey("three")), "three");
-    EXPECT_EQ(NameOf(collection.FindKey("four")), "four");
-    EXPECT_EQ(NameOf(collection.At(2)), "three");
-    EXPECT_THROW(collection.Remove("two"), Error);
-    collection.Add("Two", std::make_shared<Member>(Member{"Two"}));  // the key is free again
-    EXPECT_EQ(NameOf(collection.At(4)), "Two");
-    collection.Clear();
-    EXPECT_EQ(collection.Count(), 0);
-    EXPECT_EQ(collection.FindKey("one"), nullptr);
 }
 
 // ---- Listener lists ------------------------------------------------------------------------

@@ -7,18 +7,6 @@
 namespace zerbin {
 namespace {
 
-TEST(DefinitionStore, EveryCacheReachesTheSameStore) {
-    const DefinitionCache first;
-    const DefinitionCache second;
-    ASSERT_NE(first.Store(), nullptr);
-    EXPECT_EQ(first.Store(), second.Store());
-
-    auto doc = std::make_shared<const pugi::xml_document>();
-    first.Store()->AddDocument(doc, "StoreTest_Pump");
-    EXPECT_EQ(second.Store()->FindDocument("StoreTest_Pump"), doc);
-    EXPECT_EQ(DefinitionCache().Store()->FindDocument("StoreTest_Pump"), doc);
-}
-
 TEST(DefinitionStore, TypeNamesAreComparedExactly) {
     auto store = DefinitionCache().Store();
     auto doc = std::make_shared<const pugi::xml_document>();

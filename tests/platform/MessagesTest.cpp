@@ -33,23 +33,5 @@ TEST(ShowMessage, AnswersWithTheSinksButtonAndRestoresThePreviousSink) {
     EXPECT_EQ(outer.Messages()[0].text, "after");
 }
 
-TEST(ShowMessage, TheDefaultSinkWritesTitleAndTextToStderr) {
-    SetMessageSink(nullptr);
-    ::testing::internal::CaptureStderr();
-    EXPECT_EQ(ShowMessage("Value out of range", "Pump"), kMessageOk);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Pump: Value out of range\n");
-}
-
-TEST(ServePendingEvents, RunsTheInstalledPumpOnly) {
-    int served = 0;
-    ServePendingEvents();  // the headless default does nothing
-    SetEventPump([&] { ++served; });
-    ServePendingEvents();
-    ServePendingEvents();
-    SetEventPump({});
-    ServePendingEvents();
-    EXPECT_EQ(served, 2);
-}
-
 }  // namespace
 }  // namespace zerbin

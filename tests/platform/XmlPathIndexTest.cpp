@@ -43,33 +43,20 @@ struct Row {
 TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
     const Row rows[] = {
         {"", "A/B", "A1/B"},
-        {"", "X/B", "X/B"},
-        {"", "C/B", "A2/C/B"},
         {"", "A/C/B", "A2/C/B"},  // first A has no C: the second one answers
-        {"", "R/A/C/B", "A2/C/B"},
-        {"", "B", "A1/B"},
-        {"", "R/B", "-"},  // no B is a child of R
-        {"", "Q/A/B", "-"},
-        {"", "R/X/C", "-"},      // a comment is no element
-        {"", "AppObject", "-"},  // nor is a processing instruction or a comment's text
-        {"", "P/Q", "P1/Q"},     // the outer pair comes first in document order
+        {"", "R/B", "-"},         // no B is a child of R
+        {"", "R/X/C", "-"},       // a comment is no element
+        {"", "AppObject", "-"},   // nor is a processing instruction or a comment's text
+        {"", "P/Q", "P1/Q"},      // the outer pair comes first in document order
         {"", "Q/P/Q", "P1/Q/P/Q"},
-        {"", "P/Q/P/Q/P", "-"},
-        {"", "ns:A/ns:B", "nsA/nsB"},
         {"", "A/ns:B", "-"},  // prefixes are part of the name
         {"", "a/a/a", "a/a/a"},
-        {"", "a/a", "a/a"},
         {"", "A/b", "-"},  // case counts
-        {"", "", "-"},
         {"", "/B", "-"},
-        {"", "A/", "-"},
         {"", "A//B", "-"},
-        {"R/A", "B", "A1/B"},
         {"R/A", "A/B", "-"},  // the root is not part of a match
-        {"R", "R/A/B", "-"},
         {"R", "A/C/B", "A2/C/B"},
         {"R/a", "a/a", "a/a/a"},
-        {"R/a", "a", "a/a"},
     };
     auto doc = ParseXml(kTree);
     for (const Row& row : rows) {
@@ -134,22 +121,10 @@ TEST(PathIndex, WalkAndIndexTakeDocumentsNestedAHundredThousandDeep) {
     const PathIndex index(*doc);
     EXPECT_EQ(Tag(index.FindFirst("n/n/SNVTS/SNVT_1")), "leaf");
     EXPECT_EQ(Tag(FindFirst(*doc, "n/n/SNVTS/SNVT_1")), "leaf");
-    EXPECT_EQ(Tag(FindFirst(*doc, "SNVTS/SNVT_2")), "-");
-    EXPECT_EQ(Tag(index.FindFirst("SNVTS/SNVT_2")), "-");
     EXPECT_EQ(index.FindFirst("n/n/n"), doc->first_child().first_child().first_child());
 }
 
 // ---- The cache of indexes ------------------------------------------------------------------
-
-TEST(IndexOf, BuildsOneIndexForEachLiveDocument) {
-    std::shared_ptr<const pugi::xml_document> first = ParseXml("<A><B n='1'/></A>");
-    const auto index = IndexOf(first);
-    ASSERT_NE(index, nullptr);
-    EXPECT_EQ(IndexOf(first), index);
-    EXPECT_EQ(index->Root(), first->root());
-    EXPECT_NE(IndexOf(ParseXml("<A/>")), index);
-    EXPECT_EQ(IndexOf(nullptr), nullptr);
-}
 
 TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
     alignas(pugi::xml_document) std::byte place[sizeof(pugi::xml_document)];
@@ -171,20 +146,6 @@ TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
         EXPECT_EQ(Tag(IndexOf(doc)->FindFirst("A/B")), std::to_string(round));
         EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), std::to_string(round));
     }
-}
-
-TEST(FindFirstIndexed, AsksTheIndexOnlyOfALiveIndexedDocument) {
-    auto doc = ParseXml("<A><B n='old'/></A>");
-    const pugi::xml_node subtree = doc->child("A");
-
-    EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), "old");  // not indexed: the walk
-    const auto index = IndexOf(doc);
-    // Seen through a change behind the index's back, which its users must never make: the
-    // walk sees the new element, the index does not.
-    doc->child("A").prepend_child("B").append_attribute("n") = "new";
-    EXPECT_EQ(Tag(FindFirstIndexed(*doc, "A/B")), "old");
-    EXPECT_EQ(Tag(FindFirstIndexed(subtree, "B")), "new");  // a subtree is walked
-    EXPECT_EQ(Tag(FindFirstIndexed(pugi::xml_node(), "B")), "-");
 }
 
 }  // namespace

@@ -34,14 +34,6 @@ TEST(XmlLoad, ReportsTheOffendingLineAndItsPlace) {
     EXPECT_EQ(LoadString("<A>", nullptr), nullptr);  // no report asked for
 }
 
-TEST(XmlLoad, CountsTheColumnInCharacters) {
-    ParseError error;
-    EXPECT_EQ(LoadString("<A>\xC3\xA4\xC3\xA4<</A>", &error), nullptr);
-    EXPECT_EQ(error.line, 1);
-    EXPECT_GE(error.column, 6);
-    EXPECT_LE(error.column, 8);
-}
-
 TEST(XmlLoad, KeepsCommentsAndDropsBlankText) {
     auto doc = Load("<A>\n  <!-- note -->\n  <B>1</B>\n</A>");
     const pugi::xml_node a = doc->child("A");
@@ -76,28 +68,6 @@ TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
 }
 
 // ---- Node kinds, names, text ---------------------------------------------------------------
-
-TEST(XmlNodes, TellKindsAndLocalNames) {
-    auto doc = Load(
-        "<?xml version='1.0'?><!DOCTYPE r><r xmlns:x='u' x:a='1'><x:item/>t"
-        "<![CDATA[c]]><?pi d?><!--c--></r>");
-    const pugi::xml_node r = doc->child("r");
-    const pugi::xml_node item = r.first_child();
-    EXPECT_EQ(NodeType(*doc), kNodeDocument);
-    EXPECT_EQ(NodeType(doc->first_child()), kNodeProcessingInstruction);
-    EXPECT_EQ(NodeType(doc->first_child().next_sibling()), kNodeDocumentType);
-    EXPECT_EQ(NodeType(item), kNodeElement);
-    EXPECT_EQ(NodeType(item.next_sibling()), kNodeText);
-    EXPECT_EQ(NodeType(item.next_sibling().next_sibling()), kNodeCData);
-    EXPECT_EQ(NodeType(r.last_child().previous_sibling()), kNodeProcessingInstruction);
-    EXPECT_TRUE(IsComment(r.last_child()));
-    EXPECT_FALSE(IsComment(item));
-    EXPECT_EQ(NodeType(pugi::xml_node()), 0);
-    EXPECT_EQ(BaseName(item), "item");
-    EXPECT_EQ(BaseName(r), "r");
-    EXPECT_EQ(BaseName(r.attribute("x:a")), "a");
-    EXPECT_EQ(BaseName(item.next_sibling()), "");
-}
 
 TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
     auto doc = Load("<r><t>12</t><e/><nested><x>1</x></nested><c><!--note--></c></r>");
