@@ -58,25 +58,6 @@ TEST_F(ParameterTest, KeysAreReadByTheirOwnRules) {
     }
 }
 
-TEST_F(ParameterTest, ElementsAreReadInAnyCaseAndAbsentOnesLoadSilently) {
-    Block block("PrmValues");
-    ScopedMessageRecorder messages;
-    auto plain =
-        Load(block, "<Plain><snvttype>108</snvttype><!-- <VISIBLE>1</VISIBLE> --></Plain>");
-    EXPECT_EQ(plain->CDBOrderInPosition(), 0);
-    EXPECT_FALSE(plain->IAttribute_Visible());
-    EXPECT_EQ(plain->IAttribute_Value(), "");
-    EXPECT_EQ(plain->IAttribute_DefaultValue(), "");
-    EXPECT_EQ(plain->IAttribute_Min(), "0") << "the dictionary's limits";
-    EXPECT_EQ(plain->IAttribute_Max(), "255");
-    auto hidden = Load(block,
-                       "<Hidden><Visible>0</Visible><CdbOrderInPosition>7.5</CdbOrderInPosition>"
-                       "<SNVTTYPE>108</SNVTTYPE></Hidden>");
-    EXPECT_FALSE(hidden->IAttribute_Visible());
-    EXPECT_EQ(hidden->CDBOrderInPosition(), 8);
-    EXPECT_THAT(messages.Messages(), IsEmpty());
-}
-
 TEST_F(ParameterTest, EmptyElementsWarnAndTheLoadGoesOn) {
     Block block("PrmValues");
     const struct {
@@ -138,16 +119,6 @@ TEST_F(ParameterTest, AUnitSelectorListsItsChoicesAndTakesTheFirst) {
     EXPECT_EQ(kelvin->UnitTypeID, "124");
     EXPECT_EQ(kelvin->DifferentialTypeID, "");
     EXPECT_EQ(units->SelectableUnits()->Item("celsius")->DifferentialTypeID, "120");
-}
-
-TEST_F(ParameterTest, SelectorChoicesKeepTheValueBeforeThemWhenTheirTextIsMissing) {
-    Block block("PrmValues");
-    auto units = Load(block, "<U><UNITS><A>105</A><B/><a>107</a><C>108:x</C></UNITS></U>");
-    EXPECT_EQ(units->IAttribute_SNVTType()->ISNVType_EnumDesc(), "105,A;105,B;107,a;108,C;");
-    EXPECT_EQ(units->SelectableUnits()->Count(), 3) << "a repeats A and is not added";
-    auto types = Load(block, "<T><TYPES><!-- none --><A/><B>106</B></TYPES></T>");
-    EXPECT_EQ(types->IAttribute_SNVTType()->ISNVType_EnumDesc(), ",A;106,B;");
-    EXPECT_EQ(types->IAttribute_Value(), "106");
 }
 
 TEST_F(ParameterTest, ADefaultValueBeforeOrAfterASelectorOverridesItsFirstChoice) {

@@ -116,32 +116,6 @@ TEST_F(TypeSelectorTest, AConnectionToAnInputThatDoesNotListTheTypeRefusesTheCha
     EXPECT_EQ(type_->IAttribute_Value(), "108");
 }
 
-TEST_F(TypeSelectorTest, ABlockFoundInNoContainerOrWithABrokenHostAcceptsEveryType) {
-    Connect("Out1", "In2");
-    ScopedMessageRecorder messages;
-    inner_->members = {sink_->Object()};
-    type_->IAttribute_Value("106");
-    EXPECT_EQ(type_->IAttribute_Value(), "106");
-
-    inner_->members.push_back(source_->Object());
-    inner_->fails = true;
-    type_->IAttribute_Value("107");
-    EXPECT_EQ(type_->IAttribute_Value(), "107");
-    EXPECT_THAT(messages.Messages(), IsEmpty());
-}
-
-TEST_F(TypeSelectorTest, BackToDefaultSkipsTheCheckAndTheEqualValueTest) {
-    type_->IAttribute_Value("107");
-    Connect("Out1", "In2");  // would refuse 105
-    listener_->Clear();
-    type_->IAttribute_BackToDefault();
-    EXPECT_EQ(type_->IAttribute_Value(), "105");
-    EXPECT_EQ(OutputType("Out1"), "105");
-    EXPECT_EQ(listener_->CountOf("AttributeChanged"), 2U);
-    type_->IAttribute_BackToDefault();
-    EXPECT_EQ(listener_->CountOf("AttributeChanged"), 4U);
-}
-
 TEST_F(ParameterTest, TheFirstUnitDerivesTheDependentsAtCreation) {
     auto factory = std::make_shared<RecordingEditorFactory>();
     SetEditorFactory(factory);

@@ -141,35 +141,6 @@ TEST_F(ParameterTest, BackToDefaultRestoresTheStoredDefaultAndTellsTheListeners)
     EXPECT_EQ(setting->IAttribute_Value(), "21,5 2") << "the fields follow at once";
 }
 
-TEST_F(ParameterTest, BackToDefaultPassesAListenersFailureOnWhileTheWriteAbsorbsIt) {
-    Block block("PrmValues");
-    auto failing = std::make_shared<RecordingListener>("failing");
-    failing->FailOn("AttributeChanged");
-    auto after = std::make_shared<RecordingListener>("after");
-    auto count = block.Attribute("Count");
-    count->IAttribute_CallBack(failing);
-    count->IAttribute_CallBack(after);
-
-    EXPECT_NO_THROW(count->IAttribute_Value("50"));
-    EXPECT_EQ(after->CountOf("AttributeChanged"), 1U) << "the next listener is still told";
-    EXPECT_THROW(count->IAttribute_BackToDefault(), Error);
-    EXPECT_EQ(count->IAttribute_Value(), "0") << "set before the listeners are told";
-    EXPECT_EQ(after->CountOf("AttributeChanged"), 1U);
-}
-
-TEST_F(ParameterTest, AListenerThatWritesBackCannotRecurseWithoutBound) {
-    Block block("PrmValues");
-    auto setpoint = block.Attribute("Setpoint");
-    auto listener = std::make_shared<RecordingListener>();
-    int writes = 0;
-    listener->OnCall([&] { setpoint->IAttribute_Value(std::to_string(++writes)); });
-    setpoint->IAttribute_CallBack(listener);
-    setpoint->IAttribute_Value("0");
-    EXPECT_EQ(listener->CountOf("AttributeChanged"),
-              static_cast<std::size_t>(CDBAttribute::kMaxNestedWrites));
-    EXPECT_EQ(setpoint->IAttribute_Value(), std::to_string(CDBAttribute::kMaxNestedWrites - 1));
-}
-
 TEST_F(ParameterTest, MacroConnectionIsAnExactMatchOfTheGlobalKeyAmongAttributeTerminals) {
     Block block("PrmValues");
     block->IAppObject_GlobalKey("K");
@@ -213,19 +184,6 @@ TEST_F(ParameterTest, AnyTextInAnyClassIsStoredWithoutFailureAndKeepsTheImageWho
             }
         }
     }
-}
-
-TEST_F(ParameterTest, LimitsFromTheConverterAreKeptInTheDictionaryUnitInUsUnits) {
-    SetUnitSystem(UnitSystem::US);
-    Block block("PrmUnits");
-    auto units = block.Attribute("Units");
-    units->IAttribute_Value("122");
-    units->IAttribute_Value("105");
-    // Offset has no limits of its own for Celsius: they come from the converter, which shows
-    // them in degrees Fahrenheit, while the attribute keeps degrees Celsius.
-    auto offset = block.Attribute("Offset");
-    EXPECT_EQ(offset->IAttribute_Min(), "-273.17");
-    EXPECT_EQ(offset->IAttribute_Max(), "327.66");
 }
 
 }  // namespace
