@@ -2,6 +2,7 @@
 
 #include <limits>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -243,14 +244,14 @@ void CDBInput::SetName(const std::string& v) {
 void CDBInput::LoadDefinition(pugi::xml_node node) {
     extended_ = false;
     for (const pugi::xml_attribute attribute : node.attributes()) {
-        const std::string key = UpperCase(xml::BaseName(attribute));
+        const std::string_view key = xml::BaseNameView(attribute);
         // Deliberately by presence: definition files in use write ISEXTENDED="0" and mean it
         // as a flag, so the value is never read.
-        if (key == "ISEXTENDED") {
+        if (EqualsNoCase(key, "ISEXTENDED")) {
             extended_ = true;
-        } else if (key == "TYPEDEPENDENT") {
+        } else if (EqualsNoCase(key, "TYPEDEPENDENT")) {
             isTypeDependent_ = true;
-        } else if (key == "SENDLENGTHTO") {
+        } else if (EqualsNoCase(key, "SENDLENGTHTO")) {
             sendLengthTo_ = attribute.value();
         }
     }
@@ -258,18 +259,18 @@ void CDBInput::LoadDefinition(pugi::xml_node node) {
         if (xml::IsComment(child)) {
             continue;
         }
-        const std::string key = UpperCase(xml::BaseName(child));
-        if (key == "CDBORDERINPOSITION") {
+        const std::string_view key = xml::BaseNameView(child);
+        if (EqualsNoCase(key, "CDBORDERINPOSITION")) {
             const std::string text = xml::FirstChildText(child);
             cdbOrderInPosition_ = ToInt32(LeadingNumber(text));
             if (text.empty()) {
                 Warn(": CDBOrderingPosition not defined into the XML file of the object ");
             }
-        } else if (key == "MANDATORY") {
+        } else if (EqualsNoCase(key, "MANDATORY")) {
             mandatory_ = LeadingNumber(xml::FirstChildText(child)) != 0;
-        } else if (key == "VISIBLE") {
+        } else if (EqualsNoCase(key, "VISIBLE")) {
             visible_ = LeadingNumber(xml::FirstChildText(child)) != 0;
-        } else if (key == "SNVTCOMPATIBILITYLIST") {
+        } else if (EqualsNoCase(key, "SNVTCOMPATIBILITYLIST")) {
             const std::string text = xml::FirstChildText(child);
             snvtCompatibles_->AddList(text);
             if (text.empty()) {

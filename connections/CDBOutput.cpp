@@ -1,6 +1,7 @@
 #include "connections/CDBOutput.h"
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -243,11 +244,11 @@ void CDBOutput::LoadDefinition(pugi::xml_node node) {
     displayWritable_ = false;
     isTypeDependent_ = false;
     for (const pugi::xml_attribute attribute : node.attributes()) {
-        const std::string key = UpperCase(xml::BaseName(attribute));
+        const std::string_view key = xml::BaseNameView(attribute);
         // Flags by presence: DISPLAYWRITABLE="0" still makes the output writable.
-        if (key == "DISPLAYWRITABLE") {
+        if (EqualsNoCase(key, "DISPLAYWRITABLE")) {
             displayWritable_ = true;
-        } else if (key == "TYPEDEPENDENT") {
+        } else if (EqualsNoCase(key, "TYPEDEPENDENT")) {
             isTypeDependent_ = true;
         }
     }
@@ -255,10 +256,10 @@ void CDBOutput::LoadDefinition(pugi::xml_node node) {
         if (xml::IsComment(child)) {
             continue;
         }
-        const std::string key = UpperCase(xml::BaseName(child));
-        if (key == "VISIBLE") {
+        const std::string_view key = xml::BaseNameView(child);
+        if (EqualsNoCase(key, "VISIBLE")) {
             visible_ = LeadingNumber(xml::FirstChildText(child)) != 0;
-        } else if (key == "SNVTTYPE") {
+        } else if (EqualsNoCase(key, "SNVTTYPE")) {
             LoadType(xml::FirstChildText(child));
         }
     }

@@ -2,6 +2,8 @@
 // own, in a file written by hand, and the next one still runs: what the user learns of a bad
 // definition are the warnings, never an error.
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "app_object/CDBAppObject.h"
 #include "app_object/MMain.h"
@@ -112,48 +114,48 @@ void CDBAttribute::LoadDefinition(pugi::xml_node node) {
 }
 
 void CDBAttribute::LoadKey(pugi::xml_attribute key) {
-    const std::string keyName = UpperCase(xml::BaseName(key));
+    const std::string_view keyName = xml::BaseNameView(key);
     const std::string text = key.value();
-    if (keyName == "KEEPFLOATSTANDARD") {
+    if (EqualsNoCase(keyName, "KEEPFLOATSTANDARD")) {
         isKeepFloatStandard_ = true;  // presence alone: "0" asks for it as well
-    } else if (keyName == "DIVIDEBY") {
+    } else if (EqualsNoCase(keyName, "DIVIDEBY")) {
         divideBy_ = ToInt32(LeadingNumber(text));
-    } else if (keyName == "DEVICEDEPENDENT") {
+    } else if (EqualsNoCase(keyName, "DEVICEDEPENDENT")) {
         isDeviceDependent_ = true;
         deviceKey_ = text;
-    } else if (keyName == "UNITDEPENDENT") {
+    } else if (EqualsNoCase(keyName, "UNITDEPENDENT")) {
         isUnitDependent_ = LeadingNumber(text) != 0;
-    } else if (keyName == "DIFFERENTIAL") {
+    } else if (EqualsNoCase(keyName, "DIFFERENTIAL")) {
         differential_ = LeadingNumber(text) != 0;
-    } else if (keyName == "TOOLONLY") {
+    } else if (EqualsNoCase(keyName, "TOOLONLY")) {
         toolOnly_ = LeadingNumber(text) != 0;
     }
 }
 
 void CDBAttribute::LoadElement(pugi::xml_node child) {
-    const std::string element = UpperCase(xml::BaseName(child));
+    const std::string_view element = xml::BaseNameView(child);
     // A missing text reads as the empty one, which is what the warnings below are about.
     std::string text;
     auto readText = [&] { SkipStep([&] { text = xml::FirstChildText(child); }); };
 
-    if (element == "DESCRIPTION") {
+    if (EqualsNoCase(element, "DESCRIPTION")) {
         SkipStep([&] { description_ = xml::FirstChildText(child); });
-    } else if (element == "CDBORDERINPOSITION") {
+    } else if (EqualsNoCase(element, "CDBORDERINPOSITION")) {
         readText();
         SkipStep([&] { orderInPosition_ = ToInt32(LeadingNumber(text)); });
         if (text.empty()) {
             ShowLoadWarning(name_ + ": CDBOrderingPosition", ".");
         }
-    } else if (element == "VISIBLE") {
+    } else if (EqualsNoCase(element, "VISIBLE")) {
         readText();
         visible_ = LeadingNumber(text) != 0;
-    } else if (element == "SNVTTYPE") {
+    } else if (EqualsNoCase(element, "SNVTTYPE")) {
         readText();
         snvtTypeId_ = text;
         if (text.empty()) {
             ShowLoadWarning(name_ + ": SNVTType", ".");
         }
-    } else if (element == "DEFAULTVALUE") {
+    } else if (EqualsNoCase(element, "DEFAULTVALUE")) {
         readText();
         if (text.empty()) {
             text = "0";
@@ -161,9 +163,9 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
         }
         defaultValue_ = text;
         value_ = text;
-    } else if (element == "UNITS") {
+    } else if (EqualsNoCase(element, "UNITS")) {
         LoadUnits(child);
-    } else if (element == "TYPES") {
+    } else if (EqualsNoCase(element, "TYPES")) {
         LoadTypes(child);
     }
 }
