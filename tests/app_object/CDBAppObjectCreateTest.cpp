@@ -130,20 +130,5 @@ TEST(Create, ShortFloatShortensTheFloatsThatDoNotKeepTheStandard) {
     EXPECT_EQ(Positions(*shortened), "Gain=3 Ratio=7");
 }
 
-TEST(Create, TheLastUnitSelectorGovernsTheDependentAttributes) {
-    FixtureLibrary library;
-    ScopedMessageRecorder messages;
-
-    HostedBlock block = CreateBlock("TwoSelectors");
-
-    // Units2 lists Fahrenheit (921) first, Units1 Celsius (920).
-    auto temp = block->IAppObject_Attributes()->IAttributes_Item("Temp");
-    ASSERT_NE(temp->IAttribute_SNVTType(), nullptr);
-    EXPECT_EQ(temp->IAttribute_SNVTType()->ISNVType_ID(), "921");
-    EXPECT_EQ(temp->IAttribute_Value(), "68");
-    EXPECT_EQ(block->IAppObject_CDBDimension(), 7);
-    EXPECT_THAT(MessageTexts(messages), IsEmpty());
-}
-
 }  // namespace
 }  // namespace zerbin

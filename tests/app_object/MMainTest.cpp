@@ -63,25 +63,6 @@ TEST(HexByte, FormatsTheLowByteAndClampsTheCallersVariable) {
     }
 }
 
-TEST(HexWord, SplitsIntoBytesAndClampsOnlyItsOwnArgument) {
-    struct Row {
-        int32_t value;
-        const char* expected;
-        int32_t afterwards;
-    };
-    const Row rows[] = {
-        {300, "012C", 300},
-        {70000, "FFFF", 65535},
-        {-300, "FFD4", -300},
-        {16899, "4203", 16899},
-    };
-    for (const Row& row : rows) {
-        int32_t value = row.value;
-        EXPECT_EQ(HexWord(value), row.expected) << row.value;
-        EXPECT_EQ(value, row.afterwards) << row.value;
-    }
-}
-
 // ---- Reference codes -----------------------------------------------------------------------
 
 TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwo) {
@@ -261,25 +242,6 @@ TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
     for (const Row& row : rows) {
         EXPECT_EQ(FormatDouble(row.value), row.withComma) << row.value;
     }
-}
-
-TEST(FormatSingle, KeepsSevenSignificantDigits) {
-    struct Row {
-        float value;
-        const char* expected;
-    };
-    const Row rows[] = {
-        {12345678.0F, "12345680"},
-        {1.0F / 3.0F, "0.3333333"},
-        {3.4028235e38F, "3.402823E+38"},
-        {16777216.0F, "16777220"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(FormatSingle(row.value), row.expected) << row.value;
-    }
-    ScopedLocale comma;
-    ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-    EXPECT_EQ(FormatSingle(0.1F), "0,1");
 }
 
 }  // namespace
