@@ -30,17 +30,6 @@ TEST(LibraryCommands, TypesListsTheShippedLibrarySortedByFolder) {
               "WEEKLY_SCHEDULE\t307\tWeekly schedule\tSchedule\n");
 }
 
-TEST(LibraryCommands, EveryShippedTypePassesCheckSilently) {
-    const ProgramResult result = RunProgram({"check"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "");
-    // Short floats change the layout of the Float parameters; it must stay complete.
-    const ProgramResult shortFloat = RunProgram({"--short-float", "check"});
-    EXPECT_EQ(shortFloat.status, 0);
-    EXPECT_EQ(shortFloat.err, "");
-}
-
 // A library with one sound type, one whose ordering numbers have a gap, and one whose
 // definition is not well-formed.
 class FaultyLibrary : public ::testing::Test {
