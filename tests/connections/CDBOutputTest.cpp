@@ -61,7 +61,6 @@ TEST_F(OutputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         {R"(<Out DISPLAYWRITABLE="0" typeDependent="no"/>)", true, true, false},
         {"<Out><VISIBLE>1</VISIBLE><Visible>0</Visible></Out>", false, false, false},
         {"<Out><VISIBLE>2.5</VISIBLE></Out>", false, false, true},
-        {"<Out><SNVTTYPE>105</SNVTTYPE></Out>", false, false, false, "105", "Temperature"},
         {"<Out><SNVTTYPE>105</SNVTTYPE><snvttype>106</snvttype></Out>", false, false, false, "106",
          "Mode"},
         // What an input has, an output does not read.

@@ -10,7 +10,6 @@
 #include <utility>
 #include <vector>
 
-#include "interfaces/Error.h"
 #include "interfaces/IcbkAppObject.h"
 
 namespace zerbin::testing {
@@ -34,20 +33,11 @@ public:
         : name_(std::move(name)), journal_(std::move(journal)) {}
 
     const std::vector<std::string>& Lines() const { return lines_; }
-    std::size_t CountOf(const std::string& operation) const {
-        std::size_t count = 0;
-        for (const auto& line : lines_) {
-            count += line.rfind(operation + "(", 0) == 0 ? 1 : 0;
-        }
-        return count;
-    }
     void Clear() { lines_.clear(); }
 
     // Runs after each call has been recorded, inside the raising operation: a test may call
     // back into the block from here.
     void OnCall(std::function<void()> hook) { hook_ = std::move(hook); }
-    // Makes the named operation throw zerbin::Error("listener failed") after recording it.
-    void FailOn(std::string operation) { failOn_ = std::move(operation); }
 
     void IcbkAppObject_Created() override { Hear("Created"); }
     void IcbkAppObject_CDBChanged(int32_t cdb, int32_t ddb, int32_t sdb) override {
@@ -97,9 +87,6 @@ private:
         if (hook_) {
             hook_();
         }
-        if (operation == failOn_) {
-            throw Error("listener failed");
-        }
         return nullptr;
     }
 
@@ -107,7 +94,6 @@ private:
     std::shared_ptr<CallJournal> journal_;
     std::vector<std::string> lines_;
     std::function<void()> hook_;
-    std::string failOn_;
 };
 
 }  // namespace zerbin::testing
