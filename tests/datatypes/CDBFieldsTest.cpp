@@ -155,17 +155,6 @@ TEST_F(CDBFieldsTest, DisplayTextsDependOnTheClass) {
     }
 }
 
-TEST_F(CDBFieldsTest, NumbersAreShownWithTheSeparatorInForce) {
-    auto field = Load("200")->Item("Setpoint");
-    field->DefaultValue("21.5");
-    field->SetFieldMin("-10.5");
-    testing::ScopedLocale comma;
-    ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-    EXPECT_EQ(field->IField_DispValue(), "<105:21,5> unit105");
-    EXPECT_EQ(field->IField_DispDefault(), "21,5 degC");
-    EXPECT_EQ(field->IField_DispMin(), "-10,5 degC");
-}
-
 TEST_F(CDBFieldsTest, ANumericValueNeedsTheParentsConverter) {
     CDBFields fields;
     fields.LoadFields("200", 10);

@@ -125,23 +125,6 @@ TEST(CDBSNVTType, AFailingStepIsReportedAndTheWalkGoesOn) {
     EXPECT_EQ(empty.type->ISNVType_LUIType(), "");
 }
 
-TEST(CDBSNVTType, WholeNumbersRoundHalfToEven) {
-    struct Row {
-        const char* text;
-        int32_t value;
-    };
-    const Row rows[] = {{"2.5", 2}, {"3.5", 4}, {"-2.5", -2}, {"&H10", 16}, {"12abc", 12}};
-    for (const Row& row : rows) {
-        const std::string text = row.text;
-        const Resolved r =
-            Resolve("<SNVT_3 FACTOR=\"" + text + "\"><TYPE>Float</TYPE><LENGTH>4</LENGTH><A_COEF>" +
-                        text + "</A_COEF></SNVT_3>",
-                    "3");
-        EXPECT_EQ(r.type->ISNVType_Factor(), row.value) << text;
-        EXPECT_EQ(r.type->ISNVType_ACoef(), row.value) << text;
-    }
-}
-
 TEST(CDBSNVTType, EnumerationsListTheirChildrenInDocumentOrder) {
     struct Row {
         const char* enums;

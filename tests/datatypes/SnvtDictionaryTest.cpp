@@ -58,12 +58,6 @@ TEST(SnvtDictionary, FirstEntryWinsButAChildMayComeFromALaterOne) {
     EXPECT_FALSE(FindSnvtChild("1", "Enums"));
 }
 
-TEST(SnvtDictionary, NothingIsFoundWithoutADictionary) {
-    ScopedDictionary installed(std::shared_ptr<const pugi::xml_document>{});
-    EXPECT_FALSE(FindSnvtEntry("105"));
-    EXPECT_FALSE(FindSnvtChild("105", "NAME"));
-}
-
 TEST(SnvtDictionary, ANewlyInstalledDocumentIsUsedFromThenOn) {
     auto first = testing::ParseXml(testing::Snvts("<SNVT_7><NAME>old</NAME></SNVT_7>"));
     ScopedDictionary installed(first);
