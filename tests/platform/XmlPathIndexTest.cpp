@@ -105,25 +105,6 @@ TEST(PathIndex, AgreesWithTheWalkOnEveryPathOfTheFixtureDocuments) {
     EXPECT_GT(documents, 5);
 }
 
-TEST(PathIndex, WalkAndIndexTakeDocumentsNestedAHundredThousandDeep) {
-    constexpr int kDepth = 100000;
-    std::string text;
-    text.reserve(kDepth * 8 + 64);
-    for (int i = 0; i < kDepth; ++i) {
-        text += "<n>";
-    }
-    text += "<SNVTS><SNVT_1 n='leaf'/></SNVTS>";
-    for (int i = 0; i < kDepth; ++i) {
-        text += "</n>";
-    }
-    auto doc = ParseXml(text);
-    ASSERT_NE(doc, nullptr);
-    const PathIndex index(*doc);
-    EXPECT_EQ(Tag(index.FindFirst("n/n/SNVTS/SNVT_1")), "leaf");
-    EXPECT_EQ(Tag(FindFirst(*doc, "n/n/SNVTS/SNVT_1")), "leaf");
-    EXPECT_EQ(index.FindFirst("n/n/n"), doc->first_child().first_child().first_child());
-}
-
 // ---- The cache of indexes ------------------------------------------------------------------
 
 TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
