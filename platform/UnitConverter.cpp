@@ -204,19 +204,19 @@ UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
         if (xml::IsComment(child)) {
             continue;
         }
-        const std::string key = UpperCase(xml::BaseName(child));
+        const std::string_view key = xml::BaseNameView(child);
         SkipStep([&] {
-            if (key == "TYPE") {
+            if (EqualsNoCase(key, "TYPE")) {
                 facts.typeClass = xml::FirstChildText(child);
-            } else if (key == "UNIT") {
+            } else if (EqualsNoCase(key, "UNIT")) {
                 facts.unit = xml::FirstChildText(child);
-            } else if (key == "MIN") {
+            } else if (EqualsNoCase(key, "MIN")) {
                 facts.min = NormalizeDecimal(xml::FirstChildText(child));
-            } else if (key == "MAX") {
+            } else if (EqualsNoCase(key, "MAX")) {
                 facts.max = NormalizeDecimal(xml::FirstChildText(child));
-            } else if (key == "A_COEF") {
+            } else if (EqualsNoCase(key, "A_COEF")) {
                 facts.a = ToInt32(LeadingNumber(xml::FirstChildText(child)));
-            } else if (key == "B_COEF") {
+            } else if (EqualsNoCase(key, "B_COEF")) {
                 facts.b = ToInt32(LeadingNumber(xml::FirstChildText(child)));
             }
         });
