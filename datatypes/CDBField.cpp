@@ -24,6 +24,20 @@ Shown ShownAs(const std::string& typeClass) {
     return Shown::Plain;
 }
 
+// Limits and the default are shown in the dictionary's unit, never through the converter;
+// plain is what a type without a unit or labels shows.
+std::string ShowInTypeUnit(CDBSNVTType& type, const std::string& stored, std::string plain) {
+    switch (ShownAs(type.ISNVType_GenType())) {
+        case Shown::Enum:
+            return FormatDisplayValue(DecimalToDisplay(stored), type.ISNVType_EnumDesc());
+        case Shown::Numeric:
+            return DecimalToDisplay(stored) + " " + type.ISNVType_Units();
+        case Shown::Plain:
+            break;
+    }
+    return plain;
+}
+
 int32_t CheckedInt32(int64_t value) {
     if (value < std::numeric_limits<int32_t>::min() ||
         value > std::numeric_limits<int32_t>::max()) {
@@ -63,42 +77,15 @@ std::string CDBField::IField_DefaultValue() {
 }
 
 std::string CDBField::IField_DispMin() {
-    CDBSNVTType& type = Need(snvtType_);
-    switch (ShownAs(type.ISNVType_GenType())) {
-        case Shown::Enum:
-            return FormatDisplayValue(DecimalToDisplay(min_), type.ISNVType_EnumDesc());
-        case Shown::Numeric:
-            return DecimalToDisplay(min_) + " " + type.ISNVType_Units();
-        case Shown::Plain:
-            break;
-    }
-    return DecimalToDisplay(min_);
+    return ShowInTypeUnit(Need(snvtType_), min_, DecimalToDisplay(min_));
 }
 
 std::string CDBField::IField_DispMax() {
-    CDBSNVTType& type = Need(snvtType_);
-    switch (ShownAs(type.ISNVType_GenType())) {
-        case Shown::Enum:
-            return FormatDisplayValue(DecimalToDisplay(max_), type.ISNVType_EnumDesc());
-        case Shown::Numeric:
-            return DecimalToDisplay(max_) + " " + type.ISNVType_Units();
-        case Shown::Plain:
-            break;
-    }
-    return DecimalToDisplay(max_);
+    return ShowInTypeUnit(Need(snvtType_), max_, DecimalToDisplay(max_));
 }
 
 std::string CDBField::IField_DispDefault() {
-    CDBSNVTType& type = Need(snvtType_);
-    switch (ShownAs(type.ISNVType_GenType())) {
-        case Shown::Enum:
-            return FormatDisplayValue(DecimalToDisplay(defaultValue_), type.ISNVType_EnumDesc());
-        case Shown::Numeric:
-            return DecimalToDisplay(defaultValue_) + " " + type.ISNVType_Units();
-        case Shown::Plain:
-            break;
-    }
-    return Trim(defaultValue_);
+    return ShowInTypeUnit(Need(snvtType_), defaultValue_, Trim(defaultValue_));
 }
 
 std::string CDBField::IField_DispValue() {
