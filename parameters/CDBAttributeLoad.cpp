@@ -35,10 +35,28 @@ std::string TextAt(pugi::xml_node document, const std::string& path) {
 
 // A choice of UNITS, TYPES or the device list counts only up to its first ":".
 std::string ChoiceValue(const std::string& normalized) {
-    if (normalized.find(':') != std::string::npos) {
-        return NthToken(normalized, 0, ":");
+    return normalized.substr(0, normalized.find(':'));
+}
+
+// Hands each choice of a UNITS or TYPES element to onChoice with its name and value, and
+// returns the enumeration description of them all, "value,name;" for each.
+template <class OnChoice>
+std::string ReadChoices(pugi::xml_node list, OnChoice onChoice) {
+    std::string description;
+    // Deliberately kept from one choice to the next: a choice without text repeats the value
+    // of the one before it.
+    std::string value;
+    for (pugi::xml_node choice : list.children()) {
+        if (xml::IsComment(choice)) {
+            continue;
+        }
+        const std::string name = xml::BaseName(choice);
+        SkipStep([&] { value = NormalizeDecimal(xml::FirstChildText(choice)); });
+        value = ChoiceValue(value);
+        onChoice(choice, name, value);
+        description += value + "," + name + ";";
     }
-    return normalized;
+    return description;
 }
 
 }  // namespace
@@ -177,50 +195,33 @@ void CDBAttribute::LoadUnits(pugi::xml_node units) {
     if (!units_) {
         units_ = std::make_shared<CDBUnits>();
     }
-    std::string list;
-    // Deliberately kept from one choice to the next: a choice without text repeats the value
-    // of the one before it.
-    std::string value;
-    for (pugi::xml_node choice : units.children()) {
-        if (xml::IsComment(choice)) {
-            continue;
-        }
-        const std::string unitName = xml::BaseName(choice);
-        const std::string differential = choice.attribute("Differential").value();
-        SkipStep([&] { value = NormalizeDecimal(xml::FirstChildText(choice)); });
-        value = ChoiceValue(value);
-        if (defaultValue_.empty()) {
-            defaultValue_ = value;
-            value_ = defaultValue_;
-        }
-        // A second unit of the same name is refused by the list; its pair is still offered.
-        SkipStep([&] { units_->AddUnit(value, unitName, differential); });
-        list += value + "," + unitName + ";";
-    }
-    snvtType_->SetEnumDesc(list);
+    const std::string description = ReadChoices(
+        units, [&](pugi::xml_node choice, const std::string& unitName, const std::string& value) {
+            if (defaultValue_.empty()) {
+                defaultValue_ = value;
+                value_ = defaultValue_;
+            }
+            // A second unit of the same name is refused by the list; its pair is still offered.
+            SkipStep([&] {
+                units_->AddUnit(value, unitName, choice.attribute("Differential").value());
+            });
+        });
+    snvtType_->SetEnumDesc(description);
 }
 
 void CDBAttribute::LoadTypes(pugi::xml_node types) {
     isType_ = true;
     snvtType_->SetGenType("Enum");
     snvtType_->SetLength(1);
-    std::string list;
-    std::string value;  // kept across choices, as for UNITS
-    for (pugi::xml_node choice : types.children()) {
-        if (xml::IsComment(choice)) {
-            continue;
-        }
-        const std::string typeName = xml::BaseName(choice);
-        SkipStep([&] { value = NormalizeDecimal(xml::FirstChildText(choice)); });
-        value = ChoiceValue(value);
-        if (defaultValue_.empty()) {
-            defaultValue_ = value;
-            // The full write, so that the inputs and outputs take the first type at once.
-            IAttribute_Value(defaultValue_);
-        }
-        list += value + "," + typeName + ";";
-    }
-    snvtType_->SetEnumDesc(list);
+    const std::string description =
+        ReadChoices(types, [&](pugi::xml_node, const std::string&, const std::string& value) {
+            if (defaultValue_.empty()) {
+                defaultValue_ = value;
+                // The full write, so that the inputs and outputs take the first type at once.
+                IAttribute_Value(defaultValue_);
+            }
+        });
+    snvtType_->SetEnumDesc(description);
 }
 
 // No handling of its own: the first failure ends it, and its caller goes on.
