@@ -1,7 +1,5 @@
 #include "parameters/CDBAttributes.h"
 
-#include "app_object/SkipMode.h"
-
 namespace zerbin {
 
 CDBAttributes::~CDBAttributes() {
@@ -15,9 +13,7 @@ int32_t CDBAttributes::IAttributes_Count() {
 }
 
 std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& Key) {
-    std::shared_ptr<IAttribute> found;
-    SkipStep([&] { found = items_.Item(Key); });
-    return found;
+    return items_.Item(Key);
 }
 
 std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
