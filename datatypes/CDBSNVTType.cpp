@@ -270,13 +270,14 @@ void CDBSNVTType::Resolve(const std::string& id, Resolution& out) {
             std::string word;
             if (step([&] { word = xml::FirstChildText(child); })) {
                 out.Text(&CDBSNVTType::genType_, word);
-                ApplyTypeClass(id, word, out);
+                ApplyTypeClass(id, entry, word, out);
             }
         }
     }
 }
 
-void CDBSNVTType::ApplyTypeClass(const std::string& id, const std::string& word, Resolution& out) {
+void CDBSNVTType::ApplyTypeClass(const std::string& id, pugi::xml_node entry,
+                                 const std::string& word, Resolution& out) {
     for (const TypeClass& typeClass : kTypeClasses) {
         if (word != typeClass.word) {
             continue;
@@ -288,10 +289,10 @@ void CDBSNVTType::ApplyTypeClass(const std::string& id, const std::string& word,
                 LoadEnums(id, out);
                 break;
             case Details::Numeric:
-                LoadNumericDetails(id, out);
+                LoadNumericDetails(entry, out);
                 break;
             case Details::Text:
-                LoadTextDetails(id, out);
+                LoadTextDetails(entry, out);
                 break;
             case Details::None:
                 break;
@@ -319,7 +320,7 @@ void CDBSNVTType::LoadEnums(const std::string& id, Resolution& out) {
     out.Text(&CDBSNVTType::enumDesc_, Trim(desc));
 }
 
-void CDBSNVTType::LoadNumericDetails(const std::string& id, Resolution& out) {
+void CDBSNVTType::LoadNumericDetails(pugi::xml_node entry, Resolution& out) {
     struct TextKey {
         const char* key;
         std::string CDBSNVTType::*field;
@@ -343,7 +344,7 @@ void CDBSNVTType::LoadNumericDetails(const std::string& id, Resolution& out) {
         {"C_COEF", &CDBSNVTType::cCoef_},
     };
 
-    for (const pugi::xml_node child : FindSnvtEntry(id).children()) {
+    for (const pugi::xml_node child : entry.children()) {
         if (xml::IsComment(child)) {
             continue;
         }
@@ -369,8 +370,8 @@ void CDBSNVTType::LoadNumericDetails(const std::string& id, Resolution& out) {
     out.CheckLength();
 }
 
-void CDBSNVTType::LoadTextDetails(const std::string& id, Resolution& out) {
-    for (const pugi::xml_node child : FindSnvtEntry(id).children()) {
+void CDBSNVTType::LoadTextDetails(pugi::xml_node entry, Resolution& out) {
+    for (const pugi::xml_node child : entry.children()) {
         if (!xml::IsComment(child) && EqualsNoCase(xml::BaseNameView(child), "LENGTH")) {
             ReadWholeNumber(child, &CDBSNVTType::length_, out);
         }

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include <pugixml.hpp>
+
 #include "interfaces/ISNVType.h"
 
 namespace zerbin {
@@ -53,11 +55,12 @@ public:
 private:
     static std::shared_ptr<const Resolution> CachedResolution(const std::string& id);
     static void Resolve(const std::string& id, Resolution& out);
-    // LUIType and Length for the class word, and its details.
-    static void ApplyTypeClass(const std::string& id, const std::string& word, Resolution& out);
+    // LUIType and Length for the class word, and its details from the entry.
+    static void ApplyTypeClass(const std::string& id, pugi::xml_node entry, const std::string& word,
+                               Resolution& out);
     static void LoadEnums(const std::string& id, Resolution& out);
-    static void LoadNumericDetails(const std::string& id, Resolution& out);
-    static void LoadTextDetails(const std::string& id, Resolution& out);
+    static void LoadNumericDetails(pugi::xml_node entry, Resolution& out);
+    static void LoadTextDetails(pugi::xml_node entry, Resolution& out);
     void Replay(const std::shared_ptr<const Resolution>& resolution);
 
     std::string enumDesc_;
