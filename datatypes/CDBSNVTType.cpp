@@ -103,7 +103,7 @@ int32_t CDBSNVTType::ISNVType_Length() {
 }
 
 bool CDBSNVTType::ISNVType_HasField() {
-    return hasField_;
+    return false;
 }
 
 // ---- IEnumType -----------------------------------------------------------------------------

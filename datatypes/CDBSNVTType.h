@@ -70,7 +70,6 @@ private:
     int32_t bCoef_ = 0;
     int32_t cCoef_ = 0;
     std::string id_;
-    bool hasField_ = false;
     int32_t length_ = 0;
     std::string luiType_;
     std::string min_;
