@@ -155,9 +155,7 @@ bool CDBOutput::IDisplayItem_IsTrendable() {
 
 std::string CDBOutput::IDisplayItem_Reference() {
     // Computed on each read: the host may renumber its blocks at any time.
-    const int32_t exportIndex = Need(parent_).IAppObject_ExportIndex();
-    int32_t code = NvReferenceCode(exportIndex, index_);
-    return HexWord(code);
+    return HexWordOf(NvReferenceCode(Need(parent_).IAppObject_ExportIndex(), index_));
 }
 
 bool CDBOutput::IDisplayItem_IsConnected() {

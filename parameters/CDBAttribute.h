@@ -154,7 +154,6 @@ private:
                         bool change);
 
     // Stream (CDBAttributeStream.cpp).
-    int32_t TypeFactor(const std::string& typeId);
     std::string WriteImage(std::string image, bool intel);
 
     int writeDepth_ = 0;

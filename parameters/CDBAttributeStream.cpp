@@ -20,13 +20,13 @@ int32_t DigitsOf(int64_t bytes) {
     return static_cast<int32_t>(std::clamp<int64_t>(2 * bytes, INT32_MIN, INT32_MAX));
 }
 
-}  // namespace
-
-int32_t CDBAttribute::TypeFactor(const std::string& typeId) {
+int32_t TypeFactor(const std::string& typeId) {
     CDBSNVTType record;
     record.ResolveByID(typeId);
     return record.ISNVType_Factor();
 }
+
+}  // namespace
 
 std::string CDBAttribute::WriteStream(std::string image) {
     return WriteImage(std::move(image), false);
@@ -53,8 +53,8 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
 
     if (isUnit_ || isType_) {
         // The selected type's FACTOR, not the enum code; one byte has no order.
-        int32_t factor = TypeFactor(value_);
-        OverwriteDigits(image, place, HexByte(factor), DigitsOf(snvtType_->ISNVType_Length()));
+        OverwriteDigits(image, place, HexByteOf(TypeFactor(value_)),
+                        DigitsOf(snvtType_->ISNVType_Length()));
         return image;
     }
 
