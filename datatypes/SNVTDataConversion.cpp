@@ -1,7 +1,6 @@
 #include "datatypes/SNVTDataConversion.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cfloat>
 #include <cmath>
@@ -45,18 +44,6 @@ float ToSingle(double value) {
 
 bool CommaSeparator() {
     return DecimalSeparator() == ",";
-}
-
-std::string Hex(int32_t value) {
-    return HexByteOf(value);
-}
-
-// Exchanges bytes 0 and 1, 2 and 3, up to 30 and 31.
-std::array<uint8_t, 32> SwapBytePairs(std::array<uint8_t, 32> block) {
-    for (std::size_t i = 0; i + 1 < block.size(); i += 2) {
-        std::swap(block[i], block[i + 1]);
-    }
-    return block;
 }
 
 std::string UpperHexDigits(uint32_t value) {
@@ -103,7 +90,7 @@ std::string SingleBytes(float value, ByteOrder order) {
     std::string digits;
     for (int k = 0; k < 4; ++k) {
         const int shift = order == ByteOrder::BigEndian ? 24 - 8 * k : 8 * k;
-        digits += Hex(static_cast<int32_t>((bits >> shift) & 0xFFu));
+        digits += HexByteOf(static_cast<int32_t>((bits >> shift) & 0xFFu));
     }
     return digits;
 }
@@ -126,22 +113,18 @@ std::string EncodeBytes(const std::string& text, uint8_t length, const std::stri
     if (typeClass == "Textual") {
         std::string digits;
         for (const uint8_t byte : Windows1252Bytes(text, length)) {
-            digits += Hex(byte);
+            digits += HexByteOf(byte);
         }
         return digits;
     }
     if (typeClass == "Enum" || (numeric && length == 1)) {
-        return Hex(whole);
+        return HexByteOf(whole);
     }
     if (typeClass == "SignedNumeric" && length == 2) {
         const auto word = static_cast<uint16_t>(ToInt16(value));
-        std::array<uint8_t, 32> block{};
-        block[0] = static_cast<uint8_t>(word & 0xFFu);
-        block[1] = static_cast<uint8_t>(word >> 8);
-        if (!intel) {
-            block = SwapBytePairs(block);
-        }
-        return Hex(block[0]) + Hex(block[1]);
+        const int32_t low = word & 0xFF;
+        const int32_t high = word >> 8;
+        return intel ? HexByteOf(low) + HexByteOf(high) : HexByteOf(high) + HexByteOf(low);
     }
     if (numeric && length == 2) {
         const int32_t w = ToInt32(value);
@@ -150,7 +133,7 @@ std::string EncodeBytes(const std::string& text, uint8_t length, const std::stri
         if (high < 0 || high > 255 || low < 0 || low > 255) {
             return {};
         }
-        return intel ? Hex(low) + Hex(high) : Hex(high) + Hex(low);
+        return intel ? HexByteOf(low) + HexByteOf(high) : HexByteOf(high) + HexByteOf(low);
     }
     if ((numeric || typeClass == "Float") && length == 4) {
         return SingleBytes(value, order);
