@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <string_view>
 
 #include "app_object/MMain.h"
 #include "app_object/SkipMode.h"
@@ -190,26 +191,26 @@ std::string Encode(std::string& value, const std::string& typeClass, int32_t len
 }  // namespace
 
 std::string FormatDisplayValue(const std::string& key, const std::string& enumDesc) {
-    std::string rest = enumDesc;
+    std::string_view rest = enumDesc;
     while (!key.empty() && !rest.empty()) {
         const std::size_t comma = rest.find(',');
         const std::size_t semicolon = rest.find(';');
-        if (comma == std::string::npos) {
+        if (comma == std::string_view::npos) {
             throw Error("Invalid procedure call or argument", kErrNotFound);
         }
-        if (rest.compare(0, comma, key) == 0) {
-            if (semicolon == std::string::npos) {
-                return rest.substr(comma + 1);  // a last entry without its ";"
+        if (rest.substr(0, comma) == key) {
+            if (semicolon == std::string_view::npos) {
+                return std::string(rest.substr(comma + 1));  // a last entry without its ";"
             }
             if (semicolon < comma) {
                 throw Error("Invalid procedure call or argument", kErrNotFound);
             }
-            return rest.substr(comma + 1, semicolon - comma - 1);
+            return std::string(rest.substr(comma + 1, semicolon - comma - 1));
         }
-        if (semicolon == std::string::npos) {
+        if (semicolon == std::string_view::npos) {
             break;
         }
-        rest.erase(0, semicolon + 1);
+        rest.remove_prefix(semicolon + 1);
     }
     return {};
 }
