@@ -5,10 +5,12 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include <pugixml.hpp>
 
 #include "app_object/CallbackList.h"
+#include "app_object/SkipMode.h"
 #include "datatypes/IUnitsProvider.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"
@@ -133,6 +135,16 @@ private:
     void LoadStruct(pugi::xml_node document);
     // W1 to W4: lead, the owner's name, tail; titled "Warning" with the critical icon.
     void ShowLoadWarning(const std::string& lead, const std::string& tail);
+
+    // Runs step, swallowing its failure as a skip-mode step does when absorb is set.
+    template <class F>
+    static void RunStep(bool absorb, F&& step) {
+        if (absorb) {
+            SkipStep(std::forward<F>(step));
+        } else {
+            std::forward<F>(step)();
+        }
+    }
 
     // Values (CDBAttributeValue.cpp).
     void StoreValue(const std::string& text);

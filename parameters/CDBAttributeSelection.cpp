@@ -115,15 +115,8 @@ std::shared_ptr<CDBUnit> CDBAttribute::SelectedUnit() const {
 }
 
 void CDBAttribute::RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool absorb) {
-    auto run = [absorb](auto&& step) {
-        if (absorb) {
-            SkipStep(step);
-        } else {
-            step();
-        }
-    };
     std::shared_ptr<IAttributes> attributes;
-    run([&] { attributes = Need(parent_).IAppObject_Attributes(); });
+    RunStep(absorb, [&] { attributes = Need(parent_).IAppObject_Attributes(); });
     if (!attributes) {
         return;
     }
@@ -132,9 +125,9 @@ void CDBAttribute::RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool
         if (!dependent || !dependent->IsUnitDependent()) {
             continue;
         }
-        run([&] { dependent->ApplySelectedUnit(unit); });
+        RunStep(absorb, [&] { dependent->ApplySelectedUnit(unit); });
         if (interceptor_) {
-            run([&] {
+            RunStep(absorb, [&] {
                 std::shared_ptr<IAttribute> reference = dependent;
                 interceptor_->DependentAttributeChanged(reference);
             });

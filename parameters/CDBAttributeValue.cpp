@@ -58,35 +58,24 @@ std::string CDBAttribute::StructToken(const std::string& text, int32_t index) co
 void CDBAttribute::RaiseAttributeChanged(bool absorb) {
     const std::string key = globalKey_;
     callbacks_.Raise([&](IcbkAppObject& listener) {
-        if (absorb) {
-            SkipStep([&] { listener.IcbkAppObject_AttributeChanged(key); });
-        } else {
-            listener.IcbkAppObject_AttributeChanged(key);
-        }
+        RunStep(absorb, [&] { listener.IcbkAppObject_AttributeChanged(key); });
     });
 }
 
 void CDBAttribute::ChangeTypeOfConnections(bool absorb) {
-    auto run = [absorb](auto&& step) {
-        if (absorb) {
-            SkipStep(step);
-        } else {
-            step();
-        }
-    };
     // A block without inputs or outputs has no collection to walk.
     std::shared_ptr<IInputs> inputs;
-    run([&] { inputs = Need(parent_).IAppObject_Inputs(); });
+    RunStep(absorb, [&] { inputs = Need(parent_).IAppObject_Inputs(); });
     if (inputs) {
         for (const auto& input : inputs->IInputs_NewEnum()) {
-            run([&] { Need(input).IInput_changeType(value_); });
+            RunStep(absorb, [&] { Need(input).IInput_changeType(value_); });
         }
     }
     std::shared_ptr<IOutputs> outputs;
-    run([&] { outputs = Need(parent_).IAppObject_Outputs(); });
+    RunStep(absorb, [&] { outputs = Need(parent_).IAppObject_Outputs(); });
     if (outputs) {
         for (const auto& output : outputs->IOutputs_NewEnum()) {
-            run([&] { Need(output).IOutput_changeType(value_); });
+            RunStep(absorb, [&] { Need(output).IOutput_changeType(value_); });
         }
     }
 }
