@@ -270,7 +270,6 @@ void CDBAttribute::IAttribute_BackToDefault() {
 }
 
 bool CDBAttribute::IAttribute_IsMacroConnected() {
-    bool connected = false;
     std::shared_ptr<IMacro> macro;
     SkipStep([&] {
         auto host = std::dynamic_pointer_cast<IMacroHost>(Need(parent_).IAppObject_Parent());
@@ -288,14 +287,15 @@ bool CDBAttribute::IAttribute_IsMacroConnected() {
             terminals = Need(group).Terminals();
             count = Need(terminals).Count();
         });
-        for (int32_t position = 1; position <= count && !connected; ++position) {
-            SkipStep([&] { connected = Need(terminals->Item(position)).ItemKey() == globalKey_; });
-        }
-        if (connected) {
-            break;
+        for (int32_t position = 1; position <= count; ++position) {
+            bool match = false;
+            SkipStep([&] { match = Need(terminals->Item(position)).ItemKey() == globalKey_; });
+            if (match) {
+                return true;
+            }
         }
     }
-    return connected;
+    return false;
 }
 
 }  // namespace zerbin
