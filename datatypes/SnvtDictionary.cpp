@@ -45,10 +45,9 @@ bool EntryId(pugi::xml_node node, std::string_view& id) {
 }
 
 void Index(SnvtIndex& index, const pugi::xml_document& document) {
-    // Iterative pre-order walk, which visits nodes in document order, so try_emplace keeps
-    // the first match. No recursion: dictionaries may nest deeper than any call stack.
-    pugi::xml_node node = document.first_child();
-    while (node) {
+    // Document order, so try_emplace keeps the first match.
+    for (pugi::xml_node node = document.first_child(); node;
+         node = xml::NextInDocumentOrder(node, document)) {
         std::string_view id;
         if (EntryId(node, id)) {
             index.entries.try_emplace(std::string(id), node);
@@ -57,16 +56,6 @@ void Index(SnvtIndex& index, const pugi::xml_document& document) {
             key += '/';
             key += node.name();
             index.children.try_emplace(std::move(key), node);
-        }
-        if (pugi::xml_node child = node.first_child()) {
-            node = child;
-            continue;
-        }
-        while (node && !node.next_sibling()) {
-            node = node.parent();
-        }
-        if (node) {
-            node = node.next_sibling();
         }
     }
 }

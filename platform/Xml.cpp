@@ -290,42 +290,36 @@ pugi::xml_node FindFirst(pugi::xml_node root, std::string_view slashPath) {
     if (!root || !SplitPath(slashPath, segments)) {
         return {};
     }
-    const std::size_t depthNeeded = segments.size();
     const std::string_view last = segments.back();
-
-    // Iterative pre-order walk: definition files can nest deeper than any call stack.
-    std::size_t depth = 0;
-    pugi::xml_node node = root.first_child();
-    if (node) {
-        depth = 1;
-    }
-    while (node) {
-        if (node.type() == pugi::node_element && depth >= depthNeeded && last == node.name()) {
-            pugi::xml_node ancestor = node.parent();
-            std::size_t k = depthNeeded - 1;
-            while (k > 0 && segments[k - 1] == ancestor.name()) {
-                ancestor = ancestor.parent();
-                --k;
-            }
-            if (k == 0) {
-                return node;
-            }
-        }
-        if (pugi::xml_node child = node.first_child()) {
-            node = child;
-            ++depth;
+    for (pugi::xml_node node = root.first_child(); node; node = NextInDocumentOrder(node, root)) {
+        if (node.type() != pugi::node_element || last != node.name()) {
             continue;
         }
-        while (node && node != root && !node.next_sibling()) {
-            node = node.parent();
-            --depth;
+        // The whole path lies below root: root itself never stands for a segment.
+        pugi::xml_node ancestor = node.parent();
+        std::size_t k = segments.size() - 1;
+        while (k > 0 && ancestor != root && segments[k - 1] == ancestor.name()) {
+            ancestor = ancestor.parent();
+            --k;
         }
-        if (!node || node == root) {
-            break;
+        if (k == 0) {
+            return node;
         }
-        node = node.next_sibling();
     }
     return {};
+}
+
+pugi::xml_node NextInDocumentOrder(pugi::xml_node node, pugi::xml_node root) {
+    if (pugi::xml_node child = node.first_child()) {
+        return child;
+    }
+    while (node && node != root && !node.next_sibling()) {
+        node = node.parent();
+    }
+    if (!node || node == root) {
+        return {};
+    }
+    return node.next_sibling();
 }
 
 int NodeType(pugi::xml_node node) {

@@ -34,6 +34,10 @@ std::shared_ptr<pugi::xml_document> LoadString(std::string_view text, ParseError
 // below root. An empty node when nothing matches or the path has an empty segment.
 pugi::xml_node FindFirst(pugi::xml_node root, std::string_view slashPath);
 
+// The node after node in document order among the descendants of root; an empty node after
+// the last. Lets a walk run without recursion: documents may nest deeper than any call stack.
+pugi::xml_node NextInDocumentOrder(pugi::xml_node node, pugi::xml_node root);
+
 // Node kinds by the numbers of the DOM: element 1, text 3, CDATA 4, processing instruction
 // (and the XML declaration) 7, comment 8, document 9, document type 10; 0 for an empty node.
 inline constexpr int kNodeElement = 1;

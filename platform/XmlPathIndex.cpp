@@ -44,25 +44,13 @@ std::size_t PathIndex::NamePairHash::operator()(const NamePair& pair) const {
 }
 
 PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
-    // The same pre-order walk as the plain search, so each list is in document order.
-    pugi::xml_node node = root.first_child();
-    while (node) {
+    // The same walk as the plain search, so each list is in document order.
+    for (pugi::xml_node node = root.first_child(); node; node = NextInDocumentOrder(node, root)) {
         if (node.type() == pugi::node_element) {
             const std::string_view name = node.name();
             byName_[name].push_back(node);
             byParentAndName_[NamePair{node.parent().name(), name}].push_back(node);
         }
-        if (pugi::xml_node child = node.first_child()) {
-            node = child;
-            continue;
-        }
-        while (node && node != root && !node.next_sibling()) {
-            node = node.parent();
-        }
-        if (!node || node == root) {
-            break;
-        }
-        node = node.next_sibling();
     }
 }
 
