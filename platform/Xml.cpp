@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "app_object/SkipMode.h"
 #include "interfaces/Error.h"
 
 namespace zerbin::xml {
@@ -373,13 +374,7 @@ std::string BaseName(pugi::xml_attribute attribute) {
 }
 
 std::string FirstChildText(pugi::xml_node node) {
-    if (!node) {
-        throw Error("Object variable or With block variable not set", kErrObjectNotSet);
-    }
-    const pugi::xml_node child = node.first_child();
-    if (!child) {
-        throw Error("Object variable or With block variable not set", kErrObjectNotSet);
-    }
+    const pugi::xml_node child = Need(Need(node).first_child());
     if (child.type() == pugi::node_element) {
         throw Error("Invalid use of Null", 94);
     }
@@ -406,9 +401,7 @@ pugi::xml_node AppendChildElement(pugi::xml_node parent, const std::string& name
     if (!IsValidName(name)) {
         throw Error("'" + name + "' is not a valid XML name");
     }
-    if (!parent) {
-        throw Error("Object variable or With block variable not set", kErrObjectNotSet);
-    }
+    Need(parent);
     if (parent.type() == pugi::node_document &&
         parent.find_child([](pugi::xml_node n) { return n.type() == pugi::node_element; })) {
         throw Error("Only one top level element is allowed in an XML document");
@@ -421,9 +414,7 @@ pugi::xml_node AppendChildElement(pugi::xml_node parent, const std::string& name
 }
 
 void AppendText(pugi::xml_node node, const std::string& text) {
-    if (!node) {
-        throw Error("Object variable or With block variable not set", kErrObjectNotSet);
-    }
+    Need(node);
     if (node.type() != pugi::node_element) {
         throw Error("This operation cannot be performed with a node of this type");
     }
@@ -434,9 +425,7 @@ void SetAttribute(pugi::xml_node element, const std::string& name, const std::st
     if (!IsValidName(name)) {
         throw Error("'" + name + "' is not a valid XML name");
     }
-    if (!element) {
-        throw Error("Object variable or With block variable not set", kErrObjectNotSet);
-    }
+    Need(element);
     if (element.type() != pugi::node_element) {
         throw Error("This operation cannot be performed with a node of this type");
     }
