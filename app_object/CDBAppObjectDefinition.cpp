@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <tuple>
 
 #include "app_object/CDBAppObject.h"
@@ -147,26 +148,26 @@ void CDBAppObject::LoadDefinitionHeader() {
             if (xml::IsComment(child)) {
                 continue;
             }
-            const std::string key = UpperCase(xml::BaseName(child));
+            const std::string_view key = xml::BaseNameView(child);
             // An element without text keeps its field; the next element is read all the same.
             SkipStep([&] {
-                if (key == "NAME") {
+                if (EqualsNoCase(key, "NAME")) {
                     name_ = xml::FirstChildText(child);
-                } else if (key == "ID") {
+                } else if (EqualsNoCase(key, "ID")) {
                     id_ = xml::FirstChildText(child);
-                } else if (key == "DESCRIPTION") {
+                } else if (EqualsNoCase(key, "DESCRIPTION")) {
                     description_ = xml::FirstChildText(child);
-                } else if (key == "CATEGORY") {
+                } else if (EqualsNoCase(key, "CATEGORY")) {
                     category_ = xml::FirstChildText(child);
-                } else if (key == "RAMUSAGE") {
+                } else if (EqualsNoCase(key, "RAMUSAGE")) {
                     ddbDimension_ = HeaderNumber(child);
-                } else if (key == "BACKUPUSAGE") {
+                } else if (EqualsNoCase(key, "BACKUPUSAGE")) {
                     sdbDimension_ = HeaderNumber(child);
-                } else if (key == "EXECTIME") {
+                } else if (EqualsNoCase(key, "EXECTIME")) {
                     execTime_ = HeaderNumber(child);
-                } else if (key == "MAXINSTANCES") {
+                } else if (EqualsNoCase(key, "MAXINSTANCES")) {
                     maxInstances_ = HeaderNumber(child);
-                } else if (key == "USEDEVICECLOCK") {
+                } else if (EqualsNoCase(key, "USEDEVICECLOCK")) {
                     usesDeviceClock_ = HeaderNumber(child) != 0;
                 }
             });

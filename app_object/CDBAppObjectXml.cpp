@@ -1,10 +1,8 @@
 // The block's subtree in project XML, written and read back, and the leaner subtree that the
 // simulator and other tools take.
-#include <cctype>
-#include <charconv>
 #include <cmath>
 #include <string>
-#include <system_error>
+#include <string_view>
 
 #include "app_object/CDBAppObject.h"
 #include "app_object/MMain.h"
@@ -98,20 +96,20 @@ void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
         if (xml::IsComment(child)) {
             continue;
         }
-        const std::string key = UpperCase(xml::BaseName(child));
-        if (key == "CDB") {
+        const std::string_view key = xml::BaseNameView(child);
+        if (EqualsNoCase(key, "CDB")) {
             SkipStep([&] { lastStream_ = xml::FirstChildText(child); });
-        } else if (key == "USERNAME") {
+        } else if (EqualsNoCase(key, "USERNAME")) {
             userName_.clear();
             SkipStep([&] { userName_ = xml::FirstChildText(child); });
             RecomputeWidth();
-        } else if (key == "X_POSITION") {
+        } else if (EqualsNoCase(key, "X_POSITION")) {
             SkipStep([&] { LoadPosition(child, xPosition_); });
-        } else if (key == "Y_POSITION") {
+        } else if (EqualsNoCase(key, "Y_POSITION")) {
             SkipStep([&] { LoadPosition(child, yPosition_); });
-        } else if (key == "ATTRIBUTES") {
+        } else if (EqualsNoCase(key, "ATTRIBUTES")) {
             LoadAttributeValues(child);
-        } else if (key == "OUTPUTS") {
+        } else if (EqualsNoCase(key, "OUTPUTS")) {
             LoadDisplayableOutputs(child);
         }
     }
@@ -122,7 +120,7 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
     // saved values the second pass then writes over the derived ones.
     for (pugi::xml_node child : element.children()) {
         ServePendingEvents();
-        if (xml::IsComment(child) || UpperCase(xml::BaseName(child)) != "UNITS") {
+        if (xml::IsComment(child) || !EqualsNoCase(xml::BaseNameView(child), "UNITS")) {
             continue;
         }
         SkipStep([&] {
@@ -135,7 +133,7 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
     }
     for (pugi::xml_node child : element.children()) {
         ServePendingEvents();
-        if (xml::IsComment(child) || UpperCase(xml::BaseName(child)) == "UNITS") {
+        if (xml::IsComment(child) || EqualsNoCase(xml::BaseNameView(child), "UNITS")) {
             continue;
         }
         std::shared_ptr<IAttribute> attribute;
@@ -159,7 +157,7 @@ void CDBAppObject::LoadDisplayableOutputs(pugi::xml_node element) {
             std::shared_ptr<IOutput> output = Need(outputs_).IOutputs_Item(xml::BaseName(child));
             for (pugi::xml_attribute flag : child.attributes()) {
                 // Presence alone counts: the writer only ever writes "1".
-                if (UpperCase(xml::BaseName(flag)) == "ISDISPLAYABLE") {
+                if (EqualsNoCase(xml::BaseNameView(flag), "ISDISPLAYABLE")) {
                     Need(output).IOutput_IsDisplayable(true);
                 }
             }
