@@ -158,7 +158,7 @@ void CDBAppObject::IAppObject_Create() {
 }
 
 void CDBAppObject::ComputeCDBLayout() {
-    if (UpperCase(uniqueIdString_) == "Q_EMPTY") {
+    if (EqualsNoCase(uniqueIdString_, "Q_EMPTY")) {
         return;  // this type has no CDB at all, not even the header
     }
 

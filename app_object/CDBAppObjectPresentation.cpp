@@ -218,9 +218,8 @@ int32_t WindowNumber(const WindowHandle& handle) {
 // ---- Colour ---------------------------------------------------------------------------------
 
 int32_t CDBAppObject::IAppObject_Color() {
-    const std::string word = UpperCase(colorWord_);
     for (const ColorEntry& entry : kColors) {
-        if (word == entry.word) {
+        if (EqualsNoCase(colorWord_, entry.word)) {
             return entry.number;
         }
     }
