@@ -28,8 +28,6 @@ public:
     }
 
     std::size_t size() const { return listeners_.size(); }
-    bool empty() const { return listeners_.empty(); }
-    const std::vector<std::shared_ptr<L>>& Listeners() const { return listeners_; }
     void Clear() { listeners_.clear(); }
 
 private:
