@@ -16,6 +16,17 @@
 #include "platform/UnitConverter.h"
 
 namespace zerbin {
+namespace {
+
+// Everything up to and including the last backslash or slash; empty when there is none. A
+// host on this platform hands over "/" paths; the backslash is the host's historical
+// separator.
+std::string FolderOfPath(const std::string& path) {
+    const std::size_t last = path.find_last_of("\\/");
+    return last == std::string::npos ? std::string() : path.substr(0, last + 1);
+}
+
+}  // namespace
 
 CDBAppObject::CDBAppObject() {
     DetectDecimalSeparator();
@@ -42,13 +53,6 @@ CDBAppObject::~CDBAppObject() {
 
 bool CDBAppObject::IAppObject_IsPlugInActive() {
     return false;
-}
-
-std::string CDBAppObject::FolderOfPath(const std::string& path) {
-    // A host on this platform hands over "/" paths; the backslash is the host's historical
-    // separator. Either one ends the folder part.
-    const std::size_t last = path.find_last_of("\\/");
-    return last == std::string::npos ? std::string() : path.substr(0, last + 1);
 }
 
 void CDBAppObject::IAppObject_Path(const std::string& RHS) {

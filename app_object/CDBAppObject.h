@@ -130,8 +130,6 @@ public:
     std::shared_ptr<CDBAttributes> AttributesCollection() const;
     std::shared_ptr<CDBInputs> InputsCollection() const;
     std::shared_ptr<CDBOutputs> OutputsCollection() const;
-    // Everything up to and including the last backslash (or slash); empty when there is none.
-    static std::string FolderOfPath(const std::string& path);
 
 private:
     void LoadDefinitionHeader();
