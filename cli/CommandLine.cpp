@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app_object/MMain.h"
 #include "cli/CliErrors.h"
 
 namespace zerbin::cli {
@@ -181,8 +182,7 @@ Assignment ParseReference(const std::string& text) {
         throw UsageError("--ref expects hexadecimal digits for '" + ref.name + "', found '" +
                          ref.value + "'");
     }
-    std::transform(ref.value.begin(), ref.value.end(), ref.value.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    ref.value = UpperCase(std::move(ref.value));
     return ref;
 }
 
