@@ -220,13 +220,13 @@ UnitSystem ParseUnits(const std::string& text) {
     throw UsageError("--units expects 'si' or 'us', found '" + text + "'");
 }
 
-void ApplyOption(const OptionInfo& info, const std::string& token,
-                 std::optional<std::string>& inlineValue, Cursor& cursor, Invocation& result) {
-    if (!info.takesValue && inlineValue) {
-        throw UsageError("option '" + std::string(info.name) + "' takes no argument");
-    }
+void ApplyOption(const OptionInfo& info, std::optional<std::string>& inlineValue, Cursor& cursor,
+                 Invocation& result) {
     const std::string name(info.name);
-    auto value = [&] { return cursor.Value(token, inlineValue); };
+    if (!info.takesValue && inlineValue) {
+        throw UsageError("option '" + name + "' takes no argument");
+    }
+    auto value = [&] { return cursor.Value(name, inlineValue); };
     switch (info.id) {
         case Opt::Library:
             result.library = value();
@@ -366,7 +366,7 @@ Invocation ParseCommandLine(const std::vector<std::string>& args) {
                 command == nullptr ? "" : " for '" + std::string(command->name) + "'";
             throw UsageError("unknown option '" + name + "'" + where + Hint(result.command));
         }
-        ApplyOption(*info, name, inlineValue, cursor, result);
+        ApplyOption(*info, inlineValue, cursor, result);
         // Help and version answer at once, whatever else stands on the line.
         if (result.help || result.version || result.commandHelp) {
             return result;
