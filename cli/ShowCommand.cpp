@@ -144,7 +144,7 @@ std::vector<Row> OutputRows(CDBAppObject& block) {
         rows.push_back({output->IOutput_Name(), OrNone(type ? type->ISNVType_ID() : ""),
                         OrNone(type ? type->ISNVType_GenType() : ""),
                         type ? std::to_string(type->ISNVType_Length()) : kNone,
-                        output->IOutput_IsTypeDependent() ? "yes" : "no",
+                        YesNo(output->IOutput_IsTypeDependent()),
                         display ? display->IDisplayItem_Reference() : kNone});
     }
     return rows;
