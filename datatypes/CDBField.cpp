@@ -18,7 +18,7 @@ Shown ShownAs(const std::string& typeClass) {
     if (typeClass == "Enum") {
         return Shown::Enum;
     }
-    if (typeClass == "Float" || typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric") {
+    if (IsNumericClass(typeClass)) {
         return Shown::Numeric;
     }
     return Shown::Plain;

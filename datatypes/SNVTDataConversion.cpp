@@ -236,4 +236,8 @@ void OverwriteDigits(std::string& image, int32_t digitPosition, const std::strin
     image.replace(position, count, digits, 0, count);
 }
 
+bool IsNumericClass(std::string_view typeClass) {
+    return typeClass == "Float" || typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric";
+}
+
 }  // namespace zerbin

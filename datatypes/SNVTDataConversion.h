@@ -4,8 +4,13 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace zerbin {
+
+// True for the classes that load limits and scaling and are shown as numbers: Float,
+// SignedNumeric and UnsignedNumeric. A Bitfield, though numeric in the image, is not one.
+bool IsNumericClass(std::string_view typeClass);
 
 // The label of key in an enum description "value,label;value,label;"; empty when not found.
 // Throws on an entry without ",".

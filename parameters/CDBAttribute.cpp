@@ -6,6 +6,7 @@
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
+#include "datatypes/SNVTDataConversion.h"
 #include "platform/EditorPort.h"
 
 namespace zerbin {
@@ -14,7 +15,7 @@ namespace {
 
 // The value editor for a type class; empty for a class that has none.
 const char* EditorNameFor(const std::string& typeClass) {
-    if (typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric" || typeClass == "Float") {
+    if (IsNumericClass(typeClass)) {
         return "frmCPModif1";
     }
     if (typeClass == "Enum") {

@@ -11,6 +11,7 @@
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
+#include "datatypes/SNVTDataConversion.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttribute.h"
 #include "platform/Messages.h"
@@ -125,8 +126,7 @@ void CDBAttribute::LoadDefinition(pugi::xml_node node) {
     }
     if (typeClass == "Struct") {
         LoadStruct(document);
-    } else if (typeClass == "Float" || typeClass == "UnsignedNumeric" ||
-               typeClass == "SignedNumeric") {
+    } else if (IsNumericClass(typeClass)) {
         LoadNumeric(document);
     }
 }

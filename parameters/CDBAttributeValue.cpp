@@ -17,10 +17,6 @@ namespace zerbin {
 
 namespace {
 
-bool IsNumericClass(const std::string& typeClass) {
-    return typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric" || typeClass == "Float";
-}
-
 // Each part and a blank, the whole trimmed at both ends.
 template <class Part>
 std::string JoinFields(CDBFields& fields, Part part) {

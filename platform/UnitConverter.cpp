@@ -12,6 +12,7 @@
 
 #include "app_object/MMain.h"
 #include "app_object/SkipMode.h"
+#include "datatypes/SNVTDataConversion.h"
 #include "datatypes/SnvtDictionary.h"
 #include "platform/Xml.h"
 
@@ -158,10 +159,6 @@ double RoundInwards(double value, int decimals, bool lower) {
         return RoundDecimal(rounded - step, decimals);
     }
     return rounded;
-}
-
-bool IsNumericClass(const std::string& typeClass) {
-    return typeClass == "Float" || typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric";
 }
 
 }  // namespace
