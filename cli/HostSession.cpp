@@ -71,7 +71,7 @@ std::vector<std::string> LibraryTypes(const std::filesystem::path& library) {
         const std::string name = entry.path().filename().string();
         std::error_code ignored;
         if (entry.is_directory(ignored) &&
-            std::filesystem::is_regular_file(entry.path() / (name + ".xml"), ignored)) {
+            std::filesystem::is_regular_file(DefinitionFile(library, name), ignored)) {
             types.push_back(name);
         }
     }
@@ -84,7 +84,7 @@ void RequireBlockType(const std::filesystem::path& library, const std::string& t
         throw UsageError("invalid block type name '" + type + "'");
     }
     std::error_code error;
-    if (!std::filesystem::is_regular_file(library / type / (type + ".xml"), error)) {
+    if (!std::filesystem::is_regular_file(DefinitionFile(library, type), error)) {
         throw UsageError("no block type '" + type + "' in library '" + library.string() + "'");
     }
 }

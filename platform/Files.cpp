@@ -131,6 +131,11 @@ std::filesystem::path LibraryFolder() {
     return lastLibrary;
 }
 
+std::filesystem::path DefinitionFile(const std::filesystem::path& library,
+                                     const std::string& type) {
+    return library / type / (type + ".xml");
+}
+
 bool IsSafeTypeName(const std::string& name) {
     if (name.empty() || name == "." || name == ".." || name.size() > 255) {
         return false;

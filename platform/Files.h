@@ -31,6 +31,9 @@ void SetComponentBaseName(std::string baseName);
 // for a folder that does not exist. Block type T is the folder LibraryFolder() / T.
 std::filesystem::path LibraryFolder();
 
+// The definition file of block type T in a library: library / T / "T.xml".
+std::filesystem::path DefinitionFile(const std::filesystem::path& library, const std::string& type);
+
 // True when name can stand for a block type folder in the library: not empty, not "." or
 // "..", no "/" or "\", no control character, at most 255 bytes.
 bool IsSafeTypeName(const std::string& name);
