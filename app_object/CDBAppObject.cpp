@@ -4,8 +4,8 @@
 
 #include <utility>
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "connections/CDBInputs.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
@@ -13,7 +13,7 @@
 #include "platform/DefinitionStore.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
-#include "platform/UnitConverter.h"
+#include "datatypes/UnitConverter.h"
 
 namespace zerbin {
 namespace {

@@ -9,9 +9,10 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/CallbackList.h"
+#include "base/CallbackList.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IHostServices.h"
+#include "interfaces/IMemberOwner.h"
 
 namespace zerbin {
 
@@ -22,6 +23,7 @@ class DefinitionCache;
 
 class CDBAppObject : public IAppObject,
                      public IInterceptableAttribute,
+                     public IMemberOwner,
                      public std::enable_shared_from_this<CDBAppObject> {
 public:
     // Detects the decimal separator, makes the listener list and the unit converter, serves
@@ -116,8 +118,8 @@ public:
 
     // The parsed definition document of the block's type, shared through the store. A type
     // that can't be loaded gives an empty document and a message, at every read.
-    std::shared_ptr<const pugi::xml_document> ObjectXML();
-    std::shared_ptr<IUnitConverter> UnitsManager();
+    std::shared_ptr<const pugi::xml_document> ObjectXML() override;
+    std::shared_ptr<IUnitConverter> UnitsManager() override;
     // Takes the type name like IAppObject_Init; true whatever happened.
     bool StringID(const std::string& sStringID);
 

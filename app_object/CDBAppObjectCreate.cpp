@@ -5,16 +5,16 @@
 #include <string>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "connections/CDBInputs.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Events.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
-#include "platform/XmlPathIndex.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {

@@ -9,15 +9,15 @@
 #include <tuple>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
-#include "platform/XmlPathIndex.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {

@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Files.h"

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "connections/CDBInputs.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"

@@ -5,13 +5,13 @@
 #include <string_view>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Events.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 namespace {

@@ -18,7 +18,7 @@
 #include "bench/ShippedBlocks.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <memory>
 #include <string>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SnvtDictionary.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 namespace {

@@ -10,7 +10,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin::bench {
 

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <utility>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "cli/CliErrors.h"
 
 namespace zerbin::cli {

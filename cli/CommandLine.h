@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/UnitConverter.h"
+#include "datatypes/UnitConverter.h"
 
 namespace zerbin::cli {
 

@@ -6,7 +6,7 @@
 
 #include "cli/CliErrors.h"
 #include "platform/Files.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin::cli {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "cli/CliErrors.h"
 #include "cli/Commands.h"
 #include "connections/CDBInput.h"

@@ -12,7 +12,7 @@
 #include "cli/HostSession.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "platform/UnitConverter.h"
+#include "datatypes/UnitConverter.h"
 
 namespace zerbin::cli {
 namespace {

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "connections/ReferenceBytes.h"
 #include "datatypes/CDBCompatibleSNVTs.h"
 #include "datatypes/SNVTDataConversion.h"
@@ -15,7 +15,7 @@
 #include "interfaces/IAttribute.h"
 #include "interfaces/IHostServices.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 

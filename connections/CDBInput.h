@@ -8,7 +8,7 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/CallbackList.h"
+#include "base/CallbackList.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/ICanvasElement.h"
 #include "interfaces/IInput.h"

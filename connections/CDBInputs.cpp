@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 
 namespace zerbin {
 

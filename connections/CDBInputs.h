@@ -8,7 +8,7 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/KeyedCollection.h"
+#include "base/KeyedCollection.h"
 #include "connections/CDBInput.h"
 #include "interfaces/IInput.h"
 

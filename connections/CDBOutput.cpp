@@ -5,14 +5,14 @@
 #include <utility>
 #include <vector>
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/CDBCompatibleSNVT.h"
 #include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
 #include "interfaces/IHostServices.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 

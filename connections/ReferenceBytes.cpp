@@ -1,6 +1,6 @@
 #include "connections/ReferenceBytes.h"
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "interfaces/Error.h"
 
 namespace zerbin::reference {

@@ -1,7 +1,7 @@
 #include "datatypes/CDBCompatibleSNVTs.h"
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "platform/Events.h"
 
 namespace zerbin {

@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <limits>
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "interfaces/Error.h"

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "datatypes/IUnitsProvider.h"
+#include "interfaces/IUnitsProvider.h"
 #include "interfaces/IField.h"
 #include "interfaces/IHostServices.h"
 

@@ -2,11 +2,11 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/SkipMode.h"
+#include "base/SkipMode.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SnvtDictionary.h"
 #include "interfaces/Error.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 

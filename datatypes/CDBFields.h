@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app_object/KeyedCollection.h"
+#include "base/KeyedCollection.h"
 #include "datatypes/CDBField.h"
 #include "interfaces/IField.h"
 

@@ -7,11 +7,11 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/SnvtDictionary.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 namespace {

@@ -8,8 +8,8 @@
 #include <limits>
 #include <string_view>
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/Windows1252.h"
 #include "interfaces/Error.h"
 

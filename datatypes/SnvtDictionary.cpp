@@ -4,8 +4,8 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "app_object/MMain.h"
-#include "platform/Xml.h"
+#include "base/MMain.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 namespace {

@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <sstream>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "interfaces/Error.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin::fuzz {
 namespace {

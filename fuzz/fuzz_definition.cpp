@@ -9,7 +9,7 @@
 #include "fuzz/FuzzSupport.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "datatypes/CDBSNVTType.h"
 #include "fuzz/FuzzSupport.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace {
 

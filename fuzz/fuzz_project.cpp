@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fuzz/FuzzSupport.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace {
 

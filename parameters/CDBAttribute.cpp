@@ -1,8 +1,8 @@
 // The model of an attribute: plain reads, keys, listeners, the interceptor and the editor.
 #include "parameters/CDBAttribute.h"
 
-#include "app_object/CDBAppObject.h"
-#include "app_object/SkipMode.h"
+#include "interfaces/IMemberOwner.h"
+#include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
@@ -37,8 +37,8 @@ const char* EditorNameFor(const std::string& typeClass) {
 
 CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
 
-CDBAppObject& CDBAttribute::Owner() const {
-    return Need(std::dynamic_pointer_cast<CDBAppObject>(parent_));
+IMemberOwner& CDBAttribute::Owner() const {
+    return Need(std::dynamic_pointer_cast<IMemberOwner>(parent_));
 }
 
 std::shared_ptr<IAttribute> CDBAttribute::Self() {

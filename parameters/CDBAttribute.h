@@ -9,9 +9,9 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/CallbackList.h"
-#include "app_object/SkipMode.h"
-#include "datatypes/IUnitsProvider.h"
+#include "base/CallbackList.h"
+#include "base/SkipMode.h"
+#include "interfaces/IUnitsProvider.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"
 #include "interfaces/ICanvasElement.h"
@@ -20,7 +20,7 @@
 
 namespace zerbin {
 
-class CDBAppObject;
+struct IMemberOwner;
 class CDBSNVTType;
 class CDBFields;
 class CDBUnit;
@@ -121,8 +121,8 @@ public:
     static constexpr int kMaxNestedWrites = 16;
 
 private:
-    // The owning block as the concrete class; throws when there is none.
-    CDBAppObject& Owner() const;
+    // The owning block's member facet; throws when there is none.
+    IMemberOwner& Owner() const;
     std::shared_ptr<IAttribute> Self();
 
     // Loading (CDBAttributeLoad.cpp).

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "interfaces/IMemberOwner.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
@@ -15,8 +15,8 @@
 #include "interfaces/Error.h"
 #include "parameters/CDBAttribute.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
-#include "platform/XmlPathIndex.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 

@@ -4,15 +4,15 @@
 #include <string>
 #include <vector>
 
-#include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "interfaces/IMemberOwner.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "interfaces/ICanvasElement.h"
 #include "parameters/CDBAttribute.h"
-#include "platform/Xml.h"
-#include "platform/XmlPathIndex.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "interfaces/IMemberOwner.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"

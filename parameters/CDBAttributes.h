@@ -8,7 +8,7 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/KeyedCollection.h"
+#include "base/KeyedCollection.h"
 #include "interfaces/IAttribute.h"
 #include "interfaces/IHostServices.h"
 #include "parameters/CDBAttribute.h"

@@ -17,10 +17,10 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin::testing {
 

@@ -16,7 +16,7 @@
 #include "app_object/CDBAppObject.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 #include "tests/TestSupport.h"
 
 namespace zerbin::testing {

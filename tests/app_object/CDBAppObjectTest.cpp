@@ -8,7 +8,7 @@
 #include <string>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "connections/CDBInputs.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"

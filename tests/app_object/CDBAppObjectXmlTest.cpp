@@ -8,12 +8,12 @@
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 #include "tests/app_object/AppObjectTestSupport.h"
 #include "tests/support/RandomBlock.h"
 

@@ -9,8 +9,8 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/MMain.h"
-#include "platform/Xml.h"
+#include "base/MMain.h"
+#include "base/Xml.h"
 #include "tests/TestSupport.h"
 
 namespace zerbin::testing {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/Xml.h"
+#include "base/Xml.h"
 #include "tests/datatypes/DictionaryFixture.h"
 
 namespace zerbin {

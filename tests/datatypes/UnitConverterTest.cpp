@@ -1,4 +1,4 @@
-#include "platform/UnitConverter.h"
+#include "datatypes/UnitConverter.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,11 @@
 #include <optional>
 #include <string>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SnvtDictionary.h"
 #include "platform/Messages.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 #include "tests/TestSupport.h"
 #include "tests/datatypes/DictionaryFixture.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "tests/hardening/HardeningSupport.h"
 
 namespace zerbin::testing {

@@ -13,15 +13,15 @@
 #include <pugixml.hpp>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "interfaces/IEditors.h"
 #include "interfaces/IHostServices.h"
 #include "parameters/CDBAttribute.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/EditorPort.h"
 #include "platform/Files.h"
-#include "platform/UnitConverter.h"
-#include "platform/Xml.h"
+#include "datatypes/UnitConverter.h"
+#include "base/Xml.h"
 #include "tests/TestSupport.h"
 
 namespace zerbin::testing {

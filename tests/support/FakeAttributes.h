@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "app_object/KeyedCollection.h"
+#include "base/KeyedCollection.h"
 #include "interfaces/Error.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"

@@ -17,7 +17,7 @@
 #include <pugixml.hpp>
 
 #include "app_object/CDBAppObject.h"
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "tests/TestSupport.h"
 
 namespace zerbin::testing {

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 #include "interfaces/Error.h"
 
 namespace zerbin {

@@ -1,4 +1,4 @@
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "app_object/SkipMode.h"
+#include "base/SkipMode.h"
 #include "interfaces/Error.h"
 
 namespace zerbin::xml {

@@ -1,9 +1,9 @@
-#include "platform/XmlPathIndex.h"
+#include "base/XmlPathIndex.h"
 
 #include <functional>
 #include <utility>
 
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin::xml {
 namespace {

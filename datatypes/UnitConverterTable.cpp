@@ -2,7 +2,7 @@
 // units are those of the shipped dictionary (data/snvts.xml). Left out for want of a type
 // whose id is certain: temperature differences (SNVT_temp_diff_p), flows in m3/h and
 // energies in J or kJ.
-#include "platform/UnitConverter.h"
+#include "datatypes/UnitConverter.h"
 
 namespace zerbin {
 namespace {

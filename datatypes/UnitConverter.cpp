@@ -1,4 +1,4 @@
-#include "platform/UnitConverter.h"
+#include "datatypes/UnitConverter.h"
 
 #include <algorithm>
 #include <array>
@@ -10,11 +10,11 @@
 
 #include <pugixml.hpp>
 
-#include "app_object/MMain.h"
-#include "app_object/SkipMode.h"
+#include "base/MMain.h"
+#include "base/SkipMode.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/SnvtDictionary.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 namespace {

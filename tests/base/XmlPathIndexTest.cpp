@@ -1,4 +1,4 @@
-#include "platform/XmlPathIndex.h"
+#include "base/XmlPathIndex.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Xml.h"
+#include "base/Xml.h"
 #include "tests/TestSupport.h"
 
 namespace zerbin::xml {

@@ -1,4 +1,4 @@
-#include "app_object/KeyedCollection.h"
+#include "base/KeyedCollection.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app_object/CallbackList.h"
+#include "base/CallbackList.h"
 #include "interfaces/Error.h"
 
 namespace zerbin {

@@ -1,4 +1,4 @@
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <new>
 #include <string>
 
-#include "app_object/SkipMode.h"
+#include "base/SkipMode.h"
 #include "interfaces/Error.h"
 #include "tests/TestSupport.h"
 

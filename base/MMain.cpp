@@ -1,4 +1,4 @@
-#include "app_object/MMain.h"
+#include "base/MMain.h"
 
 #include <array>
 #include <charconv>
@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "interfaces/Error.h"
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 namespace zerbin {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/Xml.h"
+#include "base/Xml.h"
 
 #include <gtest/gtest.h>
 
