@@ -12,9 +12,10 @@
 
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/SnvtDictionary.h"
-#include "base/Xml.h"
+#include "datatypes/TypeClass.h"
 
 namespace zerbin {
 namespace {
@@ -180,7 +181,7 @@ std::shared_ptr<IUnitConverter> CreateUnitConverter() {
 // over.
 struct UnitConverter::TypeFacts {
     std::string id;
-    std::string typeClass;
+    TypeClass typeClass = TypeClass::Other;
     std::string unit;
     std::string min;
     std::string max;
@@ -204,7 +205,7 @@ UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
         const std::string_view key = xml::BaseNameView(child);
         SkipStep([&] {
             if (EqualsNoCase(key, "TYPE")) {
-                facts.typeClass = xml::FirstChildText(child);
+                facts.typeClass = ParseTypeClass(xml::FirstChildText(child));
             } else if (EqualsNoCase(key, "UNIT")) {
                 facts.unit = xml::FirstChildText(child);
             } else if (EqualsNoCase(key, "MIN")) {
@@ -219,7 +220,7 @@ UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
         });
     }
     facts.numeric = IsNumericClass(facts.typeClass);
-    facts.isFloat = facts.typeClass == "Float";
+    facts.isFloat = facts.typeClass == TypeClass::Float;
     return facts;
 }
 
@@ -341,7 +342,7 @@ std::string UnitConverter::Limit(const std::string& typeId, bool lower) {
 
 std::string UnitConverter::DefaultFor(const std::string& typeId) {
     const TypeFacts facts = Facts(typeId);
-    if (facts.typeClass == "Textual") {
+    if (facts.typeClass == TypeClass::Textual) {
         return {};
     }
     if (!facts.numeric) {

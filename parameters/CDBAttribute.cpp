@@ -1,12 +1,13 @@
 // The model of an attribute: plain reads, keys, listeners, the interceptor and the editor.
 #include "parameters/CDBAttribute.h"
 
-#include "interfaces/IMemberOwner.h"
 #include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
+#include "interfaces/IMemberOwner.h"
 #include "platform/EditorPort.h"
 
 namespace zerbin {
@@ -14,21 +15,22 @@ namespace zerbin {
 namespace {
 
 // The value editor for a type class; empty for a class that has none.
-const char* EditorNameFor(const std::string& typeClass) {
-    if (IsNumericClass(typeClass)) {
-        return "frmCPModif1";
-    }
-    if (typeClass == "Enum") {
-        return "frmCPModif3";
-    }
-    if (typeClass == "Bitfield") {
-        return "frmCPModif5";
-    }
-    if (typeClass == "Textual") {
-        return "frmCPModif2";
-    }
-    if (typeClass == "Struct") {
-        return "frmCPModif4";
+const char* EditorNameFor(TypeClass typeClass) {
+    switch (typeClass) {
+        case TypeClass::SignedNumeric:
+        case TypeClass::UnsignedNumeric:
+        case TypeClass::Float:
+            return "frmCPModif1";
+        case TypeClass::Enum:
+            return "frmCPModif3";
+        case TypeClass::Bitfield:
+            return "frmCPModif5";
+        case TypeClass::Textual:
+            return "frmCPModif2";
+        case TypeClass::Struct:
+            return "frmCPModif4";
+        case TypeClass::Other:
+            break;
     }
     return "";
 }
@@ -171,7 +173,7 @@ void CDBAttribute::SetName(const std::string& name) {
 
 void CDBAttribute::CreateEditor() {
     editor_ = nullptr;
-    const std::string editorName = EditorNameFor(snvtType_->ISNVType_GenType());
+    const std::string editorName = EditorNameFor(ClassOf(*snvtType_));
     if (editorName.empty()) {
         return;
     }

@@ -9,6 +9,7 @@
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
 #include "parameters/CDBAttribute.h"
 
 namespace zerbin {
@@ -60,11 +61,11 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
 
     if (isKeepFloatStandard_ && !intel) {
         std::string copy = value_;
-        OverwriteDigits(image, place, EncodeStream(copy, "Float", 4, 1, 0, 0), 8);
+        OverwriteDigits(image, place, EncodeStream(copy, TypeClass::Float, 4, 1, 0, 0), 8);
         return image;
     }
 
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     const int32_t length = snvtType_->ISNVType_Length();
     const int16_t a = NarrowToInt16(snvtType_->ISNVType_ACoef());
     const int16_t b = NarrowToInt16(snvtType_->ISNVType_BCoef());
@@ -79,7 +80,7 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
 void CDBAttribute::ApplyShortFloat() {
     shortFloatManaged_ = true;
     SkipStep([&] {
-        if (snvtType_->ISNVType_GenType() == "Float" && !isKeepFloatStandard_) {
+        if (ClassOf(*snvtType_) == TypeClass::Float && !isKeepFloatStandard_) {
             snvtType_->SetLength(2);
         }
     });

@@ -3,13 +3,14 @@
 #include <cstdint>
 #include <string>
 
-#include "interfaces/IMemberOwner.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
+#include "interfaces/IMemberOwner.h"
 #include "parameters/CDBAttribute.h"
 #include "platform/Messages.h"
 
@@ -125,7 +126,7 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
 
 void CDBAttribute::StoreValue(const std::string& text) {
     if (!fields_) {
-        if (snvtType_->ISNVType_GenType() == "Textual") {
+        if (ClassOf(*snvtType_) == TypeClass::Textual) {
             value_ = text;
             return;
         }
@@ -143,7 +144,7 @@ void CDBAttribute::StoreValue(const std::string& text) {
         SkipStep([&] {
             const std::string token = StructToken(text, index);
             field->IField_Value(token);
-            const bool textual = Need(field->IField_SNVTType()).ISNVType_GenType() == "Textual";
+            const bool textual = ClassOf(Need(field->IField_SNVTType())) == TypeClass::Textual;
             running += (textual ? token : NormalizeDecimal(token)) + " ";
         });
         ++index;
@@ -158,27 +159,27 @@ std::string CDBAttribute::IAttribute_Value() {
         return JoinFields(*fields_, [](CDBField& field) { return field.IField_Value(); });
     }
     // A text is not a number: its "." or "," stays as the user wrote it.
-    if (snvtType_->ISNVType_GenType() == "Textual") {
+    if (ClassOf(*snvtType_) == TypeClass::Textual) {
         return value_;
     }
     return DecimalToDisplay(value_);
 }
 
 std::string CDBAttribute::IAttribute_DispValue() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         const auto converter = UnitsManager();
         const std::string typeId = snvtType_->ISNVType_ID();
         return Need(converter).ToDisplayValue(typeId, DecimalToDisplay(value_)) + " " +
                converter->DisplayUnit(typeId);
     }
-    if (typeClass == "Enum") {
+    if (typeClass == TypeClass::Enum) {
         return FormatDisplayValue(DecimalToDisplay(value_), snvtType_->ISNVType_EnumDesc());
     }
-    if (typeClass == "Bitfield" || typeClass == "Textual") {
+    if (typeClass == TypeClass::Bitfield || typeClass == TypeClass::Textual) {
         return Trim(value_);
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         // Deliberately writes: after the read the fields hold the tokens of Value.
         CDBFields& fields = Need(fields_);
         std::string running;
@@ -193,17 +194,17 @@ std::string CDBAttribute::IAttribute_DispValue() {
 }
 
 std::string CDBAttribute::IAttribute_DispDefault() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         return DecimalToDisplay(defaultValue_) + " " + snvtType_->ISNVType_Units();
     }
-    if (typeClass == "Enum") {
+    if (typeClass == TypeClass::Enum) {
         return FormatDisplayValue(DecimalToDisplay(defaultValue_), snvtType_->ISNVType_EnumDesc());
     }
-    if (typeClass == "Bitfield" || typeClass == "Textual") {
+    if (typeClass == TypeClass::Bitfield || typeClass == TypeClass::Textual) {
         return Trim(defaultValue_);
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_),
                           [](CDBField& field) { return field.IField_DispDefault(); });
     }
@@ -211,22 +212,22 @@ std::string CDBAttribute::IAttribute_DispDefault() {
 }
 
 std::string CDBAttribute::IAttribute_DispMin() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         return DecimalToDisplay(min_) + " " + snvtType_->ISNVType_Units();
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMin(); });
     }
     return DecimalToDisplay(min_);
 }
 
 std::string CDBAttribute::IAttribute_DispMax() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         return DecimalToDisplay(max_) + " " + snvtType_->ISNVType_Units();
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMax(); });
     }
     return DecimalToDisplay(max_);

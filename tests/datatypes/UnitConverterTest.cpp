@@ -9,10 +9,11 @@
 #include <string>
 
 #include "base/MMain.h"
+#include "base/Xml.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SnvtDictionary.h"
+#include "datatypes/TypeClass.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 #include "tests/TestSupport.h"
 #include "tests/datatypes/DictionaryFixture.h"
 
@@ -42,11 +43,11 @@ struct ScaleOf {
     explicit ScaleOf(const std::string& typeId) {
         CDBSNVTType type;
         type.ResolveByID(typeId);
-        isFloat = type.ISNVType_GenType() == "Float";
+        isFloat = ClassOf(type) == TypeClass::Float;
         a = type.ISNVType_ACoef();
         b = type.ISNVType_BCoef();
         c = type.ISNVType_CCoef();
-        const bool isSigned = type.ISNVType_GenType() == "SignedNumeric";
+        const bool isSigned = ClassOf(type) == TypeClass::SignedNumeric;
         // Scaled types take one or two bytes; a Float's four are never walked.
         const int bits = 8 * std::min(type.ISNVType_Length(), 2);
         rawMin = isSigned ? -(1 << (bits - 1)) : 0;
