@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <new>
 #include <utility>
 
 #include <pugixml.hpp>
@@ -13,13 +14,17 @@
 
 namespace zerbin {
 
-// Runs one step of a skip-mode operation. Any exception ends the step and is swallowed; the
+// Runs one step of a skip-mode operation. An exception ends the step and is swallowed; the
 // fields the step had not yet written stay as they were. True when the step ran through.
+// Running out of memory is not a failed step: std::bad_alloc goes on to the caller, since the
+// steps after it would fail the same way and the user would never learn why.
 template <class F>
-bool SkipStep(F&& step) noexcept {
+bool SkipStep(F&& step) {
     try {
         std::forward<F>(step)();
         return true;
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return false;
     }
