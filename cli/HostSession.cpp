@@ -4,9 +4,10 @@
 #include <cctype>
 #include <system_error>
 
+#include "app_object/HostOrder.h"
+#include "base/Xml.h"
 #include "cli/CliErrors.h"
 #include "platform/Files.h"
-#include "base/Xml.h"
 
 namespace zerbin::cli {
 namespace {
@@ -91,21 +92,9 @@ void RequireBlockType(const std::filesystem::path& library, const std::string& t
 
 HostedBlock::HostedBlock(const HostSettings& settings, const std::string& type,
                          const BlockKeys& keys)
-    : block_(std::make_shared<CDBAppObject>()), type_(type) {
-    block_->IAppObject_XmlSNVTDoc(settings.dictionary);
-    int32_t errorCode = 0;
-    block_->IAppObject_Init(type, errorCode);
-    block_->IAppObject_OwnerDeviceXML(settings.ownerDevice);
-    block_->IAppObject_ManageShortFloat(settings.shortFloat);
-    block_->IAppObject_Create();
-    block_->IAppObject_GlobalKey(keys.globalKey);
-    if (keys.extendedKey) {
-        block_->IAppObject_ExtendedKey(*keys.extendedKey);
-    }
-    if (keys.userName) {
-        block_->IAppObject_UserName(*keys.userName);
-    }
-}
+    : block_(NewBlock(type, {settings.dictionary, settings.ownerDevice, settings.shortFloat,
+                             keys.globalKey, keys.extendedKey, keys.userName})),
+      type_(type) {}
 
 HostedBlock::~HostedBlock() {
     // Breaks the references between the block and its members, so that nothing outlives it.

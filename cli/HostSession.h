@@ -59,8 +59,7 @@ struct BlockKeys {
 // One block, from construction to IAppObject_Destroy when it goes.
 class HostedBlock {
 public:
-    // Dictionary, IAppObject_Init, owner device document, short float, IAppObject_Create,
-    // global key, extended key, user name: the host's order.
+    // Created through NewBlock, in the host's order.
     HostedBlock(const HostSettings& settings, const std::string& type, const BlockKeys& keys);
     ~HostedBlock();
     HostedBlock(const HostedBlock&) = delete;

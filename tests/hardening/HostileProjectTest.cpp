@@ -38,11 +38,8 @@ TEST_F(HostileProjectTest, HundredThousandBlocksOfAnUnknownTypeEachEndWithMessag
     int blocks = 0;
     int wellFormedImages = 0;
     for (pugi::xml_node element : project->document_element().children()) {
-        auto block = std::make_shared<CDBAppObject>();
-        block->IAppObject_XmlSNVTDoc(SnvtDictionary());
-        int32_t errorCode = 0;
-        block->IAppObject_Init(xml::BaseName(element), errorCode);
-        block->IAppObject_Create();
+        auto block =
+            NewBlock(xml::BaseName(element), {SnvtDictionary(), nullptr, false, {}, {}, {}});
         block->IAppObject_XmlLoad(element);
         wellFormedImages +=
             block->IAppObject_Stream() == "030000" && block->IAppObject_XPosition() == 1.5;
