@@ -10,14 +10,15 @@
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
-#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {
@@ -90,7 +91,10 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
 const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& library,
                                                   const std::string& type, const std::string& id) {
     using Key = std::tuple<std::string, std::string, std::string>;
-    static std::map<Key, std::optional<std::string>> found;
+    struct Datasheets {
+        std::map<Key, std::optional<std::string>> found;
+    };
+    auto& found = ProcessState::Get<Datasheets>().found;
     Key key{library.string(), type, id};
     if (const auto known = found.find(key); known != found.end()) {
         return known->second;

@@ -9,22 +9,25 @@
 #include <system_error>
 #include <utility>
 
-#include "interfaces/Error.h"
+#include "base/ProcessState.h"
 #include "base/Xml.h"
+#include "interfaces/Error.h"
 
 namespace zerbin {
 namespace {
 
-// The two values every object of the process shares. Plain variables: everything runs on the
-// host's user-interface thread.
+// The two values every object of the process shares.
+struct SharedValues {
+    std::shared_ptr<const pugi::xml_document> dictionary;
+    std::string separator = ".";
+};
+
 std::shared_ptr<const pugi::xml_document>& DictionarySlot() {
-    static std::shared_ptr<const pugi::xml_document> dictionary;
-    return dictionary;
+    return ProcessState::Get<SharedValues>().dictionary;
 }
 
 std::string& SeparatorSlot() {
-    static std::string separator = ".";
-    return separator;
+    return ProcessState::Get<SharedValues>().separator;
 }
 
 bool IsAsciiDigit(char c) {

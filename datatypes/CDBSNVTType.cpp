@@ -8,6 +8,7 @@
 #include <pugixml.hpp>
 
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
 #include "base/Xml.h"
 #include "datatypes/SnvtDictionary.h"
@@ -189,7 +190,7 @@ void CDBSNVTType::ResolveByID(const std::string& id) {
 
 std::shared_ptr<const CDBSNVTType::Resolution> CDBSNVTType::CachedResolution(
     const std::string& id) {
-    static ResolutionCache cache;
+    ResolutionCache& cache = ProcessState::Get<ResolutionCache>();
     const uint64_t generation = SnvtIndexGeneration();
     if (cache.generation != generation || cache.byId.size() >= kMaxCachedIds) {
         cache.byId.clear();

@@ -11,6 +11,7 @@
 #include <pugixml.hpp>
 
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
 #include "base/Xml.h"
 #include "datatypes/SNVTDataConversion.h"
@@ -20,9 +21,12 @@
 namespace zerbin {
 namespace {
 
+struct ChosenSystem {
+    UnitSystem system = UnitSystem::SI;
+};
+
 UnitSystem& SystemSlot() {
-    static UnitSystem system = UnitSystem::SI;
-    return system;
+    return ProcessState::Get<ChosenSystem>().system;
 }
 
 // Decimals of a Float type in SI: its values have no scale step, and three decimals hold

@@ -6,19 +6,28 @@
 #include <system_error>
 #include <utility>
 
+#include "base/ProcessState.h"
+
 namespace zerbin {
 namespace {
 
 constexpr const char* kFallbackBaseName = "Zerbin";
 
+// What the host set, and the library folder last derived from the component folder.
+struct FileSettings {
+    std::filesystem::path folder;
+    std::string baseName;
+    bool libraryKnown = false;
+    std::filesystem::path lastComponent;
+    std::filesystem::path lastLibrary;
+};
+
 std::filesystem::path& FolderOverride() {
-    static std::filesystem::path folder;
-    return folder;
+    return ProcessState::Get<FileSettings>().folder;
 }
 
 std::string& BaseNameOverride() {
-    static std::string baseName;
-    return baseName;
+    return ProcessState::Get<FileSettings>().baseName;
 }
 
 std::filesystem::path LocateOwnFile() {
@@ -119,16 +128,14 @@ void SetComponentBaseName(std::string baseName) {
 
 std::filesystem::path LibraryFolder() {
     // Every block asks; the answer changes only with the component folder.
-    static bool known = false;
-    static std::filesystem::path lastComponent;
-    static std::filesystem::path lastLibrary;
     const std::filesystem::path component = ComponentFolder();
-    if (!known || component.native() != lastComponent.native()) {
-        lastLibrary = NormalisedParent(component);
-        lastComponent = component;
-        known = true;
+    FileSettings& settings = ProcessState::Get<FileSettings>();
+    if (!settings.libraryKnown || component.native() != settings.lastComponent.native()) {
+        settings.lastLibrary = NormalisedParent(component);
+        settings.lastComponent = component;
+        settings.libraryKnown = true;
     }
-    return lastLibrary;
+    return settings.lastLibrary;
 }
 
 std::filesystem::path DefinitionFile(const std::filesystem::path& library,
