@@ -1,12 +1,12 @@
 // The model of an attribute: plain reads, keys, listeners, the interceptor and the editor.
 #include "parameters/CDBAttribute.h"
 
-#include "interfaces/IMemberOwner.h"
 #include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "interfaces/IMemberOwner.h"
 #include "platform/EditorPort.h"
 
 namespace zerbin {
@@ -199,6 +199,14 @@ void CDBAttribute::SetExtendedKey(const std::string& key) {
 
 void CDBAttribute::ClearLoadedValue() {
     value_.clear();
+    // The fields are what the image is made of: an element saved without text must empty
+    // them as well, or the image after the load would hold the defaults until someone reads
+    // the value.
+    if (fields_) {
+        for (const auto& field : fields_->Fields()) {
+            field->IField_Value(std::string());
+        }
+    }
 }
 
 void CDBAttribute::RestoreSavedValue(const std::string& text) {
@@ -231,6 +239,13 @@ int32_t CDBAttribute::CDBOrderInPosition() const {
 
 void CDBAttribute::CDBPosition(int32_t v) {
     position_ = v;
+    // The layout adds the size right after placing: this is the room the attribute has.
+    placeLength_ = 0;
+    SkipStep([&] { placeLength_ = LengthInCdb(); });
+}
+
+int32_t CDBAttribute::LengthInCdb() const {
+    return isKeepFloatStandard_ ? 4 : Need(snvtType_).ISNVType_Length();
 }
 
 void CDBAttribute::Release() {

@@ -5,18 +5,18 @@
 #include <string>
 #include <string_view>
 
-#include "interfaces/IMemberOwner.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "interfaces/Error.h"
+#include "interfaces/IMemberOwner.h"
 #include "parameters/CDBAttribute.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
-#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 
@@ -180,7 +180,13 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
             ShowLoadWarning(name_ + ": Default value", "; 0 assumed.");
         }
         defaultValue_ = text;
-        value_ = text;
+        if (isType_) {
+            // TYPES came first and retyped the inputs and outputs to its first choice: the
+            // full write makes them follow the default, as a project load would.
+            IAttribute_Value(text);
+        } else {
+            value_ = text;
+        }
     } else if (EqualsNoCase(element, "UNITS")) {
         LoadUnits(child);
     } else if (EqualsNoCase(element, "TYPES")) {
