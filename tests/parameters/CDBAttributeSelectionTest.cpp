@@ -136,7 +136,9 @@ TEST_F(ParameterTest, TheFirstUnitDerivesTheDependentsAtCreation) {
 }
 
 TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners) {
-    Block block("PrmUnits");
+    // Short floats, so that the Float of the second unit fits the place of the first's type.
+    Block block("PrmUnits", true,
+                [](CDBAppObject& object) { object.IAppObject_ManageShortFloat(true); });
     block->IAppObject_GlobalKey("K");
     auto journal = std::make_shared<CallJournal>();
     block->IAppObject_CallBack(std::make_shared<RecordingListener>("host", journal));
