@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/CheckedMath.h"
 #include "base/ProcessState.h"
 #include "base/Xml.h"
 #include "interfaces/Error.h"
@@ -216,13 +217,7 @@ std::string HexWordOf(int32_t value) {
 }
 
 int32_t NvReferenceCode(int32_t first, int32_t second) {
-    int32_t result = 0;
-    if (__builtin_mul_overflow(second, 256, &result) ||
-        __builtin_add_overflow(result, 16384, &result) ||
-        __builtin_add_overflow(result, first, &result)) {
-        throw OverflowError();
-    }
-    return result;
+    return CheckedAdd(CheckedAdd(CheckedMul(second, 256), 16384), first);
 }
 
 // ---- XML -----------------------------------------------------------------------------------
@@ -386,7 +381,7 @@ double LocaleDouble(const std::string& text) {
         }
     }
     if (!digits || i != body.size()) {
-        throw Error("Type mismatch", 13);
+        throw Error("Type mismatch", kErrTypeMismatch);
     }
     return ParseCText(ctext);
 }

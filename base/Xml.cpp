@@ -376,7 +376,7 @@ std::string BaseName(pugi::xml_attribute attribute) {
 std::string FirstChildText(pugi::xml_node node) {
     const pugi::xml_node child = Need(Need(node).first_child());
     if (child.type() == pugi::node_element) {
-        throw Error("Invalid use of Null", 94);
+        throw Error("Invalid use of Null", kErrInvalidNull);
     }
     return child.value();
 }
