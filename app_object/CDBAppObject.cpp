@@ -8,12 +8,12 @@
 #include "base/SkipMode.h"
 #include "connections/CDBInputs.h"
 #include "connections/CDBOutputs.h"
+#include "datatypes/UnitConverter.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
-#include "datatypes/UnitConverter.h"
 
 namespace zerbin {
 namespace {
@@ -33,7 +33,7 @@ CDBAppObject::CDBAppObject() {
     unitsManager_ = CreateUnitConverter();
     if (!unitsManager_) {
         // Without a converter no attribute can show a value: the host must get no object.
-        throw Error("ActiveX component can't create object", 429);
+        throw Error("ActiveX component can't create object", kErrCannotCreateObject);
     }
     ServePendingEvents();
     definitionCache_ = std::make_shared<DefinitionCache>();

@@ -5,29 +5,22 @@
 #include <string>
 
 #include "app_object/CDBAppObject.h"
+#include "base/CheckedMath.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 #include "connections/CDBInputs.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Events.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
-#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {
 
 constexpr int32_t kHeaderBytes = 3;
-
-int32_t AddChecked(int32_t a, int32_t b) {
-    int32_t sum = 0;
-    if (__builtin_add_overflow(a, b, &sum)) {
-        throw OverflowError();
-    }
-    return sum;
-}
 
 int32_t SizeInCdb(CDBAttribute& attribute) {
     if (attribute.IAttribute_IsKeepFloatStandard()) {
@@ -153,7 +146,7 @@ void CDBAppObject::IAppObject_Create() {
     }
     if (inputs_ && outputs_) {
         SkipStep(
-            [&] { baseWidth_ = AddChecked(inputs_->MaxNameLength(), outputs_->MaxNameLength()); });
+            [&] { baseWidth_ = CheckedAdd(inputs_->MaxNameLength(), outputs_->MaxNameLength()); });
     }
 }
 
@@ -192,7 +185,7 @@ void CDBAppObject::ComputeCDBLayout() {
                 if (!Need(attribute).IAttribute_ToolOnly() &&
                     attribute->CDBOrderInPosition() == number) {
                     attribute->CDBPosition(offset);
-                    offset = AddChecked(offset, SizeInCdb(*attribute));
+                    offset = CheckedAdd(offset, SizeInCdb(*attribute));
                     attributeFound = true;
                 }
             }
@@ -202,7 +195,7 @@ void CDBAppObject::ComputeCDBLayout() {
                 ServePendingEvents();
                 if (Need(input).CDBOrderInPosition() == number) {
                     input->CDBPosition(offset);
-                    offset = AddChecked(offset, SizeInCdb(*input));
+                    offset = CheckedAdd(offset, SizeInCdb(*input));
                     inputFound = true;
                 }
             }

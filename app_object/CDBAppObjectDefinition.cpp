@@ -23,9 +23,6 @@
 namespace zerbin {
 namespace {
 
-// The number the host's convention gives a definition that did not load.
-constexpr int32_t kErrDefinitionNotLoaded = static_cast<int32_t>(0x80040201u);
-
 // The header's number rule: the leading decimal number, rounded half to even.
 int32_t HeaderNumber(pugi::xml_node element) {
     return ToInt32(LeadingNumber(xml::FirstChildText(element)));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "base/SkipMode.h"
+#include "base/Utf8.h"
 #include "interfaces/Error.h"
 
 namespace zerbin::xml {
@@ -19,40 +20,12 @@ namespace {
 constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_comments | pugi::parse_pi |
                                    pugi::parse_declaration | pugi::parse_doctype;
 
-void AppendUtf8(std::string& out, uint32_t cp) {
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-}
-
-// Code points of windows-1252 bytes 0x80 to 0x9F; 0 where the code page has a hole.
-constexpr std::array<uint16_t, 32> kCp1252High = {
-    0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0,      0x017D, 0,      0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-
 std::string FromSingleByte(std::string_view bytes, bool cp1252) {
     std::string out;
     out.reserve(bytes.size() + bytes.size() / 8);
     for (const char c : bytes) {
         const auto b = static_cast<unsigned char>(c);
-        uint32_t cp = b;
-        if (cp1252 && b >= 0x80 && b <= 0x9F && kCp1252High[b - 0x80] != 0) {
-            cp = kCp1252High[b - 0x80];
-        }
-        AppendUtf8(out, cp);
+        AppendUtf8(out, cp1252 ? Windows1252CodePoint(b) : b);
     }
     return out;
 }
@@ -376,7 +349,7 @@ std::string BaseName(pugi::xml_attribute attribute) {
 std::string FirstChildText(pugi::xml_node node) {
     const pugi::xml_node child = Need(Need(node).first_child());
     if (child.type() == pugi::node_element) {
-        throw Error("Invalid use of Null", 94);
+        throw Error("Invalid use of Null", kErrInvalidNull);
     }
     return child.value();
 }

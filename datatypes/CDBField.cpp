@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "base/CheckedMath.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
 #include "datatypes/CDBSNVTType.h"
@@ -37,14 +38,6 @@ std::string ShowInTypeUnit(CDBSNVTType& type, const std::string& stored, std::st
             break;
     }
     return plain;
-}
-
-int32_t CheckedInt32(int64_t value) {
-    if (value < std::numeric_limits<int32_t>::min() ||
-        value > std::numeric_limits<int32_t>::max()) {
-        throw OverflowError();
-    }
-    return static_cast<int32_t>(value);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@
 
 #include "base/MMain.h"
 #include "base/SkipMode.h"
-#include "datatypes/Windows1252.h"
+#include "base/Utf8.h"
 #include "interfaces/Error.h"
 
 namespace zerbin {

@@ -8,9 +8,21 @@
 
 namespace zerbin {
 
+// Every error number the component raises.
+constexpr int32_t kErrNotFound = 5;  // "Invalid procedure call or argument"
+constexpr int32_t kErrOverflow = 6;
+constexpr int32_t kErrTypeMismatch = 13;
+constexpr int32_t kErrObjectNotSet = 91;
+constexpr int32_t kErrInvalidNull = 94;
+constexpr int32_t kErrCannotCreateObject = 429;
+constexpr int32_t kErrKeyExists = 457;
+// A definition that did not load.
+constexpr int32_t kErrDefinitionNotLoaded = static_cast<int32_t>(0x80040201u);
+
 class Error : public std::runtime_error {
 public:
-    explicit Error(const std::string& description, int32_t number = 5, std::string source = {})
+    explicit Error(const std::string& description, int32_t number = kErrNotFound,
+                   std::string source = {})
         : std::runtime_error(description), number_(number), source_(std::move(source)) {}
 
     int32_t Number() const { return number_; }
@@ -24,12 +36,7 @@ private:
 // An arithmetic result outside its width.
 class OverflowError : public Error {
 public:
-    OverflowError() : Error("Overflow", 6) {}
+    OverflowError() : Error("Overflow", kErrOverflow) {}
 };
-
-constexpr int32_t kErrObjectNotSet = 91;
-constexpr int32_t kErrOverflow = 6;
-constexpr int32_t kErrKeyExists = 457;
-constexpr int32_t kErrNotFound = 5;
 
 }  // namespace zerbin

@@ -1,8 +1,11 @@
 #include "platform/Files.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fnmatch.h>
+#include <sys/stat.h>
 
+#include <memory>
 #include <system_error>
 #include <utility>
 
@@ -68,21 +71,23 @@ bool IsSharedObject(const std::filesystem::path& file) {
 
 std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
                                       const std::string& wildcard) {
-    std::error_code ec;
-    std::filesystem::directory_iterator it(folder, ec);
-    if (ec) {
+    // readdir rather than std::filesystem::directory_iterator: libstdc++ allocates inside a
+    // noexcept frame there, so running out of memory would end the process instead of
+    // reaching the caller.
+    struct CloseDir {
+        void operator()(DIR* dir) const { closedir(dir); }
+    };
+    const std::unique_ptr<DIR, CloseDir> dir(opendir(folder.c_str()));
+    if (!dir) {
         return std::nullopt;
     }
-    for (const std::filesystem::directory_iterator end; it != end; it.increment(ec)) {
-        if (ec) {
-            return std::nullopt;
-        }
-        std::error_code typeError;
-        if (!it->is_regular_file(typeError)) {
+    while (const dirent* entry = readdir(dir.get())) {
+        if (fnmatch(wildcard.c_str(), entry->d_name, 0) != 0) {
             continue;
         }
-        const std::string name = it->path().filename().string();
-        if (fnmatch(wildcard.c_str(), name.c_str(), 0) == 0) {
+        std::string name = entry->d_name;
+        struct stat status {};
+        if (stat((folder / name).c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
             return name;
         }
     }
