@@ -10,11 +10,11 @@
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "base/Xml.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 #include "tests/app_object/AppObjectTestSupport.h"
 #include "tests/support/RandomBlock.h"
 
@@ -196,8 +196,8 @@ HostedBlock Reopened(CDBAppObject& block, const std::string& type) {
 std::string InputTypes(CDBAppObject& block) {
     std::string types;
     for (const auto& input : block.IAppObject_Inputs()->IInputs_NewEnum()) {
-        types += input->Iinput_SNVTCompatibles()->ICompatibleSNVTs_Item(1)->ICompatibleSNVT_ID() +
-                 " ";
+        types +=
+            input->Iinput_SNVTCompatibles()->ICompatibleSNVTs_Item(1)->ICompatibleSNVT_ID() + " ";
     }
     return types;
 }
@@ -221,8 +221,9 @@ TEST(ProjectXmlReopen, GivesTheSameValuesImageAndTypes) {
         SCOPED_TRACE(row.attribute ? std::string(row.attribute) + "=" + row.value : "defaults");
         HostedBlock block = CreateBlock("Reopen");
         if (row.attribute != nullptr) {
-            block->IAppObject_Attributes()->IAttributes_Item(row.attribute)->IAttribute_Value(
-                row.value);
+            block->IAppObject_Attributes()
+                ->IAttributes_Item(row.attribute)
+                ->IAttribute_Value(row.value);
         }
         const testing::Snapshot before = testing::Take(*block);
         HostedBlock reopened = Reopened(*block, "Reopen");
