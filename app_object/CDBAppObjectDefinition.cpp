@@ -11,13 +11,13 @@
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
-#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {
@@ -114,7 +114,8 @@ std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
         std::shared_ptr<pugi::xml_document> loaded;
         // A name that could reach outside the library is a type that does not exist.
         if (IsSafeTypeName(uniqueIdString_)) {
-            loaded = xml::LoadFile(DefinitionFile(LibraryFolder(), uniqueIdString_), &failure);
+            loaded = xml::LoadFile(DefinitionFile(LibraryFolder(), uniqueIdString_), &failure,
+                                   kMaxDefinitionBytes);
         } else {
             failure.reason = "The type name can't name a folder of the block library.";
         }
