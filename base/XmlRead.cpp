@@ -266,7 +266,11 @@ private:
     }
 
     void Content() {
-        if (text_[i_] == '&') {
+        const char c = text_[i_];
+        if (elements_ == 0 && c != '<' && c != ' ' && c != '\t' && c != '\n' && c != '\r') {
+            Refuse("text outside the document element", Offset());
+        }
+        if (c == '&') {
             Reference();
         } else if (At("]]>")) {
             Refuse("']]>' is not allowed in text", Offset());
@@ -285,9 +289,10 @@ private:
             quote_ = 0;
             i_ += 9;
         } else {
-            if (text_[i_] == '<') {
+            if (c == '<') {
                 state_ = State::Tag;
                 quote_ = 0;
+                endTag_ = At("</");
             }
             ++i_;
         }
@@ -300,6 +305,12 @@ private:
                 quote_ = c;
             } else if (c == '>') {
                 state_ = State::Content;
+                // Counted for the text outside the document element, which pugixml drops.
+                if (endTag_) {
+                    --elements_;
+                } else if (i_ == 0 || text_[i_ - 1] != '/') {
+                    ++elements_;
+                }
             }
             ++i_;
         } else if (c == quote_) {
@@ -401,6 +412,8 @@ private:
     State state_ = State::Content;
     char quote_ = 0;
     int depth_ = 0;
+    bool endTag_ = false;
+    std::ptrdiff_t elements_ = 0;  // open elements
 };
 
 std::ptrdiff_t OffsetOf(pugi::xml_node node) {

@@ -129,8 +129,9 @@ std::vector<std::string> LibraryTypes(const std::filesystem::path& library) {
     for (const std::filesystem::directory_entry& entry : entries) {
         const std::string name = entry.path().filename().string();
         std::error_code ignored;
+        // Any kind of file counts: one that cannot be read is for the command to report.
         if (entry.is_directory(ignored) &&
-            std::filesystem::is_regular_file(DefinitionFile(library, name), ignored)) {
+            std::filesystem::exists(DefinitionFile(library, name), ignored)) {
             types.push_back(name);
         }
     }
@@ -143,7 +144,7 @@ void RequireBlockType(const std::filesystem::path& library, const std::string& t
         throw UsageError("invalid block type name '" + type + "'");
     }
     std::error_code error;
-    if (!std::filesystem::is_regular_file(DefinitionFile(library, type), error)) {
+    if (!std::filesystem::exists(DefinitionFile(library, type), error)) {
         throw UsageError("no block type '" + type + "' in library '" + library.string() + "'");
     }
 }
