@@ -14,7 +14,7 @@ set(zerbin_installed_targets zerbin_base zerbin_platform zerbin_datatypes zerbin
 foreach(folder IN ITEMS interfaces base platform datatypes connections parameters app_object)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/${folder}/"
             DESTINATION "${ZERBIN_HEADER_DESTINATION}/${folder}"
-            FILES_MATCHING PATTERN "*.h" PATTERN "*.xpm")
+            FILES_MATCHING PATTERN "*.h")
 endforeach()
 
 set(ZERBIN_PACKAGE_WITH_EDITORS OFF)

@@ -2,6 +2,7 @@
 // of a project through it.
 //
 //     zerbin-host [--registration FILE] [--set NAME=VALUE] [--save FILE] PROJECT
+//     zerbin-host --register LIBRARY | --unregister LIBRARY
 //
 // It finds the plug-in through its registration file, creates each block of PROJECT in the
 // order a host must keep, loads it from the project, optionally writes one attribute value and
@@ -32,6 +33,8 @@ namespace {
 namespace fs = std::filesystem;
 
 struct Options {
+    std::optional<fs::path> registerLibrary;
+    std::optional<fs::path> unregisterLibrary;
     std::optional<fs::path> registration;
     std::optional<std::pair<std::string, std::string>> set;
     std::optional<fs::path> save;
@@ -54,7 +57,11 @@ Options ParseArguments(int argc, char** argv) {
             }
             return argv[++i];
         };
-        if (argument == "--registration") {
+        if (argument == "--register") {
+            options.registerLibrary = value();
+        } else if (argument == "--unregister") {
+            options.unregisterLibrary = value();
+        } else if (argument == "--registration") {
             options.registration = value();
         } else if (argument == "--save") {
             options.save = value();
@@ -70,6 +77,12 @@ Options ParseArguments(int argc, char** argv) {
         } else {
             positional.push_back(argument);
         }
+    }
+    if (options.registerLibrary || options.unregisterLibrary) {
+        if (!positional.empty()) {
+            throw Failure("--register and --unregister take no project");
+        }
+        return options;
     }
     if (positional.size() != 1) {
         throw Failure(
@@ -137,6 +150,8 @@ public:
         release_ = Symbol<ZerbinReleaseObjectFn>("ZerbinReleaseObject");
         canUnloadNow_ = Symbol<ZerbinCanUnloadNowFn>("ZerbinCanUnloadNow");
         setBlockLibrary_ = Symbol<ZerbinSetBlockLibraryFn>("ZerbinSetBlockLibrary");
+        registerServer_ = Symbol<ZerbinRegisterServerFn>("ZerbinRegisterServer");
+        unregisterServer_ = Symbol<ZerbinUnregisterServerFn>("ZerbinUnregisterServer");
     }
     ~PlugIn() {
         if (canUnloadNow_() == ZERBIN_OK) {
@@ -147,6 +162,8 @@ public:
     PlugIn& operator=(const PlugIn&) = delete;
 
     void SetBlockLibrary(const std::string& folder) const { setBlockLibrary_(folder.c_str()); }
+    int Register() const { return registerServer_(); }
+    int Unregister() const { return unregisterServer_(); }
 
     std::shared_ptr<zerbin::IAppObject> NewBlock() const {
         ZerbinObject* handle = nullptr;
@@ -175,13 +192,18 @@ private:
     ZerbinReleaseObjectFn release_ = nullptr;
     ZerbinCanUnloadNowFn canUnloadNow_ = nullptr;
     ZerbinSetBlockLibraryFn setBlockLibrary_ = nullptr;
+    ZerbinRegisterServerFn registerServer_ = nullptr;
+    ZerbinUnregisterServerFn unregisterServer_ = nullptr;
 };
 
-// Tells on stderr which attributes the blocks report as changed.
+// Tells on stderr which attributes the blocks report as changed once the project is loaded.
 struct ChangeListener : zerbin::NullAppObjectListener {
     void IcbkAppObject_AttributeChanged(const std::string& GlobalKey) override {
-        std::cerr << "changed: " << GlobalKey << '\n';
+        if (reporting) {
+            std::cerr << "changed: " << GlobalKey << '\n';
+        }
     }
+    bool reporting = false;
 };
 
 // One block, from the class object to IAppObject_Destroy.
@@ -208,7 +230,22 @@ private:
     std::string type_;
 };
 
+// What regsvr32 is to an in-process server: load the library and let it (un)register itself.
+int Registration(const Options& options) {
+    const bool add = options.registerLibrary.has_value();
+    const PlugIn plugIn(fs::absolute(add ? *options.registerLibrary : *options.unregisterLibrary));
+    const int result = add ? plugIn.Register() : plugIn.Unregister();
+    if (result != ZERBIN_OK) {
+        throw Failure(std::string(add ? "registration" : "unregistration") + " failed (error " +
+                      std::to_string(result) + ")");
+    }
+    return EXIT_SUCCESS;
+}
+
 int Run(const Options& options) {
+    if (options.registerLibrary || options.unregisterLibrary) {
+        return Registration(options);
+    }
     const auto registration =
         ReadRegistration(options.registration.value_or(DefaultRegistration()));
     PlugIn plugIn(registration.at("Path"));
@@ -246,6 +283,7 @@ int Run(const Options& options) {
         (*block)->IAppObject_XmlLoad(element);
     }
 
+    listener->reporting = true;
     if (options.set) {
         const auto& [name, value] = *options.set;
         bool written = false;
