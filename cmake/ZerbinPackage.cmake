@@ -21,6 +21,16 @@ set(ZERBIN_PACKAGE_WITH_EDITORS OFF)
 if(TARGET zerbin_editors)
     set(ZERBIN_PACKAGE_WITH_EDITORS ON)
     list(APPEND zerbin_installed_targets zerbin_editors)
+    # The compiled-in images of a static Qt library come as object libraries that its users
+    # link; they travel with it.
+    get_target_property(editor_links zerbin_editors INTERFACE_LINK_LIBRARIES)
+    foreach(item IN LISTS editor_links)
+        string(REGEX MATCH "zerbin_editors_resources_[0-9]+" resources "${item}")
+        if(resources AND TARGET ${resources})
+            list(APPEND zerbin_editor_resources ${resources})
+        endif()
+    endforeach()
+    list(REMOVE_DUPLICATES zerbin_editor_resources)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/editors/"
             DESTINATION "${ZERBIN_HEADER_DESTINATION}/editors" FILES_MATCHING PATTERN "*.h")
 endif()
@@ -31,8 +41,9 @@ foreach(target IN LISTS zerbin_installed_targets)
     set_target_properties(${target} PROPERTIES EXPORT_NAME "${export_name}")
 endforeach()
 
-install(TARGETS ${zerbin_installed_targets}
+install(TARGETS ${zerbin_installed_targets} ${zerbin_editor_resources}
         EXPORT ZerbinTargets
+        OBJECTS DESTINATION "${CMAKE_INSTALL_LIBDIR}/zerbin/objects"
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
         INCLUDES DESTINATION "${ZERBIN_HEADER_DESTINATION}")

@@ -15,6 +15,12 @@
 #include "plugin/Registration.h"
 #include "zerbin/plugin.h"
 
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+#include <QApplication>
+
+#include "editors/QtAdapters.h"
+#endif
+
 namespace zerbin::plugin {
 namespace {
 
@@ -49,6 +55,19 @@ fs::path ShippedBlockLibrary(const fs::path& library) {
         }
     }
     return {};
+}
+
+// A Qt host has made its QApplication by the time it asks for its first block: from then on
+// the blocks show their windows and message boxes through Qt. A host without one, or a
+// plug-in built without the windows, stays headless.
+void UseQtWhenTheHostDoes() {
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+    static bool installed = false;
+    if (!installed && qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) {
+        zerbin::InstallQtAdapters();
+        installed = true;
+    }
+#endif
 }
 
 // What no exception may cross: the host is C.
@@ -94,6 +113,7 @@ ZERBIN_PLUGIN_API int ZerbinGetClassObject(const char* progId, ZerbinObject** ob
         if (!zerbin::EqualsNoCase(progId, ProgId())) {
             return ZERBIN_E_CLASS_NOT_AVAILABLE;
         }
+        UseQtWhenTheHostDoes();
         auto* made = new zerbin::CDBAppObject;
         ++liveObjects;
         // Should the control block fail, the deleter runs and the count stays right.

@@ -3,6 +3,7 @@
 //
 //     zerbin-host [--registration FILE] [--set NAME=VALUE] [--save FILE] PROJECT
 //     zerbin-host --register LIBRARY | --unregister LIBRARY
+//     zerbin-host --show [--snapshot PNG] PROJECT     (where the package has the windows)
 //
 // It finds the plug-in through its registration file, creates each block of PROJECT in the
 // order a host must keep, loads it from the project, optionally writes one attribute value and
@@ -28,6 +29,10 @@
 #include "interfaces/IcbkAppObject.h"
 #include "zerbin/plugin.h"
 
+#ifdef ZERBIN_HOST_WITH_WINDOWS
+#include "WindowSession.h"
+#endif
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -38,6 +43,8 @@ struct Options {
     std::optional<fs::path> registration;
     std::optional<std::pair<std::string, std::string>> set;
     std::optional<fs::path> save;
+    bool show = false;
+    std::optional<fs::path> snapshot;
     fs::path project;
 };
 
@@ -63,6 +70,11 @@ Options ParseArguments(int argc, char** argv) {
             options.unregisterLibrary = value();
         } else if (argument == "--registration") {
             options.registration = value();
+        } else if (argument == "--show") {
+            options.show = true;
+        } else if (argument == "--snapshot") {
+            options.snapshot = value();
+            options.show = true;
         } else if (argument == "--save") {
             options.save = value();
         } else if (argument == "--set") {
@@ -224,6 +236,7 @@ public:
     zerbin::IAppObject& operator*() const { return *block_; }
     zerbin::IAppObject* operator->() const { return block_.get(); }
     const std::string& Type() const { return type_; }
+    const std::shared_ptr<zerbin::IAppObject>& Pointer() const { return block_; }
 
 private:
     std::shared_ptr<zerbin::IAppObject> block_;
@@ -242,10 +255,22 @@ int Registration(const Options& options) {
     return EXIT_SUCCESS;
 }
 
-int Run(const Options& options) {
+int Run(const Options& options, int& argc, char** argv) {
     if (options.registerLibrary || options.unregisterLibrary) {
         return Registration(options);
     }
+#ifdef ZERBIN_HOST_WITH_WINDOWS
+    std::optional<WindowSession> windows;
+    if (options.show) {
+        windows.emplace(argc, argv);
+    }
+#else
+    (void)argc;
+    (void)argv;
+    if (options.show) {
+        throw Failure("--show needs the windows, and this package was built without them");
+    }
+#endif
     const auto registration =
         ReadRegistration(options.registration.value_or(DefaultRegistration()));
     PlugIn plugIn(registration.at("Path"));
@@ -305,6 +330,15 @@ int Run(const Options& options) {
                   << (*block)->IAppObject_Stream() << '\n';
     }
 
+#ifdef ZERBIN_HOST_WITH_WINDOWS
+    if (windows) {
+        if (blocks.empty()) {
+            throw Failure("the project holds no block to show");
+        }
+        windows->Show(blocks.front()->Pointer(), options.snapshot);
+    }
+#endif
+
     if (options.save) {
         pugi::xml_document saved;
         pugi::xml_node root = saved.append_child(project->document_element().name());
@@ -322,7 +356,7 @@ int Run(const Options& options) {
 
 int main(int argc, char** argv) {
     try {
-        return Run(ParseArguments(argc, argv));
+        return Run(ParseArguments(argc, argv), argc, argv);
     } catch (const std::exception& error) {
         std::cerr << "zerbin-host: error: " << error.what() << '\n';
         return EXIT_FAILURE;
