@@ -138,7 +138,10 @@ TEST_F(PluginTest, RegistrationFileLivesInTheUsersDataFolder) {
                   std::string::npos)
             << text;
         EXPECT_NE(text.find("Version=" ZERBIN_VERSION_TEXT "\n"), std::string::npos) << text;
-        EXPECT_NE(text.find("BlockLibrary=/"), std::string::npos) << text;
+        const auto blocks = text.find("BlockLibrary=");
+        ASSERT_NE(blocks, std::string::npos) << text;
+        const fs::path library = text.substr(blocks + 13, text.find('\n', blocks) - blocks - 13);
+        EXPECT_TRUE(fs::exists(library / "THERMOSTAT" / "THERMOSTAT.xml")) << library;
 
         EXPECT_EQ(unregisterServer(), ZERBIN_OK);
         EXPECT_FALSE(fs::exists(file));
@@ -176,6 +179,22 @@ TEST_F(PluginTest, ClassObjectOnlyForTheProgId) {
         }
     }
     EXPECT_EQ(getClassObject(ZERBIN_PROGID, nullptr), ZERBIN_E_INVALID_ARGUMENT);
+}
+
+TEST_F(PluginTest, BlocksComeFromTheLibraryTheHostSets) {
+    const auto setBlockLibrary = plugin_.Get<ZerbinSetBlockLibraryFn>("ZerbinSetBlockLibrary");
+    const auto NameOfThermostat = [&] {
+        auto block = std::dynamic_pointer_cast<zerbin::IAppObject>(Make(ZERBIN_PROGID));
+        int32_t error = 0;
+        block->IAppObject_Init("THERMOSTAT", error);
+        return block->IAppObject_Name();
+    };
+    // A type once read stays for the process, so the library without it comes first.
+    ASSERT_EQ(setBlockLibrary(dir_.c_str()), ZERBIN_OK);
+    EXPECT_EQ(NameOfThermostat(), "");
+    ASSERT_EQ(setBlockLibrary(ZERBIN_DATA_DIR "/library"), ZERBIN_OK);
+    EXPECT_EQ(NameOfThermostat(), "Thermostat");
+    EXPECT_EQ(setBlockLibrary(nullptr), ZERBIN_OK);
 }
 
 TEST_F(PluginTest, CanUnloadOnlyWhenNoObjectLives) {
