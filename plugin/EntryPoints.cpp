@@ -3,9 +3,10 @@
 #include <dlfcn.h>
 
 #include <atomic>
-#include <exception>
 #include <filesystem>
+#include <memory>
 #include <new>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 
