@@ -1,5 +1,7 @@
 #include "editors/frmMain.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
@@ -144,6 +146,10 @@ void frmMain::FillList() {
             });
         }
     });
+    // A name wider than its inch would be cut; the column grows to show it whole.
+    const int inch = lvAttr_->columnWidth(0);
+    lvAttr_->resizeColumnToContents(0);
+    lvAttr_->setColumnWidth(0, std::max(inch, lvAttr_->columnWidth(0)));
 }
 
 void frmMain::AttributeChanged(const std::string& globalKey) {
