@@ -105,8 +105,8 @@ int main(int argc, char** argv) {
         ok = Save(*editor, out / (name + ".png")) && ok;
         editor->reject();
     }
-    for (const char* name : {"frmCPModif1", "frmCPModif2", "frmCPModif3", "frmCPModif4",
-                             "frmCPModif5"}) {
+    for (const char* name :
+         {"frmCPModif1", "frmCPModif2", "frmCPModif3", "frmCPModif4", "frmCPModif5"}) {
         if (!byEditor.contains(name)) {
             std::fprintf(stderr, "render_windows: warning: no shipped attribute for %s\n", name);
         }

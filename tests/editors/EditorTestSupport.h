@@ -89,7 +89,9 @@ struct TestField : IField {
 
 struct TestFields : IFields {
     int32_t IFields_Count() override { return items.Count(); }
-    std::shared_ptr<IField> IFields_Item(const std::string& Key) override { return items.Item(Key); }
+    std::shared_ptr<IField> IFields_Item(const std::string& Key) override {
+        return items.Item(Key);
+    }
     std::vector<std::shared_ptr<IField>> IFields_NewEnum() override {
         return {items.Items().begin(), items.Items().end()};
     }

@@ -127,9 +127,9 @@ TEST(NumericEditor, LoadShowsValueLimitsAndUnitInUserUnits) {
         const char* shown;
         const char* unit;
     };
-    for (const Row& row : {Row{UnitSystem::SI, "20", "20", "[°C]"},
-                           Row{UnitSystem::US, "20", "68", "[°F]"},
-                           Row{UnitSystem::US, "-40", "-40", "[°F]"}}) {
+    for (const Row& row :
+         {Row{UnitSystem::SI, "20", "20", "[°C]"}, Row{UnitSystem::US, "20", "68", "[°F]"},
+          Row{UnitSystem::US, "-40", "-40", "[°F]"}}) {
         SetUnitSystem(row.system);
         OpenEditor editor("105", row.stored);
         editor.point->min = "-40";
@@ -139,7 +139,8 @@ TEST(NumericEditor, LoadShowsValueLimitsAndUnitInUserUnits) {
         EXPECT_EQ(editor.Box().selectedText(), editor.Box().text());
         EXPECT_EQ(editor.Label("lblUnits").toStdString(), row.unit);
         EXPECT_EQ(editor.Label("lblMin").toStdString(), "-40");
-        EXPECT_EQ(editor.Label("lblMax").toStdString(), row.system == UnitSystem::US ? "212" : "100");
+        EXPECT_EQ(editor.Label("lblMax").toStdString(),
+                  row.system == UnitSystem::US ? "212" : "100");
         EXPECT_EQ(editor.Label("lblName"), "Setpoint");
         EXPECT_FALSE(editor.dialog.findChild<QCheckBox*>("chkInvalid")->isVisible());
         SetUnitSystem(UnitSystem::SI);
@@ -233,7 +234,7 @@ TEST(NumericEditor, MnemonicsPressTheButtons) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&editor.dialog));
     QTest::keyClick(&editor.Box(), Qt::Key_O, Qt::AltModifier);
     // A mnemonic presses its button visibly first, then clicks.
-    QTest::qWaitFor([&] { return !editor.point->writes.empty(); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !editor.point->writes.empty(); }));
     EXPECT_EQ(editor.point->writes, std::vector<std::string>{"7"});
 }
 
@@ -243,9 +244,10 @@ TEST(NumberRules, AbbreviateNumberKeepsTwoDecimalsAndTheExponent) {
         const char* separator;
         const char* expected;
     };
-    for (const Row& row : {Row{"1.234567E+20", ".", "1.23E+20"}, Row{"1,234567E+20", ",", "1,23E+20"},
-                           Row{"123456789012", ".", "123456789012"}, Row{"1.5E+20", ".", "1.5E+20"},
-                           Row{"123456789E+20", ".", "E+20"}, Row{"-3276.8", ".", "-3276.8"}}) {
+    for (const Row& row :
+         {Row{"1.234567E+20", ".", "1.23E+20"}, Row{"1,234567E+20", ",", "1,23E+20"},
+          Row{"123456789012", ".", "123456789012"}, Row{"1.5E+20", ".", "1.5E+20"},
+          Row{"123456789E+20", ".", "E+20"}, Row{"-3276.8", ".", "-3276.8"}}) {
         EXPECT_EQ(AbbreviateNumber(row.text, row.separator), row.expected) << row.text;
     }
 }

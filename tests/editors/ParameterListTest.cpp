@@ -146,8 +146,8 @@ TEST_F(ParameterList, HiddenAttributesAreListedAndEditable) {
 
 TEST_F(ParameterList, SetValueOpensTheEditorOfEachShippedAttributesClass) {
     int opened = 0;
-    for (const char* type : {"ALARM_LIMITS", "FAN_STAGE", "LABEL", "SETPOINT_SET", "TYPE_MUX",
-                             "WEEKLY_SCHEDULE"}) {
+    for (const char* type :
+         {"ALARM_LIMITS", "FAN_STAGE", "LABEL", "SETPOINT_SET", "TYPE_MUX", "WEEKLY_SCHEDULE"}) {
         for (const auto& attribute : Block(type)->IAppObject_Attributes()->IAttributes_NewEnum()) {
             const std::string expected =
                 EditorNameForClass(attribute->IAttribute_SNVTType()->ISNVType_GenType());

@@ -46,8 +46,9 @@ protected:
     void OpenRow(int index, const std::function<void(QWidget&)>& act) {
         list_->setCurrentItem(list_->topLevelItem(index));
         const QRect other = list_->visualItemRect(list_->topLevelItem(index == 0 ? 1 : 0));
-        WithModal([&] { QTest::mouseRelease(list_->viewport(), Qt::RightButton, {}, other.center()); },
-                  act);
+        WithModal(
+            [&] { QTest::mouseRelease(list_->viewport(), Qt::RightButton, {}, other.center()); },
+            act);
     }
 
     QString RowValue(int index) const { return list_->topLevelItem(index)->text(1); }

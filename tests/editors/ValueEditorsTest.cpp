@@ -197,17 +197,16 @@ TEST_P(BitEditor, ShowsTheBitsAndWritesTheirSum) {
     EXPECT_EQ(point->writes, std::vector<std::string>{row.written});
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Sums, BitEditor,
-    ::testing::Values(BitRow{1, "5", "        00000101", "5"},
-                      BitRow{1, "300", "        00101100", "44"},
-                      BitRow{2, "65535", "1111111111111111", "65535"},
-                      BitRow{4, "70000", "0001000101110000", "4464"},
-                      BitRow{1, "-1", "        11111111", "255"},
-                      BitRow{2, "-1", "1111111111111111", "65535"},
-                      BitRow{2, "abc", "0000000000000000", "0"},
-                      BitRow{0, "3", "0000000000000011", "3"},
-                      BitRow{4, "99999999999", "0000000000000000", "0"}));
+INSTANTIATE_TEST_SUITE_P(Sums, BitEditor,
+                         ::testing::Values(BitRow{1, "5", "        00000101", "5"},
+                                           BitRow{1, "300", "        00101100", "44"},
+                                           BitRow{2, "65535", "1111111111111111", "65535"},
+                                           BitRow{4, "70000", "0001000101110000", "4464"},
+                                           BitRow{1, "-1", "        11111111", "255"},
+                                           BitRow{2, "-1", "1111111111111111", "65535"},
+                                           BitRow{2, "abc", "0000000000000000", "0"},
+                                           BitRow{0, "3", "0000000000000011", "3"},
+                                           BitRow{4, "99999999999", "0000000000000000", "0"}));
 
 TEST(BitEditorFlip, ADoubleClickOrSpaceFlipsABitAndOkWritesEveryPoint) {
     auto first = PointOf("Bitfield", "1", 2);
@@ -293,8 +292,7 @@ INSTANTIATE_TEST_SUITE_P(
                       BadRow{"SignedNumeric", "98", 2, "abc;,.E", "", "1.5E+300"},
                       BadRow{"UnsignedNumeric", "7", 1, "-", "x", "y"},
                       BadRow{"Textual", "", -5, "long text", "", ""},
-                      BadRow{"Enum", "", 1, "1", "", ""},
-                      BadRow{"Struct", "", 0, "1 2 3", "", ""},
+                      BadRow{"Enum", "", 1, "1", "", ""}, BadRow{"Struct", "", 0, "1 2 3", "", ""},
                       BadRow{"Bitfield", "", 0, "1", "", ""},
                       BadRow{"Bitfield", "", 32, "4294967295", "", ""}));
 
@@ -318,8 +316,8 @@ TEST(QtMessages, TitleIconAndButtonsReachTheBoxAndTheAnswerComesBack) {
     int answer = 0;
     WithModal(
         [&] {
-            answer = ShowMessage("Save?", "Edit Value", MessageIcon::Exclamation,
-                                 MessageButtons::YesNo);
+            answer =
+                ShowMessage("Save?", "Edit Value", MessageIcon::Exclamation, MessageButtons::YesNo);
         },
         [](QWidget& window) {
             auto& box = dynamic_cast<QMessageBox&>(window);
