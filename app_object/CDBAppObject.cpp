@@ -8,13 +8,13 @@
 #include "base/SkipMode.h"
 #include "connections/CDBInputs.h"
 #include "connections/CDBOutputs.h"
+#include "datatypes/UnitConverter.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/DefinitionStore.h"
 #include "platform/EditorPort.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
-#include "datatypes/UnitConverter.h"
 
 namespace zerbin {
 namespace {

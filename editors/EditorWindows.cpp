@@ -48,8 +48,7 @@ std::unique_ptr<ValueEditorDialog> MakeValueEditorNamed(const std::string& edito
     return nullptr;
 }
 
-std::unique_ptr<ValueEditorDialog> MakeValueEditor(const std::string& typeClass,
-                                                   QWidget* parent) {
+std::unique_ptr<ValueEditorDialog> MakeValueEditor(const std::string& typeClass, QWidget* parent) {
     return MakeValueEditorNamed(EditorNameForClass(typeClass), parent);
 }
 

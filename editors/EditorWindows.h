@@ -19,7 +19,6 @@ std::string EditorNameForClass(const std::string& typeClass);
 std::unique_ptr<ValueEditorDialog> MakeValueEditorNamed(const std::string& editorName,
                                                         QWidget* parent);
 // A new value editor for a class of value; nullptr for a word that is none of the seven.
-std::unique_ptr<ValueEditorDialog> MakeValueEditor(const std::string& typeClass,
-                                                   QWidget* parent);
+std::unique_ptr<ValueEditorDialog> MakeValueEditor(const std::string& typeClass, QWidget* parent);
 
 }  // namespace zerbin

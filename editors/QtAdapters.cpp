@@ -95,9 +95,7 @@ class QtValueEditor : public IValueEditor {
 public:
     explicit QtValueEditor(std::string editorName) : editorName_(std::move(editorName)) {}
 
-    void DataPoint(std::shared_ptr<IObject> point) override {
-        points_.push_back(std::move(point));
-    }
+    void DataPoint(std::shared_ptr<IObject> point) override { points_.push_back(std::move(point)); }
 
     void ShowModal() override {
         // Taken out first: the attribute must not stay referenced after the window closes.

@@ -3,10 +3,10 @@
 namespace zerbin {
 
 QStringList SmallImageKeys() {
-    return {QStringLiteral("cp"),        QStringLiteral("nvi"),      QStringLiteral("nvo"),
-            QStringLiteral("error"),     QStringLiteral("nvofield"), QStringLiteral("nvifield"),
-            QStringLiteral("cpfield"),   QStringLiteral("cross"),    QStringLiteral("ledon"),
-            QStringLiteral("ledoff"),    QStringLiteral("switchon"), QStringLiteral("switchoff"),
+    return {QStringLiteral("cp"),      QStringLiteral("nvi"),      QStringLiteral("nvo"),
+            QStringLiteral("error"),   QStringLiteral("nvofield"), QStringLiteral("nvifield"),
+            QStringLiteral("cpfield"), QStringLiteral("cross"),    QStringLiteral("ledon"),
+            QStringLiteral("ledoff"),  QStringLiteral("switchon"), QStringLiteral("switchoff"),
             QStringLiteral("info")};
 }
 

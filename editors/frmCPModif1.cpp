@@ -44,8 +44,8 @@ frmCPModif1::frmCPModif1(QWidget* parent)
     txtNewCPValue_->installEventFilter(this);
     txtNewCPValue_->setContextMenuPolicy(Qt::NoContextMenu);
     txtNewCPValue_->setAcceptDrops(false);
-    txtNewCPValue_->setMinimumWidth(txtNewCPValue_->fontMetrics().horizontalAdvance(
-        QStringLiteral("-0000000000.000")));
+    txtNewCPValue_->setMinimumWidth(
+        txtNewCPValue_->fontMetrics().horizontalAdvance(QStringLiteral("-0000000000.000")));
 
     auto* grid = new QGridLayout(this);
     grid->setSizeConstraint(QLayout::SetFixedSize);

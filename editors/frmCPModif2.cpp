@@ -96,9 +96,8 @@ bool frmCPModif2::eventFilter(QObject* watched, QEvent* event) {
     const TextKeyDecision decision = FilterTextKey(key);
     switch (decision.action) {
         case TextKeyAction::Restore:
-            SkipStep([&] {
-                txtNewCPValue_->setText(QString::fromStdString(CurrentPoint()->Value()));
-            });
+            SkipStep(
+                [&] { txtNewCPValue_->setText(QString::fromStdString(CurrentPoint()->Value())); });
             return true;
         case TextKeyAction::Confirm:
             OkAction();

@@ -54,15 +54,15 @@ void frmCPModif3::Load() {
         const QSignalBlocker quiet(cboEnum_);
         cboEnum_->clear();
         entries_.clear();
-        SkipStep([&] { entries_ = EnumEntries(Need(CurrentPoint()->SNVTType()).ISNVType_EnumDesc()); });
+        SkipStep(
+            [&] { entries_ = EnumEntries(Need(CurrentPoint()->SNVTType()).ISNVType_EnumDesc()); });
         for (const EnumEntry& entry : entries_) {
             cboEnum_->addItem(QString::fromStdString(entry.label), QVariant(int{entry.code}));
         }
         cboEnum_->setCurrentIndex(-1);
     }
-    SkipStep([&] {
-        cboEnum_->setCurrentIndex(SelectedEnumIndex(entries_, CurrentPoint()->Value()));
-    });
+    SkipStep(
+        [&] { cboEnum_->setCurrentIndex(SelectedEnumIndex(entries_, CurrentPoint()->Value())); });
     cmdCancel_->setFocus();
 }
 

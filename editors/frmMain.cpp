@@ -1,5 +1,7 @@
 #include "editors/frmMain.h"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
@@ -48,7 +50,8 @@ frmMain::frmMain(QWidget* owner) : QWidget(owner, Qt::Window), lvAttr_(new QTree
     setObjectName(QStringLiteral("frmMain"));
     setAttribute(Qt::WA_DeleteOnClose);
     lvAttr_->setObjectName(QStringLiteral("lvAttr"));
-    lvAttr_->setHeaderLabels({QStringLiteral("Item"), QStringLiteral("Value"), QStringLiteral("Type")});
+    lvAttr_->setHeaderLabels(
+        {QStringLiteral("Item"), QStringLiteral("Value"), QStringLiteral("Type")});
     lvAttr_->setRootIsDecorated(false);
     lvAttr_->setUniformRowHeights(true);
     lvAttr_->setAllColumnsShowFocus(true);
@@ -128,27 +131,36 @@ void frmMain::FillList() {
     selectedItem_ = nullptr;
     const QIcon cp = SmallImage(QStringLiteral("cp"));
     SkipStep([&] {
-        for (const auto& attribute : Need(appObject_->IAppObject_Attributes()).IAttributes_NewEnum()) {
+        for (const auto& attribute :
+             Need(appObject_->IAppObject_Attributes()).IAttributes_NewEnum()) {
             auto* row = new QTreeWidgetItem(lvAttr_);
             // Each cell on its own: a failing read leaves the row as far as it got.
-            SkipStep([&] { row->setText(0, QString::fromStdString(attribute->IAttribute_Name())); });
+            SkipStep(
+                [&] { row->setText(0, QString::fromStdString(attribute->IAttribute_Name())); });
             SkipStep([&] {
-                row->setData(0, kKeyRole, QString::fromStdString(attribute->IAttribute_GlobalKey()));
+                row->setData(0, kKeyRole,
+                             QString::fromStdString(attribute->IAttribute_GlobalKey()));
             });
             SkipStep([&] { row->setData(0, kTagRole, attribute->IAttribute_NodeType()); });
             row->setIcon(0, cp);
-            SkipStep([&] { row->setText(1, QString::fromStdString(attribute->IAttribute_Value())); });
+            SkipStep(
+                [&] { row->setText(1, QString::fromStdString(attribute->IAttribute_Value())); });
             SkipStep([&] {
                 row->setText(2, QString::fromStdString(
                                     Need(attribute->IAttribute_SNVTType()).ISNVType_ID()));
             });
         }
     });
+    // A name wider than its inch would be cut; the column grows to show it whole.
+    const int inch = lvAttr_->columnWidth(0);
+    lvAttr_->resizeColumnToContents(0);
+    lvAttr_->setColumnWidth(0, std::max(inch, lvAttr_->columnWidth(0)));
 }
 
 void frmMain::AttributeChanged(const std::string& globalKey) {
     SkipStep([&] {
-        for (const auto& attribute : Need(appObject_->IAppObject_Attributes()).IAttributes_NewEnum()) {
+        for (const auto& attribute :
+             Need(appObject_->IAppObject_Attributes()).IAttributes_NewEnum()) {
             if (attribute->IAttribute_GlobalKey() != globalKey) {
                 continue;
             }
@@ -157,7 +169,9 @@ void frmMain::AttributeChanged(const std::string& globalKey) {
                 if (row->data(0, kKeyRole).toString().toStdString() != globalKey) {
                     continue;
                 }
-                SkipStep([&] { row->setText(1, QString::fromStdString(attribute->IAttribute_Value())); });
+                SkipStep([&] {
+                    row->setText(1, QString::fromStdString(attribute->IAttribute_Value()));
+                });
                 SkipStep([&] {
                     row->setText(2, QString::fromStdString(
                                         Need(attribute->IAttribute_SNVTType()).ISNVType_ID()));
@@ -191,7 +205,8 @@ void frmMain::OpenSelectedItem() {
     const std::string key = selectedItem_->data(0, kKeyRole).toString().toStdString();
     std::shared_ptr<IAttribute> chosen;
     SkipStep([&] {
-        for (const auto& attribute : Need(appObject_->IAppObject_Attributes()).IAttributes_NewEnum()) {
+        for (const auto& attribute :
+             Need(appObject_->IAppObject_Attributes()).IAttributes_NewEnum()) {
             if (attribute->IAttribute_GlobalKey() == key) {
                 chosen = attribute;
                 break;
