@@ -1,5 +1,6 @@
 // The configuration data block as a text of hexadecimal digits, in both byte orders: the
 // header, the zero fill, and the members writing themselves in at their positions.
+#include <new>
 #include <string>
 #include <utility>
 
@@ -53,6 +54,8 @@ std::string CDBAppObject::IAppObject_Stream() {
     std::string image = ImageHeader(false);
     try {
         image = ImageBody(std::move(image), false);
+    } catch (const std::bad_alloc&) {
+        throw;  // not the length of the object: the user hears of it as it is
     } catch (...) {
         ShowMessage("Error exporting the object: " + name_ +
                     ",   A possible error is the lenght of the object.");
@@ -66,6 +69,8 @@ std::string CDBAppObject::IAppObject_IntelStream() {
     std::string image = ImageHeader(true);
     try {
         return ImageBody(std::move(image), true);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return {};
     }
