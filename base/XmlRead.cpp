@@ -155,6 +155,20 @@ FileBytes Convert(const char* bytes, std::size_t size, const std::string& encodi
         Refuse("byte " + std::to_string(in - bytes) +
                " of the file is not valid in the encoding '" + encoding + "'");
     }
+    // A stateful encoding may owe bytes that return to its initial state.
+    while (true) {
+        char* to = out.Data() + written;
+        std::size_t outLeft = capacity - written;
+        const std::size_t done = iconv(converter.Get(), nullptr, nullptr, &to, &outLeft);
+        written = capacity - outLeft;
+        if (done != static_cast<std::size_t>(-1) || errno != E2BIG) {
+            break;
+        }
+        capacity = capacity * 2;
+        FileBytes larger = PugiBytes(capacity);
+        std::memcpy(larger.Data(), out.Data(), written);
+        out = std::move(larger);
+    }
     out.Data()[written] = '\0';
     char* data = out.Release();
     return FileBytes(data, written, pugi::get_memory_deallocation_function());

@@ -96,6 +96,12 @@ void Save(const pugi::xml_document& document, std::ostream& out) {
             node.set_value(Marked(node.value()).c_str());
         }
     }
+    // The text goes out as UTF-8 whatever the document was read from.
+    for (pugi::xml_node node : copy.children()) {
+        if (node.type() == pugi::node_declaration && node.attribute("encoding")) {
+            node.attribute("encoding").set_value("UTF-8");
+        }
+    }
     ReferenceWriter writer(out);
     copy.save(writer, "  ", pugi::format_default, pugi::encoding_utf8);
 }

@@ -129,12 +129,8 @@ int RunLoad(const CommandContext& context) {
             const std::string line = EscapedLine(block->IAppObject_UserName()) + '\t' + type +
                                      '\t' + Image(*block, context.invocation.intel) + '\n';
             context.out << line;
-        } catch (const UnreadableError& error) {
-            context.err << "zerbin: error: " << where << error.what() << '\n';
-            status = kExitUnreadable;
-        } catch (const std::exception& error) {
-            context.err << "zerbin: error: " << where << LowerFirst(error.what()) << '\n';
-            status = std::max(status, kExitFailure);
+        } catch (const std::exception&) {
+            status = std::max(status, ReportCurrentFailure(context.err, where));
         }
     }
     return status;

@@ -120,6 +120,25 @@ std::string EscapedLine(const std::string& text) {
     return escaped;
 }
 
+int ReportCurrentFailure(std::ostream& err, const std::string& where) {
+    try {
+        throw;
+    } catch (const UnreadableError& error) {
+        err << "zerbin: error: " << where << error.what() << '\n';
+        return kExitUnreadable;
+    } catch (const IoError& error) {
+        err << "zerbin: error: " << where << "cannot read '" << error.File()
+            << "': " << error.Reason() << '\n';
+        return kExitUnreadable;
+    } catch (const std::bad_alloc&) {
+        err << "zerbin: error: " << where << "out of memory\n";
+        return kExitFailure;
+    } catch (const std::exception& error) {
+        err << "zerbin: error: " << where << LowerFirst(error.what()) << '\n';
+        return kExitFailure;
+    }
+}
+
 std::vector<std::string> LibraryTypes(const std::filesystem::path& library) {
     std::error_code error;
     std::filesystem::directory_iterator entries(library, error);

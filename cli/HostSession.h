@@ -54,6 +54,11 @@ void ReadDefinition(const std::filesystem::path& library, const std::string& typ
 // backslash written as C writes them in a string ("\t", "\r", "\n", "\\").
 std::string EscapedLine(const std::string& text);
 
+// Within a catch block: reports the exception being handled on err as "zerbin: error: "
+// where and the failure, and gives the exit status it calls for (3 for a file that cannot be
+// read, else 1). Exceptions that are no std::exception go on.
+int ReportCurrentFailure(std::ostream& err, const std::string& where);
+
 // The block types of the library: the folders T that hold T/T.xml, sorted by name. Throws
 // UnreadableError when the library folder cannot be listed.
 std::vector<std::string> LibraryTypes(const std::filesystem::path& library);

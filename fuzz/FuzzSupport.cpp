@@ -226,8 +226,9 @@ std::optional<SavedBlock> Save(CDBAppObject& block) {
         return std::nullopt;  // an invalid XML name: the caller hears of it, by design
     }
     saved.element = project.first_child();
+    // Written as every host writes: through the port, which keeps what XML would normalise.
     std::ostringstream out;
-    saved.document->save(out, "", pugi::format_raw);
+    xml::Save(*saved.document, out);
     saved.text = out.str();
     xml::ParseError error;
     if (!xml::LoadString(saved.text, &error)) {
