@@ -13,6 +13,8 @@
 namespace zerbin {
 namespace {
 
+constexpr int32_t kHeaderBytes = 3;
+
 // The object ID as the image holds it: an ID beyond 32 bits throws OverflowError, which
 // goes to the caller of the image.
 std::string ObjectIdDigits(const std::string& id) {
@@ -34,15 +36,23 @@ std::string CDBAppObject::ImageBody(std::string image, bool intelOrder) {
     for (int32_t offset = 4; offset <= cdbDimension_; ++offset) {
         image += "00";
     }
-    // Inputs before attributes: where positions overlap, the later writer wins.
+    // Inputs before attributes: where positions overlap, the later writer wins. A member the
+    // layout passed by (no ordering number, or one the layout never reached) has no place
+    // and writes nothing: its position 0 would put its bytes over the header.
     if (inputs_) {
         for (const auto& input : inputs_->Members()) {
+            if (input->IInput_CDBPosition() < kHeaderBytes) {
+                continue;
+            }
             image = intelOrder ? input->WriteIntelStream(std::move(image))
                                : input->WriteStream(std::move(image));
         }
     }
     if (attributes_) {
         for (const auto& attribute : attributes_->Members()) {
+            if (attribute->IAttribute_CDBPosition() < kHeaderBytes) {
+                continue;
+            }
             image = intelOrder ? attribute->WriteIntelStream(std::move(image))
                                : attribute->WriteStream(std::move(image));
         }

@@ -201,6 +201,14 @@ void CDBAttribute::SetExtendedKey(const std::string& key) {
 
 void CDBAttribute::ClearLoadedValue() {
     value_.clear();
+    // The fields are what the image is made of: an element saved without text must empty
+    // them as well, or the image after the load would hold the defaults until someone reads
+    // the value.
+    if (fields_) {
+        for (const auto& field : fields_->Fields()) {
+            field->IField_Value(std::string());
+        }
+    }
 }
 
 void CDBAttribute::RestoreSavedValue(const std::string& text) {
@@ -233,6 +241,13 @@ int32_t CDBAttribute::CDBOrderInPosition() const {
 
 void CDBAttribute::CDBPosition(int32_t v) {
     position_ = v;
+    // The layout adds the size right after placing: this is the room the attribute has.
+    placeLength_ = 0;
+    SkipStep([&] { placeLength_ = LengthInCdb(); });
+}
+
+int32_t CDBAttribute::LengthInCdb() const {
+    return isKeepFloatStandard_ ? 4 : Need(snvtType_).ISNVType_Length();
 }
 
 void CDBAttribute::Release() {

@@ -181,7 +181,13 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
             ShowLoadWarning(name_ + ": Default value", "; 0 assumed.");
         }
         defaultValue_ = text;
-        value_ = text;
+        if (isType_) {
+            // TYPES came first and retyped the inputs and outputs to its first choice: the
+            // full write makes them follow the default, as a project load would.
+            IAttribute_Value(text);
+        } else {
+            value_ = text;
+        }
     } else if (EqualsNoCase(element, "UNITS")) {
         LoadUnits(child);
     } else if (EqualsNoCase(element, "TYPES")) {

@@ -10,6 +10,7 @@
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/TypeClass.h"
+#include "interfaces/Error.h"
 #include "parameters/CDBAttribute.h"
 
 namespace zerbin {
@@ -43,6 +44,10 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
         return image;
     }
     const int32_t place = DigitsOf(position_);
+    // Never past the room the layout gave: the bytes behind it belong to another member.
+    if (placeLength_ > 0 && LengthInCdb() > placeLength_) {
+        throw Error("The attribute " + name_ + " is longer than its place in the CDB", 9);
+    }
 
     if (fields_) {
         for (const auto& field : fields_->Fields()) {

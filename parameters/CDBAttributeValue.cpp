@@ -2,6 +2,7 @@
 // display forms, the editor, the return to the default and the macro terminal test.
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "base/MMain.h"
 #include "base/SkipMode.h"
@@ -28,6 +29,19 @@ std::string JoinFields(CDBFields& fields, Part part) {
     return Trim(joined);
 }
 
+// The stored form of a structure: its fields joined by single blanks. Only trailing blanks
+// go, which stand for empty fields at the end, as a missing token does; a leading blank is
+// an empty first field and stays, so that the value splits back into the same fields.
+std::string JoinStored(const std::vector<std::string>& tokens) {
+    std::string joined;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        joined += (i == 0 ? "" : " ") + tokens[i];
+    }
+    const std::size_t last = joined.find_last_not_of(' ');
+    joined.resize(last == std::string::npos ? 0 : last + 1);
+    return joined;
+}
+
 // Counts nesting of the value write for as long as it lives.
 class DepthGuard {
 public:
@@ -43,10 +57,9 @@ private:
 }  // namespace
 
 std::string CDBAttribute::StructToken(const std::string& text, int32_t index) const {
-    // Token 0 of a text without blank is empty, which would lose the only value a
-    // one-field structure has.
-    if (fields_ && fields_->Fields().size() == 1 && index == 0 &&
-        text.find(' ') == std::string::npos) {
+    // Token 0 of a text without blank is empty, which would lose the value of a structure
+    // given as a single token.
+    if (index == 0 && text.find(' ') == std::string::npos) {
         return text;
     }
     return NthToken(text, index, " ");
@@ -100,6 +113,13 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
         }
     }
 
+    if (isUnit_) {
+        const auto unit = UnitFor(NormalizeDecimal(Text));
+        if (unit && !UnitFitsDependents(*unit)) {
+            return;
+        }
+    }
+
     SkipStep([&] { StoreValue(Text); });
 
     if (isUnit_) {
@@ -138,25 +158,29 @@ void CDBAttribute::StoreValue(const std::string& text) {
         return;
     }
 
-    std::string running;
+    std::vector<std::string> tokens;
     int32_t index = 0;
     for (const auto& field : fields_->Fields()) {
         SkipStep([&] {
             const std::string token = StructToken(text, index);
             field->IField_Value(token);
             const bool textual = ClassOf(Need(field->IField_SNVTType())) == TypeClass::Textual;
-            running += (textual ? token : NormalizeDecimal(token)) + " ";
+            tokens.push_back(textual ? token : NormalizeDecimal(token));
         });
         ++index;
     }
-    value_ = Trim(running);
+    value_ = JoinStored(tokens);
 }
 
 // ---- Reads ---------------------------------------------------------------------------------
 
 std::string CDBAttribute::IAttribute_Value() {
     if (fields_) {
-        return JoinFields(*fields_, [](CDBField& field) { return field.IField_Value(); });
+        std::vector<std::string> tokens;
+        for (const auto& field : fields_->Fields()) {
+            tokens.push_back(field->IField_Value());
+        }
+        return JoinStored(tokens);
     }
     // A text is not a number: its "." or "," stays as the user wrote it.
     if (ClassOf(*snvtType_) == TypeClass::Textual) {
