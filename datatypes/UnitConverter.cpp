@@ -14,6 +14,7 @@
 #include "base/ProcessState.h"
 #include "base/SkipMode.h"
 #include "base/Xml.h"
+#include "datatypes/CDBSNVTType.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/SnvtDictionary.h"
 #include "datatypes/TypeClass.h"
@@ -201,9 +202,8 @@ std::shared_ptr<IUnitConverter> CreateUnitConverter() {
     return std::make_shared<UnitConverter>();
 }
 
-// What the converter needs of a type, read quietly from its dictionary entry with the keys
-// of the type record: upper-case base names, comments skipped, a key without content passed
-// over.
+// What the converter needs of a type: the type record's own resolution, cached once for the
+// dictionary and replayed without its messages.
 struct UnitConverter::TypeFacts {
     std::string id;
     TypeClass typeClass = TypeClass::Other;
@@ -221,29 +221,16 @@ UnitConverter::UnitConverter(std::optional<UnitSystem> system,
     : system_(system), table_(std::move(table)) {}
 
 UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
+    CDBSNVTType type;
+    type.ResolveQuietly(typeId);
     TypeFacts facts;
     facts.id = typeId;
-    for (const pugi::xml_node child : FindSnvtEntry(typeId).children()) {
-        if (xml::IsComment(child)) {
-            continue;
-        }
-        const std::string_view key = xml::BaseNameView(child);
-        SkipStep([&] {
-            if (EqualsNoCase(key, "TYPE")) {
-                facts.typeClass = ParseTypeClass(xml::FirstChildText(child));
-            } else if (EqualsNoCase(key, "UNIT")) {
-                facts.unit = xml::FirstChildText(child);
-            } else if (EqualsNoCase(key, "MIN")) {
-                facts.min = NormalizeDecimal(xml::FirstChildText(child));
-            } else if (EqualsNoCase(key, "MAX")) {
-                facts.max = NormalizeDecimal(xml::FirstChildText(child));
-            } else if (EqualsNoCase(key, "A_COEF")) {
-                facts.a = ToInt32(LeadingNumber(xml::FirstChildText(child)));
-            } else if (EqualsNoCase(key, "B_COEF")) {
-                facts.b = ToInt32(LeadingNumber(xml::FirstChildText(child)));
-            }
-        });
-    }
+    facts.typeClass = ClassOf(type);
+    facts.unit = type.ISNVType_Units();
+    facts.min = type.StoredMin();
+    facts.max = type.StoredMax();
+    facts.a = type.ISNVType_ACoef();
+    facts.b = type.ISNVType_BCoef();
     facts.numeric = IsNumericClass(facts.typeClass);
     facts.isFloat = facts.typeClass == TypeClass::Float;
     return facts;
