@@ -107,6 +107,15 @@ int RunLoad(const CommandContext& context) {
         block->IAppObject_XmlLoad(element);
         context.out << block->IAppObject_UserName() << '\t' << type << '\t'
                     << Image(*block, context.invocation.intel) << '\n';
+        // Entries its type does not define (a missing or changed type) are kept for a save.
+        std::string kept;
+        for (const std::string& entry : block->KeptProjectEntries()) {
+            kept += (kept.empty() ? "" : ", ") + entry;
+        }
+        if (!kept.empty()) {
+            context.err << "zerbin: note: block " << index << " (" << type
+                        << ") keeps what its type does not define: " << kept << '\n';
+        }
     }
     return kExitOk;
 }
