@@ -129,6 +129,15 @@ int RunLoad(const CommandContext& context) {
             const std::string line = EscapedLine(block->IAppObject_UserName()) + '\t' + type +
                                      '\t' + Image(*block, context.invocation.intel) + '\n';
             context.out << line;
+            // Entries its type does not define (a missing or changed type) are kept for a save.
+            std::string kept;
+            for (const std::string& entry : block->KeptProjectEntries()) {
+                kept += (kept.empty() ? "" : ", ") + entry;
+            }
+            if (!kept.empty()) {
+                context.err << "zerbin: note: block " << index << " (" << type
+                            << ") keeps what its type does not define: " << kept << '\n';
+            }
         } catch (const std::exception&) {
             status = std::max(status, ReportCurrentFailure(context.err, where));
         }
