@@ -28,6 +28,12 @@ std::string EditorNameForClass(const std::string& typeClass) {
     return {};
 }
 
+bool IsValueEditorName(const std::string& editorName) {
+    return editorName == "frmCPModif1" || editorName == "frmCPModif2" ||
+           editorName == "frmCPModif3" || editorName == "frmCPModif4" ||
+           editorName == "frmCPModif5";
+}
+
 std::unique_ptr<ValueEditorDialog> MakeValueEditorNamed(const std::string& editorName,
                                                         QWidget* parent) {
     if (editorName == "frmCPModif1") {
