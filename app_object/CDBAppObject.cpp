@@ -34,7 +34,7 @@ CDBAppObject::CDBAppObject() {
     unitsManager_ = CreateUnitConverter();
     if (!unitsManager_) {
         // Without a converter no attribute can show a value: the host must get no object.
-        throw Error("ActiveX component can't create object", 429);
+        throw Error("ActiveX component can't create object", kErrCannotCreateObject);
     }
     ServePendingEvents();
     definitionCache_ = std::make_shared<DefinitionCache>();

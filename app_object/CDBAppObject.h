@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <pugixml.hpp>
 
@@ -132,6 +133,10 @@ public:
     std::shared_ptr<CDBAttributes> AttributesCollection() const;
     std::shared_ptr<CDBInputs> InputsCollection() const;
     std::shared_ptr<CDBOutputs> OutputsCollection() const;
+    // The elements of the last project entry loaded that the block's type does not define,
+    // kept to be saved back unchanged: "Attributes/NAME", "Outputs/NAME" or the name of an
+    // element of the entry itself. Empty when the type understood the whole entry.
+    std::vector<std::string> KeptProjectEntries() const;
 
 private:
     void LoadDefinitionHeader();
@@ -147,6 +152,13 @@ private:
     void SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& doc, bool forProject);
     void LoadAttributeValues(pugi::xml_node element);
     void LoadDisplayableOutputs(pugi::xml_node element);
+    static constexpr const char* kKeptBlock = "Block";
+    static constexpr const char* kKeptAttributes = "Attributes";
+    static constexpr const char* kKeptOutputs = "Outputs";
+    void Keep(const char* section, pugi::xml_node element);
+    pugi::xml_node KeptSection(const char* section) const;
+    // Tells the user, once per type, that entries of a project were kept.
+    void TellOfKeptEntries();
 
     std::string uniqueIdString_;
     std::string name_;
@@ -185,6 +197,8 @@ private:
     int16_t exportIndex_ = 0;
     CallbackList<IcbkAppObject> callbackList_;
     std::string lastStream_;
+    // Copies of what the last project load did not understand, or nullptr.
+    std::shared_ptr<pugi::xml_document> keptEntries_;
     std::shared_ptr<IUnitConverter> unitsManager_;
     std::shared_ptr<DefinitionCache> definitionCache_;
     std::shared_ptr<AttributeInterceptor> interceptor_;

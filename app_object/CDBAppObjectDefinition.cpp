@@ -10,20 +10,18 @@
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
-#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 namespace {
-
-// The number the host's convention gives a definition that did not load.
-constexpr int32_t kErrDefinitionNotLoaded = static_cast<int32_t>(0x80040201u);
 
 // The header's number rule: the leading decimal number, rounded half to even.
 int32_t HeaderNumber(pugi::xml_node element) {
@@ -90,7 +88,10 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
 const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& library,
                                                   const std::string& type, const std::string& id) {
     using Key = std::tuple<std::string, std::string, std::string>;
-    static std::map<Key, std::optional<std::string>> found;
+    struct Datasheets {
+        std::map<Key, std::optional<std::string>> found;
+    };
+    auto& found = ProcessState::Get<Datasheets>().found;
     Key key{library.string(), type, id};
     if (const auto known = found.find(key); known != found.end()) {
         return known->second;
@@ -114,7 +115,8 @@ std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
         std::shared_ptr<pugi::xml_document> loaded;
         // A name that could reach outside the library is a type that does not exist.
         if (IsSafeTypeName(uniqueIdString_)) {
-            loaded = xml::LoadFile(DefinitionFile(LibraryFolder(), uniqueIdString_), &failure);
+            loaded = xml::LoadFile(DefinitionFile(LibraryFolder(), uniqueIdString_), &failure,
+                                   kMaxDefinitionBytes);
         } else {
             failure.reason = "The type name can't name a folder of the block library.";
         }

@@ -1,18 +1,19 @@
 // How the host shows a block: its colour, its icon on the canvas and the datasheet of its
 // type.
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <variant>
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
+#include "base/CheckedFile.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
 #include "interfaces/Error.h"
@@ -29,6 +30,9 @@ struct ColorEntry {
     const char* word;
     int32_t number;  // red in the lowest byte, then green, then blue
 };
+
+// Far above any real icon; a larger file is refused unread.
+constexpr std::uintmax_t kMaxIconBytes = std::uintmax_t{16} << 20;
 
 constexpr std::array<ColorEntry, 6> kColors{{
     {"RED", 0x0000FF},
@@ -170,21 +174,27 @@ std::shared_ptr<const Picture> DefaultIcon() {
     return icon;
 }
 
-// The type's own ".ico" file, or nullptr when it is missing or is not an icon file.
+// The type's own ".ico" file, or nullptr when there is none or it is not an icon file. A file
+// that is there but cannot be read throws IoError: the user hears of it.
 std::shared_ptr<const Picture> IconFileOfType(const std::string& typeName) {
     if (!IsSafeTypeName(typeName)) {
         return nullptr;
     }
     const std::filesystem::path file = LibraryFolder() / typeName / (typeName + ".ico");
-    std::ifstream in(file, std::ios::binary);
-    if (!in) {
-        return nullptr;
+    std::optional<FileBytes> bytes;
+    try {
+        bytes.emplace(ReadRegularFile(file, kMaxIconBytes));
+    } catch (const IoError& failure) {
+        if (failure.Code() == ENOENT) {
+            return nullptr;
+        }
+        throw;
     }
     auto picture = std::make_shared<Picture>();
-    picture->bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+    picture->bytes.assign(bytes->Data(), bytes->Data() + bytes->Size());
     const auto& b = picture->bytes;
     // Reserved word 0, type 1 (icon), at least one image.
-    if (in.bad() || b.size() < 6 || b[0] != 0 || b[1] != 0 || b[2] != 1 || b[3] != 0 ||
+    if (b.size() < 6 || b[0] != 0 || b[1] != 0 || b[2] != 1 || b[3] != 0 ||
         (b[4] == 0 && b[5] == 0)) {
         return nullptr;
     }
@@ -203,7 +213,7 @@ int32_t WindowNumber(const WindowHandle& handle) {
         const char* last = digits.data() + digits.size();
         const auto [end, ec] = std::from_chars(first, last, number);
         if (ec != std::errc{} || end != last || first == last) {
-            throw Error("Type mismatch", 13);
+            throw Error("Type mismatch", kErrTypeMismatch);
         }
     }
     if (number < std::numeric_limits<int32_t>::min() ||

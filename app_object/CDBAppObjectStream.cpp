@@ -1,5 +1,6 @@
 // The configuration data block as a text of hexadecimal digits, in both byte orders: the
 // header, the zero fill, and the members writing themselves in at their positions.
+#include <new>
 #include <string>
 #include <utility>
 
@@ -11,6 +12,8 @@
 
 namespace zerbin {
 namespace {
+
+constexpr int32_t kHeaderBytes = 3;
 
 // The object ID as the image holds it: an ID beyond 32 bits throws OverflowError, which
 // goes to the caller of the image.
@@ -33,15 +36,23 @@ std::string CDBAppObject::ImageBody(std::string image, bool intelOrder) {
     for (int32_t offset = 4; offset <= cdbDimension_; ++offset) {
         image += "00";
     }
-    // Inputs before attributes: where positions overlap, the later writer wins.
+    // Inputs before attributes: where positions overlap, the later writer wins. A member the
+    // layout passed by (no ordering number, or one the layout never reached) has no place
+    // and writes nothing: its position 0 would put its bytes over the header.
     if (inputs_) {
         for (const auto& input : inputs_->Members()) {
+            if (input->IInput_CDBPosition() < kHeaderBytes) {
+                continue;
+            }
             image = intelOrder ? input->WriteIntelStream(std::move(image))
                                : input->WriteStream(std::move(image));
         }
     }
     if (attributes_) {
         for (const auto& attribute : attributes_->Members()) {
+            if (attribute->IAttribute_CDBPosition() < kHeaderBytes) {
+                continue;
+            }
             image = intelOrder ? attribute->WriteIntelStream(std::move(image))
                                : attribute->WriteStream(std::move(image));
         }
@@ -53,6 +64,8 @@ std::string CDBAppObject::IAppObject_Stream() {
     std::string image = ImageHeader(false);
     try {
         image = ImageBody(std::move(image), false);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         ShowMessage("Error exporting the object: " + name_ +
                     ",   A possible error is the lenght of the object.");
@@ -66,6 +79,8 @@ std::string CDBAppObject::IAppObject_IntelStream() {
     std::string image = ImageHeader(true);
     try {
         return ImageBody(std::move(image), true);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return {};
     }

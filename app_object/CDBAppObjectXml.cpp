@@ -1,27 +1,41 @@
 // The block's subtree in project XML, written and read back, and the leaner subtree that the
 // simulator and other tools take.
+#include <algorithm>
 #include <cmath>
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Events.h"
-#include "base/Xml.h"
+#include "platform/Messages.h"
 
 namespace zerbin {
 namespace {
 
+bool OnlyWhiteSpace(const std::string& text) {
+    return !text.empty() && text.find_first_not_of(" \t\n\r") == std::string::npos;
+}
+
 // An element that always holds a text node, also for a value that happens to read
-// "NoTextField", which AppendElement would swallow.
+// "NoTextField", which AppendElement would swallow. A text of white space alone goes into a
+// CDATA section: as plain text an XML reader drops it. A carriage return stays plain text,
+// where it is written as a character reference and so is no white space to the reader.
 pugi::xml_node AppendTextElement(pugi::xml_node parent, const std::string& name,
                                  const std::string& text) {
     pugi::xml_node element = xml::AppendChildElement(parent, name);
-    xml::AppendText(element, text);
+    if (OnlyWhiteSpace(text) && text.find('\r') == std::string::npos) {
+        element.append_child(pugi::node_cdata).set_value(text.c_str());
+    } else {
+        xml::AppendText(element, text);
+    }
     return element;
 }
 
@@ -60,6 +74,11 @@ void CDBAppObject::SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& do
                               attribute->IAttribute_Value());
         }
     }
+    if (forProject) {
+        for (pugi::xml_node kept : KeptSection(kKeptAttributes).children()) {
+            attributes.append_copy(kept);
+        }
+    }
 
     if (outputs_) {
         pugi::xml_node outputs;
@@ -73,6 +92,18 @@ void CDBAppObject::SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& do
             }
             AppendAttributeElement(doc, outputs, output->IOutput_Name(), "IsDisplayable",
                                    BoolDigit(displayable));
+        }
+    }
+    if (forProject) {
+        pugi::xml_node outputs = block.child("Outputs");
+        for (pugi::xml_node kept : KeptSection(kKeptOutputs).children()) {
+            if (!outputs) {
+                outputs = AppendElement(doc, block, "Outputs", kNoTextField);
+            }
+            outputs.append_copy(kept);
+        }
+        for (pugi::xml_node kept : KeptSection(kKeptBlock).children()) {
+            block.append_copy(kept);
         }
     }
 }
@@ -91,6 +122,7 @@ void CDBAppObject::IAppObject_XMLSaveForInteroperability(pugi::xml_node ParentNo
 }
 
 void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
+    keptEntries_.reset();
     for (pugi::xml_node child : ParentNode.children()) {
         ServePendingEvents();
         if (xml::IsComment(child)) {
@@ -111,58 +143,142 @@ void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
             LoadAttributeValues(child);
         } else if (EqualsNoCase(key, "OUTPUTS")) {
             LoadDisplayableOutputs(child);
+        } else if (child.type() == pugi::node_element) {
+            Keep(kKeptBlock, child);
         }
     }
+    TellOfKeptEntries();
 }
 
+namespace {
+
+std::shared_ptr<CDBAttribute> AttributeNamed(const std::shared_ptr<CDBAttributes>& attributes,
+                                             pugi::xml_node element) {
+    if (!attributes || element.type() != pugi::node_element) {
+        return nullptr;
+    }
+    std::shared_ptr<CDBAttribute> found;
+    SkipStep([&] {
+        found = std::dynamic_pointer_cast<CDBAttribute>(
+            attributes->IAttributes_Item(xml::BaseName(element)));
+    });
+    return found;
+}
+
+bool IsSelector(CDBAttribute& attribute) {
+    return attribute.IsUnitSelector() || attribute.IAttribute_IsType();
+}
+
+}  // namespace
+
 void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
-    // The unit selector first: writing it re-derives the unit-dependent attributes, whose
-    // saved values the second pass then writes over the derived ones.
+    // Selectors first, whatever their names: writing one re-derives or retypes others, whose
+    // saved values the second pass then writes over the derived ones. Each selector takes
+    // its first element; a second one is not read at all.
+    std::vector<std::shared_ptr<CDBAttribute>> restored;
     for (pugi::xml_node child : element.children()) {
         ServePendingEvents();
-        if (xml::IsComment(child) || !EqualsNoCase(xml::BaseNameView(child), "UNITS")) {
+        if (xml::IsComment(child)) {
             continue;
         }
-        SkipStep([&] {
-            if (auto attribute = Need(attributes_).IAttributes_Item(xml::BaseName(child))) {
-                Need(std::dynamic_pointer_cast<CDBAttribute>(attribute))
-                    .RestoreSavedValue(xml::FirstChildText(child));
-            }
-        });
-        break;
+        const auto selector = AttributeNamed(attributes_, child);
+        if (!selector || !IsSelector(*selector) ||
+            std::find(restored.begin(), restored.end(), selector) != restored.end()) {
+            continue;
+        }
+        restored.push_back(selector);
+        SkipStep([&] { selector->RestoreSavedValue(xml::FirstChildText(child)); });
     }
     for (pugi::xml_node child : element.children()) {
         ServePendingEvents();
-        if (xml::IsComment(child) || EqualsNoCase(xml::BaseNameView(child), "UNITS")) {
+        if (xml::IsComment(child)) {
             continue;
         }
-        std::shared_ptr<IAttribute> attribute;
-        SkipStep([&] { attribute = Need(attributes_).IAttributes_Item(xml::BaseName(child)); });
-        if (!attribute) {
+        const auto loaded = AttributeNamed(attributes_, child);
+        if (!loaded) {
+            // A value the type no longer defines goes back into the project as it came.
+            if (child.type() == pugi::node_element) {
+                Keep(kKeptAttributes, child);
+            }
+            continue;
+        }
+        if (IsSelector(*loaded)) {
             continue;
         }
         // An element without text leaves the value empty, not at its default.
-        const auto loaded = std::dynamic_pointer_cast<CDBAttribute>(attribute);
-        SkipStep([&] { Need(loaded).ClearLoadedValue(); });
-        SkipStep([&] { Need(loaded).RestoreSavedValue(xml::FirstChildText(child)); });
+        SkipStep([&] { loaded->ClearLoadedValue(); });
+        SkipStep([&] { loaded->RestoreSavedValue(xml::FirstChildText(child)); });
     }
 }
 
 void CDBAppObject::LoadDisplayableOutputs(pugi::xml_node element) {
     for (pugi::xml_node child : element.children()) {
-        if (xml::IsComment(child)) {
+        if (xml::IsComment(child) || child.type() != pugi::node_element) {
+            continue;
+        }
+        std::shared_ptr<IOutput> output;
+        if (outputs_) {
+            SkipStep([&] { output = outputs_->IOutputs_Item(xml::BaseName(child)); });
+        }
+        if (!output) {
+            Keep(kKeptOutputs, child);
             continue;
         }
         SkipStep([&] {
-            std::shared_ptr<IOutput> output = Need(outputs_).IOutputs_Item(xml::BaseName(child));
             for (pugi::xml_attribute flag : child.attributes()) {
                 // Presence alone counts: the writer only ever writes "1".
                 if (EqualsNoCase(xml::BaseNameView(flag), "ISDISPLAYABLE")) {
-                    Need(output).IOutput_IsDisplayable(true);
+                    output->IOutput_IsDisplayable(true);
                 }
             }
         });
     }
+}
+
+// ---- Entries kept for a later save ---------------------------------------------------------
+
+void CDBAppObject::Keep(const char* section, pugi::xml_node element) {
+    if (!keptEntries_) {
+        keptEntries_ = std::make_shared<pugi::xml_document>();
+        for (const char* name : {kKeptBlock, kKeptAttributes, kKeptOutputs}) {
+            keptEntries_->append_child(name);
+        }
+    }
+    keptEntries_->child(section).append_copy(element);
+}
+
+pugi::xml_node CDBAppObject::KeptSection(const char* section) const {
+    return keptEntries_ ? keptEntries_->child(section) : pugi::xml_node();
+}
+
+std::vector<std::string> CDBAppObject::KeptProjectEntries() const {
+    std::vector<std::string> names;
+    for (const char* section : {kKeptBlock, kKeptAttributes, kKeptOutputs}) {
+        const std::string prefix =
+            section == kKeptBlock ? std::string() : std::string(section) + "/";
+        for (pugi::xml_node kept : KeptSection(section).children()) {
+            names.push_back(prefix + kept.name());
+        }
+    }
+    return names;
+}
+
+void CDBAppObject::TellOfKeptEntries() {
+    const std::vector<std::string> kept = KeptProjectEntries();
+    if (kept.empty()) {
+        return;
+    }
+    // Once per type and process: a project with many blocks of a changed type is one fault.
+    static std::set<std::string> told;
+    if (!told.insert(UpperCase(uniqueIdString_)).second) {
+        return;
+    }
+    std::string names;
+    for (const std::string& name : kept) {
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    ShowMessage(uniqueIdString_ + ": the project holds entries that this block type does not " +
+                "define (" + names + "); they are kept and saved back unchanged.");
 }
 
 }  // namespace zerbin

@@ -21,14 +21,20 @@ template <class T>
 class KeyedCollection {
 public:
     // Throws Error(kErrKeyExists) when the key is taken, in any letter case.
+    // Strong guarantee: when it throws, the collection is as it was.
     void Add(const std::string& key, std::shared_ptr<T> item) {
-        auto [it, inserted] = index_.try_emplace(UpperCase(key), items_.size());
-        if (!inserted) {
+        std::string folded = UpperCase(key);
+        if (index_.contains(folded)) {
             throw Error("This key is already associated with an element of this collection",
                         kErrKeyExists);
         }
+        // Every allocation comes before the index learns the key: after it nothing may fail.
+        MakeRoom(items_);
+        MakeRoom(keys_);
+        std::string kept = folded;
+        index_.emplace(std::move(folded), items_.size());
         items_.push_back(std::move(item));
-        keys_.push_back(it->first);
+        keys_.push_back(std::move(kept));
     }
 
     // nullptr when no member has the key.
@@ -89,6 +95,13 @@ public:
     }
 
 private:
+    template <class V>
+    static void MakeRoom(V& v) {
+        if (v.size() == v.capacity()) {
+            v.reserve(v.empty() ? 4 : 2 * v.size());
+        }
+    }
+
     std::vector<std::shared_ptr<T>> items_;
     std::vector<std::string> keys_;  // folded, parallel to items_, for re-indexing on Remove
     std::unordered_map<std::string, std::size_t> index_;  // folded key -> position in items_

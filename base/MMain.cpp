@@ -9,126 +9,26 @@
 #include <system_error>
 #include <utility>
 
-#include "interfaces/Error.h"
+#include "base/CheckedMath.h"
+#include "base/ProcessState.h"
 #include "base/Xml.h"
+#include "interfaces/Error.h"
 
 namespace zerbin {
 namespace {
 
-// The two values every object of the process shares. Plain variables: everything runs on the
-// host's user-interface thread.
+// The two values every object of the process shares.
+struct SharedValues {
+    std::shared_ptr<const pugi::xml_document> dictionary;
+    std::string separator = ".";
+};
+
 std::shared_ptr<const pugi::xml_document>& DictionarySlot() {
-    static std::shared_ptr<const pugi::xml_document> dictionary;
-    return dictionary;
+    return ProcessState::Get<SharedValues>().dictionary;
 }
 
 std::string& SeparatorSlot() {
-    static std::string separator = ".";
-    return separator;
-}
-
-bool IsAsciiDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-char AsciiUpper(char c) {
-    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-std::string ReplaceDecimalPoint(const std::string& text) {
-    std::size_t at = text.find('.');
-    if (at == std::string::npos) {
-        at = text.find(',');
-    }
-    if (at == std::string::npos) {
-        return text;
-    }
-    std::string result = text;
-    result.replace(at, 1, DecimalSeparator());
-    return result;
-}
-
-// Value of "mantissa digits, optional point, exponent" built by the number readers, which
-// only ever hand over a well-formed C-locale text. Out-of-range texts saturate: from_chars
-// leaves its argument untouched then, so the direction is read from the text itself.
-double ParseCText(const std::string& ctext) {
-    double value = 0.0;
-    const char* first = ctext.data();
-    const char* last = first + ctext.size();
-    auto [ptr, ec] = std::from_chars(first, last, value, std::chars_format::general);
-    if (ec == std::errc::result_out_of_range) {
-        // Decimal exponent of the leading digit: integer digits after leading zeros, or minus
-        // the zeros behind the point, plus the written exponent.
-        long magnitude = 0;
-        std::size_t i = 0;
-        bool negative = false;
-        if (i < ctext.size() && ctext[i] == '-') {
-            negative = true;
-            ++i;
-        }
-        while (i < ctext.size() && ctext[i] == '0') {
-            ++i;
-        }
-        while (i < ctext.size() && IsAsciiDigit(ctext[i])) {
-            ++magnitude;
-            ++i;
-        }
-        if (magnitude == 0 && i < ctext.size() && ctext[i] == '.') {
-            ++i;
-            while (i < ctext.size() && ctext[i] == '0') {
-                --magnitude;
-                ++i;
-            }
-        }
-        const std::size_t e = ctext.find('e');
-        if (e != std::string::npos) {
-            long exponent = 0;
-            const char* digits = ctext.data() + e + 1 + (ctext[e + 1] == '+' ? 1 : 0);
-            if (std::from_chars(digits, last, exponent).ec == std::errc::result_out_of_range) {
-                // An exponent beyond a long still says which way the number went.
-                exponent = *digits == '-' ? -(std::numeric_limits<long>::max() / 2)
-                                          : std::numeric_limits<long>::max() / 2;
-            }
-            magnitude += exponent;
-        }
-        const double huge = std::numeric_limits<double>::infinity();
-        value = magnitude > 0 ? huge : 0.0;
-        return negative ? -value : value;
-    }
-    return value;
-}
-
-// Digits of a "&H" or "&O" number; stops at the first character that is not one.
-double ReadRadixDigits(const std::string& text, std::size_t i, int radix) {
-    double value = 0.0;
-    for (; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == ' ' || c == '\t' || c == '\n') {
-            continue;
-        }
-        int digit = -1;
-        if (IsAsciiDigit(c)) {
-            digit = c - '0';
-        } else if (radix == 16 && AsciiUpper(c) >= 'A' && AsciiUpper(c) <= 'F') {
-            digit = AsciiUpper(c) - 'A' + 10;
-        }
-        if (digit < 0 || digit >= radix) {
-            break;
-        }
-        value = value * radix + digit;
-    }
-    return value;
-}
-
-template <class Int>
-Int RoundToRange(double value) {
-    const double rounded = RoundHalfEven(value);
-    // NaN fails both comparisons and lands in the throw.
-    if (!(rounded >= static_cast<double>(std::numeric_limits<Int>::min()) &&
-          rounded <= static_cast<double>(std::numeric_limits<Int>::max()))) {
-        throw OverflowError();
-    }
-    return static_cast<Int>(rounded);
+    return ProcessState::Get<SharedValues>().separator;
 }
 
 }  // namespace
@@ -213,13 +113,7 @@ std::string HexWordOf(int32_t value) {
 }
 
 int32_t NvReferenceCode(int32_t first, int32_t second) {
-    int32_t result = 0;
-    if (__builtin_mul_overflow(second, 256, &result) ||
-        __builtin_add_overflow(result, 16384, &result) ||
-        __builtin_add_overflow(result, first, &result)) {
-        throw OverflowError();
-    }
-    return result;
+    return CheckedAdd(CheckedAdd(CheckedMul(second, 256), 16384), first);
 }
 
 // ---- XML -----------------------------------------------------------------------------------
@@ -249,225 +143,11 @@ std::string BoolDigit(bool flag) {
     return flag ? "1" : "0";
 }
 
-// ---- Number texts --------------------------------------------------------------------------
-
-std::string NormalizeDecimal(const std::string& text) {
-    return ReplaceDecimalPoint(text);
-}
-
-std::string DecimalToDisplay(const std::string& text) {
-    return ReplaceDecimalPoint(text);
-}
-
-double LeadingNumber(const std::string& text) {
-    auto skippable = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
-    std::size_t i = 0;
-    auto skip = [&] {
-        while (i < text.size() && skippable(text[i])) {
-            ++i;
-        }
-    };
-
-    skip();
-    if (i < text.size() && text[i] == '&') {
-        ++i;
-        skip();
-        const char radix = i < text.size() ? AsciiUpper(text[i]) : '\0';
-        if (radix == 'H') {
-            return ReadRadixDigits(text, i + 1, 16);
-        }
-        if (radix == 'O') {
-            return ReadRadixDigits(text, i + 1, 8);
-        }
-        return 0.0;
-    }
-
-    // Gather a C-locale text of the number, leaving out the skipped characters.
-    std::string ctext;
-    if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
-        if (text[i] == '-') {
-            ctext += '-';
-        }
-        ++i;
-    }
-    bool digits = false;
-    bool point = false;
-    for (; i < text.size(); ++i) {
-        const char c = text[i];
-        if (skippable(c)) {
-            continue;
-        }
-        if (IsAsciiDigit(c)) {
-            digits = true;
-            ctext += c;
-        } else if (c == '.' && !point) {
-            point = true;
-            ctext += c;
-        } else {
-            break;
-        }
-    }
-    if (!digits) {
-        return 0.0;
-    }
-
-    skip();
-    if (i < text.size() && (AsciiUpper(text[i]) == 'E' || AsciiUpper(text[i]) == 'D')) {
-        std::string exponent = "e";
-        std::size_t j = i + 1;
-        while (j < text.size() && skippable(text[j])) {
-            ++j;
-        }
-        if (j < text.size() && (text[j] == '+' || text[j] == '-')) {
-            exponent += text[j];
-            ++j;
-        }
-        bool exponentDigits = false;
-        for (; j < text.size(); ++j) {
-            if (skippable(text[j])) {
-                continue;
-            }
-            if (!IsAsciiDigit(text[j])) {
-                break;
-            }
-            exponentDigits = true;
-            exponent += text[j];
-        }
-        // An exponent without digits is not part of the number: "1E" reads as 1.
-        if (exponentDigits) {
-            ctext += exponent;
-        }
-    }
-    return ParseCText(ctext);
-}
-
-double LocaleDouble(const std::string& text) {
-    const std::string body = Trim(text);
-    const char separator = DecimalSeparator().front();
-    std::string ctext;
-    std::size_t i = 0;
-    if (i < body.size() && (body[i] == '+' || body[i] == '-')) {
-        if (body[i] == '-') {
-            ctext += '-';
-        }
-        ++i;
-    }
-    bool digits = false;
-    bool point = false;
-    for (; i < body.size(); ++i) {
-        const char c = body[i];
-        if (IsAsciiDigit(c)) {
-            digits = true;
-            ctext += c;
-        } else if (c == separator && !point) {
-            point = true;
-            ctext += '.';
-        } else {
-            break;
-        }
-    }
-    if (digits && i < body.size() && (body[i] == 'E' || body[i] == 'e')) {
-        ctext += 'e';
-        ++i;
-        if (i < body.size() && (body[i] == '+' || body[i] == '-')) {
-            ctext += body[i];
-            ++i;
-        }
-        bool exponentDigits = false;
-        for (; i < body.size() && IsAsciiDigit(body[i]); ++i) {
-            exponentDigits = true;
-            ctext += body[i];
-        }
-        if (!exponentDigits) {
-            digits = false;
-        }
-    }
-    if (!digits || i != body.size()) {
-        throw Error("Type mismatch", 13);
-    }
-    return ParseCText(ctext);
-}
-
-float LocaleNumber(const std::string& text) {
-    const double value = LocaleDouble(text);
-    if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max())) {
-        throw OverflowError();
-    }
-    return static_cast<float>(value);
-}
-
-// ---- Rounding and narrowing --------------------------------------------------------------
-
-double RoundHalfEven(double value) {
-    if (!std::isfinite(value)) {
-        return value;
-    }
-    const double floor = std::floor(value);
-    const double fraction = value - floor;
-    if (fraction < 0.5) {
-        return floor;
-    }
-    if (fraction > 0.5) {
-        return floor + 1.0;
-    }
-    return std::fmod(floor, 2.0) == 0.0 ? floor : floor + 1.0;
-}
-
-int32_t ToInt32(double value) {
-    return RoundToRange<int32_t>(value);
-}
-
-int16_t ToInt16(double value) {
-    return RoundToRange<int16_t>(value);
-}
-
-uint8_t ToByte(double value) {
-    return RoundToRange<uint8_t>(value);
-}
-
-int16_t NarrowToInt16(int32_t value) {
-    if (value < std::numeric_limits<int16_t>::min() ||
-        value > std::numeric_limits<int16_t>::max()) {
-        throw OverflowError();
-    }
-    return static_cast<int16_t>(value);
-}
-
-// ---- Writing numbers -----------------------------------------------------------------------
-
-std::string FormatDouble(double value) {
-    if (value == 0.0) {
-        return "0";  // also for -0, which the host never writes with a sign
-    }
-    std::array<char, 64> buffer{};
-    auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                   std::chars_format::general, 15);
-    std::string text(buffer.data(), ec == std::errc{} ? end : buffer.data());
-    for (char& c : text) {
-        if (c == 'e') {
-            c = 'E';
-        } else if (c == '.') {
-            c = DecimalSeparator().front();
-        }
-    }
-    return text;
-}
-
-std::string FormatSingle(float value) {
-    if (!std::isfinite(value)) {
-        return FormatDouble(value);
-    }
-    // Rounding to 7 digits through text keeps the decimal digits a reader expects (0.1f is
-    // 0.100000001 as a double); the shorter value is then written like any double.
-    std::array<char, 64> buffer{};
-    auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
-                                   static_cast<double>(value), std::chars_format::scientific, 6);
-    double rounded = 0.0;
-    std::from_chars(buffer.data(), ec == std::errc{} ? end : buffer.data(), rounded);
-    return FormatDouble(rounded);
-}
-
 // ---- Text ----------------------------------------------------------------------------------
+
+char AsciiUpper(char c) {
+    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 std::string UpperCase(std::string text) {
     for (char& c : text) {
@@ -495,16 +175,6 @@ std::string Trim(const std::string& text) {
     }
     const std::size_t last = text.find_last_not_of(' ');
     return text.substr(first, last - first + 1);
-}
-
-int32_t CharCount(const std::string& utf8) {
-    int32_t count = 0;
-    for (const char c : utf8) {
-        if ((static_cast<unsigned char>(c) & 0xC0u) != 0x80u) {
-            ++count;
-        }
-    }
-    return count;
 }
 
 }  // namespace zerbin

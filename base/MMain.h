@@ -105,13 +105,16 @@ std::string FormatSingle(float value);
 
 // ---- Text ----------------------------------------------------------------------------------
 
+// An ASCII letter upper-cased; any other byte as it is.
+char AsciiUpper(char c);
 // ASCII letters upper-cased; every other byte left as it is.
 std::string UpperCase(std::string text);
 // Equal when equal after UpperCase.
 bool EqualsNoCase(std::string_view a, std::string_view b);
 // Without the blanks at both ends; tabs and other white space stay.
 std::string Trim(const std::string& text);
-// Code points of a UTF-8 text (bytes that do not continue a sequence).
+// Code points of a UTF-8 text, each malformed sequence counting as one (CharacterCount of
+// Utf8.h, capped at the int32 range).
 int32_t CharCount(const std::string& utf8);
 
 }  // namespace zerbin

@@ -3,6 +3,7 @@
 #include <functional>
 #include <utility>
 
+#include "base/ProcessState.h"
 #include "base/Xml.h"
 
 namespace zerbin::xml {
@@ -21,9 +22,12 @@ struct CachedIndex {
 // Keyed by the document's own node: that is what a caller holding only a pugi::xml_node of
 // the document can name. An expired entry may share its key with a newer document that took
 // the freed memory, so an entry counts only while its document lives.
+struct IndexCache {
+    std::unordered_map<const void*, CachedIndex> entries;
+};
+
 std::unordered_map<const void*, CachedIndex>& Cache() {
-    static std::unordered_map<const void*, CachedIndex> cache;
-    return cache;
+    return ProcessState::Get<IndexCache>().entries;
 }
 
 const PathIndex* LiveIndex(const void* key) {

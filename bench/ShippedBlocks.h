@@ -9,8 +9,9 @@
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
-#include "platform/Messages.h"
+#include "app_object/HostOrder.h"
 #include "base/Xml.h"
+#include "platform/Messages.h"
 
 namespace zerbin::bench {
 
@@ -40,15 +41,7 @@ public:
 };
 
 inline std::shared_ptr<CDBAppObject> CreateBlock(const std::string& type, const std::string& key) {
-    auto block = std::make_shared<CDBAppObject>();
-    block->IAppObject_XmlSNVTDoc(Shipped().dictionary);
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    block->IAppObject_OwnerDeviceXML(Shipped().device);
-    block->IAppObject_ManageShortFloat(false);
-    block->IAppObject_Create();
-    block->IAppObject_GlobalKey(key);
-    return block;
+    return NewBlock(type, {Shipped().dictionary, Shipped().device, false, key, {}, {}});
 }
 
 // The folder names of the shipped library that hold their own definition, sorted.

@@ -6,8 +6,10 @@
 #include <utility>
 #include <vector>
 
+#include "base/CheckedMath.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
 #include "connections/ReferenceBytes.h"
 #include "datatypes/CDBCompatibleSNVTs.h"
 #include "datatypes/SNVTDataConversion.h"
@@ -15,7 +17,6 @@
 #include "interfaces/IAttribute.h"
 #include "interfaces/IHostServices.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 
 namespace zerbin {
 
@@ -330,11 +331,7 @@ int32_t CDBInput::ReferenceDigits() const {
 }
 
 int32_t CDBInput::DigitPosition() const {
-    int32_t digit = 0;
-    if (__builtin_mul_overflow(cdbPosition_, 2, &digit)) {
-        throw OverflowError();
-    }
-    return digit;
+    return CheckedMul(cdbPosition_, 2);
 }
 
 }  // namespace zerbin

@@ -5,14 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "base/CheckedMath.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
 #include "datatypes/CDBCompatibleSNVT.h"
 #include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
 #include "interfaces/IHostServices.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 
 namespace zerbin {
 
@@ -190,15 +191,11 @@ void CDBOutput::ISubItemConnable_IsConnected(bool v) {
     // Several inputs may hang on one output, so connections are counted. The host pairs its
     // calls; an unpaired disconnect is not floored at 0 and leaves the output "connected".
     if (v) {
-        if (__builtin_add_overflow(connectionCount_, 1, &connectionCount_)) {
-            throw OverflowError();
-        }
+        connectionCount_ = CheckedAdd(connectionCount_, 1);
         isConnected_ = true;
         return;
     }
-    if (__builtin_sub_overflow(connectionCount_, 1, &connectionCount_)) {
-        throw OverflowError();
-    }
+    connectionCount_ = CheckedSub(connectionCount_, 1);
     isConnected_ = connectionCount_ != 0;
 }
 

@@ -11,8 +11,6 @@ namespace {
 // its second byte is an export index, which the Intel form leaves alone.
 constexpr int32_t kOutputSelector = 2;
 
-constexpr int32_t kErrTypeMismatch = 13;
-
 int32_t HexDigit(char c) {
     if (c >= '0' && c <= '9') {
         return c - '0';

@@ -3,10 +3,12 @@
 #include <cstdint>
 #include <limits>
 
+#include "base/CheckedMath.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
 #include "interfaces/Error.h"
 
 namespace zerbin {
@@ -14,8 +16,8 @@ namespace {
 
 enum class Shown { Enum, Numeric, Plain };
 
-Shown ShownAs(const std::string& typeClass) {
-    if (typeClass == "Enum") {
+Shown ShownAs(TypeClass typeClass) {
+    if (typeClass == TypeClass::Enum) {
         return Shown::Enum;
     }
     if (IsNumericClass(typeClass)) {
@@ -27,7 +29,7 @@ Shown ShownAs(const std::string& typeClass) {
 // Limits and the default are shown in the dictionary's unit, never through the converter;
 // plain is what a type without a unit or labels shows.
 std::string ShowInTypeUnit(CDBSNVTType& type, const std::string& stored, std::string plain) {
-    switch (ShownAs(type.ISNVType_GenType())) {
+    switch (ShownAs(ClassOf(type))) {
         case Shown::Enum:
             return FormatDisplayValue(DecimalToDisplay(stored), type.ISNVType_EnumDesc());
         case Shown::Numeric:
@@ -36,14 +38,6 @@ std::string ShowInTypeUnit(CDBSNVTType& type, const std::string& stored, std::st
             break;
     }
     return plain;
-}
-
-int32_t CheckedInt32(int64_t value) {
-    if (value < std::numeric_limits<int32_t>::min() ||
-        value > std::numeric_limits<int32_t>::max()) {
-        throw OverflowError();
-    }
-    return static_cast<int32_t>(value);
 }
 
 }  // namespace
@@ -90,7 +84,7 @@ std::string CDBField::IField_DispDefault() {
 
 std::string CDBField::IField_DispValue() {
     CDBSNVTType& type = Need(snvtType_);
-    switch (ShownAs(type.ISNVType_GenType())) {
+    switch (ShownAs(ClassOf(type))) {
         case Shown::Enum:
             return FormatDisplayValue(DecimalToDisplay(value_), type.ISNVType_EnumDesc());
         case Shown::Numeric: {
@@ -240,7 +234,7 @@ std::string CDBField::WriteIntelStream(std::string image, int32_t position) {
 std::string CDBField::Write(std::string image, int32_t position, bool intel) {
     CDBSNVTType& type = Need(snvtType_);
     std::string copy = value_;
-    const std::string typeClass = type.ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(type);
     const int32_t length = type.ISNVType_Length();
     const int16_t a = NarrowToInt16(type.ISNVType_ACoef());
     const int16_t b = NarrowToInt16(type.ISNVType_BCoef());

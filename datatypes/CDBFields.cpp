@@ -2,11 +2,12 @@
 
 #include <pugixml.hpp>
 
+#include "base/CheckedMath.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SnvtDictionary.h"
 #include "interfaces/Error.h"
-#include "base/Xml.h"
 
 namespace zerbin {
 
@@ -44,9 +45,7 @@ void CDBFields::LoadFields(const std::string& typeId, int32_t nodeType) {
         field->SetIndex(items_.Count());
         field->SetOffset(offset);
         const int32_t length = field->Type()->ISNVType_Length();
-        if (__builtin_add_overflow(offset, length, &offset)) {
-            throw OverflowError();
-        }
+        offset = CheckedAdd(offset, length);
     }
 }
 

@@ -8,30 +8,32 @@
 #include <pugixml.hpp>
 
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
-#include "datatypes/SnvtDictionary.h"
-#include "platform/Messages.h"
 #include "base/Xml.h"
+#include "datatypes/SnvtDictionary.h"
+#include "datatypes/TypeClass.h"
+#include "platform/Messages.h"
 
 namespace zerbin {
 namespace {
 
 enum class Details { None, Enums, Numeric, Text };
 
-struct TypeClass {
-    const char* word;  // the TYPE text, compared exactly
+struct ClassFacts {
+    TypeClass typeClass;
     const char* luiType;
     Details details;
 };
 
-constexpr TypeClass kTypeClasses[] = {
-    {"Enum", "Logic", Details::Enums},
-    {"Struct", "Invalid", Details::None},
-    {"Float", "Float", Details::Numeric},
-    {"Textual", "Textual", Details::Text},
-    {"SignedNumeric", "Numeric", Details::Numeric},
-    {"UnsignedNumeric", "Numeric", Details::Numeric},
-    {"Bitfield", "Numeric", Details::Numeric},
+constexpr ClassFacts kClassFacts[] = {
+    {TypeClass::Enum, "Logic", Details::Enums},
+    {TypeClass::Struct, "Invalid", Details::None},
+    {TypeClass::Float, "Float", Details::Numeric},
+    {TypeClass::Textual, "Textual", Details::Text},
+    {TypeClass::SignedNumeric, "Numeric", Details::Numeric},
+    {TypeClass::UnsignedNumeric, "Numeric", Details::Numeric},
+    {TypeClass::Bitfield, "Numeric", Details::Numeric},
 };
 
 }  // namespace
@@ -188,7 +190,7 @@ void CDBSNVTType::ResolveByID(const std::string& id) {
 
 std::shared_ptr<const CDBSNVTType::Resolution> CDBSNVTType::CachedResolution(
     const std::string& id) {
-    static ResolutionCache cache;
+    ResolutionCache& cache = ProcessState::Get<ResolutionCache>();
     const uint64_t generation = SnvtIndexGeneration();
     if (cache.generation != generation || cache.byId.size() >= kMaxCachedIds) {
         cache.byId.clear();
@@ -278,12 +280,13 @@ void CDBSNVTType::Resolve(const std::string& id, Resolution& out) {
 
 void CDBSNVTType::ApplyTypeClass(const std::string& id, pugi::xml_node entry,
                                  const std::string& word, Resolution& out) {
-    for (const TypeClass& typeClass : kTypeClasses) {
-        if (word != typeClass.word) {
+    const TypeClass parsed = ParseTypeClass(word);
+    for (const ClassFacts& facts : kClassFacts) {
+        if (parsed != facts.typeClass) {
             continue;
         }
-        out.Text(&CDBSNVTType::luiType_, typeClass.luiType);
-        switch (typeClass.details) {
+        out.Text(&CDBSNVTType::luiType_, facts.luiType);
+        switch (facts.details) {
             case Details::Enums:
                 out.Whole(&CDBSNVTType::length_, 1);
                 LoadEnums(id, out);

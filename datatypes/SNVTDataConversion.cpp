@@ -6,11 +6,12 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <new>
 #include <string_view>
 
 #include "base/MMain.h"
 #include "base/SkipMode.h"
-#include "datatypes/Windows1252.h"
+#include "base/Utf8.h"
 #include "interfaces/Error.h"
 
 namespace zerbin {
@@ -97,7 +98,7 @@ std::string SingleBytes(float value, ByteOrder order) {
 }
 
 // EncodeBytes and EncodeIntelBytes in one: they differ in the order of bytes alone.
-std::string EncodeBytes(const std::string& text, uint8_t length, const std::string& typeClass,
+std::string EncodeBytes(const std::string& text, uint8_t length, TypeClass typeClass,
                         ByteOrder order) {
     // A number that can't be read counts as 0 and a whole number that doesn't fit as 0:
     // both steps are passed over, and the digits are made all the same.
@@ -109,19 +110,18 @@ std::string EncodeBytes(const std::string& text, uint8_t length, const std::stri
     SkipStep([&] { whole = ToInt32(value); });
 
     const bool intel = order == ByteOrder::Intel;
-    const bool numeric =
-        typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric" || typeClass == "Bitfield";
-    if (typeClass == "Textual") {
+    const bool numeric = IsWholeNumberClass(typeClass);
+    if (typeClass == TypeClass::Textual) {
         std::string digits;
         for (const uint8_t byte : Windows1252Bytes(text, length)) {
             digits += HexByteOf(byte);
         }
         return digits;
     }
-    if (typeClass == "Enum" || (numeric && length == 1)) {
+    if (typeClass == TypeClass::Enum || (numeric && length == 1)) {
         return HexByteOf(whole);
     }
-    if (typeClass == "SignedNumeric" && length == 2) {
+    if (typeClass == TypeClass::SignedNumeric && length == 2) {
         const auto word = static_cast<uint16_t>(ToInt16(value));
         const int32_t low = word & 0xFF;
         const int32_t high = word >> 8;
@@ -136,10 +136,10 @@ std::string EncodeBytes(const std::string& text, uint8_t length, const std::stri
         }
         return intel ? HexByteOf(low) + HexByteOf(high) : HexByteOf(high) + HexByteOf(low);
     }
-    if ((numeric || typeClass == "Float") && length == 4) {
+    if ((numeric || typeClass == TypeClass::Float) && length == 4) {
         return SingleBytes(value, order);
     }
-    if (typeClass == "Float" && length == 2) {
+    if (typeClass == TypeClass::Float && length == 2) {
         const std::string digits = EncodeShortFloat(value);
         if (!intel || digits.size() < 4) {
             return digits;
@@ -153,10 +153,10 @@ std::string EncodeBytes(const std::string& text, uint8_t length, const std::stri
 // encoding fails on the length anyway.
 constexpr int32_t kMaxPadding = 1 << 16;
 
-std::string Encode(std::string& value, const std::string& typeClass, int32_t length, int16_t a,
-                   int16_t b, int16_t c, ByteOrder order) noexcept {
+std::string Encode(std::string& value, TypeClass typeClass, int32_t length, int16_t a, int16_t b,
+                   int16_t c, ByteOrder order) {
     try {
-        if (typeClass == "Textual") {
+        if (typeClass == TypeClass::Textual) {
             if (length > kMaxPadding) {
                 return {};
             }
@@ -164,7 +164,8 @@ std::string Encode(std::string& value, const std::string& typeClass, int32_t len
             if (count < static_cast<std::size_t>(std::max(length, 0))) {
                 value.append(static_cast<std::size_t>(length) - count, ' ');
             }
-        } else if (typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric") {
+        } else if (typeClass == TypeClass::SignedNumeric ||
+                   typeClass == TypeClass::UnsignedNumeric) {
             value = NormalizeDecimal(value);
             if (a == 0) {
                 // Not value = "0": GCC 12 at -O3 warns falsely on that assignment (-Wrestrict).
@@ -183,6 +184,8 @@ std::string Encode(std::string& value, const std::string& typeClass, int32_t len
             return {};
         }
         return EncodeBytes(value, static_cast<uint8_t>(length), typeClass, order);
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (...) {
         return {};
     }
@@ -215,13 +218,13 @@ std::string FormatDisplayValue(const std::string& key, const std::string& enumDe
     return {};
 }
 
-std::string EncodeStream(std::string& value, const std::string& typeClass, int32_t length,
-                         int16_t a, int16_t b, int16_t c) {
+std::string EncodeStream(std::string& value, TypeClass typeClass, int32_t length, int16_t a,
+                         int16_t b, int16_t c) {
     return Encode(value, typeClass, length, a, b, c, ByteOrder::BigEndian);
 }
 
-std::string EncodeIntelStream(std::string& value, const std::string& typeClass, int32_t length,
-                              int16_t a, int16_t b, int16_t c) {
+std::string EncodeIntelStream(std::string& value, TypeClass typeClass, int32_t length, int16_t a,
+                              int16_t b, int16_t c) {
     return Encode(value, typeClass, length, a, b, c, ByteOrder::Intel);
 }
 
@@ -234,10 +237,6 @@ void OverwriteDigits(std::string& image, int32_t digitPosition, const std::strin
     const std::size_t count = std::min(
         {static_cast<std::size_t>(std::max(maxDigits, 0)), digits.size(), image.size() - position});
     image.replace(position, count, digits, 0, count);
-}
-
-bool IsNumericClass(std::string_view typeClass) {
-    return typeClass == "Float" || typeClass == "SignedNumeric" || typeClass == "UnsignedNumeric";
 }
 
 }  // namespace zerbin

@@ -5,6 +5,7 @@
 #include <unordered_map>
 
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/Xml.h"
 
 namespace zerbin {
@@ -22,9 +23,13 @@ struct SnvtIndex {
     uint64_t generation = 0;
 };
 
+struct DictionaryIndex {
+    SnvtIndex index;
+    uint64_t lastGeneration = 0;
+};
+
 uint64_t& LastGeneration() {
-    static uint64_t last = 0;
-    return last;
+    return ProcessState::Get<DictionaryIndex>().lastGeneration;
 }
 
 bool IsElementNamed(pugi::xml_node node, std::string_view name) {
@@ -61,8 +66,7 @@ void Index(SnvtIndex& index, const pugi::xml_document& document) {
 }
 
 SnvtIndex& IndexSlot() {
-    static SnvtIndex index;
-    return index;
+    return ProcessState::Get<DictionaryIndex>().index;
 }
 
 // The index of the dictionary installed now, built on first use after a change.

@@ -11,17 +11,22 @@
 #include <pugixml.hpp>
 
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/SnvtDictionary.h"
-#include "base/Xml.h"
+#include "datatypes/TypeClass.h"
 
 namespace zerbin {
 namespace {
 
+struct ChosenSystem {
+    UnitSystem system = UnitSystem::SI;
+};
+
 UnitSystem& SystemSlot() {
-    static UnitSystem system = UnitSystem::SI;
-    return system;
+    return ProcessState::Get<ChosenSystem>().system;
 }
 
 // Decimals of a Float type in SI: its values have no scale step, and three decimals hold
@@ -148,17 +153,38 @@ double RoundDecimal(double value, int decimals) {
     return result;
 }
 
-// Rounds towards the inside of a range: a lower limit up, an upper limit down.
-double RoundInwards(double value, int decimals, bool lower) {
-    const double rounded = RoundDecimal(value, decimals);
-    const double step = std::pow(10.0, -decimals);
-    if (lower && rounded < value) {
-        return RoundDecimal(rounded + step, decimals);
+// The shortest text of a single that reads back as the same single, in the number form of
+// the component. Seven digits are not always enough, and a single written with more than it
+// needs shows digits that the user never typed.
+std::string ShortestSingle(float value) {
+    std::array<char, 64> buffer{};
+    const auto [last, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    double shortest = 0.0;
+    std::from_chars(buffer.data(), ec == std::errc{} ? last : buffer.data(), shortest);
+    return FormatDouble(shortest);
+}
+
+// The shortest display of a single in the units of a conversion (none: its own): the fewest
+// significant digits whose text, converted back and made a single, is that single again, so
+// that confirming a shown value never changes its bytes.
+std::optional<double> ShortestShown(float stored, const UnitConversion* conversion) {
+    const double factor = conversion != nullptr ? conversion->factor : 1.0;
+    const double offset = conversion != nullptr ? conversion->offset : 0.0;
+    const double shown = static_cast<double>(stored) * factor + offset;
+    if (!std::isfinite(shown)) {
+        return std::nullopt;
     }
-    if (!lower && rounded > value) {
-        return RoundDecimal(rounded - step, decimals);
+    for (int digits = 1; digits <= 17; ++digits) {
+        std::array<char, 64> buffer{};
+        const auto [last, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), shown,
+                                              std::chars_format::scientific, digits - 1);
+        double candidate = 0.0;
+        std::from_chars(buffer.data(), ec == std::errc{} ? last : buffer.data(), candidate);
+        if (static_cast<float>((candidate - offset) / factor) == stored) {
+            return candidate;
+        }
     }
-    return rounded;
+    return shown;
 }
 
 }  // namespace
@@ -180,7 +206,7 @@ std::shared_ptr<IUnitConverter> CreateUnitConverter() {
 // over.
 struct UnitConverter::TypeFacts {
     std::string id;
-    std::string typeClass;
+    TypeClass typeClass = TypeClass::Other;
     std::string unit;
     std::string min;
     std::string max;
@@ -204,7 +230,7 @@ UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
         const std::string_view key = xml::BaseNameView(child);
         SkipStep([&] {
             if (EqualsNoCase(key, "TYPE")) {
-                facts.typeClass = xml::FirstChildText(child);
+                facts.typeClass = ParseTypeClass(xml::FirstChildText(child));
             } else if (EqualsNoCase(key, "UNIT")) {
                 facts.unit = xml::FirstChildText(child);
             } else if (EqualsNoCase(key, "MIN")) {
@@ -219,7 +245,7 @@ UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
         });
     }
     facts.numeric = IsNumericClass(facts.typeClass);
-    facts.isFloat = facts.typeClass == "Float";
+    facts.isFloat = facts.typeClass == TypeClass::Float;
     return facts;
 }
 
@@ -260,6 +286,11 @@ std::string UnitConverter::ToDisplayValue(const std::string& typeId,
         return storedValue;
     }
     const UnitConversion* conversion = ConversionFor(facts);
+    if (facts.isFloat && std::fabs(*stored) <= std::numeric_limits<float>::max()) {
+        if (const auto shortest = ShortestShown(static_cast<float>(*stored), conversion)) {
+            return FormatDouble(*shortest);
+        }
+    }
     const double shown =
         conversion != nullptr ? *stored * conversion->factor + conversion->offset : *stored;
     return FormatDouble(RoundDecimal(shown, Decimals(facts, conversion)));
@@ -283,7 +314,7 @@ std::string UnitConverter::FromDisplayValue(const std::string& typeId,
         if (std::fabs(stored) > static_cast<double>(std::numeric_limits<float>::max())) {
             return FormatDouble(stored);
         }
-        return FormatSingle(static_cast<float>(stored));
+        return ShortestSingle(static_cast<float>(stored));
     }
     if (facts.a == 0) {
         return FormatDouble(stored);  // no scale step: every value encodes as 0 anyway
@@ -330,18 +361,17 @@ std::string UnitConverter::Limit(const std::string& typeId, bool lower) {
         return {};
     }
     const std::string& limit = lower ? facts.min : facts.max;
-    const UnitConversion* conversion = ConversionFor(facts);
-    const std::optional<double> value = WholeNumber(limit);
-    if (conversion == nullptr || !value) {
+    if (ConversionFor(facts) == nullptr || !WholeNumber(limit)) {
         return DecimalToDisplay(limit);
     }
-    const double shown = *value * conversion->factor + conversion->offset;
-    return FormatDouble(RoundInwards(shown, Decimals(facts, conversion), lower));
+    // Shown as any value is shown: the largest valid value then reads exactly as the upper
+    // limit, never above it, and the limit read back is the dictionary's limit again.
+    return ToDisplayValue(typeId, limit);
 }
 
 std::string UnitConverter::DefaultFor(const std::string& typeId) {
     const TypeFacts facts = Facts(typeId);
-    if (facts.typeClass == "Textual") {
+    if (facts.typeClass == TypeClass::Textual) {
         return {};
     }
     if (!facts.numeric) {

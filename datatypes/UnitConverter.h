@@ -66,10 +66,12 @@ public:
     explicit UnitConverter(std::optional<UnitSystem> system = std::nullopt,
                            std::shared_ptr<const UnitConversionTable> table = UsCustomaryTable());
 
-    // The stored value in display units, rounded to DecimalPlaces, with DecimalSeparator.
+    // The stored value in display units, rounded to DecimalPlaces, with DecimalSeparator; a
+    // Float in the shortest text that reads back as the same single.
     std::string ToDisplayValue(const std::string& typeId, const std::string& storedValue) override;
     // The stored value of a display text (a trailing unit is allowed), rounded to the type's
-    // resolution: its scale step for a scaled type, a single for a Float.
+    // resolution: its scale step for a scaled type, a single (in its shortest text) for a
+    // Float.
     std::string FromDisplayValue(const std::string& typeId,
                                  const std::string& displayText) override;
     // The dictionary's UNIT, or the US unit of a converted type; empty for other classes.
@@ -78,8 +80,8 @@ public:
     double ParseDisplayNumber(const std::string& displayText) override;
     // SI: max(0, -B_COEF) for a scaled type, 3 for a Float; 0 for other classes.
     int16_t DecimalPlaces(const std::string& typeId) override;
-    // The dictionary's MIN and MAX in display form; a converted limit is rounded inwards, so
-    // that a value shown within the limits stays within them when stored.
+    // The dictionary's MIN and MAX in display form; a converted limit is shown as the value
+    // itself would be, so that the largest valid value never shows above its limit.
     std::string MinimumFor(const std::string& typeId) override;
     std::string MaximumFor(const std::string& typeId) override;
     // Stored form: 0 brought into the dictionary's limits; "" for a Textual type.

@@ -7,11 +7,13 @@
 #include <filesystem>
 #include <sstream>
 
+#include "app_object/HostOrder.h"
 #include "base/MMain.h"
+#include "base/Xml.h"
+#include "datatypes/TypeClass.h"
 #include "interfaces/Error.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 
 namespace zerbin::fuzz {
 namespace {
@@ -63,7 +65,7 @@ std::vector<std::shared_ptr<IOutput>> OutputsOf(CDBAppObject& block) {
 // a text such as "2..." into a comma: malformed numbers are not kept, by the number rules.
 bool NumberCarried(const std::shared_ptr<IAttribute>& attribute) {
     const auto type = attribute->IAttribute_SNVTType();
-    if (attribute->IAttribute_Fields() || (type && type->ISNVType_GenType() == "Textual")) {
+    if (attribute->IAttribute_Fields() || (type && ClassOf(*type) == TypeClass::Textual)) {
         return true;
     }
     const std::string value = attribute->IAttribute_Value();
@@ -157,16 +159,8 @@ void UseDecimalComma(bool comma) {
 }
 
 std::shared_ptr<CDBAppObject> MakeBlock(const std::string& type, bool manageShortFloat) {
-    auto block = std::make_shared<CDBAppObject>();
-    block->IAppObject_XmlSNVTDoc(SnvtDictionary());
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    block->IAppObject_OwnerDeviceXML(ShippedDevice());
-    block->IAppObject_ManageShortFloat(manageShortFloat);
-    block->IAppObject_Create();
-    block->IAppObject_GlobalKey("Project\\Block");
-    block->IAppObject_ExtendedKey("Net\\Device\\Block");
-    return block;
+    return NewBlock(type, {SnvtDictionary(), ShippedDevice(), manageShortFloat, "Project\\Block",
+                           "Net\\Device\\Block", std::nullopt});
 }
 
 void Fail(const std::string& what, const std::string& detail) {

@@ -5,12 +5,25 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace zerbin {
 
+// Every error number the component raises.
+constexpr int32_t kErrNotFound = 5;  // "Invalid procedure call or argument"
+constexpr int32_t kErrOverflow = 6;
+constexpr int32_t kErrTypeMismatch = 13;
+constexpr int32_t kErrObjectNotSet = 91;
+constexpr int32_t kErrInvalidNull = 94;
+constexpr int32_t kErrCannotCreateObject = 429;
+constexpr int32_t kErrKeyExists = 457;
+// A definition that did not load.
+constexpr int32_t kErrDefinitionNotLoaded = static_cast<int32_t>(0x80040201u);
+
 class Error : public std::runtime_error {
 public:
-    explicit Error(const std::string& description, int32_t number = 5, std::string source = {})
+    explicit Error(const std::string& description, int32_t number = kErrNotFound,
+                   std::string source = {})
         : std::runtime_error(description), number_(number), source_(std::move(source)) {}
 
     int32_t Number() const { return number_; }
@@ -24,12 +37,30 @@ private:
 // An arithmetic result outside its width.
 class OverflowError : public Error {
 public:
-    OverflowError() : Error("Overflow", 6) {}
+    OverflowError() : Error("Overflow", kErrOverflow) {}
 };
 
-constexpr int32_t kErrObjectNotSet = 91;
-constexpr int32_t kErrOverflow = 6;
-constexpr int32_t kErrKeyExists = 457;
-constexpr int32_t kErrNotFound = 5;
+// A file that could not be read whole: missing, not a regular file, too large, not permitted,
+// or a read that failed. Apart from Error on purpose: skip mode drops a failing step, but a
+// file the user named that cannot be read is always heard of.
+class IoError : public std::runtime_error {
+public:
+    // reason in words, as the C library gives it in lower case ("permission denied");
+    // code is the errno value, 0 when none fits.
+    IoError(std::string file, std::string reason, int code)
+        : std::runtime_error(file + ": " + reason),
+          file_(std::move(file)),
+          reason_(std::move(reason)),
+          code_(code) {}
+
+    const std::string& File() const { return file_; }
+    const std::string& Reason() const { return reason_; }
+    int Code() const { return code_; }
+
+private:
+    std::string file_;
+    std::string reason_;
+    int code_;
+};
 
 }  // namespace zerbin

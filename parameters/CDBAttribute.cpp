@@ -1,12 +1,13 @@
 // The model of an attribute: plain reads, keys, listeners, the interceptor and the editor.
 #include "parameters/CDBAttribute.h"
 
-#include "interfaces/IMemberOwner.h"
 #include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
+#include "interfaces/IMemberOwner.h"
 #include "platform/EditorPort.h"
 
 namespace zerbin {
@@ -14,21 +15,22 @@ namespace zerbin {
 namespace {
 
 // The value editor for a type class; empty for a class that has none.
-const char* EditorNameFor(const std::string& typeClass) {
-    if (IsNumericClass(typeClass)) {
-        return "frmCPModif1";
-    }
-    if (typeClass == "Enum") {
-        return "frmCPModif3";
-    }
-    if (typeClass == "Bitfield") {
-        return "frmCPModif5";
-    }
-    if (typeClass == "Textual") {
-        return "frmCPModif2";
-    }
-    if (typeClass == "Struct") {
-        return "frmCPModif4";
+const char* EditorNameFor(TypeClass typeClass) {
+    switch (typeClass) {
+        case TypeClass::SignedNumeric:
+        case TypeClass::UnsignedNumeric:
+        case TypeClass::Float:
+            return "frmCPModif1";
+        case TypeClass::Enum:
+            return "frmCPModif3";
+        case TypeClass::Bitfield:
+            return "frmCPModif5";
+        case TypeClass::Textual:
+            return "frmCPModif2";
+        case TypeClass::Struct:
+            return "frmCPModif4";
+        case TypeClass::Other:
+            break;
     }
     return "";
 }
@@ -171,7 +173,7 @@ void CDBAttribute::SetName(const std::string& name) {
 
 void CDBAttribute::CreateEditor() {
     editor_ = nullptr;
-    const std::string editorName = EditorNameFor(snvtType_->ISNVType_GenType());
+    const std::string editorName = EditorNameFor(ClassOf(*snvtType_));
     if (editorName.empty()) {
         return;
     }
@@ -199,6 +201,14 @@ void CDBAttribute::SetExtendedKey(const std::string& key) {
 
 void CDBAttribute::ClearLoadedValue() {
     value_.clear();
+    // The fields are what the image is made of: an element saved without text must empty
+    // them as well, or the image after the load would hold the defaults until someone reads
+    // the value.
+    if (fields_) {
+        for (const auto& field : fields_->Fields()) {
+            field->IField_Value(std::string());
+        }
+    }
 }
 
 void CDBAttribute::RestoreSavedValue(const std::string& text) {
@@ -231,6 +241,13 @@ int32_t CDBAttribute::CDBOrderInPosition() const {
 
 void CDBAttribute::CDBPosition(int32_t v) {
     position_ = v;
+    // The layout adds the size right after placing: this is the room the attribute has.
+    placeLength_ = 0;
+    SkipStep([&] { placeLength_ = LengthInCdb(); });
+}
+
+int32_t CDBAttribute::LengthInCdb() const {
+    return isKeepFloatStandard_ ? 4 : Need(snvtType_).ISNVType_Length();
 }
 
 void CDBAttribute::Release() {

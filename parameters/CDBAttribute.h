@@ -11,12 +11,12 @@
 
 #include "base/CallbackList.h"
 #include "base/SkipMode.h"
-#include "interfaces/IUnitsProvider.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"
 #include "interfaces/ICanvasElement.h"
 #include "interfaces/IEditors.h"
 #include "interfaces/IHostServices.h"
+#include "interfaces/IUnitsProvider.h"
 
 namespace zerbin {
 
@@ -100,7 +100,10 @@ public:
     // Shortens a Float type to the 2-byte short float unless the standard float is kept.
     void ApplyShortFloat();
     int32_t CDBOrderInPosition() const;
+    // Places the attribute and notes the length it has now as the room the layout gave it.
     void CDBPosition(int32_t v);
+    // Bytes the attribute takes in the CDB with its current type.
+    int32_t LengthInCdb() const;
     // The image with this attribute's digits in place; never grows it. Throws when a
     // coefficient does not fit 16 bits or the place starts past the end of the image.
     std::string WriteStream(std::string image);
@@ -160,6 +163,11 @@ private:
                                           const std::string& key);
     // The unit whose type id equals Value, the last of several; nullptr when none has it.
     std::shared_ptr<CDBUnit> SelectedUnit() const;
+    std::shared_ptr<CDBUnit> UnitFor(const std::string& value) const;
+    // Bytes this dependent would take with the unit; 0 for a type the dictionary lacks.
+    int32_t LengthWithUnit(const CDBUnit& unit) const;
+    // False, after a message, when the unit would make a dependent outgrow its place.
+    bool UnitFitsDependents(const CDBUnit& unit);
     void RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool absorb);
     void ApplySelectedUnit(const std::shared_ptr<CDBUnit>& unit);
     void DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit, const std::string& converterTypeId,
@@ -187,6 +195,8 @@ private:
     std::string deviceKey_;
     int32_t orderInPosition_ = 0;
     int32_t position_ = 0;
+    // Bytes the layout reserved at position_; 0 while the attribute has no place.
+    int32_t placeLength_ = 0;
     std::string value_;
     std::string defaultValue_;
     std::string globalKey_;

@@ -5,18 +5,19 @@
 #include <string>
 #include <string_view>
 
-#include "interfaces/IMemberOwner.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
+#include "base/Xml.h"
+#include "base/XmlPathIndex.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
 #include "interfaces/Error.h"
+#include "interfaces/IMemberOwner.h"
 #include "parameters/CDBAttribute.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
-#include "base/XmlPathIndex.h"
 
 namespace zerbin {
 
@@ -120,11 +121,11 @@ void CDBAttribute::LoadDefinition(pugi::xml_node node) {
 
     // A type selector's record came from its choices, not from the dictionary: its class word
     // is not asked, so neither branch below applies to it.
-    std::string typeClass;
+    TypeClass typeClass = TypeClass::Other;
     if (!isType_) {
-        typeClass = snvtType_->ISNVType_GenType();
+        typeClass = ClassOf(*snvtType_);
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         LoadStruct(document);
     } else if (IsNumericClass(typeClass)) {
         LoadNumeric(document);
@@ -180,7 +181,13 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
             ShowLoadWarning(name_ + ": Default value", "; 0 assumed.");
         }
         defaultValue_ = text;
-        value_ = text;
+        if (isType_) {
+            // TYPES came first and retyped the inputs and outputs to its first choice: the
+            // full write makes them follow the default, as a project load would.
+            IAttribute_Value(text);
+        } else {
+            value_ = text;
+        }
     } else if (EqualsNoCase(element, "UNITS")) {
         LoadUnits(child);
     } else if (EqualsNoCase(element, "TYPES")) {
@@ -298,7 +305,7 @@ void CDBAttribute::LoadStruct(pugi::xml_node document) {
                 ShowLoadWarning(name_ + "." + fieldName + ": Default value", "; 0 assumed.");
             }
             SkipStep([&] {
-                const bool textual = Need(field->IField_SNVTType()).ISNVType_GenType() == "Textual";
+                const bool textual = ClassOf(Need(field->IField_SNVTType())) == TypeClass::Textual;
                 field->DefaultValue(textual ? text : NormalizeDecimal(text));
             });
             SkipStep([&] { defaultValue_ += field->IField_DefaultValue() + " "; });

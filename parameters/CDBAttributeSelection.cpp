@@ -4,15 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "interfaces/IMemberOwner.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
-#include "datatypes/CDBSNVTType.h"
-#include "datatypes/CDBUnits.h"
-#include "interfaces/ICanvasElement.h"
-#include "parameters/CDBAttribute.h"
 #include "base/Xml.h"
 #include "base/XmlPathIndex.h"
+#include "datatypes/CDBSNVTType.h"
+#include "datatypes/CDBUnits.h"
+#include "datatypes/SnvtDictionary.h"
+#include "datatypes/TypeClass.h"
+#include "interfaces/ICanvasElement.h"
+#include "interfaces/IMemberOwner.h"
+#include "parameters/CDBAttribute.h"
+#include "platform/Messages.h"
 
 namespace zerbin {
 
@@ -103,15 +106,60 @@ std::shared_ptr<IMacro> CDBAttribute::FindContainer(const std::shared_ptr<IMacro
 // ---- Units ---------------------------------------------------------------------------------
 
 std::shared_ptr<CDBUnit> CDBAttribute::SelectedUnit() const {
+    return UnitFor(value_);
+}
+
+std::shared_ptr<CDBUnit> CDBAttribute::UnitFor(const std::string& value) const {
     std::shared_ptr<CDBUnit> selected;
     if (units_) {
         for (const auto& unit : units_->NewEnum()) {
-            if (unit && unit->UnitTypeID == value_) {
+            if (unit && unit->UnitTypeID == value) {
                 selected = unit;
             }
         }
     }
     return selected;
+}
+
+int32_t CDBAttribute::LengthWithUnit(const CDBUnit& unit) const {
+    if (isKeepFloatStandard_) {
+        return 4;
+    }
+    const std::string id = differential_ && !unit.DifferentialTypeID.empty()
+                               ? unit.DifferentialTypeID
+                               : unit.UnitTypeID;
+    if (!FindSnvtEntry(id)) {
+        return 0;  // an unknown type gets a record of length 0, which fits anywhere
+    }
+    CDBSNVTType record;
+    record.ResolveByID(id);
+    if (ClassOf(record) == TypeClass::Float && shortFloatManaged_) {
+        return 2;
+    }
+    return record.ISNVType_Length();
+}
+
+// The layout is made once: a unit whose type would make a dependent longer than the room it
+// was given would write over its neighbours in the image, so such a unit is refused.
+bool CDBAttribute::UnitFitsDependents(const CDBUnit& unit) {
+    std::shared_ptr<IAttributes> attributes;
+    SkipStep([&] { attributes = Need(parent_).IAppObject_Attributes(); });
+    if (!attributes) {
+        return true;
+    }
+    for (const auto& member : attributes->IAttributes_NewEnum()) {
+        const auto dependent = std::dynamic_pointer_cast<CDBAttribute>(member);
+        if (!dependent || !dependent->IsUnitDependent() || dependent->placeLength_ <= 0) {
+            continue;
+        }
+        if (dependent->LengthWithUnit(unit) > dependent->placeLength_) {
+            ShowMessage("Unit selected (ID: " + unit.UnitTypeID + ") does not fit the place of " +
+                            dependent->name_ + " in the CDB.\r\nThe unit is not changed.",
+                        "Warning: Incompatible unit", MessageIcon::Information);
+            return false;
+        }
+    }
+    return true;
 }
 
 void CDBAttribute::RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool absorb) {
@@ -140,9 +188,14 @@ void CDBAttribute::ApplySelectedUnit(const std::shared_ptr<CDBUnit>& unit) {
 }
 
 void CDBAttribute::ApplyFirstUnit(CDBAttribute& selector) {
-    std::shared_ptr<CDBUnit> first;
-    SkipStep([&] { first = Need(selector.SelectableUnits()).Item("1"); });
-    DeriveFromUnit(first, selector.IAttribute_DefaultValue(), false);
+    // The unit the selector stands at, so that the dependents have the types its byte in the
+    // image names, and a project load that writes the selector again finds nothing to change;
+    // the first unit only when no unit has the selector's value.
+    std::shared_ptr<CDBUnit> unit = selector.SelectedUnit();
+    if (!unit) {
+        SkipStep([&] { unit = Need(selector.SelectableUnits()).Item("1"); });
+    }
+    DeriveFromUnit(unit, selector.IAttribute_DefaultValue(), false);
 }
 
 // The steps shared by the first derivation at creation and a later change of unit: a later

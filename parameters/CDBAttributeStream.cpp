@@ -9,6 +9,8 @@
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
+#include "interfaces/Error.h"
 #include "parameters/CDBAttribute.h"
 
 namespace zerbin {
@@ -42,6 +44,10 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
         return image;
     }
     const int32_t place = DigitsOf(position_);
+    // Never past the room the layout gave: the bytes behind it belong to another member.
+    if (placeLength_ > 0 && LengthInCdb() > placeLength_) {
+        throw Error("The attribute " + name_ + " is longer than its place in the CDB", 9);
+    }
 
     if (fields_) {
         for (const auto& field : fields_->Fields()) {
@@ -60,11 +66,11 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
 
     if (isKeepFloatStandard_ && !intel) {
         std::string copy = value_;
-        OverwriteDigits(image, place, EncodeStream(copy, "Float", 4, 1, 0, 0), 8);
+        OverwriteDigits(image, place, EncodeStream(copy, TypeClass::Float, 4, 1, 0, 0), 8);
         return image;
     }
 
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     const int32_t length = snvtType_->ISNVType_Length();
     const int16_t a = NarrowToInt16(snvtType_->ISNVType_ACoef());
     const int16_t b = NarrowToInt16(snvtType_->ISNVType_BCoef());
@@ -79,7 +85,7 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
 void CDBAttribute::ApplyShortFloat() {
     shortFloatManaged_ = true;
     SkipStep([&] {
-        if (snvtType_->ISNVType_GenType() == "Float" && !isKeepFloatStandard_) {
+        if (ClassOf(*snvtType_) == TypeClass::Float && !isKeepFloatStandard_) {
             snvtType_->SetLength(2);
         }
     });

@@ -2,14 +2,16 @@
 // display forms, the editor, the return to the default and the macro terminal test.
 #include <cstdint>
 #include <string>
+#include <vector>
 
-#include "interfaces/IMemberOwner.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
+#include "interfaces/IMemberOwner.h"
 #include "parameters/CDBAttribute.h"
 #include "platform/Messages.h"
 
@@ -27,6 +29,19 @@ std::string JoinFields(CDBFields& fields, Part part) {
     return Trim(joined);
 }
 
+// The stored form of a structure: its fields joined by single blanks. Only trailing blanks
+// go, which stand for empty fields at the end, as a missing token does; a leading blank is
+// an empty first field and stays, so that the value splits back into the same fields.
+std::string JoinStored(const std::vector<std::string>& tokens) {
+    std::string joined;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        joined += (i == 0 ? "" : " ") + tokens[i];
+    }
+    const std::size_t last = joined.find_last_not_of(' ');
+    joined.resize(last == std::string::npos ? 0 : last + 1);
+    return joined;
+}
+
 // Counts nesting of the value write for as long as it lives.
 class DepthGuard {
 public:
@@ -42,10 +57,9 @@ private:
 }  // namespace
 
 std::string CDBAttribute::StructToken(const std::string& text, int32_t index) const {
-    // Token 0 of a text without blank is empty, which would lose the only value a
-    // one-field structure has.
-    if (fields_ && fields_->Fields().size() == 1 && index == 0 &&
-        text.find(' ') == std::string::npos) {
+    // Token 0 of a text without blank is empty, which would lose the value of a structure
+    // given as a single token.
+    if (index == 0 && text.find(' ') == std::string::npos) {
         return text;
     }
     return NthToken(text, index, " ");
@@ -99,6 +113,13 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
         }
     }
 
+    if (isUnit_) {
+        const auto unit = UnitFor(NormalizeDecimal(Text));
+        if (unit && !UnitFitsDependents(*unit)) {
+            return;
+        }
+    }
+
     SkipStep([&] { StoreValue(Text); });
 
     if (isUnit_) {
@@ -125,7 +146,7 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
 
 void CDBAttribute::StoreValue(const std::string& text) {
     if (!fields_) {
-        if (snvtType_->ISNVType_GenType() == "Textual") {
+        if (ClassOf(*snvtType_) == TypeClass::Textual) {
             value_ = text;
             return;
         }
@@ -137,48 +158,52 @@ void CDBAttribute::StoreValue(const std::string& text) {
         return;
     }
 
-    std::string running;
+    std::vector<std::string> tokens;
     int32_t index = 0;
     for (const auto& field : fields_->Fields()) {
         SkipStep([&] {
             const std::string token = StructToken(text, index);
             field->IField_Value(token);
-            const bool textual = Need(field->IField_SNVTType()).ISNVType_GenType() == "Textual";
-            running += (textual ? token : NormalizeDecimal(token)) + " ";
+            const bool textual = ClassOf(Need(field->IField_SNVTType())) == TypeClass::Textual;
+            tokens.push_back(textual ? token : NormalizeDecimal(token));
         });
         ++index;
     }
-    value_ = Trim(running);
+    value_ = JoinStored(tokens);
 }
 
 // ---- Reads ---------------------------------------------------------------------------------
 
 std::string CDBAttribute::IAttribute_Value() {
     if (fields_) {
-        return JoinFields(*fields_, [](CDBField& field) { return field.IField_Value(); });
+        std::vector<std::string> tokens;
+        for (const auto& field : fields_->Fields()) {
+            tokens.push_back(field->IField_Value());
+        }
+        return JoinStored(tokens);
     }
     // A text is not a number: its "." or "," stays as the user wrote it.
-    if (snvtType_->ISNVType_GenType() == "Textual") {
+    if (ClassOf(*snvtType_) == TypeClass::Textual) {
         return value_;
     }
     return DecimalToDisplay(value_);
 }
 
 std::string CDBAttribute::IAttribute_DispValue() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         const auto converter = UnitsManager();
         const std::string typeId = snvtType_->ISNVType_ID();
         return Need(converter).ToDisplayValue(typeId, DecimalToDisplay(value_)) + " " +
                converter->DisplayUnit(typeId);
     }
-    if (typeClass == "Enum") {
+    if (typeClass == TypeClass::Enum) {
         return FormatDisplayValue(DecimalToDisplay(value_), snvtType_->ISNVType_EnumDesc());
     }
-    if (typeClass == "Bitfield" || typeClass == "Textual") {
+    if (typeClass == TypeClass::Bitfield || typeClass == TypeClass::Textual) {
         return Trim(value_);
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         // Deliberately writes: after the read the fields hold the tokens of Value.
         CDBFields& fields = Need(fields_);
         std::string running;
@@ -193,17 +218,17 @@ std::string CDBAttribute::IAttribute_DispValue() {
 }
 
 std::string CDBAttribute::IAttribute_DispDefault() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         return DecimalToDisplay(defaultValue_) + " " + snvtType_->ISNVType_Units();
     }
-    if (typeClass == "Enum") {
+    if (typeClass == TypeClass::Enum) {
         return FormatDisplayValue(DecimalToDisplay(defaultValue_), snvtType_->ISNVType_EnumDesc());
     }
-    if (typeClass == "Bitfield" || typeClass == "Textual") {
+    if (typeClass == TypeClass::Bitfield || typeClass == TypeClass::Textual) {
         return Trim(defaultValue_);
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_),
                           [](CDBField& field) { return field.IField_DispDefault(); });
     }
@@ -211,22 +236,22 @@ std::string CDBAttribute::IAttribute_DispDefault() {
 }
 
 std::string CDBAttribute::IAttribute_DispMin() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         return DecimalToDisplay(min_) + " " + snvtType_->ISNVType_Units();
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMin(); });
     }
     return DecimalToDisplay(min_);
 }
 
 std::string CDBAttribute::IAttribute_DispMax() {
-    const std::string typeClass = snvtType_->ISNVType_GenType();
+    const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
         return DecimalToDisplay(max_) + " " + snvtType_->ISNVType_Units();
     }
-    if (typeClass == "Struct") {
+    if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMax(); });
     }
     return DecimalToDisplay(max_);

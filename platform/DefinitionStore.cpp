@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "base/ProcessState.h"
+
 namespace zerbin {
 
 void DefinitionStore::AddDocument(std::shared_ptr<const pugi::xml_document> document,
@@ -24,10 +26,15 @@ std::shared_ptr<const Picture> DefinitionStore::FindIcon(const std::string& type
     return it == icons_.end() ? nullptr : it->second;
 }
 
+namespace {
+
+struct SharedStore {
+    std::shared_ptr<DefinitionStore> store = std::make_shared<DefinitionStore>();
+};
+
+}  // namespace
+
 // The store lives for the process, past the last block: a type parsed once stays parsed.
-DefinitionCache::DefinitionCache() {
-    static const std::shared_ptr<DefinitionStore> store = std::make_shared<DefinitionStore>();
-    store_ = store;
-}
+DefinitionCache::DefinitionCache() : store_(ProcessState::Get<SharedStore>().store) {}
 
 }  // namespace zerbin

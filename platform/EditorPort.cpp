@@ -1,11 +1,16 @@
 #include "platform/EditorPort.h"
 
+#include "base/ProcessState.h"
+
 namespace zerbin {
 namespace {
 
+struct InstalledFactory {
+    std::shared_ptr<IEditorFactory> factory;
+};
+
 std::shared_ptr<IEditorFactory>& Factory() {
-    static std::shared_ptr<IEditorFactory> factory;
-    return factory;
+    return ProcessState::Get<InstalledFactory>().factory;
 }
 
 }  // namespace

@@ -1,24 +1,36 @@
 #include "platform/Files.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <fnmatch.h>
+#include <sys/stat.h>
 
+#include <memory>
 #include <system_error>
 #include <utility>
+
+#include "base/ProcessState.h"
 
 namespace zerbin {
 namespace {
 
 constexpr const char* kFallbackBaseName = "Zerbin";
 
+// What the host set, and the library folder last derived from the component folder.
+struct FileSettings {
+    std::filesystem::path folder;
+    std::string baseName;
+    bool libraryKnown = false;
+    std::filesystem::path lastComponent;
+    std::filesystem::path lastLibrary;
+};
+
 std::filesystem::path& FolderOverride() {
-    static std::filesystem::path folder;
-    return folder;
+    return ProcessState::Get<FileSettings>().folder;
 }
 
 std::string& BaseNameOverride() {
-    static std::string baseName;
-    return baseName;
+    return ProcessState::Get<FileSettings>().baseName;
 }
 
 std::filesystem::path LocateOwnFile() {
@@ -59,21 +71,23 @@ bool IsSharedObject(const std::filesystem::path& file) {
 
 std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
                                       const std::string& wildcard) {
-    std::error_code ec;
-    std::filesystem::directory_iterator it(folder, ec);
-    if (ec) {
+    // readdir rather than std::filesystem::directory_iterator: libstdc++ allocates inside a
+    // noexcept frame there, so running out of memory would end the process instead of
+    // reaching the caller.
+    struct CloseDir {
+        void operator()(DIR* dir) const { closedir(dir); }
+    };
+    const std::unique_ptr<DIR, CloseDir> dir(opendir(folder.c_str()));
+    if (!dir) {
         return std::nullopt;
     }
-    for (const std::filesystem::directory_iterator end; it != end; it.increment(ec)) {
-        if (ec) {
-            return std::nullopt;
-        }
-        std::error_code typeError;
-        if (!it->is_regular_file(typeError)) {
+    while (const dirent* entry = readdir(dir.get())) {
+        if (fnmatch(wildcard.c_str(), entry->d_name, 0) != 0) {
             continue;
         }
-        const std::string name = it->path().filename().string();
-        if (fnmatch(wildcard.c_str(), name.c_str(), 0) == 0) {
+        std::string name = entry->d_name;
+        struct stat status {};
+        if (stat((folder / name).c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
             return name;
         }
     }
@@ -119,16 +133,14 @@ void SetComponentBaseName(std::string baseName) {
 
 std::filesystem::path LibraryFolder() {
     // Every block asks; the answer changes only with the component folder.
-    static bool known = false;
-    static std::filesystem::path lastComponent;
-    static std::filesystem::path lastLibrary;
     const std::filesystem::path component = ComponentFolder();
-    if (!known || component.native() != lastComponent.native()) {
-        lastLibrary = NormalisedParent(component);
-        lastComponent = component;
-        known = true;
+    FileSettings& settings = ProcessState::Get<FileSettings>();
+    if (!settings.libraryKnown || component.native() != settings.lastComponent.native()) {
+        settings.lastLibrary = NormalisedParent(component);
+        settings.lastComponent = component;
+        settings.libraryKnown = true;
     }
-    return lastLibrary;
+    return settings.lastLibrary;
 }
 
 std::filesystem::path DefinitionFile(const std::filesystem::path& library,

@@ -3,6 +3,8 @@
 #include <iostream>
 #include <utility>
 
+#include "base/ProcessState.h"
+
 namespace zerbin {
 namespace {
 
@@ -23,9 +25,12 @@ public:
     }
 };
 
+struct InstalledSink {
+    std::shared_ptr<MessageSink> sink = std::make_shared<StderrSink>();
+};
+
 std::shared_ptr<MessageSink>& SinkSlot() {
-    static std::shared_ptr<MessageSink> sink = std::make_shared<StderrSink>();
-    return sink;
+    return ProcessState::Get<InstalledSink>().sink;
 }
 
 }  // namespace

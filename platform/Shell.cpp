@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "base/ProcessState.h"
+
 extern char** environ;
 
 namespace zerbin {
@@ -21,9 +23,12 @@ std::function<int32_t(const ShellRequest&)>& OpenerSlot() {
 
 // Viewers started earlier; reaped when they have ended so none lingers as a zombie. They are
 // not waited for: xdg-open may stay until the viewer closes.
+struct Viewers {
+    std::vector<pid_t> children;
+};
+
 std::vector<pid_t>& Children() {
-    static std::vector<pid_t> children;
-    return children;
+    return ProcessState::Get<Viewers>().children;
 }
 
 void ReapEndedChildren() {

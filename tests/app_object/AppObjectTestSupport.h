@@ -14,9 +14,10 @@
 #include <pugixml.hpp>
 
 #include "app_object/CDBAppObject.h"
+#include "app_object/HostOrder.h"
+#include "base/Xml.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 #include "tests/TestSupport.h"
 
 namespace zerbin::testing {
@@ -100,13 +101,8 @@ inline std::shared_ptr<CDBAppObject> InitBlock(const std::string& type) {
 
 // Construct, dictionary, type, short float setting, create: steps 1 to 5 of the host.
 inline HostedBlock CreateBlock(const std::string& type, bool manageShortFloat = false) {
-    auto block = std::make_shared<CDBAppObject>();
-    block->IAppObject_XmlSNVTDoc(FixtureDictionary());
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    block->IAppObject_ManageShortFloat(manageShortFloat);
-    block->IAppObject_Create();
-    return HostedBlock(std::move(block));
+    return HostedBlock(
+        NewBlock(type, {FixtureDictionary(), nullptr, manageShortFloat, {}, {}, {}}));
 }
 
 }  // namespace zerbin::testing

@@ -4,16 +4,17 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "base/Xml.h"
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 #include "tests/app_object/AppObjectTestSupport.h"
 #include "tests/support/RandomBlock.h"
 
@@ -178,6 +179,92 @@ TEST_P(SaveThenLoad, GivesBackTheSameBlockImageAndXml) {
         EXPECT_EQ(testing::Take(*restored), before);
     }
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
+}
+
+// ---- Nothing lost on reopening -------------------------------------------------------------
+
+// Saved to text and read back, as a project file is.
+HostedBlock Reopened(CDBAppObject& block, const std::string& type) {
+    std::ostringstream text;
+    testing::Save(block).document->save(text);
+    const auto document = testing::ParseXml(text.str());
+    HostedBlock reopened = CreateBlock(type);
+    reopened->IAppObject_XmlLoad(document->document_element().first_child());
+    return reopened;
+}
+
+std::string InputTypes(CDBAppObject& block) {
+    std::string types;
+    for (const auto& input : block.IAppObject_Inputs()->IInputs_NewEnum()) {
+        types +=
+            input->Iinput_SNVTCompatibles()->ICompatibleSNVTs_Item(1)->ICompatibleSNVT_ID() + " ";
+    }
+    return types;
+}
+
+TEST(ProjectXmlReopen, GivesTheSameValuesImageAndTypes) {
+    FixtureLibrary library;
+    ScopedMessageRecorder messages;
+    const struct {
+        const char* attribute;
+        const char* value;
+    } rows[] = {
+        {nullptr, nullptr},  // as created: the selectors stand at their defaults
+        {"Temp", "25.5"},    // a dependent saved before its selector
+        {"Pair", ""},        // an empty structure: its fields must empty as well
+        {"Pair", " 1"},      // an empty first field
+        {"Pair", "7"},       // a single token
+        {"Note", "  "},      // only blanks
+        {"Note", "\t a \t"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.attribute ? std::string(row.attribute) + "=" + row.value : "defaults");
+        HostedBlock block = CreateBlock("Reopen");
+        if (row.attribute != nullptr) {
+            block->IAppObject_Attributes()
+                ->IAttributes_Item(row.attribute)
+                ->IAttribute_Value(row.value);
+        }
+        const testing::Snapshot before = testing::Take(*block);
+        HostedBlock reopened = Reopened(*block, "Reopen");
+        EXPECT_EQ(testing::Take(*reopened), before);
+        EXPECT_EQ(InputTypes(*reopened), InputTypes(*block));
+    }
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
+}
+
+// What the type does not define (no longer, or no type at all) goes back into the project as
+// it came, and the user hears of it once for the type.
+TEST(ProjectXmlReopen, KeepsWhatTheTypeDoesNotDefine) {
+    FixtureLibrary library;
+    const std::string entry =
+        "<Attributes><Gone a=\"1\">7<Sub/></Gone><Note>kept</Note></Attributes>"
+        "<Outputs><Old IsDisplayable=\"1\"/></Outputs><Extra>x</Extra>";
+    const struct {
+        const char* type;
+        std::vector<std::string> kept;
+    } rows[] = {
+        {"Reopen", {"Extra", "Attributes/Gone", "Outputs/Old"}},
+        {"NoSuchType", {"Extra", "Attributes/Gone", "Attributes/Note", "Outputs/Old"}},
+    };
+    for (const auto& row : rows) {
+        ScopedMessageRecorder messages;
+        for (int copy = 0; copy < 2; ++copy) {
+            HostedBlock block = CreateBlock(row.type);
+            Load(*block, "<B>" + entry + "</B>");
+            EXPECT_EQ(block->KeptProjectEntries(), row.kept) << row.type;
+            const std::string saved = Saved(*block);
+            for (const char* part : {"<Gone a=\"1\">7<Sub/></Gone>", "<Old IsDisplayable=\"1\"/>",
+                                     "<Extra>x</Extra>"}) {
+                EXPECT_NE(saved.find(part), std::string::npos) << row.type << ": " << part;
+            }
+        }
+        int told = 0;
+        for (const std::string& text : MessageTexts(messages)) {
+            told += text.find("they are kept and saved back unchanged") != std::string::npos;
+        }
+        EXPECT_EQ(told, 1) << row.type;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Separators, SaveThenLoad, ::testing::Values(false, true),

@@ -107,9 +107,12 @@ TEST_P(EncodeTest, GivesTheDigitsInBothByteOrders) {
     const auto& [row, comma] = GetParam();
     ZERBIN_SEPARATOR(comma, locale);
     std::string value = row.value;
-    EXPECT_EQ(EncodeStream(value, row.typeClass, row.length, row.a, row.b, row.c), row.bigEndian);
+    EXPECT_EQ(EncodeStream(value, ParseTypeClass(row.typeClass), row.length, row.a, row.b, row.c),
+              row.bigEndian);
     value = row.value;
-    EXPECT_EQ(EncodeIntelStream(value, row.typeClass, row.length, row.a, row.b, row.c), row.intel);
+    EXPECT_EQ(
+        EncodeIntelStream(value, ParseTypeClass(row.typeClass), row.length, row.a, row.b, row.c),
+        row.intel);
 }
 
 INSTANTIATE_TEST_SUITE_P(WorkedExamples, EncodeTest,
@@ -144,7 +147,7 @@ TEST(Encode, ReadingANumberDependsOnTheSeparator) {
         ZERBIN_SEPARATOR(comma, locale);
         for (const SeparatorRow& row : rows) {
             std::string value = row.value;
-            EXPECT_EQ(EncodeStream(value, row.typeClass, row.length, 1, -2, 0),
+            EXPECT_EQ(EncodeStream(value, ParseTypeClass(row.typeClass), row.length, 1, -2, 0),
                       comma ? row.withComma : row.withPoint)
                 << row.typeClass << " \"" << row.value << "\" comma " << comma;
         }
@@ -172,7 +175,7 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
         ZERBIN_SEPARATOR(comma, locale);
         for (const Row& row : rows) {
             std::string value = row.value;
-            EncodeIntelStream(value, row.typeClass, row.length, row.a, row.b, 0);
+            EncodeIntelStream(value, ParseTypeClass(row.typeClass), row.length, row.a, row.b, 0);
             if (row.length <= 255) {
                 EXPECT_EQ(value, comma ? row.withComma : row.withPoint) << row.value;
             }

@@ -9,10 +9,11 @@
 #include <string>
 
 #include "base/MMain.h"
+#include "base/Xml.h"
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/SnvtDictionary.h"
+#include "datatypes/TypeClass.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 #include "tests/TestSupport.h"
 #include "tests/datatypes/DictionaryFixture.h"
 
@@ -42,11 +43,11 @@ struct ScaleOf {
     explicit ScaleOf(const std::string& typeId) {
         CDBSNVTType type;
         type.ResolveByID(typeId);
-        isFloat = type.ISNVType_GenType() == "Float";
+        isFloat = ClassOf(type) == TypeClass::Float;
         a = type.ISNVType_ACoef();
         b = type.ISNVType_BCoef();
         c = type.ISNVType_CCoef();
-        const bool isSigned = type.ISNVType_GenType() == "SignedNumeric";
+        const bool isSigned = ClassOf(type) == TypeClass::SignedNumeric;
         // Scaled types take one or two bytes; a Float's four are never walked.
         const int bits = 8 * std::min(type.ISNVType_Length(), 2);
         rawMin = isSigned ? -(1 << (bits - 1)) : 0;
@@ -80,7 +81,7 @@ TEST_F(UnitConverterTest, ShowsStoredValuesInTheUnitsOfTheSystem) {
         {SI, "105", "21.555", "21.56", "°C", 2},
         {SI, "105", "21.545", "21.54", "°C", 2},
         {SI, "39", "20,0", "20", "°C", 1},
-        {SI, "63", "0.0004", "0", "°C", 3},
+        {SI, "63", "0.0004", "0.0004", "°C", 3},  // a single in its shortest text
         {SI, "15", " 7 ", "7", "l/s", 0},
         {SI, "105", "12abc", "12abc", "°C", 2},
         {SI, "106", "1", "1", "", 0},
@@ -89,7 +90,8 @@ TEST_F(UnitConverterTest, ShowsStoredValuesInTheUnitsOfTheSystem) {
         {US, "105", "-273.17", "-459.71", "°F", 2},
         {US, "39", "-40", "-40", "°F", 1},
         {US, "113", "249.08891", "1", "inH2O", 3},
-        {US, "53", "1", "15.85", "gpm", 2},
+        {US, "53", "1", "15.850323", "gpm", 2},  // 15.85 would store another single
+        {US, "147", "-0.5", "-0.9", "°F", 2},    // a difference: no 32
         {US, "42", "1", "35", "ft³", 0},
         {US, "1", "3.5", "3.5", "A", 1},
         {US, "105", "abc", "abc", "°F", 2},
@@ -162,6 +164,25 @@ TEST_F(UnitConverterTest, ScaledTypesRoundTripThroughTheirDisplayForm) {
     }
 }
 
+// Confirming a value that the user did not touch never changes its bytes.
+TEST_F(UnitConverterTest, AFloatComesBackAsTheSameSingleFromItsDisplayForm) {
+    const float values[] = {0.0004F, 21.3F, -273.17F, 1e-7F, 123456.7F, 3.0e38F, 0.1F};
+    for (UnitConverter* converter : {&si_, &us_}) {
+        for (const UnitConversion& row : UsCustomaryTable()->Rows()) {
+            if (!ScaleOf(row.typeId).isFloat) {
+                continue;
+            }
+            for (const float value : values) {
+                const std::string shown =
+                    converter->ToDisplayValue(row.typeId, FormatDouble(static_cast<double>(value)));
+                const std::string stored = converter->FromDisplayValue(row.typeId, shown);
+                EXPECT_EQ(static_cast<float>(si_.ParseDisplayNumber(stored)), value)
+                    << row.typeId << " shown " << shown << " stored " << stored;
+            }
+        }
+    }
+}
+
 TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
     struct Row {
         const char* typeId;
@@ -171,8 +192,8 @@ TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
         const char* usMax;
     };
     const Row rows[] = {
-        {"105", "-273.17", "327.66", "-459.7", "621.78"},  // -459.706 and 621.788, inwards
-        {"63", "-273.17", "1E38", "-459.7", "1.8E+38"},
+        {"105", "-273.17", "327.66", "-459.71", "621.79"},  // as the values themselves show
+        {"63", "-273.17", "1E38", "-459.706", "1.8E+38"},
         {"15", "0", "65534", "0", "1038735"},
         {"902", "-50.5", "-3", "-50.5", "-3"},
         {"903", "abc", "", "abc", ""},
@@ -194,6 +215,11 @@ TEST_F(UnitConverterTest, ConvertedLimitsStayWithinTheStoredOnes) {
         const std::string max = us_.FromDisplayValue(row.typeId, us_.MaximumFor(row.typeId));
         EXPECT_GE(si_.ParseDisplayNumber(min), storedMin) << row.typeId;
         EXPECT_LE(si_.ParseDisplayNumber(max), storedMax) << row.typeId;
+        // The largest valid value lies inside the limit it is shown with.
+        const std::string largest = us_.ToDisplayValue(row.typeId, si_.MaximumFor(row.typeId));
+        EXPECT_LE(us_.ParseDisplayNumber(largest),
+                  us_.ParseDisplayNumber(us_.MaximumFor(row.typeId)))
+            << row.typeId;
     }
 }
 

@@ -17,10 +17,11 @@
 #include <pugixml.hpp>
 
 #include "app_object/CDBAppObject.h"
+#include "app_object/HostOrder.h"
 #include "base/MMain.h"
+#include "base/Xml.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 #include "tests/TestSupport.h"
 #include "tests/support/RandomBlock.h"
 
@@ -61,18 +62,10 @@ inline std::string PlantType(const TempFolder& folder, const std::string& stem,
     return type;
 }
 
-// A block of the type in the host's order of calls: dictionary, type, device document,
-// creation, keys.
+// A block of the type with the shipped documents and a host's keys.
 inline std::shared_ptr<CDBAppObject> MakeBlock(const std::string& type) {
-    auto block = std::make_shared<CDBAppObject>();
-    block->IAppObject_XmlSNVTDoc(SnvtDictionary());
-    int32_t errorCode = 0;
-    block->IAppObject_Init(type, errorCode);
-    block->IAppObject_OwnerDeviceXML(ShippedDevice());
-    block->IAppObject_Create();
-    block->IAppObject_GlobalKey("Project\\Block");
-    block->IAppObject_ExtendedKey("Net\\Device\\Block");
-    return block;
+    return NewBlock(type, {SnvtDictionary(), ShippedDevice(), false, "Project\\Block",
+                           "Net\\Device\\Block", std::nullopt});
 }
 
 // The names of the child elements of a node, in order.

@@ -136,7 +136,8 @@ TEST_F(ParameterTest, ADefaultValueBeforeOrAfterASelectorOverridesItsFirstChoice
     EXPECT_EQ(InputTypes(block, "In1"), "105") << "no first choice was written";
     auto typesAfter =
         Load(block, "<T2><TYPES><A>106</A><B>107</B></TYPES><DEFAULTVALUE>107</DEFAULTVALUE></T2>");
-    EXPECT_EQ(InputTypes(block, "In1"), "106") << "the first choice went through the write";
+    EXPECT_EQ(InputTypes(block, "In1"), "107") << "the choice and the default after it went "
+                                                  "through the write";
     EXPECT_EQ(typesAfter->IAttribute_Value(), "107");
     EXPECT_EQ(typesAfter->IAttribute_DefaultValue(), "107");
     EXPECT_EQ(typesBefore->IAttribute_Value(), "107");

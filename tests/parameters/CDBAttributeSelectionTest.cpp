@@ -135,8 +135,24 @@ TEST_F(ParameterTest, TheFirstUnitDerivesTheDependentsAtCreation) {
     EXPECT_EQ(offset->IAttribute_Min(), NormalizeDecimal(converter->MinimumFor("105")));
 }
 
-TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners) {
+// Without short floats the Float of the second unit takes four bytes where the layout gave two.
+TEST_F(ParameterTest, AUnitThatWouldOutgrowAPlaceIsRefused) {
     Block block("PrmUnits");
+    const std::string before = block->IAppObject_Stream();
+    ScopedMessageRecorder messages;
+    block.Attribute("Units")->IAttribute_Value("122");
+    ASSERT_EQ(messages.Messages().size(), 1U);
+    EXPECT_EQ(messages.Messages()[0].text,
+              "Unit selected (ID: 122) does not fit the place of Supply in the CDB.\r\n"
+              "The unit is not changed.");
+    EXPECT_EQ(block.Attribute("Units")->IAttribute_Value(), "105");
+    EXPECT_EQ(block->IAppObject_Stream(), before);
+}
+
+TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners) {
+    // Short floats, so that the Float of the second unit fits the place of the first's type.
+    Block block("PrmUnits", true,
+                [](CDBAppObject& object) { object.IAppObject_ManageShortFloat(true); });
     block->IAppObject_GlobalKey("K");
     auto journal = std::make_shared<CallJournal>();
     block->IAppObject_CallBack(std::make_shared<RecordingListener>("host", journal));

@@ -53,7 +53,7 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
         {"PrmValues", false, "Raw", "1", 4, "3F800000", "6400AAAA"},
         {"PrmTypes", false, "Type", "106", 1, "06", "06"},  // the FACTOR, not the code
         {"PrmTypes", false, "Type", "113", 1, "FF", "FF"},  // a factor of 300 is clamped
-        {"PrmUnits", false, "Units", "122", 1, "16", "16"},
+        {"PrmUnits", false, "Units", "124", 1, "18", "18"},
         {"PrmStruct", false, "Setting", "20.5 1", 3, "080201", "020801"},
         {"PrmStruct", false, "Single", nullptr, 1, "09", "09"},
     };

@@ -56,7 +56,9 @@ TEST_F(ParameterTest, AStructureWriteGivesEachFieldItsToken) {
     } rows[] = {
         {"20.5 1", "20.5", "1", "20.5 1"},
         {"7 1 9", "7", "1", "7 1"},  // tokens beyond the last field are dropped
-        {"7", "", "", ""},           // token 0 of a text without blank is empty
+        {"7", "7", "", "7"},         // a single token is the first field
+        {" 1", "", "1", " 1"},       // an empty first field stays empty, and first
+        {"7  1", "7", "", "7"},      // two blanks: the second field is the empty token
         {"", "", "", ""},
     };
     for (const auto& row : rows) {

@@ -18,6 +18,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "datatypes/TypeClass.h"
 #include "tests/TestSupport.h"
 
 namespace zerbin::testing {
@@ -108,18 +109,18 @@ public:
     // A value of the type: a listed code, bits that fit, a number within the limits with two
     // decimals (written with "." whatever the separator), or a text that fits.
     std::string Of(ISNVType& type) {
-        const std::string typeClass = type.ISNVType_GenType();
+        const TypeClass typeClass = ClassOf(type);
         const int32_t length = type.ISNVType_Length();
-        if (typeClass == "Enum") {
+        if (typeClass == TypeClass::Enum) {
             const auto codes = EnumCodes(type.ISNVType_EnumDesc());
             return codes.empty() ? "0"
                                  : codes[static_cast<std::size_t>(
                                        Between(0, static_cast<int64_t>(codes.size()) - 1))];
         }
-        if (typeClass == "Bitfield") {
+        if (typeClass == TypeClass::Bitfield) {
             return std::to_string(Between(0, (int64_t{1} << (8 * std::min(length, 4))) - 1));
         }
-        if (typeClass == "Textual") {
+        if (typeClass == TypeClass::Textual) {
             return Text(std::max(length, 1));
         }
         double low = Limit(type.ISNVType_Min(), 0);

@@ -1,0 +1,45 @@
+#include "datatypes/TypeClass.h"
+
+#include <utility>
+
+#include "interfaces/ISNVType.h"
+
+namespace zerbin {
+namespace {
+
+constexpr std::pair<std::string_view, TypeClass> kWords[] = {
+    {"SignedNumeric", TypeClass::SignedNumeric},
+    {"UnsignedNumeric", TypeClass::UnsignedNumeric},
+    {"Bitfield", TypeClass::Bitfield},
+    {"Enum", TypeClass::Enum},
+    {"Float", TypeClass::Float},
+    {"Textual", TypeClass::Textual},
+    {"Struct", TypeClass::Struct},
+};
+
+}  // namespace
+
+TypeClass ParseTypeClass(std::string_view word) {
+    for (const auto& [text, typeClass] : kWords) {
+        if (word == text) {
+            return typeClass;
+        }
+    }
+    return TypeClass::Other;
+}
+
+TypeClass ClassOf(ISNVType& type) {
+    return ParseTypeClass(type.ISNVType_GenType());
+}
+
+bool IsNumericClass(TypeClass typeClass) {
+    return typeClass == TypeClass::Float || typeClass == TypeClass::SignedNumeric ||
+           typeClass == TypeClass::UnsignedNumeric;
+}
+
+bool IsWholeNumberClass(TypeClass typeClass) {
+    return typeClass == TypeClass::SignedNumeric || typeClass == TypeClass::UnsignedNumeric ||
+           typeClass == TypeClass::Bitfield;
+}
+
+}  // namespace zerbin
