@@ -1,6 +1,6 @@
 #include "editors/EditorWindows.h"
 
-#include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
 #include "editors/frmCPModif1.h"
 #include "editors/frmCPModif2.h"
 #include "editors/frmCPModif3.h"
@@ -10,20 +10,21 @@
 namespace zerbin {
 
 std::string EditorNameForClass(const std::string& typeClass) {
-    if (IsNumericClass(typeClass)) {
-        return "frmCPModif1";
-    }
-    if (typeClass == "Textual") {
-        return "frmCPModif2";
-    }
-    if (typeClass == "Enum") {
-        return "frmCPModif3";
-    }
-    if (typeClass == "Struct") {
-        return "frmCPModif4";
-    }
-    if (typeClass == "Bitfield") {
-        return "frmCPModif5";
+    switch (ParseTypeClass(typeClass)) {
+        case TypeClass::SignedNumeric:
+        case TypeClass::UnsignedNumeric:
+        case TypeClass::Float:
+            return "frmCPModif1";
+        case TypeClass::Textual:
+            return "frmCPModif2";
+        case TypeClass::Enum:
+            return "frmCPModif3";
+        case TypeClass::Struct:
+            return "frmCPModif4";
+        case TypeClass::Bitfield:
+            return "frmCPModif5";
+        case TypeClass::Other:
+            break;
     }
     return {};
 }
