@@ -10,11 +10,11 @@
 namespace zerbin {
 
 std::string EditorNameForClass(const std::string& typeClass) {
-    const TypeClass parsed = ParseTypeClass(typeClass);
-    if (IsNumericClass(parsed)) {
-        return "frmCPModif1";
-    }
-    switch (parsed) {
+    switch (ParseTypeClass(typeClass)) {
+        case TypeClass::SignedNumeric:
+        case TypeClass::UnsignedNumeric:
+        case TypeClass::Float:
+            return "frmCPModif1";
         case TypeClass::Textual:
             return "frmCPModif2";
         case TypeClass::Enum:
@@ -23,9 +23,16 @@ std::string EditorNameForClass(const std::string& typeClass) {
             return "frmCPModif4";
         case TypeClass::Bitfield:
             return "frmCPModif5";
-        default:
-            return {};
+        case TypeClass::Other:
+            break;
     }
+    return {};
+}
+
+bool IsValueEditorName(const std::string& editorName) {
+    return editorName == "frmCPModif1" || editorName == "frmCPModif2" ||
+           editorName == "frmCPModif3" || editorName == "frmCPModif4" ||
+           editorName == "frmCPModif5";
 }
 
 std::unique_ptr<ValueEditorDialog> MakeValueEditorNamed(const std::string& editorName,

@@ -1,4 +1,4 @@
-// Which window edits which class of value, and the parameter list windows of the process.
+// Which value editor edits which class of value, made by name or by class.
 #pragma once
 
 #include <memory>
@@ -9,11 +9,12 @@ class QWidget;
 namespace zerbin {
 
 class ValueEditorDialog;
-struct IAppObject;
-struct IObject;
 
 // "frmCPModif1" to "frmCPModif5" for the seven class words; empty for any other word.
 std::string EditorNameForClass(const std::string& typeClass);
+
+// Whether the name is one of "frmCPModif1" to "frmCPModif5".
+bool IsValueEditorName(const std::string& editorName);
 
 // A new value editor by its name; nullptr for a name that is none of the five.
 std::unique_ptr<ValueEditorDialog> MakeValueEditorNamed(const std::string& editorName,

@@ -5,17 +5,19 @@
 
 #include <QKeyEvent>
 
+#include "editors/NumberRules.h"
+
 namespace zerbin {
 
 inline char32_t CharacterKey(const QKeyEvent& event) {
     switch (event.key()) {
         case Qt::Key_Escape:
-            return 27;
+            return kKeyEscape;
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            return 13;
+            return kKeyEnter;
         case Qt::Key_Backspace:
-            return 8;
+            return kKeyBackspace;
         default:
             break;
     }

@@ -123,9 +123,7 @@ private:
 class QtEditorFactory : public IEditorFactory {
 public:
     std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName) override {
-        if (editorName != "frmCPModif1" && editorName != "frmCPModif2" &&
-            editorName != "frmCPModif3" && editorName != "frmCPModif4" &&
-            editorName != "frmCPModif5") {
+        if (!IsValueEditorName(editorName)) {
             return nullptr;
         }
         return std::make_shared<QtValueEditor>(editorName);

@@ -1,9 +1,9 @@
 #include "editors/TextRules.h"
 
 #include <algorithm>
-#include <array>
 
 #include "base/MMain.h"
+#include "base/Utf8.h"
 #include "editors/NumberRules.h"
 
 namespace zerbin {
@@ -39,15 +39,16 @@ TextLengthVerdict CheckTextLength(const std::string& text, int32_t limit) {
 }
 
 bool InWindows1252(char32_t c) {
-    // The characters that the code page puts between 0x80 and 0x9F.
-    static constexpr std::array<char32_t, 27> kHigh = {
-        0x20AC, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030,
-        0x0160, 0x2039, 0x0152, 0x017D, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-        0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x017E, 0x0178};
-    if (c < 0x80 || (c >= 0xA0 && c <= 0xFF)) {
+    if (c < 0x80) {
         return true;
     }
-    return std::find(kHigh.begin(), kHigh.end(), c) != kHigh.end();
+    // The encoder's own table, so that what the box allows is exactly what the bytes keep.
+    for (uint32_t byte = 0x80; byte <= 0xFF; ++byte) {
+        if (Windows1252CodePoint(static_cast<uint8_t>(byte)) == c) {
+            return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace zerbin

@@ -3,7 +3,6 @@
 // window listens to the block, so that a value changed anywhere shows at once in its row.
 #pragma once
 
-#include <QPointer>
 #include <QWidget>
 
 #include <memory>
