@@ -82,6 +82,13 @@ CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
     }
 }
 
+CanvasScene::~CanvasScene() {
+    blockSignals(true);
+    blocks_.clear();
+    wires_.clear();
+    clear();
+}
+
 BlockItem* CanvasScene::Item(const std::string& key) const {
     const auto found = blocks_.find(key);
     return found == blocks_.end() ? nullptr : found->second;
@@ -264,8 +271,13 @@ void CanvasScene::StartRename(const std::string& key) {
     renameEditor_->setPos(block->mapToScene(rect.topLeft()));
     renameEditor_->resize(rect.width(), editor->sizeHint().height());
     renaming_ = key;
+    // Return takes the name, Escape drops it, and leaving the editor takes it as well.
+    connect(editor, &QLineEdit::returnPressed, this, [this] { FinishRename(true); });
     connect(editor, &QLineEdit::editingFinished, this,
             [this, editor] { FinishRename(!editor->cancelled); });
+    if (!views().isEmpty()) {
+        views().front()->setFocus();
+    }
     setFocusItem(renameEditor_);
     editor->setFocus();
 }

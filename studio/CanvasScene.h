@@ -46,6 +46,8 @@ class CanvasScene : public QGraphicsScene {
 
 public:
     explicit CanvasScene(StudioProject& project, QObject* parent = nullptr);
+    // The items go quietly: nobody is told of a selection that changes as they go.
+    ~CanvasScene() override;
 
     BlockItem* Item(const std::string& key) const;
     std::vector<std::string> SelectedBlocks() const;

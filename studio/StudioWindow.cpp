@@ -285,12 +285,13 @@ void StudioWindow::BuildActions() {
             scene_->StartRename(selected_);
         }
     });
-    add(edit, "actionParameters", tr("&Parameters..."), QKeySequence(Qt::Key_Return), [this] {
-        if (!selected_.empty()) {
-            log_->SetBlock(Q(project_->Block(selected_)->IAppObject_UserName()));
-            project_->Block(selected_)->IAppObject_Show(nullptr);
-        }
-    });
+    add(edit, "actionParameters", tr("&Parameters..."), QKeySequence(Qt::ALT | Qt::Key_Return),
+        [this] {
+            if (!selected_.empty()) {
+                log_->SetBlock(Q(project_->Block(selected_)->IAppObject_UserName()));
+                project_->Block(selected_)->IAppObject_Show(nullptr);
+            }
+        });
     add(edit, "actionSelectAll", tr("Select &all"), QKeySequence::SelectAll, [this] {
         for (QGraphicsItem* item : scene_->items()) {
             item->setSelected(true);

@@ -58,6 +58,10 @@ void DeleteCommand::redo() {
     saved_.reset();
     positions_.clear();
     pugi::xml_node root = saved_.append_child("Deleted");
+    targetValues_.clear();
+    for (const Wire& wire : wires_) {
+        targetValues_.emplace_back(wire.target, project_.Values(wire.target));
+    }
     for (const Wire& wire : wires_) {
         project_.Disconnect(wire);
     }
@@ -82,6 +86,9 @@ void DeleteCommand::undo() {
     }
     for (const Wire& wire : wires_) {
         project_.Connect(wire);
+    }
+    for (const auto& [key, values] : targetValues_) {
+        project_.ApplyValues(key, values);
     }
 }
 
@@ -123,6 +130,7 @@ WireCommand::WireCommand(StudioProject& project, Wire wire, bool connect)
 }
 
 void WireCommand::redo() {
+    targetValues_ = project_.Values(wire_.target);
     if (connect_) {
         project_.Connect(wire_);
     } else {
@@ -136,6 +144,7 @@ void WireCommand::undo() {
     } else {
         project_.Connect(wire_);
     }
+    project_.ApplyValues(wire_.target, targetValues_);
 }
 
 ValuesCommand::ValuesCommand(StudioProject& project, std::string key, BlockState before,

@@ -42,6 +42,7 @@ private:
     std::vector<std::string> keys_;
     std::vector<Wire> wires_;
     std::vector<int> positions_;
+    std::vector<std::pair<std::string, ValueSnapshot>> targetValues_;
     pugi::xml_document saved_;
 };
 
@@ -79,6 +80,9 @@ private:
     StudioProject& project_;
     Wire wire_;
     bool connect_;
+    // A connection writes the length of its type into an attribute of the target and a
+    // disconnection writes 0 there; undo puts back what the target held.
+    ValueSnapshot targetValues_;
 };
 
 // What one value write left behind: every value of the block and its wires, before and
