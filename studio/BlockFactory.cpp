@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include <QCoreApplication>
+#include <QElapsedTimer>
 
 #include "app_object/CDBAppObject.h"
 #include "datatypes/UnitConverter.h"
@@ -77,7 +78,14 @@ void BlockFactory::UseMessageSink(std::shared_ptr<MessageSink> sink) {
 
 void BlockFactory::UseEventPump(bool on) {
     if (on) {
-        SetEventPump([] { QCoreApplication::processEvents(); });
+        // The component asks on every pass of its member loops; in a large project that would
+        // cost more than the load itself. Every 25 ms keeps the window as alive.
+        SetEventPump([timer = std::make_shared<QElapsedTimer>()] {
+            if (!timer->isValid() || timer->elapsed() >= 25) {
+                QCoreApplication::processEvents();
+                timer->start();
+            }
+        });
     } else {
         SetEventPump({});
     }

@@ -74,6 +74,7 @@ CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
     });
     connect(&project, &StudioProject::wireAdded, this, &CanvasScene::AddWire);
     connect(&project, &StudioProject::wireRemoved, this, &CanvasScene::RemoveWire);
+    connect(&project, &StudioProject::cleared, this, &CanvasScene::RemoveAll);
     for (const std::string& key : project.BlockKeys()) {
         AddBlock(key);
     }
@@ -138,9 +139,21 @@ void CanvasScene::RemoveBlock(const std::string& key) {
     }
 }
 
+void CanvasScene::RemoveAll() {
+    FinishRename(false);
+    blocks_.clear();
+    wires_.clear();
+    wiresAt_.clear();
+    clear();
+}
+
 void CanvasScene::AddWire(const Wire& wire) {
     auto* item = new WireItem(wire);
     wires_.push_back(item);
+    wiresAt_.emplace(wire.source, item);
+    if (wire.target != wire.source) {
+        wiresAt_.emplace(wire.target, item);
+    }
     addItem(item);
     Route(item);
 }
@@ -150,8 +163,15 @@ void CanvasScene::RemoveWire(const Wire& wire) {
         return item->Connection() == wire;
     });
     if (found != wires_.end()) {
-        delete *found;
+        WireItem* item = *found;
+        for (const std::string& end : {wire.source, wire.target}) {
+            auto [at, last] = wiresAt_.equal_range(end);
+            while (at != last) {
+                at = at->second == item ? wiresAt_.erase(at) : std::next(at);
+            }
+        }
         wires_.erase(found);
+        delete item;
     }
 }
 
@@ -166,10 +186,9 @@ void CanvasScene::Route(WireItem* item) const {
 }
 
 void CanvasScene::RouteWiresOf(const std::string& key) {
-    for (WireItem* item : wires_) {
-        if (item->Connection().source == key || item->Connection().target == key) {
-            Route(item);
-        }
+    const auto [first, last] = wiresAt_.equal_range(key);
+    for (auto at = first; at != last; ++at) {
+        Route(at->second);
     }
 }
 

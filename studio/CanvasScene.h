@@ -74,6 +74,7 @@ private:
     void RemoveBlock(const std::string& key);
     void AddWire(const Wire& wire);
     void RemoveWire(const Wire& wire);
+    void RemoveAll();
     void RouteWiresOf(const std::string& key);
     void Route(WireItem* item) const;
     TerminalItem* TerminalAt(QPointF scenePos) const;
@@ -82,6 +83,7 @@ private:
     StudioProject& project_;
     std::map<std::string, BlockItem*> blocks_;
     std::vector<WireItem*> wires_;
+    std::multimap<std::string, WireItem*> wiresAt_;
     TerminalItem* dragFrom_ = nullptr;
     QGraphicsPathItem* dragWire_ = nullptr;
     std::map<std::string, QPointF> pressed_;

@@ -235,7 +235,8 @@ void StudioProject::RemoveBlock(const std::string& key) {
     if (entry == nullptr) {
         return;
     }
-    for (const Wire& wire : WiresOf(key)) {
+    const std::vector<Wire> wires = WiresOf(key);
+    for (const Wire& wire : wires) {
         DropWire(wire, true);
     }
     const std::shared_ptr<IAppObject> block = entry->object;
@@ -371,6 +372,17 @@ bool StudioProject::WriteValue(const std::string& key, const std::string& name,
 
 // ---- Wires ------------------------------------------------------------------------------------
 
+bool StudioProject::TypesFit(const Wire& wire) const {
+    const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
+    const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
+    if (!output || !input) {
+        return false;
+    }
+    const std::string type = OutputType(output);
+    const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
+    return !type.empty() && accepted && accepted->ICompatibleSNVTs_Exists(type);
+}
+
 std::string StudioProject::WhyNotConnect(const Wire& wire) const {
     const std::shared_ptr<IAppObject> source = Block(wire.source);
     const std::shared_ptr<IAppObject> target = Block(wire.target);
@@ -381,14 +393,14 @@ std::string StudioProject::WhyNotConnect(const Wire& wire) const {
     }
     const std::string where = "output " + wire.output + " of " + BlockLabel(source) + " to input " +
                               wire.input + " of " + BlockLabel(target);
-    for (const Wire& other : wires_) {
+    for (const Wire& other : WiresOf(wire.target)) {
         if (other.target == wire.target && other.input == wire.input) {
             return "Cannot connect " + where + ": the input is already connected.";
         }
     }
-    const std::string type = OutputType(output);
-    const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
-    if (type.empty() || !accepted || !accepted->ICompatibleSNVTs_Exists(type)) {
+    if (!TypesFit(wire)) {
+        const std::string type = OutputType(output);
+        const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
         const std::string list = accepted ? accepted->ICompatibleSNVTs_ToString() : std::string();
         return "Cannot connect " + where + ": the output's type " +
                (type.empty() ? std::string("(none)") : type) + " is not one the input accepts (" +
@@ -412,6 +424,10 @@ bool StudioProject::Connect(const Wire& wire) {
         reference += "00";
     }
     wires_.push_back(wire);
+    wiresAt_[wire.source].push_back(wire);
+    if (wire.target != wire.source) {
+        wiresAt_[wire.target].push_back(wire);
+    }
     ++writing_;
     input->IInput_Value(reference);
     if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(input)) {
@@ -423,7 +439,9 @@ bool StudioProject::Connect(const Wire& wire) {
     }
     --writing_;
     emit wireAdded(wire);
-    emit blockChanged(wire.target);
+    if (loading_ == 0) {
+        emit blockChanged(wire.target);
+    }
     return true;
 }
 
@@ -437,6 +455,13 @@ void StudioProject::DropWire(const Wire& wire, bool clearReference) {
         return;
     }
     wires_.erase(found);
+    for (const std::string& end : {wire.source, wire.target}) {
+        std::vector<Wire>& at = wiresAt_[end];
+        at.erase(std::remove(at.begin(), at.end(), wire), at.end());
+        if (at.empty()) {
+            wiresAt_.erase(end);
+        }
+    }
     const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
     const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
     ++writing_;
@@ -454,14 +479,10 @@ void StudioProject::DropWire(const Wire& wire, bool clearReference) {
     emit blockChanged(wire.target);
 }
 
-std::vector<Wire> StudioProject::WiresOf(const std::string& key) const {
-    std::vector<Wire> found;
-    for (const Wire& wire : wires_) {
-        if (wire.source == key || wire.target == key) {
-            found.push_back(wire);
-        }
-    }
-    return found;
+const std::vector<Wire>& StudioProject::WiresOf(const std::string& key) const {
+    static const std::vector<Wire> none;
+    const auto found = wiresAt_.find(key);
+    return found == wiresAt_.end() ? none : found->second;
 }
 
 void StudioProject::OnAttributeChanged(const std::string& globalKey) {
@@ -483,19 +504,11 @@ void StudioProject::OnTypeChanged(const std::string& globalKey) {
         emit valuesChangedOutside(key);
     }
     // The member's type is already the new one: the wires at it that no longer fit go.
-    for (const Wire& wire : WiresOf(key)) {
+    const std::vector<Wire> wires = WiresOf(key);
+    for (const Wire& wire : wires) {
         const bool atMember = (wire.target == key && wire.input == member) ||
                               (wire.source == key && wire.output == member);
-        if (!atMember) {
-            continue;
-        }
-        std::vector<Wire> others;
-        std::swap(others, wires_);
-        std::copy_if(others.begin(), others.end(), std::back_inserter(wires_),
-                     [&](const Wire& w) { return !(w == wire); });
-        const std::string why = WhyNotConnect(wire);
-        wires_ = std::move(others);
-        if (!why.empty()) {
+        if (atMember && !TypesFit(wire)) {
             DropWire(wire, true);
             ShowMessage("The wire from output " + wire.output + " to input " + wire.input +
                             " was removed: its types no longer match.",
@@ -508,13 +521,14 @@ void StudioProject::OnTypeChanged(const std::string& globalKey) {
 // ---- Files ------------------------------------------------------------------------------------
 
 void StudioProject::Clear() {
-    while (!order_.empty()) {
-        const std::string key = order_.back();
-        for (const Wire& wire : WiresOf(key)) {
-            DropWire(wire, false);
-        }
-        RemoveBlock(key);
+    // Everything goes: the ends of the wires need not be told, the blocks are destroyed.
+    wires_.clear();
+    wiresAt_.clear();
+    for (const std::string& key : order_) {
+        blocks_[key]->object->IAppObject_Destroy();
     }
+    blocks_.clear();
+    order_.clear();
     kept_.reset();
     keptWires_.clear();
     nextKey_ = 1;
@@ -568,7 +582,7 @@ void StudioProject::Load(const pugi::xml_document& document) {
     settings_.shortFloat = std::string(root.attribute("ShortFloat").as_string()) == "1";
     BlockFactory::UseUnitSystem(settings_.usUnits);
     ++loading_;
-    std::vector<std::pair<std::string, pugi::xml_node>> loaded;
+    std::vector<std::pair<std::string, pugi::xml_node>> restored;
     for (pugi::xml_node element : root.children()) {
         if (element.type() != pugi::node_element) {
             continue;
@@ -581,10 +595,10 @@ void StudioProject::Load(const pugi::xml_document& document) {
                             "' is kept in the project as it is, but not shown.",
                         kTitle, MessageIcon::Exclamation);
         } else {
-            loaded.emplace_back(key, element);
+            restored.emplace_back(key, element);
         }
     }
-    for (const auto& [key, element] : loaded) {
+    for (const auto& [key, element] : restored) {
         for (pugi::xml_node connection : element.children(kConnection)) {
             const Wire wire{connection.attribute("Source").as_string(),
                             connection.attribute("Output").as_string(), key,
@@ -598,9 +612,7 @@ void StudioProject::Load(const pugi::xml_document& document) {
         }
     }
     --loading_;
-    for (const std::string& key : order_) {
-        emit blockChanged(key);
-    }
+    emit loaded();
 }
 
 int StudioProject::MissingBlocks() const {

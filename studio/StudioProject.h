@@ -81,13 +81,16 @@ public:
     // ---- Wires ----
     // Empty when the wire can be made, else why not, in the user's words.
     std::string WhyNotConnect(const Wire& wire) const;
+    // True when the input accepts the output's type.
+    bool TypesFit(const Wire& wire) const;
     // Sets the input's reference from the output's code and tells both ends; a refusal is
     // shown as a message and gives false.
     bool Connect(const Wire& wire);
     // Clears the input's reference and tells both ends.
     void Disconnect(const Wire& wire);
     const std::vector<Wire>& Wires() const { return wires_; }
-    std::vector<Wire> WiresOf(const std::string& key) const;
+    // Valid until the next change of wires: copy it to walk it while wires change.
+    const std::vector<Wire>& WiresOf(const std::string& key) const;
 
     // ---- Files ----
     void Clear();
@@ -123,6 +126,8 @@ signals:
     // A value changed without the studio asking: an editor wrote it.
     void valuesChangedOutside(const std::string& key);
     void cleared();
+    // A project was read: its blocks and wires have all been announced.
+    void loaded();
 
 private:
     struct Entry;
@@ -142,6 +147,8 @@ private:
     std::map<std::string, std::unique_ptr<Entry>> blocks_;
     std::vector<std::string> order_;
     std::vector<Wire> wires_;
+    // The wires at each block, in the order they were made: a large project asks this often.
+    std::map<std::string, std::vector<Wire>> wiresAt_;
     // Kept as read and written back: blocks of missing types, wires that lead to them.
     pugi::xml_document kept_;
     std::vector<Wire> keptWires_;

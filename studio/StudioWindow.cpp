@@ -158,12 +158,14 @@ void StudioWindow::MakeProject() {
                 undo_->push(new RenameCommand(*project_, key,
                                               project_->Block(key)->IAppObject_UserName(), name));
             });
-    connect(scene_, &CanvasScene::showRequested, this, [this](const std::string& key) {
-        log_->SetBlock(Q(project_->Block(key)->IAppObject_UserName()));
-        project_->Block(key)->IAppObject_Show(nullptr);
-    });
+    connect(scene_, &CanvasScene::showRequested, this, &StudioWindow::ShowParameters);
     connect(scene_, &QGraphicsScene::selectionChanged, this, &StudioWindow::OnSelectionChanged);
-    connect(project_, &StudioProject::blockAdded, this, &StudioWindow::RememberState);
+    connect(project_, &StudioProject::cleared, this, [this] {
+        states_.clear();
+        pending_.clear();
+        SelectBlock({});
+    });
+    connect(project_, &StudioProject::loaded, this, [this] { OnSelectionChanged(); });
     connect(project_, &StudioProject::blockChanged, this, [this](const std::string& key) {
         RememberState(key);
         if (key == selected_) {
@@ -286,12 +288,7 @@ void StudioWindow::BuildActions() {
         }
     });
     add(edit, "actionParameters", tr("&Parameters..."), QKeySequence(Qt::ALT | Qt::Key_Return),
-        [this] {
-            if (!selected_.empty()) {
-                log_->SetBlock(Q(project_->Block(selected_)->IAppObject_UserName()));
-                project_->Block(selected_)->IAppObject_Show(nullptr);
-            }
-        });
+        [this] { ShowParameters(selected_); });
     add(edit, "actionSelectAll", tr("Select &all"), QKeySequence::SelectAll, [this] {
         for (QGraphicsItem* item : scene_->items()) {
             item->setSelected(true);
@@ -410,14 +407,31 @@ void StudioWindow::OnSelectionChanged() {
     parameters_->ShowBlock(selected_, block);
 }
 
+void StudioWindow::ShowParameters(const std::string& key) {
+    const std::shared_ptr<IAppObject> block = project_->Block(key);
+    if (!block) {
+        return;
+    }
+    // From now on the block's editors may write; keep its state to undo what they write.
+    states_[key] = StateOf(*project_, key);
+    log_->SetBlock(Q(block->IAppObject_UserName()));
+    block->IAppObject_Show(nullptr);
+}
+
 void StudioWindow::RememberState(const std::string& key) {
-    if (pending_.count(key) == 0 && project_->Block(key)) {
+    if (states_.count(key) != 0 && pending_.count(key) == 0 && project_->Block(key)) {
         states_[key] = StateOf(*project_, key);
     }
 }
 
 void StudioWindow::OnValuesChangedOutside(const std::string& key) {
     if (pending_.count(key) != 0) {
+        return;
+    }
+    if (states_.count(key) == 0) {
+        // A block whose editors were never opened here: its state from before is unknown,
+        // so the write can't become a step. Start watching it now.
+        states_[key] = StateOf(*project_, key);
         return;
     }
     pending_[key] = states_[key];

@@ -56,6 +56,8 @@ public slots:
     void SetValue(const std::string& key, const std::string& attribute, const std::string& value);
     void DeleteSelection();
     void SelectBlock(const std::string& key);
+    // Opens the block's parameter list (IAppObject_Show).
+    void ShowParameters(const std::string& key);
     // The file actions after their dialogs.
     bool OpenProject(const QString& file);
     bool SaveProjectAs(const QString& file);

@@ -170,7 +170,8 @@ void ValuesCommand::undo() {
 
 void ValuesCommand::Apply(const BlockState& state) {
     // Wires that the state lacks go first, so that a type selector is free to change.
-    for (const Wire& wire : project_.WiresOf(key_)) {
+    const std::vector<Wire> before = project_.WiresOf(key_);
+    for (const Wire& wire : before) {
         if (std::find(state.wires.begin(), state.wires.end(), wire) == state.wires.end()) {
             project_.Disconnect(wire);
         }
