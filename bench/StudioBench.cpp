@@ -77,6 +77,9 @@ void WindowOpen(benchmark::State& state) {
     window.resize(1280, 800);
     window.show();
     for (auto _ : state) {
+        state.PauseTiming();
+        window.NewProject();
+        state.ResumeTiming();
         if (!window.OpenProject(QString::fromStdString(file))) {
             state.SkipWithError("the project did not open");
         }

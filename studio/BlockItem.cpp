@@ -18,15 +18,21 @@ constexpr qreal kRow = 20;
 constexpr qreal kPadding = 8;
 constexpr qreal kMinWidth = 150;
 
-QFont NameFont() {
-    QFont font;
-    font.setBold(true);
+const QFont& NameFont() {
+    static const QFont font = [] {
+        QFont bold;
+        bold.setBold(true);
+        return bold;
+    }();
     return font;
 }
 
-QFont SmallFont() {
-    QFont font;
-    font.setPointSizeF(font.pointSizeF() * 0.85);
+const QFont& SmallFont() {
+    static const QFont font = [] {
+        QFont small;
+        small.setPointSizeF(small.pointSizeF() * 0.85);
+        return small;
+    }();
     return font;
 }
 
@@ -115,8 +121,8 @@ void BlockItem::Refresh() {
             }
         }
     }
-    const QFontMetricsF names(NameFont());
-    const QFontMetricsF small(SmallFont());
+    static const QFontMetricsF names(NameFont());
+    static const QFontMetricsF small(SmallFont());
     qreal longestIn = 0;
     qreal longestOut = 0;
     for (const std::string& name : inputs) {
@@ -183,6 +189,10 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     painter->setPen(
         QPen(selected ? QColor(0xff, 0xb0, 0x20) : colour_.darker(140), selected ? 2.5 : 1.2));
     painter->drawPath(outline);
+    // Far out, names and terminals would be unreadable specks: the block's shape suffices.
+    if (option->levelOfDetailFromTransform(painter->worldTransform()) < 0.35) {
+        return;
+    }
 
     painter->drawPixmap(QPointF(kPadding, 9), icon_);
     painter->setPen(Qt::white);

@@ -139,21 +139,12 @@ std::string StudioProject::NextKey() {
     return key;
 }
 
-int16_t StudioProject::NextExportIndex() const {
-    std::vector<int16_t> used;
-    for (const auto& [key, entry] : blocks_) {
-        used.push_back(entry->object->IAppObject_ExportIndex());
+int16_t StudioProject::NextExportIndex() {
+    // The lowest index no block has; the hint never passes a free one.
+    while (exportIndexes_.count(freeExportIndex_) != 0) {
+        ++freeExportIndex_;
     }
-    std::sort(used.begin(), used.end());
-    int16_t next = 0;
-    for (const int16_t index : used) {
-        if (index == next) {
-            ++next;
-        } else if (index > next) {
-            break;
-        }
-    }
-    return next;
+    return freeExportIndex_;
 }
 
 std::string StudioProject::CreateBlock(const std::string& type, const std::string& key,
@@ -173,6 +164,7 @@ std::string StudioProject::CreateBlock(const std::string& type, const std::strin
     block->IAppObject_Parent(macro_);
     block->IAppObject_CallBack(std::make_shared<BlockListener>(this));
     block->IAppObject_ExportIndex(exportIndex);
+    exportIndexes_.insert(exportIndex);
     auto entry = std::make_unique<Entry>();
     entry->key = key;
     entry->object = std::move(block);
@@ -240,6 +232,9 @@ void StudioProject::RemoveBlock(const std::string& key) {
         DropWire(wire, true);
     }
     const std::shared_ptr<IAppObject> block = entry->object;
+    const int16_t exportIndex = block->IAppObject_ExportIndex();
+    exportIndexes_.erase(exportIndexes_.find(exportIndex));
+    freeExportIndex_ = std::min(freeExportIndex_, exportIndex);
     order_.erase(std::find(order_.begin(), order_.end(), key));
     blocks_.erase(key);
     block->IAppObject_Destroy();
@@ -529,6 +524,8 @@ void StudioProject::Clear() {
     }
     blocks_.clear();
     order_.clear();
+    exportIndexes_.clear();
+    freeExportIndex_ = 0;
     kept_.reset();
     keptWires_.clear();
     nextKey_ = 1;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -133,7 +134,7 @@ private:
     struct Entry;
     Entry* Find(const std::string& key) const;
     std::string NextKey();
-    int16_t NextExportIndex() const;
+    int16_t NextExportIndex();
     std::string CreateBlock(const std::string& type, const std::string& key, int16_t exportIndex);
     void DropWire(const Wire& wire, bool clearReference);
     void Context(const std::string& block) const;
@@ -146,6 +147,9 @@ private:
     ProjectSettings settings_;
     std::map<std::string, std::unique_ptr<Entry>> blocks_;
     std::vector<std::string> order_;
+    // Export indexes in use (a project read from a file may hold the same one twice).
+    std::multiset<int16_t> exportIndexes_;
+    int16_t freeExportIndex_ = 0;
     std::vector<Wire> wires_;
     // The wires at each block, in the order they were made: a large project asks this often.
     std::map<std::string, std::vector<Wire>> wiresAt_;

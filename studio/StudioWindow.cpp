@@ -470,7 +470,10 @@ bool StudioWindow::OpenProject(const QString& file) {
     MakeProject();
     log_->SetQuiet(loadToLog_->isChecked());
     std::string error;
+    // Items come in one by one; the scene's index is built once at the end instead.
+    scene_->setItemIndexMethod(QGraphicsScene::NoIndex);
     const bool read = project_->Load(file.toStdString(), &error);
+    scene_->setItemIndexMethod(QGraphicsScene::BspTreeIndex);
     log_->SetQuiet(false);
     log_->SetBlock({});
     if (!read) {
