@@ -8,6 +8,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "datatypes/UnitConverter.h"
+#include "editors/QtAdapters.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
@@ -89,6 +90,18 @@ void BlockFactory::UseEventPump(bool on) {
     } else {
         SetEventPump({});
     }
+}
+
+void BlockFactory::UseWindows(bool on) {
+    if (on) {
+        InstallQtAdapters();
+    } else {
+        RemoveQtAdapters();
+    }
+}
+
+std::shared_ptr<IObject> BlockFactory::HostWindow(QWidget* window) {
+    return HostWindowOf(window);
 }
 
 std::filesystem::path BlockFactory::ShippedDataFolder() {

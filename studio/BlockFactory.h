@@ -11,6 +11,8 @@
 
 #include "interfaces/IAppObject.h"
 
+class QWidget;
+
 namespace zerbin {
 class MessageSink;
 }
@@ -46,6 +48,11 @@ public:
     static void UseMessageSink(std::shared_ptr<MessageSink> sink);
     // Long loops of the component let the studio's queued events run.
     static void UseEventPump(bool on);
+    // The component's windows (parameter list, value editors) open from now on; false puts
+    // the headless defaults back. Install the message sink and event pump after this.
+    static void UseWindows(bool on);
+    // The host's window as IAppObject_Show takes it as the owner.
+    static std::shared_ptr<IObject> HostWindow(QWidget* window);
 
     // The data that ships with the product: installed beside the program
     // (PREFIX/share/zerbin) when there is such a copy, else the source tree's data folder.

@@ -65,6 +65,7 @@ std::shared_ptr<const pugi::xml_document> ReadDocument(const QString& file, std:
 StudioWindow::StudioWindow(QWidget* parent)
     : QMainWindow(parent), log_(std::make_shared<MessageLog>()), undo_(new QUndoStack(this)) {
     setObjectName("studio");
+    BlockFactory::UseWindows(true);
     BlockFactory::UseMessageSink(log_);
     BlockFactory::UseEventPump(true);
     const std::filesystem::path data = BlockFactory::ShippedDataFolder();
@@ -124,8 +125,7 @@ StudioWindow::~StudioWindow() {
     scene_ = nullptr;
     delete project_;
     project_ = nullptr;
-    BlockFactory::UseEventPump(false);
-    BlockFactory::UseMessageSink(nullptr);
+    BlockFactory::UseWindows(false);
 }
 
 void StudioWindow::MakeProject() {
@@ -415,7 +415,7 @@ void StudioWindow::ShowParameters(const std::string& key) {
     // From now on the block's editors may write; keep its state to undo what they write.
     states_[key] = StateOf(*project_, key);
     log_->SetBlock(Q(block->IAppObject_UserName()));
-    block->IAppObject_Show(nullptr);
+    block->IAppObject_Show(BlockFactory::HostWindow(this));
 }
 
 void StudioWindow::RememberState(const std::string& key) {

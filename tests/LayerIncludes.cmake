@@ -10,12 +10,15 @@ set(allowed_connections ${allowed_datatypes} connections)
 set(allowed_parameters ${allowed_datatypes} parameters)
 set(allowed_app_object ${allowed_connections} parameters app_object)
 set(allowed_interfaces interfaces)
-# The desktop host sits on top: it may include every library below it, never cli/.
-set(allowed_studio ${allowed_app_object} studio)
+# The plug-in holds the core (and the editors when built) and its own public header zerbin/.
+set(allowed_plugin ${allowed_app_object} editors plugin zerbin)
+# The desktop host sits on top: the core and the editors' windows, never cli/ or the plug-in's
+# insides.
+set(allowed_studio ${allowed_app_object} editors studio zerbin)
 
 set(failures "")
 foreach(folder IN ITEMS base platform datatypes connections parameters app_object interfaces
-                       studio)
+                       plugin studio)
     file(GLOB files "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
     foreach(file IN LISTS files)
         file(STRINGS "${file}" includes REGEX "^#include \"[a-z_]+/")

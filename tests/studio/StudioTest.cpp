@@ -1,5 +1,6 @@
 // Scenarios of the studio as a user drives it: drop blocks from the palette, draw wires
 // between terminals, move and rename on the canvas, set values, undo and redo, save and open.
+#include <QApplication>
 #include <QGraphicsProxyWidget>
 #include <QLineEdit>
 #include <QMimeData>
@@ -241,6 +242,34 @@ private slots:
         QTest::qWait(0);
         QCOMPARE(window_->Bytes().Image(false).toStdString(), block->IAppObject_Stream());
         QVERIFY(window_->Bytes().ToolTipAt(false, position).contains("19"));
+    }
+
+    // A double click opens the block's parameter list; what its editors write becomes one
+    // undoable step, and undo puts the value back.
+    void aDoubleClickOpensTheParameterListWhoseWritesUndo() {
+        const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        const BlockItem* item = window_->Scene().Item(thermostat);
+        const QPoint body = ViewPoint(*window_, item->mapToScene(QPointF(20, 50)));
+        QTest::mouseDClick(window_->View().viewport(), Qt::LeftButton, {}, body);
+        QWidget* list = nullptr;
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == "frmMain" && widget->isVisible()) {
+                list = widget;
+            }
+        }
+        QVERIFY(list != nullptr);
+        const int steps = window_->UndoStack().count();
+        // What an editor does when the user confirms a value.
+        window_->Project()
+            .Block(thermostat)
+            ->IAppObject_Attributes()
+            ->IAttributes_Item("HeatSetpoint")
+            ->IAttribute_Value("18");
+        QTest::qWait(0);
+        QCOMPARE(window_->UndoStack().count(), steps + 1);
+        window_->UndoStack().undo();
+        QCOMPARE(Value(*window_, thermostat, "HeatSetpoint"), std::string("21"));
+        list->close();
     }
 
     // A block whose type the library lacks is kept as it stands, said once, and written back.
