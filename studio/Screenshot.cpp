@@ -21,12 +21,16 @@ void BuildExample(StudioWindow& window) {
     window.RequestWire(Wire{setpoint, "Setpoint", pid, "Setpoint"});
     window.RequestWire(Wire{pid, "Output", fan, "Demand"});
     window.RequestWire(Wire{thermostat, "Heat", fan, "Enable"});
+    // A wire the types refuse, so that the message log has something to show.
+    window.RequestWire(Wire{schedule, "Occupancy", pid, "Enable"});
     window.SelectBlock(pid);
 }
 
 bool RenderScreenshot(StudioWindow& window, const QString& project, const QString& file) {
     window.resize(1280, 800);
     window.show();
+    // Nobody is there to click a box away: messages go to the log.
+    window.Log().SetPresenter(nullptr);
     if (project.isEmpty()) {
         BuildExample(window);
     } else if (!window.OpenProject(project)) {

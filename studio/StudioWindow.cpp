@@ -90,6 +90,7 @@ StudioWindow::StudioWindow(QWidget* parent)
     resizeDocks({paletteDock}, {230}, Qt::Horizontal);
     resizeDocks({parameters_}, {360}, Qt::Horizontal);
     resizeDocks({logDock_}, {120}, Qt::Vertical);
+    resizeDocks({parameters_, bytes_}, {300, 330}, Qt::Vertical);
 
     MakeProject();
     palette_->Fill(factory_);
