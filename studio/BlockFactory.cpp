@@ -69,10 +69,6 @@ void BlockFactory::UseUnitSystem(bool us) {
     SetUnitSystem(us ? UnitSystem::US : UnitSystem::SI);
 }
 
-bool BlockFactory::UsesUsUnits() {
-    return CurrentUnitSystem() == UnitSystem::US;
-}
-
 void BlockFactory::UseMessageSink(std::shared_ptr<MessageSink> sink) {
     SetMessageSink(std::move(sink));
 }

@@ -43,7 +43,6 @@ public:
     BlockTypeInfo Describe(const std::string& type) const;
 
     static void UseUnitSystem(bool us);
-    static bool UsesUsUnits();
     // Every message box of the component goes to the sink; nullptr restores the default.
     static void UseMessageSink(std::shared_ptr<MessageSink> sink);
     // Long loops of the component let the studio's queued events run.

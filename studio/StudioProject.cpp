@@ -94,7 +94,8 @@ StudioProject::StudioProject(BlockFactory& factory,
       dictionary_(std::move(dictionary)),
       ownerDevice_(std::move(ownerDevice)),
       macro_(std::make_shared<ProjectMacro>(*this)) {
-    settings_.usUnits = BlockFactory::UsesUsUnits();
+    // The unit system is the process's; a new project starts in SI whatever came before.
+    BlockFactory::UseUnitSystem(settings_.usUnits);
 }
 
 StudioProject::~StudioProject() {

@@ -272,6 +272,24 @@ private slots:
         list->close();
     }
 
+    // The unit system is a project setting: it shows in the values, is saved, and undoes.
+    void usUnitsAreAProjectSettingThatUndoes() {
+        const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        auto shown = [&] {
+            return window_->Project()
+                .Block(thermostat)
+                ->IAppObject_Attributes()
+                ->IAttributes_Item("HeatSetpoint")
+                ->IAttribute_DispValue();
+        };
+        const std::string si = shown();
+        window_->findChild<QAction*>("actionUsUnits")->trigger();
+        QVERIFY(shown() != si);
+        QVERIFY(window_->Project().Text().find("UnitSystem=\"US\"") != std::string::npos);
+        window_->UndoStack().undo();
+        QCOMPARE(shown(), si);
+    }
+
     // A block whose type the library lacks is kept as it stands, said once, and written back.
     void aProjectWithAMissingTypeKeepsThatBlock() {
         QTemporaryDir folder;
