@@ -1,0 +1,64 @@
+// Where the studio's blocks come from, and the few process-wide settings of the component that
+// a host makes before it creates blocks: the block library, the unit system, the message and
+// event ports. This is the one place that knows how the component is reached; everything else
+// in the studio talks to blocks through the interfaces alone.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "interfaces/IAppObject.h"
+
+class QWidget;
+
+namespace zerbin {
+class MessageSink;
+}
+
+namespace zerbin::studio {
+
+// What the palette shows of a block type, read from its definition header.
+struct BlockTypeInfo {
+    std::string type;
+    std::string name;
+    std::string category;
+    std::string description;
+    std::vector<unsigned char> icon;  // the bytes of an icon file; may be empty
+};
+
+class BlockFactory {
+public:
+    // A new block that has not yet been given its type.
+    std::shared_ptr<IAppObject> CreateBlock() const;
+
+    // The folder whose sub-folders are the block types; set before the first block.
+    void UseLibrary(const std::filesystem::path& library);
+    const std::filesystem::path& Library() const { return library_; }
+    // The types of the library, sorted by name; empty when the folder can't be read.
+    std::vector<std::string> Types() const;
+    // True when the library holds a definition file for the type.
+    bool HasType(const std::string& type) const;
+    BlockTypeInfo Describe(const std::string& type) const;
+
+    static void UseUnitSystem(bool us);
+    // Every message box of the component goes to the sink; nullptr restores the default.
+    static void UseMessageSink(std::shared_ptr<MessageSink> sink);
+    // Long loops of the component let the studio's queued events run.
+    static void UseEventPump(bool on);
+    // The component's windows (parameter list, value editors) open from now on; false puts
+    // the headless defaults back. Install the message sink and event pump after this.
+    static void UseWindows(bool on);
+    // The host's window as IAppObject_Show takes it as the owner.
+    static std::shared_ptr<IObject> HostWindow(QWidget* window);
+
+    // The data that ships with the product: installed beside the program
+    // (PREFIX/share/zerbin) when there is such a copy, else the source tree's data folder.
+    static std::filesystem::path ShippedDataFolder();
+
+private:
+    std::filesystem::path library_;
+};
+
+}  // namespace zerbin::studio

@@ -1,0 +1,413 @@
+#include "studio/CanvasScene.h"
+
+#include <algorithm>
+
+#include <QDragEnterEvent>
+#include <QGraphicsProxyWidget>
+#include <QGraphicsSceneMouseEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+#include "studio/BlockItem.h"
+
+namespace zerbin::studio {
+namespace {
+
+QPainterPath WirePath(QPointF from, QPointF to) {
+    QPainterPath path(from);
+    const qreal bend = std::max(40.0, std::abs(to.x() - from.x()) / 2);
+    path.cubicTo(from + QPointF(bend, 0), to - QPointF(bend, 0), to);
+    return path;
+}
+
+// Ends a rename on Escape without taking the text.
+class NameEditor : public QLineEdit {
+public:
+    using QLineEdit::QLineEdit;
+    bool cancelled = false;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Escape) {
+            cancelled = true;
+            emit editingFinished();
+            return;
+        }
+        QLineEdit::keyPressEvent(event);
+    }
+};
+
+}  // namespace
+
+WireItem::WireItem(Wire wire) : wire_(std::move(wire)) {
+    setFlag(ItemIsSelectable);
+    setZValue(-1);
+    setPen(QPen(QColor(0x55, 0x60, 0x6b), 2));
+    setToolTip(QString::fromStdString(wire_.source + "." + wire_.output + " → " + wire_.target +
+                                      "." + wire_.input));
+}
+
+void WireItem::Route(QPointF from, QPointF to) {
+    setPath(WirePath(from, to));
+}
+
+QVariant WireItem::itemChange(GraphicsItemChange change, const QVariant& value) {
+    if (change == ItemSelectedHasChanged) {
+        setPen(QPen(value.toBool() ? QColor(0xff, 0xb0, 0x20) : QColor(0x55, 0x60, 0x6b),
+                    value.toBool() ? 3 : 2));
+    }
+    return QGraphicsPathItem::itemChange(change, value);
+}
+
+CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
+    : QGraphicsScene(parent), project_(project) {
+    setBackgroundBrush(QColor(0xee, 0xf1, 0xf4));
+    connect(&project, &StudioProject::blockAdded, this, &CanvasScene::AddBlock);
+    connect(&project, &StudioProject::blockRemoved, this, &CanvasScene::RemoveBlock);
+    connect(&project, &StudioProject::blockChanged, this, [this](const std::string& key) {
+        if (BlockItem* item = Item(key)) {
+            item->Refresh();
+        }
+    });
+    connect(&project, &StudioProject::wireAdded, this, &CanvasScene::AddWire);
+    connect(&project, &StudioProject::wireRemoved, this, &CanvasScene::RemoveWire);
+    connect(&project, &StudioProject::cleared, this, &CanvasScene::RemoveAll);
+    for (const std::string& key : project.BlockKeys()) {
+        AddBlock(key);
+    }
+    for (const Wire& wire : project.Wires()) {
+        AddWire(wire);
+    }
+}
+
+CanvasScene::~CanvasScene() {
+    blockSignals(true);
+    blocks_.clear();
+    wires_.clear();
+    clear();
+}
+
+BlockItem* CanvasScene::Item(const std::string& key) const {
+    const auto found = blocks_.find(key);
+    return found == blocks_.end() ? nullptr : found->second;
+}
+
+std::vector<std::string> CanvasScene::SelectedBlocks() const {
+    std::vector<std::string> keys;
+    // In the project's order, so that a deletion and its undo keep it.
+    for (const std::string& key : project_.BlockKeys()) {
+        if (const BlockItem* item = Item(key); item && item->isSelected()) {
+            keys.push_back(key);
+        }
+    }
+    return keys;
+}
+
+std::vector<Wire> CanvasScene::SelectedWires() const {
+    std::vector<Wire> wires;
+    for (const WireItem* item : wires_) {
+        if (item->isSelected()) {
+            wires.push_back(item->Connection());
+        }
+    }
+    return wires;
+}
+
+TerminalItem* CanvasScene::Terminal(const std::string& key, const std::string& name,
+                                    bool output) const {
+    const BlockItem* item = Item(key);
+    return item ? item->Terminal(name, output) : nullptr;
+}
+
+void CanvasScene::AddBlock(const std::string& key) {
+    auto* item = new BlockItem(key, project_.Block(key));
+    blocks_[key] = item;
+    addItem(item);
+    connect(item, &BlockItem::moved, this, &CanvasScene::RouteWiresOf);
+}
+
+void CanvasScene::RemoveBlock(const std::string& key) {
+    if (BlockItem* item = Item(key)) {
+        blocks_.erase(key);
+        if (renaming_ == key) {
+            FinishRename(false);
+        }
+        delete item;
+    }
+}
+
+void CanvasScene::RemoveAll() {
+    FinishRename(false);
+    blocks_.clear();
+    wires_.clear();
+    wiresAt_.clear();
+    clear();
+}
+
+void CanvasScene::AddWire(const Wire& wire) {
+    auto* item = new WireItem(wire);
+    wires_.push_back(item);
+    wiresAt_.emplace(wire.source, item);
+    if (wire.target != wire.source) {
+        wiresAt_.emplace(wire.target, item);
+    }
+    addItem(item);
+    Route(item);
+}
+
+void CanvasScene::RemoveWire(const Wire& wire) {
+    const auto found = std::find_if(wires_.begin(), wires_.end(), [&](const WireItem* item) {
+        return item->Connection() == wire;
+    });
+    if (found != wires_.end()) {
+        WireItem* item = *found;
+        for (const std::string& end : {wire.source, wire.target}) {
+            auto [at, last] = wiresAt_.equal_range(end);
+            while (at != last) {
+                at = at->second == item ? wiresAt_.erase(at) : std::next(at);
+            }
+        }
+        wires_.erase(found);
+        delete item;
+    }
+}
+
+void CanvasScene::Route(WireItem* item) const {
+    const Wire& wire = item->Connection();
+    const TerminalItem* from = Terminal(wire.source, wire.output, true);
+    const TerminalItem* to = Terminal(wire.target, wire.input, false);
+    item->setVisible(from != nullptr && to != nullptr);
+    if (from && to) {
+        item->Route(from->sceneBoundingRect().center(), to->sceneBoundingRect().center());
+    }
+}
+
+void CanvasScene::RouteWiresOf(const std::string& key) {
+    const auto [first, last] = wiresAt_.equal_range(key);
+    for (auto at = first; at != last; ++at) {
+        Route(at->second);
+    }
+}
+
+TerminalItem* CanvasScene::TerminalAt(QPointF scenePos) const {
+    // A terminal is small; accept a release a few pixels off it.
+    const QRectF near(scenePos - QPointF(4, 4), QSizeF(8, 8));
+    for (QGraphicsItem* item : items(near)) {
+        if (auto* terminal = qgraphicsitem_cast<TerminalItem*>(item)) {
+            return terminal;
+        }
+    }
+    return nullptr;
+}
+
+void CanvasScene::mousePressEvent(QGraphicsSceneMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        if (TerminalItem* terminal = TerminalAt(event->scenePos())) {
+            dragFrom_ = terminal;
+            dragWire_ = addPath(QPainterPath(), QPen(QColor(0x2a, 0x7a, 0xd0), 2, Qt::DashLine));
+            event->accept();
+            return;
+        }
+    }
+    QGraphicsScene::mousePressEvent(event);
+    pressed_.clear();
+    for (const std::string& key : SelectedBlocks()) {
+        pressed_[key] = Item(key)->pos();
+    }
+}
+
+void CanvasScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event) {
+    if (dragFrom_ != nullptr) {
+        const QPointF start = dragFrom_->sceneBoundingRect().center();
+        dragWire_->setPath(dragFrom_->IsOutput() ? WirePath(start, event->scenePos())
+                                                 : WirePath(event->scenePos(), start));
+        event->accept();
+        return;
+    }
+    QGraphicsScene::mouseMoveEvent(event);
+}
+
+void CanvasScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event) {
+    if (dragFrom_ != nullptr) {
+        TerminalItem* from = dragFrom_;
+        dragFrom_ = nullptr;
+        delete dragWire_;
+        dragWire_ = nullptr;
+        TerminalItem* to = TerminalAt(event->scenePos());
+        if (to != nullptr && to->IsOutput() != from->IsOutput()) {
+            const TerminalItem* output = from->IsOutput() ? from : to;
+            const TerminalItem* input = from->IsOutput() ? to : from;
+            emit wireRequested(
+                Wire{output->BlockKey(), output->Name(), input->BlockKey(), input->Name()});
+        }
+        event->accept();
+        return;
+    }
+    QGraphicsScene::mouseReleaseEvent(event);
+    std::vector<BlockMove> moves;
+    for (const auto& [key, from] : pressed_) {
+        const BlockItem* item = Item(key);
+        if (item != nullptr && item->pos() != from) {
+            moves.push_back(BlockMove{key, from, item->pos()});
+        }
+    }
+    pressed_.clear();
+    if (!moves.empty()) {
+        emit blocksMoved(moves);
+    }
+}
+
+void CanvasScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) {
+    for (QGraphicsItem* item : items(event->scenePos())) {
+        if (auto* block = qgraphicsitem_cast<BlockItem*>(item)) {
+            if (block->NameRect().contains(block->mapFromScene(event->scenePos()))) {
+                StartRename(block->Key());
+            } else {
+                emit showRequested(block->Key());
+            }
+            event->accept();
+            return;
+        }
+    }
+    QGraphicsScene::mouseDoubleClickEvent(event);
+}
+
+void CanvasScene::StartRename(const std::string& key) {
+    BlockItem* block = Item(key);
+    if (block == nullptr) {
+        return;
+    }
+    FinishRename(false);
+    auto* editor =
+        new NameEditor(QString::fromStdString(project_.Block(key)->IAppObject_UserName()));
+    editor->selectAll();
+    renameEditor_ = addWidget(editor);
+    renameEditor_->setZValue(10);
+    const QRectF rect = block->NameRect();
+    renameEditor_->setPos(block->mapToScene(rect.topLeft()));
+    renameEditor_->resize(rect.width(), editor->sizeHint().height());
+    renaming_ = key;
+    // Return takes the name, Escape drops it, and leaving the editor takes it as well.
+    connect(editor, &QLineEdit::returnPressed, this, [this] { FinishRename(true); });
+    connect(editor, &QLineEdit::editingFinished, this,
+            [this, editor] { FinishRename(!editor->cancelled); });
+    if (!views().isEmpty()) {
+        views().front()->setFocus();
+    }
+    setFocusItem(renameEditor_);
+    editor->setFocus();
+}
+
+void CanvasScene::FinishRename(bool accept) {
+    if (renameEditor_ == nullptr) {
+        return;
+    }
+    QGraphicsProxyWidget* proxy = renameEditor_;
+    renameEditor_ = nullptr;
+    const std::string key = renaming_;
+    renaming_.clear();
+    const auto* editor = static_cast<QLineEdit*>(proxy->widget());
+    const std::string name = editor->text().toStdString();
+    proxy->deleteLater();
+    const std::shared_ptr<IAppObject> block = project_.Block(key);
+    if (accept && block && block->IAppObject_UserName() != name) {
+        emit renameRequested(key, name);
+    }
+}
+
+CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scene, parent) {
+    setAcceptDrops(true);
+    setDragMode(RubberBandDrag);
+    setRenderHint(QPainter::Antialiasing);
+    setTransformationAnchor(AnchorUnderMouse);
+    setViewportUpdateMode(SmartViewportUpdate);
+}
+
+void CanvasView::ZoomBy(qreal factor) {
+    const qreal next = std::clamp(Zoom() * factor, 0.05, 8.0);
+    scale(next / Zoom(), next / Zoom());
+}
+
+void CanvasView::ZoomToFit() {
+    const QRectF bounds = scene()->itemsBoundingRect().adjusted(-40, -40, 40, 40);
+    if (!bounds.isEmpty()) {
+        fitInView(bounds, Qt::KeepAspectRatio);
+        if (Zoom() > 1.0) {
+            resetTransform();
+            centerOn(bounds.center());
+        }
+    }
+}
+
+void CanvasView::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasFormat(kMimeType)) {
+        event->acceptProposedAction();
+    } else {
+        QGraphicsView::dragEnterEvent(event);
+    }
+}
+
+void CanvasView::dragMoveEvent(QDragMoveEvent* event) {
+    if (event->mimeData()->hasFormat(kMimeType)) {
+        event->acceptProposedAction();
+    } else {
+        QGraphicsView::dragMoveEvent(event);
+    }
+}
+
+void CanvasView::dropEvent(QDropEvent* event) {
+    if (!event->mimeData()->hasFormat(kMimeType)) {
+        QGraphicsView::dropEvent(event);
+        return;
+    }
+    const std::string type = event->mimeData()->data(kMimeType).toStdString();
+    emit placeRequested(type, mapToScene(event->position().toPoint()));
+    event->acceptProposedAction();
+}
+
+void CanvasView::wheelEvent(QWheelEvent* event) {
+    if (event->modifiers() & Qt::ControlModifier) {
+        ZoomBy(event->angleDelta().y() > 0 ? 1.15 : 1 / 1.15);
+        event->accept();
+        return;
+    }
+    QGraphicsView::wheelEvent(event);
+}
+
+void CanvasView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton) {
+        panning_ = true;
+        panFrom_ = event->position().toPoint();
+        viewport()->setCursor(Qt::ClosedHandCursor);
+        event->accept();
+        return;
+    }
+    QGraphicsView::mousePressEvent(event);
+}
+
+void CanvasView::mouseMoveEvent(QMouseEvent* event) {
+    if (panning_) {
+        const QPoint delta = event->position().toPoint() - panFrom_;
+        panFrom_ = event->position().toPoint();
+        horizontalScrollBar()->setValue(horizontalScrollBar()->value() - delta.x());
+        verticalScrollBar()->setValue(verticalScrollBar()->value() - delta.y());
+        event->accept();
+        return;
+    }
+    QGraphicsView::mouseMoveEvent(event);
+}
+
+void CanvasView::mouseReleaseEvent(QMouseEvent* event) {
+    if (panning_ && event->button() == Qt::MiddleButton) {
+        panning_ = false;
+        viewport()->unsetCursor();
+        event->accept();
+        return;
+    }
+    QGraphicsView::mouseReleaseEvent(event);
+}
+
+}  // namespace zerbin::studio

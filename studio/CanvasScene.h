@@ -1,0 +1,122 @@
+// The canvas: one item for each block and each wire of the project, kept in step with it, and
+// the gestures the user makes on them (drag a wire from terminal to terminal, move, rename in
+// place, double click). Gestures become requests; the window turns them into undoable steps.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <QGraphicsPathItem>
+#include <QGraphicsScene>
+#include <QGraphicsView>
+
+#include "studio/StudioProject.h"
+
+class QGraphicsProxyWidget;
+
+namespace zerbin::studio {
+
+class BlockItem;
+class TerminalItem;
+
+class WireItem : public QGraphicsPathItem {
+public:
+    enum { Type = UserType + 3 };
+    explicit WireItem(Wire wire);
+    int type() const override { return Type; }
+    const Wire& Connection() const { return wire_; }
+    void Route(QPointF from, QPointF to);
+
+protected:
+    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
+
+private:
+    Wire wire_;
+};
+
+struct BlockMove {
+    std::string key;
+    QPointF from;
+    QPointF to;
+};
+
+class CanvasScene : public QGraphicsScene {
+    Q_OBJECT
+
+public:
+    explicit CanvasScene(StudioProject& project, QObject* parent = nullptr);
+    // The items go quietly: nobody is told of a selection that changes as they go.
+    ~CanvasScene() override;
+
+    BlockItem* Item(const std::string& key) const;
+    std::vector<std::string> SelectedBlocks() const;
+    std::vector<Wire> SelectedWires() const;
+    // Opens the in-place editor of the block's user name.
+    void StartRename(const std::string& key);
+    // Where a terminal sits in the scene; null when the block or terminal isn't shown.
+    TerminalItem* Terminal(const std::string& key, const std::string& name, bool output) const;
+
+signals:
+    void wireRequested(const Wire& wire);
+    void blocksMoved(const std::vector<BlockMove>& moves);
+    void renameRequested(const std::string& key, const std::string& name);
+    void showRequested(const std::string& key);
+
+protected:
+    void mousePressEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseMoveEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseReleaseEvent(QGraphicsSceneMouseEvent* event) override;
+    void mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) override;
+
+private:
+    void AddBlock(const std::string& key);
+    void RemoveBlock(const std::string& key);
+    void AddWire(const Wire& wire);
+    void RemoveWire(const Wire& wire);
+    void RemoveAll();
+    void RouteWiresOf(const std::string& key);
+    void Route(WireItem* item) const;
+    TerminalItem* TerminalAt(QPointF scenePos) const;
+    void FinishRename(bool accept);
+
+    StudioProject& project_;
+    std::map<std::string, BlockItem*> blocks_;
+    std::vector<WireItem*> wires_;
+    std::multimap<std::string, WireItem*> wiresAt_;
+    TerminalItem* dragFrom_ = nullptr;
+    QGraphicsPathItem* dragWire_ = nullptr;
+    std::map<std::string, QPointF> pressed_;
+    QGraphicsProxyWidget* renameEditor_ = nullptr;
+    std::string renaming_;
+};
+
+class CanvasView : public QGraphicsView {
+    Q_OBJECT
+
+public:
+    explicit CanvasView(CanvasScene* scene, QWidget* parent = nullptr);
+    void ZoomBy(qreal factor);
+    void ZoomToFit();
+    qreal Zoom() const { return transform().m11(); }
+    // The MIME type of a palette entry: the block type's name.
+    static constexpr const char* kMimeType = "application/x-zerbin-block-type";
+
+signals:
+    void placeRequested(const std::string& type, QPointF scenePos);
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    bool panning_ = false;
+    QPoint panFrom_;
+};
+
+}  // namespace zerbin::studio

@@ -1,0 +1,110 @@
+#include "studio/MessageLog.h"
+
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QTableWidget>
+
+namespace zerbin::studio {
+
+int MessageLog::Show(const Message& message) {
+    LoggedMessage entry{QDateTime::currentDateTime(), block_, message};
+    messages_.push_back(entry);
+    if (listener_) {
+        listener_(entry);
+    }
+    if (quiet_ || !presenter_) {
+        const bool asks = message.buttons == MessageButtons::YesNo ||
+                          message.buttons == MessageButtons::YesNoCancel;
+        return asks ? kMessageYes : kMessageOk;
+    }
+    return presenter_(message);
+}
+
+int MessageLog::ShowBox(const Message& message) {
+    QMessageBox box;
+    box.setWindowTitle(QString::fromStdString(message.title));
+    // The component breaks lines the Windows way.
+    box.setText(QString::fromStdString(message.text).replace("\r\n", "\n"));
+    switch (message.icon) {
+        case MessageIcon::Critical:
+            box.setIcon(QMessageBox::Critical);
+            break;
+        case MessageIcon::Question:
+            box.setIcon(QMessageBox::Question);
+            break;
+        case MessageIcon::Exclamation:
+            box.setIcon(QMessageBox::Warning);
+            break;
+        case MessageIcon::Information:
+            box.setIcon(QMessageBox::Information);
+            break;
+        case MessageIcon::None:
+            break;
+    }
+    switch (message.buttons) {
+        case MessageButtons::Ok:
+            box.setStandardButtons(QMessageBox::Ok);
+            break;
+        case MessageButtons::OkCancel:
+            box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+            break;
+        case MessageButtons::YesNo:
+            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+            break;
+        case MessageButtons::YesNoCancel:
+            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+            break;
+    }
+    switch (box.exec()) {
+        case QMessageBox::Cancel:
+            return kMessageCancel;
+        case QMessageBox::Yes:
+            return kMessageYes;
+        case QMessageBox::No:
+            return kMessageNo;
+        default:
+            return kMessageOk;
+    }
+}
+
+MessageLogDock::MessageLogDock(QWidget* parent)
+    : QDockWidget(tr("Messages"), parent), table_(new QTableWidget(0, 4, this)) {
+    setObjectName("messageLog");
+    table_->setHorizontalHeaderLabels({tr("Time"), tr("Block"), tr("Title"), tr("Message")});
+    table_->horizontalHeader()->setStretchLastSection(true);
+    table_->verticalHeader()->setVisible(false);
+    table_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    table_->setWordWrap(false);
+    setWidget(table_);
+}
+
+void MessageLogDock::Append(const LoggedMessage& entry) {
+    const int row = table_->rowCount();
+    table_->insertRow(row);
+    const QString text = QString::fromStdString(entry.message.text).replace("\r\n", " ");
+    const QStringList cells{entry.time.toString("HH:mm:ss"), entry.block,
+                            QString::fromStdString(entry.message.title), text};
+    for (int column = 0; column < cells.size(); ++column) {
+        auto* item = new QTableWidgetItem(cells[column]);
+        item->setToolTip(cells[column]);
+        table_->setItem(row, column, item);
+    }
+    table_->resizeColumnsToContents();
+    table_->scrollToBottom();
+}
+
+void MessageLogDock::ClearRows() {
+    table_->setRowCount(0);
+}
+
+int MessageLogDock::Rows() const {
+    return table_->rowCount();
+}
+
+QString MessageLogDock::Text(int row, int column) const {
+    const QTableWidgetItem* item = table_->item(row, column);
+    return item ? item->text() : QString();
+}
+
+}  // namespace zerbin::studio

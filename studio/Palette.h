@@ -1,0 +1,33 @@
+// The library's block types grouped by category, with their icons and names; an entry is
+// dragged onto the canvas to place a block of its type.
+#pragma once
+
+#include <string>
+
+#include <QTreeWidget>
+
+#include "studio/BlockFactory.h"
+
+namespace zerbin::studio {
+
+class Palette : public QTreeWidget {
+    Q_OBJECT
+
+public:
+    explicit Palette(QWidget* parent = nullptr);
+    void Fill(const BlockFactory& factory);
+    // The item of a type, or nullptr.
+    QTreeWidgetItem* Entry(const std::string& type) const;
+    static constexpr int kTypeRole = Qt::UserRole + 1;
+
+signals:
+    void datasheetRequested(const std::string& type);
+    void placeRequested(const std::string& type);
+
+protected:
+    QStringList mimeTypes() const override;
+    QMimeData* mimeData(const QList<QTreeWidgetItem*>& items) const override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+};
+
+}  // namespace zerbin::studio

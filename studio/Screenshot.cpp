@@ -1,0 +1,44 @@
+#include "studio/Screenshot.h"
+
+#include <QApplication>
+#include <QPixmap>
+
+#include "studio/CanvasScene.h"
+#include "studio/StudioWindow.h"
+
+namespace zerbin::studio {
+
+void BuildExample(StudioWindow& window) {
+    const std::string sensor = window.PlaceBlock("IO_CHANNEL", QPointF(0, 30));
+    const std::string schedule = window.PlaceBlock("WEEKLY_SCHEDULE", QPointF(0, 170));
+    const std::string setpoint = window.PlaceBlock("SETPOINT_UNIT", QPointF(0, 300));
+    const std::string thermostat = window.PlaceBlock("THERMOSTAT", QPointF(300, 0));
+    const std::string pid = window.PlaceBlock("PID_LOOP", QPointF(300, 190));
+    const std::string fan = window.PlaceBlock("FAN_STAGE", QPointF(620, 90));
+    window.RequestWire(Wire{sensor, "Value", thermostat, "SpaceTemp"});
+    window.RequestWire(Wire{schedule, "Occupancy", thermostat, "Occupancy"});
+    window.RequestWire(Wire{sensor, "Value", pid, "Measure"});
+    window.RequestWire(Wire{setpoint, "Setpoint", pid, "Setpoint"});
+    window.RequestWire(Wire{pid, "Output", fan, "Demand"});
+    window.RequestWire(Wire{thermostat, "Heat", fan, "Enable"});
+    // A wire the types refuse, so that the message log has something to show.
+    window.RequestWire(Wire{schedule, "Occupancy", pid, "Enable"});
+    window.SelectBlock(pid);
+}
+
+bool RenderScreenshot(StudioWindow& window, const QString& project, const QString& file) {
+    window.resize(1280, 800);
+    window.show();
+    // Nobody is there to click a box away: messages go to the log.
+    window.Log().SetPresenter(nullptr);
+    if (project.isEmpty()) {
+        BuildExample(window);
+    } else if (!window.OpenProject(project)) {
+        return false;
+    }
+    window.View().ZoomToFit();
+    QApplication::processEvents();
+    return window.grab().save(file);
+}
+
+}  // namespace zerbin::studio

@@ -1,0 +1,18 @@
+// Renders the studio window to a picture: the README's screenshots come from here.
+#pragma once
+
+#include <QString>
+
+namespace zerbin::studio {
+
+class StudioWindow;
+
+// Places and wires a small controller: a schedule and a room thermostat feeding a fan stage,
+// with a type-selectable multiplexer, as an engineer would start a project.
+void BuildExample(StudioWindow& window);
+
+// Opens project (or builds the example when it is empty), selects a block, fits the canvas and
+// writes the window to file. False when the picture can't be written.
+bool RenderScreenshot(StudioWindow& window, const QString& project, const QString& file);
+
+}  // namespace zerbin::studio

@@ -1,0 +1,167 @@
+// The project the studio edits: its blocks in the host's call order, the wires between them,
+// the settings every block is created with, and the project file. It is also the blocks'
+// parent: the macro view through which a type selector asks which connections it must respect.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QObject>
+#include <QPointF>
+
+#include <pugixml.hpp>
+
+#include "interfaces/IAppObject.h"
+
+namespace zerbin::studio {
+
+class BlockFactory;
+class ProjectMacro;
+
+// One connection: output `output` of block `source` feeds input `input` of block `target`.
+struct Wire {
+    std::string source;
+    std::string output;
+    std::string target;
+    std::string input;
+    bool operator==(const Wire&) const = default;
+};
+
+// Every attribute value of a block, by attribute name, in collection order.
+using ValueSnapshot = std::vector<std::pair<std::string, std::string>>;
+
+struct ProjectSettings {
+    bool usUnits = false;
+    bool shortFloat = false;
+};
+
+class StudioProject : public QObject {
+    Q_OBJECT
+
+public:
+    StudioProject(BlockFactory& factory, std::shared_ptr<const pugi::xml_document> dictionary,
+                  std::shared_ptr<const pugi::xml_document> ownerDevice, QObject* parent = nullptr);
+    ~StudioProject() override;
+
+    const ProjectSettings& Settings() const { return settings_; }
+    // Short floats change every block's layout, so the blocks are made anew from their saved
+    // state; the unit system only changes what the user sees.
+    void ApplySettings(const ProjectSettings& settings);
+
+    // ---- Blocks, by the global key the studio gave them ("Block7") ----
+    // Creates a block of the type at pos; an empty key takes the next free one. Returns the
+    // key, or empty (after a message) when the library has no such type.
+    std::string AddBlock(const std::string& type, QPointF pos, std::string key = {});
+    // Re-creates a block from its saved element (as BlockElement gave it) under its key, at
+    // the given place in the project's order (-1: last). Empty when the type is missing.
+    std::string RestoreBlock(pugi::xml_node element, int position);
+    // Clears the references of the block's wires, then destroys it.
+    void RemoveBlock(const std::string& key);
+    std::shared_ptr<IAppObject> Block(const std::string& key) const;
+    const std::vector<std::string>& BlockKeys() const { return order_; }
+    std::string KeyOf(const IAppObject* block) const;
+    void MoveBlock(const std::string& key, QPointF pos);
+    void RenameBlock(const std::string& key, const std::string& name);
+    // Appends the block's project element (block subtree plus the studio's own data) to parent.
+    pugi::xml_node BlockElement(const std::string& key, pugi::xml_document& document,
+                                pugi::xml_node parent) const;
+
+    // ---- Values ----
+    ValueSnapshot Values(const std::string& key) const;
+    // Writes the values that differ from the block's, a unit selector first, as a load does.
+    void ApplyValues(const std::string& key, const ValueSnapshot& values);
+    // One value write; false when the block refused it (the value did not change).
+    bool WriteValue(const std::string& key, const std::string& attribute, const std::string& value);
+
+    // ---- Wires ----
+    // Empty when the wire can be made, else why not, in the user's words.
+    std::string WhyNotConnect(const Wire& wire) const;
+    // True when the input accepts the output's type.
+    bool TypesFit(const Wire& wire) const;
+    // Sets the input's reference from the output's code and tells both ends; a refusal is
+    // shown as a message and gives false.
+    bool Connect(const Wire& wire);
+    // Clears the input's reference and tells both ends.
+    void Disconnect(const Wire& wire);
+    const std::vector<Wire>& Wires() const { return wires_; }
+    // Valid until the next change of wires: copy it to walk it while wires change.
+    const std::vector<Wire>& WiresOf(const std::string& key) const;
+
+    // ---- Files ----
+    void Clear();
+    void Save(pugi::xml_document& document) const;
+    std::string Text() const;
+    // Blocks whose type is missing are kept as they stand and written back on save.
+    // Returns false with a reason when the file can't be read as a project.
+    bool Load(const std::filesystem::path& file, std::string* error);
+    void Load(const pugi::xml_document& document);
+    bool Loading() const { return loading_ > 0; }
+    // Blocks of the project whose type the library lacks.
+    int MissingBlocks() const;
+
+    // The images of every block, one line each: key, user name, type, image, Intel image.
+    std::string ImagesText() const;
+
+    // Told the name of the block the next messages are about, before each step on a block.
+    void SetContextHook(std::function<void(const std::string&)> hook) {
+        context_ = std::move(hook);
+    }
+
+    // Called by the blocks' listeners.
+    void OnAttributeChanged(const std::string& globalKey);
+    void OnTypeChanged(const std::string& globalKey);
+
+signals:
+    void blockAdded(const std::string& key);
+    void blockRemoved(const std::string& key);
+    // Name, place, values or terminals of the block changed.
+    void blockChanged(const std::string& key);
+    void wireAdded(const Wire& wire);
+    void wireRemoved(const Wire& wire);
+    // A value changed without the studio asking: an editor wrote it.
+    void valuesChangedOutside(const std::string& key);
+    void cleared();
+    // A project was read: its blocks and wires have all been announced.
+    void loaded();
+
+private:
+    struct Entry;
+    Entry* Find(const std::string& key) const;
+    std::string NextKey();
+    int16_t NextExportIndex();
+    std::string CreateBlock(const std::string& type, const std::string& key, int16_t exportIndex);
+    void DropWire(const Wire& wire, bool clearReference);
+    void Context(const std::string& block) const;
+    static void AppendConnection(pugi::xml_node element, const Wire& wire);
+
+    BlockFactory& factory_;
+    std::shared_ptr<const pugi::xml_document> dictionary_;
+    std::shared_ptr<const pugi::xml_document> ownerDevice_;
+    std::shared_ptr<ProjectMacro> macro_;
+    ProjectSettings settings_;
+    std::map<std::string, std::unique_ptr<Entry>> blocks_;
+    std::vector<std::string> order_;
+    // Export indexes in use (a project read from a file may hold the same one twice).
+    std::multiset<int16_t> exportIndexes_;
+    int16_t freeExportIndex_ = 0;
+    std::vector<Wire> wires_;
+    // The wires at each block, in the order they were made: a large project asks this often.
+    std::map<std::string, std::vector<Wire>> wiresAt_;
+    // Kept as read and written back: blocks of missing types, wires that lead to them.
+    pugi::xml_document kept_;
+    std::vector<Wire> keptWires_;
+    std::function<void(const std::string&)> context_;
+    int nextKey_ = 1;
+    int loading_ = 0;
+    int writing_ = 0;
+
+    friend class ProjectMacro;
+};
+
+}  // namespace zerbin::studio

@@ -1,0 +1,113 @@
+// The studio's main window: palette, canvas, parameters, bytes and message log around one
+// project, with the File, Edit, View and Project menus. Every change the user makes goes
+// through the undo stack.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include <QMainWindow>
+#include <QPointF>
+
+#include <pugixml.hpp>
+
+#include "studio/BlockFactory.h"
+#include "studio/MessageLog.h"
+#include "studio/StudioProject.h"
+#include "studio/UndoCommands.h"
+
+class QMenu;
+class QUndoStack;
+
+namespace zerbin::studio {
+
+class BytesDock;
+class CanvasScene;
+class CanvasView;
+class MessageLogDock;
+class Palette;
+class ParametersDock;
+
+class StudioWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    // Opens the shipped library, dictionary and owner device document.
+    explicit StudioWindow(QWidget* parent = nullptr);
+    ~StudioWindow() override;
+
+    StudioProject& Project() { return *project_; }
+    CanvasScene& Scene() { return *scene_; }
+    CanvasView& View() { return *view_; }
+    QUndoStack& UndoStack() { return *undo_; }
+    MessageLog& Log() { return *log_; }
+    MessageLogDock& LogDock() { return *logDock_; }
+    BytesDock& Bytes() { return *bytes_; }
+    ParametersDock& Parameters() { return *parameters_; }
+    Palette& BlockPalette() { return *palette_; }
+    const QString& FileName() const { return file_; }
+
+public slots:
+    // What the canvas's drop does: an undoable placement. Returns the new block's key.
+    std::string PlaceBlock(const std::string& type, QPointF scenePos);
+    // What a wire drawn on the canvas does: refused with a message when it can't be made.
+    bool RequestWire(const Wire& wire);
+    void SetValue(const std::string& key, const std::string& attribute, const std::string& value);
+    void DeleteSelection();
+    void SelectBlock(const std::string& key);
+    // Opens the block's parameter list (IAppObject_Show).
+    void ShowParameters(const std::string& key);
+    // The file actions after their dialogs.
+    bool OpenProject(const QString& file);
+    bool SaveProjectAs(const QString& file);
+    bool ExportImages(const QString& file);
+    bool ExportForm(const QString& file, bool simulator);
+    bool OpenLibrary(const QString& folder);
+    bool OpenDictionary(const QString& file);
+    bool OpenOwnerDevice(const QString& file);
+    void NewProject();
+    void SetLoadMessagesToLog(bool log);
+    // Asks what to do with unsaved changes; false when the user cancels.
+    bool MaybeSave();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void BuildActions();
+    void MakeProject();
+    void OnSelectionChanged();
+    void OnValuesChangedOutside(const std::string& key);
+    void RememberState(const std::string& key);
+    void UpdateTitle();
+    void AddRecent(const QString& file);
+    void FillRecent();
+    bool Save();
+    void ApplySettings(bool usUnits, bool shortFloat);
+
+    BlockFactory factory_;
+    std::shared_ptr<MessageLog> log_;
+    std::shared_ptr<const pugi::xml_document> dictionary_;
+    std::shared_ptr<const pugi::xml_document> ownerDevice_;
+    StudioProject* project_ = nullptr;
+    CanvasScene* scene_ = nullptr;
+    CanvasView* view_ = nullptr;
+    QUndoStack* undo_ = nullptr;
+    Palette* palette_ = nullptr;
+    BytesDock* bytes_ = nullptr;
+    ParametersDock* parameters_ = nullptr;
+    MessageLogDock* logDock_ = nullptr;
+    QMenu* recentMenu_ = nullptr;
+    QAction* usUnits_ = nullptr;
+    QAction* shortFloat_ = nullptr;
+    QAction* loadToLog_ = nullptr;
+    QString file_;
+    std::string selected_;
+    // Each block's values and wires as the last step left them, so that a write made in an
+    // editor becomes an undoable step with its state from before.
+    std::map<std::string, BlockState> states_;
+    std::map<std::string, BlockState> pending_;
+};
+
+}  // namespace zerbin::studio

@@ -1,0 +1,188 @@
+#include "studio/UndoCommands.h"
+
+#include <algorithm>
+
+#include <QObject>
+
+namespace zerbin::studio {
+namespace {
+
+QString Q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+}  // namespace
+
+BlockState StateOf(const StudioProject& project, const std::string& key) {
+    return BlockState{project.Values(key), project.WiresOf(key)};
+}
+
+PlaceCommand::PlaceCommand(StudioProject& project, std::string type, QPointF pos)
+    : project_(project), type_(std::move(type)), pos_(pos) {
+    setText(QObject::tr("Place %1").arg(Q(type_)));
+}
+
+void PlaceCommand::redo() {
+    if (saved_.first_child()) {
+        project_.RestoreBlock(saved_.first_child(), -1);
+    } else {
+        key_ = project_.AddBlock(type_, pos_);
+        if (key_.empty()) {
+            setObsolete(true);
+        }
+    }
+}
+
+void PlaceCommand::undo() {
+    saved_.reset();
+    project_.BlockElement(key_, saved_, saved_);
+    project_.RemoveBlock(key_);
+}
+
+DeleteCommand::DeleteCommand(StudioProject& project, std::vector<std::string> keys,
+                             std::vector<Wire> wires)
+    : project_(project), keys_(std::move(keys)), wires_(std::move(wires)) {
+    for (const std::string& key : keys_) {
+        for (const Wire& wire : project.WiresOf(key)) {
+            if (std::find(wires_.begin(), wires_.end(), wire) == wires_.end()) {
+                wires_.push_back(wire);
+            }
+        }
+    }
+    setText(keys_.empty()
+                ? QObject::tr("Delete wires")
+                : QObject::tr("Delete %n block(s)", nullptr, static_cast<int>(keys_.size())));
+}
+
+void DeleteCommand::redo() {
+    saved_.reset();
+    positions_.clear();
+    pugi::xml_node root = saved_.append_child("Deleted");
+    targetValues_.clear();
+    for (const Wire& wire : wires_) {
+        targetValues_.emplace_back(wire.target, project_.Values(wire.target));
+    }
+    for (const Wire& wire : wires_) {
+        project_.Disconnect(wire);
+    }
+    for (const std::string& key : keys_) {
+        const std::vector<std::string>& order = project_.BlockKeys();
+        positions_.push_back(
+            static_cast<int>(std::find(order.begin(), order.end(), key) - order.begin()));
+        project_.BlockElement(key, saved_, root);
+        project_.RemoveBlock(key);
+    }
+}
+
+void DeleteCommand::undo() {
+    std::size_t i = positions_.size();
+    // Back in reverse, so that each block finds the place it had.
+    std::vector<pugi::xml_node> elements;
+    for (pugi::xml_node element : saved_.first_child().children()) {
+        elements.push_back(element);
+    }
+    while (i-- > 0) {
+        project_.RestoreBlock(elements[i], positions_[i]);
+    }
+    for (const Wire& wire : wires_) {
+        project_.Connect(wire);
+    }
+    for (const auto& [key, values] : targetValues_) {
+        project_.ApplyValues(key, values);
+    }
+}
+
+MoveCommand::MoveCommand(StudioProject& project, std::vector<BlockMove> moves)
+    : project_(project), moves_(std::move(moves)) {
+    setText(QObject::tr("Move"));
+}
+
+void MoveCommand::redo() {
+    for (const BlockMove& move : moves_) {
+        project_.MoveBlock(move.key, move.to);
+    }
+}
+
+void MoveCommand::undo() {
+    for (const BlockMove& move : moves_) {
+        project_.MoveBlock(move.key, move.from);
+    }
+}
+
+RenameCommand::RenameCommand(StudioProject& project, std::string key, std::string from,
+                             std::string to)
+    : project_(project), key_(std::move(key)), from_(std::move(from)), to_(std::move(to)) {
+    setText(QObject::tr("Rename %1").arg(Q(to_)));
+}
+
+void RenameCommand::redo() {
+    project_.RenameBlock(key_, to_);
+}
+
+void RenameCommand::undo() {
+    project_.RenameBlock(key_, from_);
+}
+
+WireCommand::WireCommand(StudioProject& project, Wire wire, bool connect)
+    : project_(project), wire_(std::move(wire)), connect_(connect) {
+    setText(connect ? QObject::tr("Wire %1 to %2").arg(Q(wire_.output), Q(wire_.input))
+                    : QObject::tr("Remove wire"));
+}
+
+void WireCommand::redo() {
+    targetValues_ = project_.Values(wire_.target);
+    if (connect_) {
+        project_.Connect(wire_);
+    } else {
+        project_.Disconnect(wire_);
+    }
+}
+
+void WireCommand::undo() {
+    if (connect_) {
+        project_.Disconnect(wire_);
+    } else {
+        project_.Connect(wire_);
+    }
+    project_.ApplyValues(wire_.target, targetValues_);
+}
+
+ValuesCommand::ValuesCommand(StudioProject& project, std::string key, BlockState before,
+                             BlockState after, const QString& text)
+    : project_(project),
+      key_(std::move(key)),
+      before_(std::move(before)),
+      after_(std::move(after)) {
+    setText(text);
+}
+
+void ValuesCommand::redo() {
+    if (done_) {
+        done_ = false;
+        return;
+    }
+    Apply(after_);
+}
+
+void ValuesCommand::undo() {
+    Apply(before_);
+}
+
+void ValuesCommand::Apply(const BlockState& state) {
+    // Wires that the state lacks go first, so that a type selector is free to change.
+    const std::vector<Wire> before = project_.WiresOf(key_);
+    for (const Wire& wire : before) {
+        if (std::find(state.wires.begin(), state.wires.end(), wire) == state.wires.end()) {
+            project_.Disconnect(wire);
+        }
+    }
+    project_.ApplyValues(key_, state.values);
+    const std::vector<Wire> now = project_.WiresOf(key_);
+    for (const Wire& wire : state.wires) {
+        if (std::find(now.begin(), now.end(), wire) == now.end()) {
+            project_.Connect(wire);
+        }
+    }
+}
+
+}  // namespace zerbin::studio

@@ -1,0 +1,320 @@
+// Scenarios of the studio as a user drives it: drop blocks from the palette, draw wires
+// between terminals, move and rename on the canvas, set values, undo and redo, save and open.
+#include <QApplication>
+#include <QGraphicsProxyWidget>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUndoStack>
+
+#include <fstream>
+
+#include "interfaces/IOutput.h"
+#include "studio/BlockItem.h"
+#include "studio/BytesDock.h"
+#include "studio/CanvasScene.h"
+#include "studio/MessageLog.h"
+#include "studio/ParametersDock.h"
+#include "studio/StudioWindow.h"
+
+using namespace zerbin;
+using namespace zerbin::studio;
+
+namespace {
+
+QPoint ViewPoint(StudioWindow& window, QPointF scenePos) {
+    return window.View().mapFromScene(scenePos);
+}
+
+QPointF TerminalCentre(StudioWindow& window, const std::string& key, const std::string& name,
+                       bool output) {
+    const TerminalItem* terminal = window.Scene().Terminal(key, name, output);
+    return terminal ? terminal->sceneBoundingRect().center() : QPointF(-1e6, -1e6);
+}
+
+// Drops a palette entry on the canvas at a point of the view, as a drag from the palette ends.
+std::string Drop(StudioWindow& window, const std::string& type, QPoint at) {
+    QMimeData data;
+    data.setData(CanvasView::kMimeType, QByteArray::fromStdString(type));
+    QWidget* viewport = window.View().viewport();
+    QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &enter);
+    QDropEvent drop(QPointF(at), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &drop);
+    const auto& keys = window.Project().BlockKeys();
+    return keys.empty() ? std::string() : keys.back();
+}
+
+void DragMouse(StudioWindow& window, QPointF from, QPointF to) {
+    QWidget* viewport = window.View().viewport();
+    QTest::mousePress(viewport, Qt::LeftButton, {}, ViewPoint(window, from));
+    QTest::mouseMove(viewport, ViewPoint(window, (from + to) / 2));
+    QTest::mouseMove(viewport, ViewPoint(window, to));
+    QTest::mouseRelease(viewport, Qt::LeftButton, {}, ViewPoint(window, to));
+}
+
+void DrawWire(StudioWindow& window, const Wire& wire) {
+    DragMouse(window, TerminalCentre(window, wire.source, wire.output, true),
+              TerminalCentre(window, wire.target, wire.input, false));
+}
+
+bool LogHas(StudioWindow& window, const QString& text) {
+    for (const LoggedMessage& entry : window.Log().Messages()) {
+        if (QString::fromStdString(entry.message.text).contains(text)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string InputValue(StudioWindow& window, const std::string& key, const std::string& input) {
+    return window.Project().Block(key)->IAppObject_Inputs()->IInputs_Item(input)->IInput_Value();
+}
+
+std::string Reference(StudioWindow& window, const std::string& key, const std::string& output) {
+    const auto item = std::dynamic_pointer_cast<IDisplayItem>(
+        window.Project().Block(key)->IAppObject_Outputs()->IOutputs_Item(output));
+    return item->IDisplayItem_Reference();
+}
+
+std::string Value(StudioWindow& window, const std::string& key, const std::string& attribute) {
+    return window.Project()
+        .Block(key)
+        ->IAppObject_Attributes()
+        ->IAttributes_Item(attribute)
+        ->IAttribute_Value();
+}
+
+}  // namespace
+
+class StudioTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void initTestCase() {
+        QStandardPaths::setTestModeEnabled(true);
+        QCoreApplication::setOrganizationName("ZerbinTest");
+    }
+
+    void init() {
+        window_ = std::make_unique<StudioWindow>();
+        // Nobody answers boxes here: every message goes to the log, answered as a user who
+        // agrees would.
+        window_->Log().SetPresenter(nullptr);
+        window_->resize(1280, 800);
+        window_->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
+    }
+
+    void cleanup() { window_.reset(); }
+
+    void wiresAreCheckedAgainstTheInputsTypes_data() {
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QString>("input");
+        QTest::addColumn<bool>("accepted");
+        QTest::newRow("105 to a 105 input") << "Value"
+                                            << "In1" << true;
+        QTest::newRow("105 to a 95,22 input") << "Value"
+                                              << "Select" << false;
+    }
+
+    // Block 1 is an input channel (Value: 105), block 2 a multiplexer (In1: 105, Select: 95,22).
+    void wiresAreCheckedAgainstTheInputsTypes() {
+        QFETCH(QString, output);
+        QFETCH(QString, input);
+        QFETCH(bool, accepted);
+        const std::string sensor = Drop(*window_, "IO_CHANNEL", QPoint(120, 120));
+        const std::string mux = Drop(*window_, "TYPE_MUX", QPoint(450, 120));
+        const Wire wire{sensor, output.toStdString(), mux, input.toStdString()};
+        DrawWire(*window_, wire);
+        const auto& wires = window_->Project().Wires();
+        QCOMPARE(std::find(wires.begin(), wires.end(), wire) != wires.end(), accepted);
+        QCOMPARE(LogHas(*window_, "Cannot connect"), !accepted);
+        // The input's reference is the output's code, or nothing was written.
+        QCOMPARE(InputValue(*window_, mux, wire.input),
+                 accepted ? Reference(*window_, sensor, wire.output) : std::string());
+    }
+
+    // Every step is undone back to the text before it, and redone to the text after it; then
+    // the project is saved and opened again with the same text and images.
+    void stepsUndoRedoSaveAndReopen() {
+        std::vector<std::string> texts{window_->Project().Text()};
+        auto step = [&] { texts.push_back(window_->Project().Text()); };
+
+        const std::string sensor = Drop(*window_, "IO_CHANNEL", QPoint(100, 100));
+        step();
+        const std::string mux = Drop(*window_, "TYPE_MUX", QPoint(400, 100));
+        step();
+        const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(700, 100));
+        step();
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{3});
+
+        DrawWire(*window_, Wire{sensor, "Value", mux, "In1"});
+        step();
+        const Wire muxToThermostat{mux, "Out", thermostat, "SpaceTemp"};
+        DrawWire(*window_, muxToThermostat);
+        step();
+        QCOMPARE(window_->Project().Wires().size(), std::size_t{2});
+
+        // An output connected to an input that can't take the new type: the block asks the
+        // studio's macro view, refuses and says so; value and wires stay.
+        window_->SelectBlock(mux);
+        window_->Parameters().Edit("DataType", "81");
+        QTest::qWait(0);
+        QVERIFY(LogHas(*window_, "is not compatible with the object connections"));
+        QCOMPARE(Value(*window_, mux, "DataType"), std::string("105"));
+        QCOMPARE(window_->UndoStack().count(), 5);
+
+        // Without that wire the change passes, and the wire into In1 (105 only) no longer fits.
+        window_->Scene().clearSelection();
+        for (QGraphicsItem* item : window_->Scene().items()) {
+            if (auto* wire = qgraphicsitem_cast<WireItem*>(item)) {
+                wire->setSelected(wire->Connection() == muxToThermostat);
+            }
+        }
+        window_->findChild<QAction*>("actionDelete")->trigger();
+        step();
+        window_->SelectBlock(mux);
+        window_->Parameters().Edit("DataType", "81");
+        QTest::qWait(0);
+        QCOMPARE(Value(*window_, mux, "DataType"), std::string("81"));
+        QCOMPARE(window_->Project().Wires().size(), std::size_t{0});
+        QCOMPARE(InputValue(*window_, mux, "In1"), std::string("0000"));
+        step();
+
+        // Move and rename on the canvas.
+        const BlockItem* item = window_->Scene().Item(thermostat);
+        const QPointF grip = item->mapToScene(QPointF(item->boundingRect().width() / 2, 30));
+        DragMouse(*window_, grip, grip + QPointF(0, 150));
+        QCOMPARE(window_->Project().Block(thermostat)->IAppObject_YPosition(), item->pos().y());
+        step();
+        window_->SelectBlock(thermostat);
+        window_->findChild<QAction*>("actionRename")->trigger();
+        QWidget* editor = nullptr;
+        for (QGraphicsItem* shown : window_->Scene().items()) {
+            if (auto* proxy = dynamic_cast<QGraphicsProxyWidget*>(shown)) {
+                editor = proxy->widget();
+            }
+        }
+        QVERIFY(editor != nullptr);
+        QTest::keyClick(editor, Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClicks(editor, "Zone 1");
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCOMPARE(window_->Project().Block(thermostat)->IAppObject_UserName(),
+                 std::string("Zone 1"));
+        step();
+
+        QUndoStack& stack = window_->UndoStack();
+        QCOMPARE(stack.count(), static_cast<int>(texts.size()) - 1);
+        for (int i = stack.count(); i > 0; --i) {
+            stack.undo();
+            QCOMPARE(window_->Project().Text(), texts[i - 1]);
+        }
+        for (int i = 1; i <= stack.count(); ++i) {
+            stack.redo();
+            QCOMPARE(window_->Project().Text(), texts[i]);
+        }
+
+        QTemporaryDir folder;
+        const QString file = folder.filePath("zone.xml");
+        QVERIFY(window_->SaveProjectAs(file));
+        QVERIFY(window_->isWindowModified() == false);
+        const std::string images = window_->Project().ImagesText();
+        QVERIFY(window_->OpenProject(file));
+        QCOMPARE(window_->Project().Text(), texts.back());
+        QCOMPARE(window_->Project().ImagesText(), images);
+    }
+
+    void theBytesDockShowsTheSelectedBlocksImages() {
+        const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(200, 200));
+        window_->SelectBlock(thermostat);
+        const std::shared_ptr<IAppObject> block = window_->Project().Block(thermostat);
+        QCOMPARE(window_->Bytes().Image(false).toStdString(), block->IAppObject_Stream());
+        QCOMPARE(window_->Bytes().Image(true).toStdString(), block->IAppObject_IntelStream());
+        const int position = block->IAppObject_Attributes()
+                                 ->IAttributes_Item("HeatSetpoint")
+                                 ->IAttribute_CDBPosition();
+        QVERIFY(window_->Bytes().ToolTipAt(false, position).startsWith("HeatSetpoint"));
+        // A value write shows at once.
+        window_->Parameters().Edit("HeatSetpoint", "19");
+        QTest::qWait(0);
+        QCOMPARE(window_->Bytes().Image(false).toStdString(), block->IAppObject_Stream());
+        QVERIFY(window_->Bytes().ToolTipAt(false, position).contains("19"));
+    }
+
+    // A double click opens the block's parameter list; what its editors write becomes one
+    // undoable step, and undo puts the value back.
+    void aDoubleClickOpensTheParameterListWhoseWritesUndo() {
+        const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        const BlockItem* item = window_->Scene().Item(thermostat);
+        const QPoint body = ViewPoint(*window_, item->mapToScene(QPointF(20, 50)));
+        QTest::mouseDClick(window_->View().viewport(), Qt::LeftButton, {}, body);
+        QWidget* list = nullptr;
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == "frmMain" && widget->isVisible()) {
+                list = widget;
+            }
+        }
+        QVERIFY(list != nullptr);
+        const int steps = window_->UndoStack().count();
+        // What an editor does when the user confirms a value.
+        window_->Project()
+            .Block(thermostat)
+            ->IAppObject_Attributes()
+            ->IAttributes_Item("HeatSetpoint")
+            ->IAttribute_Value("18");
+        QTest::qWait(0);
+        QCOMPARE(window_->UndoStack().count(), steps + 1);
+        window_->UndoStack().undo();
+        QCOMPARE(Value(*window_, thermostat, "HeatSetpoint"), std::string("21"));
+        list->close();
+    }
+
+    // The unit system is a project setting: it shows in the values, is saved, and undoes.
+    void usUnitsAreAProjectSettingThatUndoes() {
+        const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        auto shown = [&] {
+            return window_->Project()
+                .Block(thermostat)
+                ->IAppObject_Attributes()
+                ->IAttributes_Item("HeatSetpoint")
+                ->IAttribute_DispValue();
+        };
+        const std::string si = shown();
+        window_->findChild<QAction*>("actionUsUnits")->trigger();
+        QVERIFY(shown() != si);
+        QVERIFY(window_->Project().Text().find("UnitSystem=\"US\"") != std::string::npos);
+        window_->UndoStack().undo();
+        QCOMPARE(shown(), si);
+    }
+
+    // A block whose type the library lacks is kept as it stands, said once, and written back.
+    void aProjectWithAMissingTypeKeepsThatBlock() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("old.xml");
+        std::ofstream(file.toStdString())
+            << "<Project><GONE_TYPE Key=\"Block1\"><UserName>Old</UserName></GONE_TYPE>"
+               "<LABEL Key=\"Block2\"><UserName>Note</UserName></LABEL></Project>";
+        QVERIFY(window_->OpenProject(file));
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{1});
+        QCOMPARE(window_->Project().MissingBlocks(), 1);
+        QVERIFY(LogHas(*window_, "no block type 'GONE_TYPE'"));
+        QVERIFY(window_->Project().Text().find("<UserName>Old</UserName>") != std::string::npos);
+    }
+
+    void aFileThatIsNoProjectIsRefused() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("bad.xml");
+        std::ofstream(file.toStdString()) << "<Project><unclosed></Project>";
+        QVERIFY(!window_->OpenProject(file));
+        QVERIFY(LogHas(*window_, "Cannot open the project"));
+    }
+
+private:
+    std::unique_ptr<StudioWindow> window_;
+};
+
+QTEST_MAIN(StudioTest)
+#include "StudioTest.moc"
