@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "editors/EditPoint.h"
+#include "platform/Messages.h"
 
 class QLabel;
 class QPushButton;
@@ -60,6 +61,21 @@ protected:
 
     // OK has written: the close puts nothing back.
     void CloseAfterOk();
+    // OK of an editor that writes one text to every point: a failure to make or write it shows
+    // failureMessage, and the window closes either way.
+    template <class F>
+    void WriteEveryPointAndClose(F&& makeValue, const char* failureMessage) {
+        try {
+            const std::string value = makeValue();
+            ForEachPoint([&](const EditPoint& point) {
+                point.Value(value);
+                return true;
+            });
+        } catch (...) {
+            ShowMessage(failureMessage);
+        }
+        CloseAfterOk();
+    }
 
     static QLabel* BoldLabel(const char* objectName, QWidget* parent);
     // "&OK" and "&Cancel" buttons that Enter does not press.

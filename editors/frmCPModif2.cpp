@@ -118,16 +118,8 @@ bool frmCPModif2::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmCPModif2::OkAction() {
-    const std::string text = txtNewCPValue_->text().toStdString();
-    try {
-        ForEachPoint([&](const EditPoint& point) {
-            point.Value(text);
-            return true;
-        });
-    } catch (...) {
-        ShowMessage("error calculating CP value");
-    }
-    CloseAfterOk();
+    WriteEveryPointAndClose([&] { return txtNewCPValue_->text().toStdString(); },
+                            "error calculating CP value");
 }
 
 }  // namespace zerbin

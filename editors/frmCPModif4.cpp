@@ -123,20 +123,15 @@ void frmCPModif4::OpenSelectedField() {
 }
 
 void frmCPModif4::OkAction() {
-    try {
-        std::string text;
-        for (int i = 0; i < lvwMain_->topLevelItemCount(); ++i) {
-            text += " " + lvwMain_->topLevelItem(i)->data(0, kTagRole).toString().toStdString();
-        }
-        text = Trim(text);
-        ForEachPoint([&](const EditPoint& point) {
-            point.Value(text);
-            return true;
-        });
-    } catch (...) {
-        ShowMessage("error calculating CP value");
-    }
-    CloseAfterOk();
+    WriteEveryPointAndClose(
+        [&] {
+            std::string text;
+            for (int i = 0; i < lvwMain_->topLevelItemCount(); ++i) {
+                text += " " + lvwMain_->topLevelItem(i)->data(0, kTagRole).toString().toStdString();
+            }
+            return Trim(text);
+        },
+        "error calculating CP value");
 }
 
 }  // namespace zerbin

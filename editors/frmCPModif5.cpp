@@ -126,20 +126,15 @@ void frmCPModif5::Load() {
 }
 
 void frmCPModif5::OkAction() {
-    try {
-        std::vector<std::string> captions;
-        for (int i = 0; i <= maxBit_; ++i) {
-            captions.push_back(Bit(i)->text().toStdString());
-        }
-        const std::string sum = SumOfBits(captions);
-        ForEachPoint([&](const EditPoint& point) {
-            point.Value(sum);
-            return true;
-        });
-    } catch (...) {
-        ShowMessage("error in calculating the value");
-    }
-    CloseAfterOk();
+    WriteEveryPointAndClose(
+        [&] {
+            std::vector<std::string> captions;
+            for (int i = 0; i <= maxBit_; ++i) {
+                captions.push_back(Bit(i)->text().toStdString());
+            }
+            return SumOfBits(captions);
+        },
+        "error in calculating the value");
 }
 
 }  // namespace zerbin
