@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "base/SkipMode.h"
+#include "base/Utf8.h"
 #include "base/XmlChars.h"
 #include "interfaces/Error.h"
 
@@ -62,36 +63,12 @@ void RequireWritable(std::string_view text, const std::string& where) {
 namespace detail {
 
 std::optional<uint32_t> DecodeUtf8(std::string_view text, std::size_t& i) {
-    const auto lead = static_cast<unsigned char>(text[i]);
-    int extra = 0;
-    uint32_t cp = 0;
-    uint32_t min = 0;
-    if (lead < 0x80) {
-        ++i;
-        return lead;
-    } else if ((lead & 0xE0) == 0xC0) {
-        extra = 1, cp = lead & 0x1F, min = 0x80;
-    } else if ((lead & 0xF0) == 0xE0) {
-        extra = 2, cp = lead & 0x0F, min = 0x800;
-    } else if ((lead & 0xF8) == 0xF0) {
-        extra = 3, cp = lead & 0x07, min = 0x10000;
-    } else {
+    std::size_t next = i;
+    const uint32_t cp = NextCodePoint(text, next);
+    if (cp == kMalformedUtf8) {
         return std::nullopt;
     }
-    if (i + static_cast<std::size_t>(extra) >= text.size()) {
-        return std::nullopt;
-    }
-    for (int k = 1; k <= extra; ++k) {
-        const auto b = static_cast<unsigned char>(text[i + static_cast<std::size_t>(k)]);
-        if ((b & 0xC0) != 0x80) {
-            return std::nullopt;
-        }
-        cp = (cp << 6) | (b & 0x3F);
-    }
-    if (cp < min || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-        return std::nullopt;
-    }
-    i += static_cast<std::size_t>(extra) + 1;
+    i = next;
     return cp;
 }
 

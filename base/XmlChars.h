@@ -9,8 +9,8 @@
 
 namespace zerbin::xml::detail {
 
-// Decodes one UTF-8 sequence at text[i] and steps past it; nullopt when malformed, overlong
-// or a surrogate, with i unchanged.
+// Decodes one UTF-8 sequence at text[i] with NextCodePoint of Utf8.h and steps past it;
+// nullopt when malformed, overlong or a surrogate, with i unchanged.
 std::optional<uint32_t> DecodeUtf8(std::string_view text, std::size_t& i);
 
 // The Char production of XML 1.0: what a document may hold, raw or as a reference.

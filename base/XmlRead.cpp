@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "base/CheckedFile.h"
+#include "base/Utf8.h"
 #include "base/Xml.h"
 #include "base/XmlChars.h"
 #include "interfaces/Error.h"
@@ -529,12 +530,7 @@ void FillError(ParseError* error, std::string_view text, const Failure& failure)
     if (!line.empty() && line.back() == '\r') {
         line.pop_back();
     }
-    int column = 1;
-    for (std::size_t i = begin; i < offset; ++i) {
-        if ((static_cast<unsigned char>(text[i]) & 0xC0u) != 0x80u) {
-            ++column;
-        }
-    }
+    const int column = 1 + static_cast<int>(CharacterCount(text.substr(begin, offset - begin)));
     error->offset = static_cast<std::ptrdiff_t>(offset);
     error->line = static_cast<int>(
         std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(begin), '\n') + 1);
