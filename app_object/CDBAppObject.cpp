@@ -12,6 +12,7 @@
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/DefinitionStore.h"
+#include "platform/EditorPort.h"
 #include "platform/Events.h"
 #include "platform/Files.h"
 
@@ -404,11 +405,12 @@ void CDBAppObject::IAppObject_Destroy() {
     callbackList_.Clear();
 }
 
-// ---- Presentation without a window system ------------------------------------------------------
+// ---- Parameter list ---------------------------------------------------------------------------
 
-void CDBAppObject::IAppObject_Show(std::shared_ptr<IObject> /*Owner*/) {
-    // The parameter window belongs to the editors library; the core has no window system,
-    // so a headless block has nothing to show and reports nothing.
+void CDBAppObject::IAppObject_Show(std::shared_ptr<IObject> Owner) {
+    // The parameter window belongs to the editors library; without its factory installed a
+    // headless block has nothing to show and reports nothing.
+    ShowParameterList(shared_from_this(), std::move(Owner));
 }
 
 }  // namespace zerbin

@@ -1,8 +1,10 @@
 // Creation of a block's members from the three sections of its definition, and the layout
 // that gives every attribute and input its offset in the configuration data block.
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "base/CheckedMath.h"
@@ -155,49 +157,59 @@ void CDBAppObject::ComputeCDBLayout() {
         return;  // this type has no CDB at all, not even the header
     }
 
+    // One pass gathers the members that take a place, one sort puts them in the order the
+    // numbers are walked (attributes before inputs within a number, each in collection
+    // order), one pass lays them: N log N in the number of members, where walking every
+    // member for every number was N squared.
+    struct Placed {
+        int32_t number;
+        CDBAttribute* attribute;
+        CDBInput* input;
+    };
+    std::vector<Placed> members;
     int32_t highest = 1;
     if (attributes_) {
         for (const auto& attribute : attributes_->Members()) {
             ServePendingEvents();
-            if (!Need(attribute).IAttribute_ToolOnly() &&
-                attribute->CDBOrderInPosition() > highest) {
-                highest = attribute->CDBOrderInPosition();
+            if (!Need(attribute).IAttribute_ToolOnly()) {
+                const int32_t number = attribute->CDBOrderInPosition();
+                highest = std::max(highest, number);
+                if (number >= 1) {
+                    members.push_back(Placed{number, attribute.get(), nullptr});
+                }
             }
         }
     }
     if (inputs_) {
         for (const auto& input : inputs_->Members()) {
             ServePendingEvents();
-            if (Need(input).CDBOrderInPosition() > highest) {
-                highest = input->CDBOrderInPosition();
+            const int32_t number = Need(input).CDBOrderInPosition();
+            highest = std::max(highest, number);
+            if (number >= 1) {
+                members.push_back(Placed{number, nullptr, input.get()});
             }
         }
     }
+    std::stable_sort(members.begin(), members.end(),
+                     [](const Placed& a, const Placed& b) { return a.number < b.number; });
 
     int32_t offset = kHeaderBytes;
-    // 64 bits, so that an ordering number at the top of the 32-bit range can end the loop.
-    for (int64_t number = 1; number <= highest; ++number) {
+    // 64 bits, so that an ordering number at the top of the 32-bit range can end the walk.
+    int64_t number = 1;
+    for (std::size_t next = 0; number <= highest; ++number) {
         bool attributeFound = false;
         bool inputFound = false;
-        if (attributes_) {
-            for (const auto& attribute : attributes_->Members()) {
-                ServePendingEvents();
-                if (!Need(attribute).IAttribute_ToolOnly() &&
-                    attribute->CDBOrderInPosition() == number) {
-                    attribute->CDBPosition(offset);
-                    offset = CheckedAdd(offset, SizeInCdb(*attribute));
-                    attributeFound = true;
-                }
-            }
-        }
-        if (inputs_) {
-            for (const auto& input : inputs_->Members()) {
-                ServePendingEvents();
-                if (Need(input).CDBOrderInPosition() == number) {
-                    input->CDBPosition(offset);
-                    offset = CheckedAdd(offset, SizeInCdb(*input));
-                    inputFound = true;
-                }
+        for (; next < members.size() && members[next].number == number; ++next) {
+            ServePendingEvents();
+            const Placed& member = members[next];
+            if (member.attribute != nullptr) {
+                member.attribute->CDBPosition(offset);
+                offset = CheckedAdd(offset, SizeInCdb(*member.attribute));
+                attributeFound = true;
+            } else {
+                member.input->CDBPosition(offset);
+                offset = CheckedAdd(offset, SizeInCdb(*member.input));
+                inputFound = true;
             }
         }
         if (!attributeFound && !inputFound) {

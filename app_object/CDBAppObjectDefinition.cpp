@@ -115,7 +115,8 @@ std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
         std::shared_ptr<pugi::xml_document> loaded;
         // A name that could reach outside the library is a type that does not exist.
         if (IsSafeTypeName(uniqueIdString_)) {
-            loaded = xml::LoadFile(DefinitionFile(LibraryFolder(), uniqueIdString_), &failure);
+            loaded = xml::LoadFile(DefinitionFile(LibraryFolder(), uniqueIdString_), &failure,
+                                   kMaxDefinitionBytes);
         } else {
             failure.reason = "The type name can't name a folder of the block library.";
         }

@@ -65,7 +65,7 @@ std::string CDBAppObject::IAppObject_Stream() {
     try {
         image = ImageBody(std::move(image), false);
     } catch (const std::bad_alloc&) {
-        throw;
+        throw;  // not the length of the object: the user hears of it as it is
     } catch (...) {
         ShowMessage("Error exporting the object: " + name_ +
                     ",   A possible error is the lenght of the object.");

@@ -187,7 +187,10 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
             continue;
         }
         restored.push_back(selector);
-        SkipStep([&] { selector->RestoreSavedValue(xml::FirstChildText(child)); });
+        // No text is the empty value the selector was saved with, as for any attribute.
+        std::string text;
+        SkipStep([&] { text = xml::FirstChildText(child); });
+        SkipStep([&] { selector->RestoreSavedValue(text); });
     }
     for (pugi::xml_node child : element.children()) {
         ServePendingEvents();
@@ -255,7 +258,7 @@ std::vector<std::string> CDBAppObject::KeptProjectEntries() const {
     std::vector<std::string> names;
     for (const char* section : {kKeptBlock, kKeptAttributes, kKeptOutputs}) {
         const std::string prefix =
-            section == kKeptBlock ? std::string() : std::string(section) + "/";
+            std::string_view(section) == kKeptBlock ? std::string() : std::string(section) + "/";
         for (pugi::xml_node kept : KeptSection(section).children()) {
             names.push_back(prefix + kept.name());
         }

@@ -16,14 +16,16 @@ namespace zerbin {
 
 // Runs one step of a skip-mode operation. An exception ends the step and is swallowed; the
 // fields the step had not yet written stay as they were. True when the step ran through.
-// Running out of memory is not a failed step: std::bad_alloc goes on to the caller, since the
-// steps after it would fail the same way and the user would never learn why.
+// Running out of memory and a file that cannot be read are not a step's failure but the
+// user's to hear of: std::bad_alloc and IoError go on to the caller.
 template <class F>
 bool SkipStep(F&& step) {
     try {
         std::forward<F>(step)();
         return true;
     } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const IoError&) {
         throw;
     } catch (...) {
         return false;

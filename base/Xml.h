@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -20,13 +22,34 @@ struct ParseError {
     int line = 0;                // 1-based; 0 when the failure has no place (a missing file)
     int column = 0;              // 1-based, in characters
     std::ptrdiff_t offset = -1;  // bytes into the UTF-8 text; -1 when the failure has no place
+    bool unreadable = false;     // the file itself could not be read; reason says why
+    int systemError = 0;         // then the errno value, 0 when none fits (a FIFO, a device)
 };
 
+// The largest document LoadFile reads unless told otherwise.
+inline constexpr std::uintmax_t kMaxDocumentBytes = std::uintmax_t{512} << 20;
+
+// Reads well-formed XML 1.0 only; anything else fails with the reason, line and column.
 // Comments and processing instructions are kept (callers skip comments by node type);
-// whitespace-only text is dropped. UTF-8, UTF-16 and windows-1252 or ISO-8859-1 texts
-// (by their declaration) are read. nullptr on failure, with *error filled when given.
-std::shared_ptr<pugi::xml_document> LoadFile(const std::filesystem::path& file, ParseError* error);
+// whitespace-only text is dropped. The text is UTF-8 unless a byte order mark or the XML
+// declaration names another encoding, which glibc's iconv then decodes; an encoding it
+// cannot decode fails, naming the encoding. External entities are never fetched, and a
+// document that declares entities fails: no reference expands beyond XML's five. The file
+// is read once, and only when it is a regular file of at most maxBytes (ReadRegularFile);
+// when it cannot be read the reason is in words ("permission denied"). nullptr on failure,
+// with *error filled when given. Throws std::bad_alloc when memory runs out.
+std::shared_ptr<pugi::xml_document> LoadFile(const std::filesystem::path& file, ParseError* error,
+                                             std::uintmax_t maxBytes = kMaxDocumentBytes);
 std::shared_ptr<pugi::xml_document> LoadString(std::string_view text, ParseError* error);
+
+// Writes the document as UTF-8 text with two blanks of indentation that any XML 1.0 parser
+// reads back to the same text: a carriage return in text, and blanks, tabs and line ends at
+// either end of a text, are written as character references, so that neither line-end
+// handling nor whitespace dropping eats them (attribute values get the same from pugixml).
+// Throws Error, writing nothing, when a name is no XML name or a text holds what XML 1.0
+// cannot carry (bytes that are not UTF-8, control characters other than tab, line feed and
+// carriage return).
+void Save(const pugi::xml_document& document, std::ostream& out);
 
 // The first element in document order anywhere below root (root may be a document) whose
 // name and the names of its nearest ancestors are the segments of slashPath, compared
@@ -69,10 +92,12 @@ bool IsValidName(std::string_view name);
 // when parent is empty or cannot hold an element (a second document element included);
 // the tree is not touched then.
 pugi::xml_node AppendChildElement(pugi::xml_node parent, const std::string& name);
-// Appends a text node, even an empty one. Throws Error when node cannot hold text.
+// Appends a text node, even an empty one. Throws Error when node cannot hold text, and when
+// text holds what XML 1.0 cannot carry: it is refused here, at the write, with a message that
+// names the element, rather than written into a file that other tools reject.
 void AppendText(pugi::xml_node node, const std::string& text);
-// Sets or replaces an attribute of an element. Throws Error for an invalid name or a node
-// that is not an element.
+// Sets or replaces an attribute of an element. Throws Error for an invalid name, a node that
+// is not an element, or a value that XML 1.0 cannot carry.
 void SetAttribute(pugi::xml_node element, const std::string& name, const std::string& value);
 
 }  // namespace zerbin::xml

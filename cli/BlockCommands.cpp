@@ -1,8 +1,12 @@
 // image, save, export and load: the commands that give a block values and write it out.
+#include <algorithm>
+#include <exception>
 #include <string>
+#include <vector>
 
 #include <pugixml.hpp>
 
+#include "base/Xml.h"
 #include "cli/CliErrors.h"
 #include "cli/Commands.h"
 
@@ -24,13 +28,23 @@ public:
         if (invocation_.y) {
             block_->IAppObject_YPosition(*invocation_.y);
         }
-        block_.Apply(invocation_.sets, withReferences ? invocation_.refs : NoAssignments());
+        objections_ =
+            block_.Apply(invocation_.sets, withReferences ? invocation_.refs : NoAssignments());
         if (invocation_.exportIndex) {
             block_->IAppObject_ExportIndex(*invocation_.exportIndex);
         }
     }
 
     CDBAppObject* operator->() const { return block_.operator->(); }
+
+    // Reports each value the editors would have refused; the exit status the command ends
+    // with, so that a script hears of them.
+    int Report(std::ostream& err) const {
+        for (const std::string& objection : objections_) {
+            err << "zerbin: error: " << objection << '\n';
+        }
+        return objections_.empty() ? kExitOk : kExitFailure;
+    }
 
 private:
     static const std::string& Type(const CommandContext& context) {
@@ -51,6 +65,7 @@ private:
 
     const Invocation& invocation_;
     HostedBlock block_;
+    std::vector<std::string> objections_;
 };
 
 std::string Image(CDBAppObject& block, bool intel) {
@@ -58,7 +73,7 @@ std::string Image(CDBAppObject& block, bool intel) {
 }
 
 void PrintDocument(const pugi::xml_document& document, std::ostream& out) {
-    document.save(out, "  ", pugi::format_default, pugi::encoding_utf8);
+    xml::Save(document, out);
 }
 
 }  // namespace
@@ -66,7 +81,7 @@ void PrintDocument(const pugi::xml_document& document, std::ostream& out) {
 int RunImage(const CommandContext& context) {
     CommandBlock block(context);
     context.out << Image(*block.operator->(), context.invocation.intel) << '\n';
-    return kExitOk;
+    return block.Report(context.err);
 }
 
 int RunSave(const CommandContext& context) {
@@ -77,7 +92,7 @@ int RunSave(const CommandContext& context) {
     pugi::xml_node root = document.append_child(kProjectRoot);
     block->IAppObject_XmlSave(root, document);
     PrintDocument(document, context.out);
-    return kExitOk;
+    return block.Report(context.err);
 }
 
 int RunExport(const CommandContext& context) {
@@ -90,12 +105,13 @@ int RunExport(const CommandContext& context) {
         block->IAppObject_XMLSaveForInteroperability(root, document);
     }
     PrintDocument(document, context.out);
-    return kExitOk;
+    return block.Report(context.err);
 }
 
 int RunLoad(const CommandContext& context) {
     const std::string& file = context.invocation.arguments.front();
     const std::shared_ptr<const pugi::xml_document> project = ReadDocument(file, "project");
+    int status = kExitOk;
     int index = 0;
     for (pugi::xml_node element : project->document_element().children()) {
         if (element.type() != pugi::node_element) {
@@ -103,12 +119,30 @@ int RunLoad(const CommandContext& context) {
         }
         ++index;
         const std::string type = element.name();
-        HostedBlock block(context.host, type, BlockKeys{"Block" + std::to_string(index), {}, {}});
-        block->IAppObject_XmlLoad(element);
-        context.out << block->IAppObject_UserName() << '\t' << type << '\t'
-                    << Image(*block, context.invocation.intel) << '\n';
+        // One block that fails is named and passed by: the rest of the project still loads.
+        const std::string where =
+            "element " + std::to_string(index) + " '" + type + "' of project '" + file + "': ";
+        try {
+            HostedBlock block(context.host, type,
+                              BlockKeys{"Block" + std::to_string(index), {}, {}});
+            block->IAppObject_XmlLoad(element);
+            const std::string line = EscapedLine(block->IAppObject_UserName()) + '\t' + type +
+                                     '\t' + Image(*block, context.invocation.intel) + '\n';
+            context.out << line;
+            // Entries its type does not define (a missing or changed type) are kept for a save.
+            std::string kept;
+            for (const std::string& entry : block->KeptProjectEntries()) {
+                kept += (kept.empty() ? "" : ", ") + entry;
+            }
+            if (!kept.empty()) {
+                context.err << "zerbin: note: block " << index << " (" << type
+                            << ") keeps what its type does not define: " << kept << '\n';
+            }
+        } catch (const std::exception&) {
+            status = std::max(status, ReportCurrentFailure(context.err, where));
+        }
     }
-    return kExitOk;
+    return status;
 }
 
 }  // namespace zerbin::cli

@@ -24,4 +24,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// A message of the library or the system as it stands after "zerbin: error: ...: ".
+inline std::string LowerFirst(std::string text) {
+    if (!text.empty() && text[0] >= 'A' && text[0] <= 'Z') {
+        text[0] = static_cast<char>(text[0] - 'A' + 'a');
+    }
+    return text;
+}
+
 }  // namespace zerbin::cli

@@ -25,8 +25,11 @@ COMMANDS:
   check [TYPE...]     create block types and show their messages;
                       exit status 1 when any message was shown
 
-Messages of the blocks go to stderr as "TITLE: TEXT". Exit status 2 means a usage error,
-3 a dictionary, device document or project that cannot be read.
+Messages of the blocks go to stderr as "TITLE: TEXT". Exit status 2 means a usage error;
+3 a file that cannot be read (dictionary, device document, project, or a definition that
+is a folder, a FIFO, a device, too large or not permitted), named with the reason; 1 any
+other failure: a block type that fails, a value the editors would refuse, output that
+cannot be written.
 )";
 }
 
@@ -53,7 +56,10 @@ outputs with their reference codes.
 Creates a block of TYPE, writes each --set attribute value and each --ref input reference in
 the order given, and prints its CDB image on one line.
 
-  --set NAME=VALUE    write VALUE to the attribute NAME, as the tool's editors do
+  --set NAME=VALUE    write VALUE to the attribute NAME, as the tool's editors do; an
+                      enumeration takes a label as well as a code. A value the
+                      editors would refuse is written all the same and reported,
+                      exit status 1
   --ref INPUT=HEX     give the input INPUT the reference HEX (4 digits, 6 when extended)
   --export-index N    the block's export index (-32768 to 32767)
   --intel             the image with the least significant byte first
@@ -84,7 +90,10 @@ Creates a block of TYPE and prints the lean form for other tools, under a root e
 
 For each element directly under the root of the project FILE, in document order: creates
 the block type named by the element, restores it from the element and prints its user
-name, its type and its image, separated by tabs.
+name, its type and its image, separated by tabs, one line a block: a tab, carriage return,
+line feed or backslash in the user name is written \t, \r, \n or \\. A block that fails
+is named on stderr and the rest go on; exit status 1 (3 for a definition that cannot be
+read).
 
   --intel             images with the least significant byte first
 )";
@@ -92,7 +101,8 @@ name, its type and its image, separated by tabs.
             return R"(USAGE: zerbin [options] check [TYPE...]
 
 Creates each TYPE, or every type of the library, and builds its image. The messages the
-blocks show go to stderr. Exit status 1 when any message was shown, else 0.
+blocks show go to stderr; a type that fails is named there and the rest go on. Exit status
+1 when any message was shown or any type failed, 3 when a definition cannot be read, else 0.
 )";
     }
     return UsageText();

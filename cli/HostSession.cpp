@@ -2,11 +2,19 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
+#include <new>
+#include <optional>
 #include <system_error>
 
 #include "app_object/HostOrder.h"
+#include "base/MMain.h"
 #include "base/Xml.h"
 #include "cli/CliErrors.h"
+#include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
+#include "interfaces/Error.h"
+#include "platform/DefinitionStore.h"
 #include "platform/Files.h"
 
 namespace zerbin::cli {
@@ -29,13 +37,6 @@ std::string WithLineFeeds(const std::string& text) {
     return result;
 }
 
-std::string LowerFirst(std::string text) {
-    if (!text.empty()) {
-        text[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(text[0])));
-    }
-    return text;
-}
-
 }  // namespace
 
 int StreamMessageSink::Show(const Message& message) {
@@ -49,15 +50,93 @@ int StreamMessageSink::Show(const Message& message) {
     return kMessageOk;
 }
 
+namespace {
+
+std::shared_ptr<pugi::xml_document> LoadOrExplain(const std::filesystem::path& file,
+                                                  const std::string& what, std::uintmax_t maxBytes,
+                                                  xml::ParseError& error) {
+    try {
+        return xml::LoadFile(file, &error, maxBytes);
+    } catch (const std::bad_alloc&) {
+        throw UnreadableError("cannot read " + what + " '" + file.string() + "': out of memory");
+    }
+}
+
+}  // namespace
+
 std::shared_ptr<const pugi::xml_document> ReadDocument(const std::filesystem::path& file,
                                                        const std::string& what) {
     xml::ParseError error;
-    std::shared_ptr<const pugi::xml_document> document = xml::LoadFile(file, &error);
+    std::shared_ptr<const pugi::xml_document> document =
+        LoadOrExplain(file, what, xml::kMaxDocumentBytes, error);
     if (!document) {
         throw UnreadableError("cannot read " + what + " '" + file.string() +
                               "': " + LowerFirst(error.reason));
     }
     return document;
+}
+
+void ReadDefinition(const std::filesystem::path& library, const std::string& type) {
+    if (!IsSafeTypeName(type)) {
+        return;
+    }
+    const std::shared_ptr<DefinitionStore> store = DefinitionCache().Store();
+    if (store->FindDocument(type)) {
+        return;
+    }
+    const std::filesystem::path file = DefinitionFile(library, type);
+    xml::ParseError error;
+    std::shared_ptr<const pugi::xml_document> document =
+        LoadOrExplain(file, "definition", kMaxDefinitionBytes, error);
+    if (document) {
+        store->AddDocument(std::move(document), type);
+    } else if (error.unreadable && error.systemError != ENOENT) {
+        throw UnreadableError("cannot read definition '" + file.string() +
+                              "': " + LowerFirst(error.reason));
+    }
+}
+
+std::string EscapedLine(const std::string& text) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char c : text) {
+        switch (c) {
+            case '\\':
+                escaped += "\\\\";
+                break;
+            case '\t':
+                escaped += "\\t";
+                break;
+            case '\r':
+                escaped += "\\r";
+                break;
+            case '\n':
+                escaped += "\\n";
+                break;
+            default:
+                escaped += c;
+        }
+    }
+    return escaped;
+}
+
+int ReportCurrentFailure(std::ostream& err, const std::string& where) {
+    try {
+        throw;
+    } catch (const UnreadableError& error) {
+        err << "zerbin: error: " << where << error.what() << '\n';
+        return kExitUnreadable;
+    } catch (const IoError& error) {
+        err << "zerbin: error: " << where << "cannot read '" << error.File()
+            << "': " << error.Reason() << '\n';
+        return kExitUnreadable;
+    } catch (const std::bad_alloc&) {
+        err << "zerbin: error: " << where << "out of memory\n";
+        return kExitFailure;
+    } catch (const std::exception& error) {
+        err << "zerbin: error: " << where << LowerFirst(error.what()) << '\n';
+        return kExitFailure;
+    }
 }
 
 std::vector<std::string> LibraryTypes(const std::filesystem::path& library) {
@@ -71,8 +150,9 @@ std::vector<std::string> LibraryTypes(const std::filesystem::path& library) {
     for (const std::filesystem::directory_entry& entry : entries) {
         const std::string name = entry.path().filename().string();
         std::error_code ignored;
+        // Any kind of file counts: one that cannot be read is for the command to report.
         if (entry.is_directory(ignored) &&
-            std::filesystem::is_regular_file(DefinitionFile(library, name), ignored)) {
+            std::filesystem::exists(DefinitionFile(library, name), ignored)) {
             types.push_back(name);
         }
     }
@@ -85,16 +165,19 @@ void RequireBlockType(const std::filesystem::path& library, const std::string& t
         throw UsageError("invalid block type name '" + type + "'");
     }
     std::error_code error;
-    if (!std::filesystem::is_regular_file(DefinitionFile(library, type), error)) {
+    if (!std::filesystem::exists(DefinitionFile(library, type), error)) {
         throw UsageError("no block type '" + type + "' in library '" + library.string() + "'");
     }
 }
 
 HostedBlock::HostedBlock(const HostSettings& settings, const std::string& type,
                          const BlockKeys& keys)
-    : block_(NewBlock(type, {settings.dictionary, settings.ownerDevice, settings.shortFloat,
-                             keys.globalKey, keys.extendedKey, keys.userName})),
-      type_(type) {}
+    : type_(type) {
+    // A definition that cannot be read is the user's to hear of, not a block with no members.
+    ReadDefinition(settings.library, type);
+    block_ = NewBlock(type, {settings.dictionary, settings.ownerDevice, settings.shortFloat,
+                             keys.globalKey, keys.extendedKey, keys.userName});
+}
 
 HostedBlock::~HostedBlock() {
     // Breaks the references between the block and its members, so that nothing outlives it.
@@ -105,7 +188,97 @@ HostedBlock::~HostedBlock() {
     }
 }
 
-void HostedBlock::Apply(const std::vector<Assignment>& sets, const std::vector<Assignment>& refs) {
+namespace {
+
+struct EnumEntry {
+    int32_t code;
+    std::string label;
+};
+
+// The entries of an enum description as the enumeration editor lists them: "code,label;"
+// each, the first empty entry ending the list.
+std::vector<EnumEntry> EnumEntries(const std::string& description) {
+    std::vector<EnumEntry> entries;
+    for (int32_t i = 0;; ++i) {
+        const std::string entry = NthToken(description, i, ";");
+        if (entry.empty()) {
+            break;
+        }
+        try {
+            entries.push_back(EnumEntry{ToInt16(LeadingNumber(NthToken(entry, 0, ","))),
+                                        NthToken(entry, 1, ",")});
+        } catch (const Error&) {
+            // An entry the editor can't list either.
+        }
+    }
+    return entries;
+}
+
+// The value a --set writes: for an Enum a label stands for its code, as the enumeration
+// editor offers labels; the last entry of a label wins, as in that editor.
+std::string ValueToWrite(IAttribute& attribute, const std::string& value) {
+    const std::shared_ptr<ISNVType> type = attribute.IAttribute_SNVTType();
+    if (!type || ClassOf(*type) != TypeClass::Enum || attribute.IAttribute_IsUnit() ||
+        attribute.IAttribute_IsType()) {
+        return value;
+    }
+    const std::vector<EnumEntry> entries = EnumEntries(type->ISNVType_EnumDesc());
+    std::optional<int32_t> code;
+    for (const EnumEntry& entry : entries) {
+        if (std::to_string(entry.code) == value) {
+            return value;
+        }
+        if (entry.label == value) {
+            code = entry.code;
+        }
+    }
+    return code ? std::to_string(*code) : value;
+}
+
+std::optional<double> NumberOf(const std::string& text) {
+    try {
+        return LocaleDouble(NormalizeDecimal(text));
+    } catch (const Error&) {
+        return std::nullopt;
+    }
+}
+
+// What the tool's editors would say against value, or nothing when they would take it.
+std::optional<std::string> EditorObjection(IAttribute& attribute, const std::string& value) {
+    const std::shared_ptr<ISNVType> type = attribute.IAttribute_SNVTType();
+    if (!type || attribute.IAttribute_IsUnit() || attribute.IAttribute_IsType()) {
+        return std::nullopt;
+    }
+    const TypeClass typeClass = ClassOf(*type);
+    if (typeClass == TypeClass::Enum) {
+        for (const EnumEntry& entry : EnumEntries(type->ISNVType_EnumDesc())) {
+            if (std::to_string(entry.code) == value) {
+                return std::nullopt;
+            }
+        }
+        return "'" + value + "' is no code or name of the enumeration";
+    }
+    if (!IsNumericClass(typeClass)) {
+        return std::nullopt;
+    }
+    const std::optional<double> number = NumberOf(value);
+    if (!number) {
+        return "'" + value + "' is not a number";
+    }
+    const std::optional<double> min = NumberOf(attribute.IAttribute_Min());
+    const std::optional<double> max = NumberOf(attribute.IAttribute_Max());
+    if ((min && *number < *min) || (max && *number > *max)) {
+        return value + " is outside the limits " +
+               (min ? attribute.IAttribute_Min() : std::string("-")) + " to " +
+               (max ? attribute.IAttribute_Max() : std::string("-"));
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::vector<std::string> HostedBlock::Apply(const std::vector<Assignment>& sets,
+                                            const std::vector<Assignment>& refs) {
     const std::shared_ptr<IAttributes> attributes = block_->IAppObject_Attributes();
     std::vector<std::shared_ptr<IAttribute>> targets;
     for (const Assignment& set : sets) {
@@ -126,12 +299,21 @@ void HostedBlock::Apply(const std::vector<Assignment>& sets, const std::vector<A
         connections.push_back(std::move(input));
     }
 
+    std::vector<std::string> objections;
     for (std::size_t i = 0; i < sets.size(); ++i) {
-        targets[i]->IAttribute_Value(sets[i].value);
+        IAttribute& attribute = *targets[i];
+        const std::string value = ValueToWrite(attribute, sets[i].value);
+        // Judged before the write: a selector's write changes the types of others.
+        if (const auto objection = EditorObjection(attribute, value)) {
+            objections.push_back("--set " + sets[i].name + "=" + sets[i].value + ": " + *objection +
+                                 "; written as given");
+        }
+        attribute.IAttribute_Value(value);
     }
     for (std::size_t i = 0; i < refs.size(); ++i) {
         connections[i]->IInput_Value(refs[i].value);
     }
+    return objections;
 }
 
 }  // namespace zerbin::cli

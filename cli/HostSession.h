@@ -43,6 +43,22 @@ struct HostSettings {
 std::shared_ptr<const pugi::xml_document> ReadDocument(const std::filesystem::path& file,
                                                        const std::string& what);
 
+// Parses the definition of type into the process's store, as the first block of the type
+// would, so that a definition that is there but cannot be read (a directory, a FIFO, no
+// permission, too large, out of memory) ends the command with its file name and the reason
+// (UnreadableError). A missing or not well-formed definition is left to the block, which
+// tells the user itself, as for any host.
+void ReadDefinition(const std::filesystem::path& library, const std::string& type);
+
+// One line for a text that may hold line breaks: tab, carriage return, line feed and
+// backslash written as C writes them in a string ("\t", "\r", "\n", "\\").
+std::string EscapedLine(const std::string& text);
+
+// Within a catch block: reports the exception being handled on err as "zerbin: error: "
+// where and the failure, and gives the exit status it calls for (3 for a file that cannot be
+// read, else 1). Exceptions that are no std::exception go on.
+int ReportCurrentFailure(std::ostream& err, const std::string& where);
+
 // The block types of the library: the folders T that hold T/T.xml, sorted by name. Throws
 // UnreadableError when the library folder cannot be listed.
 std::vector<std::string> LibraryTypes(const std::filesystem::path& library);
@@ -71,7 +87,12 @@ public:
     // Writes each attribute value through IAttribute_Value, then each input reference through
     // IInput_Value, in the order given. Every name is looked up first, so that a name the
     // block lacks throws UsageError ("TYPE has no attribute NAME") before anything is written.
-    void Apply(const std::vector<Assignment>& sets, const std::vector<Assignment>& refs);
+    // An Enum attribute takes a label of its enumeration for the label's code. A value the
+    // tool's editors would refuse (not a number, outside the limits, no code of the
+    // enumeration) is written all the same, as the write does, and comes back as one
+    // objection each, for the command to report.
+    [[nodiscard]] std::vector<std::string> Apply(const std::vector<Assignment>& sets,
+                                                 const std::vector<Assignment>& refs);
 
 private:
     std::shared_ptr<CDBAppObject> block_;

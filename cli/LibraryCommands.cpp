@@ -1,4 +1,6 @@
 // types and check: the commands that walk the library.
+#include <algorithm>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -13,7 +15,15 @@ constexpr const char* kCheckKey = "Block1";
 }  // namespace
 
 int RunTypes(const CommandContext& context) {
+    int status = kExitOk;
     for (const std::string& type : LibraryTypes(context.host.library)) {
+        try {
+            ReadDefinition(context.host.library, type);
+        } catch (const UnreadableError& error) {
+            context.err << "zerbin: error: " << error.what() << '\n';
+            status = kExitUnreadable;
+            continue;
+        }
         // The header is all a listing needs: no members are created.
         auto block = std::make_shared<CDBAppObject>();
         block->IAppObject_XmlSNVTDoc(context.host.dictionary);
@@ -23,7 +33,7 @@ int RunTypes(const CommandContext& context) {
                     << '\t' << block->IAppObject_Category() << '\n';
         block->IAppObject_Destroy();
     }
-    return kExitOk;
+    return status;
 }
 
 int RunCheck(const CommandContext& context) {
@@ -35,22 +45,30 @@ int RunCheck(const CommandContext& context) {
             RequireBlockType(context.host.library, type);
         }
     }
-    bool anyMessage = false;
+    int status = kExitOk;
     for (const std::string& type : types) {
         const int before = context.messages.Count();
-        {
+        // A type that fails is named and passed by: the rest of the library is still checked.
+        try {
             HostedBlock block(context.host, type, BlockKeys{kCheckKey, {}, {}});
             // Building the image is where a layout beyond the CDB's limits shows.
             block->IAppObject_Stream();
+        } catch (const UnreadableError& error) {
+            context.err << "zerbin: error: " << error.what() << '\n';
+            status = kExitUnreadable;
+        } catch (const std::exception& error) {
+            context.err << "zerbin: error: block type '" << type
+                        << "': " << LowerFirst(error.what()) << '\n';
+            status = std::max(status, kExitFailure);
         }
         const int shown = context.messages.Count() - before;
         if (shown > 0) {
-            anyMessage = true;
+            status = std::max(status, kExitFailure);
             context.err << "zerbin: note: block type '" << type << "' showed " << shown
                         << (shown == 1 ? " message" : " messages") << '\n';
         }
     }
-    return anyMessage ? kExitFailure : kExitOk;
+    return status;
 }
 
 }  // namespace zerbin::cli

@@ -1,8 +1,11 @@
 #include "cli/Zerbin.h"
 
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <memory>
+#include <new>
 
 #include "cli/CliErrors.h"
 #include "cli/CommandLine.h"
@@ -10,9 +13,10 @@
 #include "cli/DataFolder.h"
 #include "cli/Help.h"
 #include "cli/HostSession.h"
+#include "datatypes/UnitConverter.h"
+#include "interfaces/Error.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "datatypes/UnitConverter.h"
 
 namespace zerbin::cli {
 namespace {
@@ -83,7 +87,23 @@ int RunCommand(const Invocation& invocation, std::ostream& out, std::ostream& er
 
 }  // namespace
 
-int RunZerbin(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+namespace {
+
+// Output that did not reach its file (a full disk, a closed pipe) is a failure like any other:
+// a script must not take a cut output for a whole one.
+int Checked(int status, std::ostream& out, std::ostream& err) {
+    errno = 0;
+    out.flush();
+    if (out) {
+        return status;
+    }
+    const int code = errno;
+    err << "zerbin: error: cannot write the output"
+        << (code != 0 ? ": " + LowerFirst(std::strerror(code)) : std::string()) << '\n';
+    return status == kExitOk ? kExitFailure : status;
+}
+
+int Run(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
     try {
         const Invocation invocation = ParseCommandLine(args);
         if (invocation.version) {
@@ -98,19 +118,29 @@ int RunZerbin(const std::vector<std::string>& args, std::ostream& out, std::ostr
             out << CommandUsageText(*invocation.command);
             return kExitOk;
         }
-        const int status = RunCommand(invocation, out, err);
-        out.flush();
-        return status;
+        return RunCommand(invocation, out, err);
     } catch (const UsageError& error) {
         err << "zerbin: error: " << error.what() << '\n';
         return kExitUsage;
     } catch (const UnreadableError& error) {
         err << "zerbin: error: " << error.what() << '\n';
         return kExitUnreadable;
+    } catch (const std::bad_alloc&) {
+        err << "zerbin: error: out of memory\n";
+        return kExitFailure;
+    } catch (const IoError& error) {
+        err << "zerbin: error: cannot read '" << error.File() << "': " << error.Reason() << '\n';
+        return kExitUnreadable;
     } catch (const std::exception& error) {
-        err << "zerbin: error: " << error.what() << '\n';
+        err << "zerbin: error: " << LowerFirst(error.what()) << '\n';
         return kExitFailure;
     }
+}
+
+}  // namespace
+
+int RunZerbin(const std::vector<std::string>& args, std::ostream& out, std::ostream& err) {
+    return Checked(Run(args, out, err), out, err);
 }
 
 }  // namespace zerbin::cli

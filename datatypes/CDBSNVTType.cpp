@@ -188,6 +188,11 @@ void CDBSNVTType::ResolveByID(const std::string& id) {
     Replay(CachedResolution(id));
 }
 
+void CDBSNVTType::ResolveQuietly(const std::string& id) {
+    id_ = id;
+    Replay(CachedResolution(id), true);
+}
+
 std::shared_ptr<const CDBSNVTType::Resolution> CDBSNVTType::CachedResolution(
     const std::string& id) {
     ResolutionCache& cache = ProcessState::Get<ResolutionCache>();
@@ -205,7 +210,7 @@ std::shared_ptr<const CDBSNVTType::Resolution> CDBSNVTType::CachedResolution(
     return found->second;
 }
 
-void CDBSNVTType::Replay(const std::shared_ptr<const Resolution>& resolution) {
+void CDBSNVTType::Replay(const std::shared_ptr<const Resolution>& resolution, bool quiet) {
     for (const Resolution::Edit& edit : resolution->edits) {
         switch (edit.kind) {
             case Resolution::Kind::Text:
@@ -218,10 +223,12 @@ void CDBSNVTType::Replay(const std::shared_ptr<const Resolution>& resolution) {
                 this->*edit.whole = edit.number;
                 break;
             case Resolution::Kind::Message:
-                ShowMessage(edit.value);
+                if (!quiet) {
+                    ShowMessage(edit.value);
+                }
                 break;
             case Resolution::Kind::CheckLength:
-                if (length_ == 0) {
+                if (length_ == 0 && !quiet) {
                     ShowMessage("Error: SNVT_" + id_ + " has a bad Length");
                 }
                 break;

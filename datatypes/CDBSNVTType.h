@@ -42,6 +42,11 @@ public:
     // dictionary. Clears nothing; never throws; reports a bad type, a bad length or a missing
     // entry through the message port.
     void ResolveByID(const std::string& id);
+    // Internal. The same without a word to the user, for readers that only look a type up.
+    void ResolveQuietly(const std::string& id);
+    // Internal. The limits as held, before DecimalToDisplay.
+    const std::string& StoredMin() const { return min_; }
+    const std::string& StoredMax() const { return max_; }
     // Internal setters: each changes the one field named.
     void SetGenType(const std::string& v);
     void SetLength(int32_t v);
@@ -61,7 +66,7 @@ private:
     static void LoadEnums(const std::string& id, Resolution& out);
     static void LoadNumericDetails(pugi::xml_node entry, Resolution& out);
     static void LoadTextDetails(pugi::xml_node entry, Resolution& out);
-    void Replay(const std::shared_ptr<const Resolution>& resolution);
+    void Replay(const std::shared_ptr<const Resolution>& resolution, bool quiet = false);
 
     std::string enumDesc_;
     std::string genType_;

@@ -14,6 +14,7 @@
 #include "base/ProcessState.h"
 #include "base/SkipMode.h"
 #include "base/Xml.h"
+#include "datatypes/CDBSNVTType.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/SnvtDictionary.h"
 #include "datatypes/TypeClass.h"
@@ -187,6 +188,14 @@ std::optional<double> ShortestShown(float stored, const UnitConversion* conversi
     return shown;
 }
 
+// A scaled value on its scale grid A * 10^B * k, the division by the power of ten giving the
+// correctly rounded decimal rather than k times an inexact step.
+double GridValue(double k, int32_t a, int32_t b) {
+    const double scale = std::pow(10.0, std::abs(b));
+    const double value = b < 0 ? k * a / scale : k * a * scale;
+    return value == 0.0 ? 0.0 : value;
+}
+
 }  // namespace
 
 void SetUnitSystem(UnitSystem system) {
@@ -201,9 +210,8 @@ std::shared_ptr<IUnitConverter> CreateUnitConverter() {
     return std::make_shared<UnitConverter>();
 }
 
-// What the converter needs of a type, read quietly from its dictionary entry with the keys
-// of the type record: upper-case base names, comments skipped, a key without content passed
-// over.
+// What the converter needs of a type: the type record's own resolution, cached once for the
+// dictionary and replayed without its messages.
 struct UnitConverter::TypeFacts {
     std::string id;
     TypeClass typeClass = TypeClass::Other;
@@ -212,6 +220,7 @@ struct UnitConverter::TypeFacts {
     std::string max;
     int32_t a = 0;
     int32_t b = 0;
+    int32_t c = 0;
     bool numeric = false;
     bool isFloat = false;
 };
@@ -221,29 +230,17 @@ UnitConverter::UnitConverter(std::optional<UnitSystem> system,
     : system_(system), table_(std::move(table)) {}
 
 UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
+    CDBSNVTType type;
+    type.ResolveQuietly(typeId);
     TypeFacts facts;
     facts.id = typeId;
-    for (const pugi::xml_node child : FindSnvtEntry(typeId).children()) {
-        if (xml::IsComment(child)) {
-            continue;
-        }
-        const std::string_view key = xml::BaseNameView(child);
-        SkipStep([&] {
-            if (EqualsNoCase(key, "TYPE")) {
-                facts.typeClass = ParseTypeClass(xml::FirstChildText(child));
-            } else if (EqualsNoCase(key, "UNIT")) {
-                facts.unit = xml::FirstChildText(child);
-            } else if (EqualsNoCase(key, "MIN")) {
-                facts.min = NormalizeDecimal(xml::FirstChildText(child));
-            } else if (EqualsNoCase(key, "MAX")) {
-                facts.max = NormalizeDecimal(xml::FirstChildText(child));
-            } else if (EqualsNoCase(key, "A_COEF")) {
-                facts.a = ToInt32(LeadingNumber(xml::FirstChildText(child)));
-            } else if (EqualsNoCase(key, "B_COEF")) {
-                facts.b = ToInt32(LeadingNumber(xml::FirstChildText(child)));
-            }
-        });
-    }
+    facts.typeClass = ClassOf(type);
+    facts.unit = type.ISNVType_Units();
+    facts.min = type.StoredMin();
+    facts.max = type.StoredMax();
+    facts.a = type.ISNVType_ACoef();
+    facts.b = type.ISNVType_BCoef();
+    facts.c = type.ISNVType_CCoef();
     facts.numeric = IsNumericClass(facts.typeClass);
     facts.isFloat = facts.typeClass == TypeClass::Float;
     return facts;
@@ -291,9 +288,31 @@ std::string UnitConverter::ToDisplayValue(const std::string& typeId,
             return FormatDouble(*shortest);
         }
     }
+    const double value = OnGrid(facts, *stored);
     const double shown =
-        conversion != nullptr ? *stored * conversion->factor + conversion->offset : *stored;
+        conversion != nullptr ? value * conversion->factor + conversion->offset : value;
     return FormatDouble(RoundDecimal(shown, Decimals(facts, conversion)));
+}
+
+// The value the bytes of a scaled type hold for a stored value, which may lie between two
+// steps of its scale: the raw number worked out as the encoder does (through a single, to
+// seven digits, half to even), back on the grid. Shown from there, a value between steps
+// shows what the device gets, and confirming it writes the same bytes in either system.
+double UnitConverter::OnGrid(const TypeFacts& facts, double stored) const {
+    if (facts.isFloat || facts.a == 0 || !std::isfinite(stored)) {
+        return stored;
+    }
+    const double x = stored * std::pow(10.0, -facts.b) / facts.a - facts.c;
+    if (!(std::fabs(x) < 2147483647.0)) {
+        return stored;
+    }
+    std::array<char, 64> buffer{};
+    const auto [last, ec] =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                      static_cast<double>(static_cast<float>(x)), std::chars_format::scientific, 6);
+    double single = 0.0;
+    std::from_chars(buffer.data(), ec == std::errc{} ? last : buffer.data(), single);
+    return GridValue(RoundHalfEven(single) + facts.c, facts.a, facts.b);
 }
 
 std::string UnitConverter::FromDisplayValue(const std::string& typeId,
@@ -323,9 +342,7 @@ std::string UnitConverter::FromDisplayValue(const std::string& typeId,
     // gives the correctly rounded decimal rather than k times an inexact step.
     const double scale = std::pow(10.0, std::abs(facts.b));
     const double steps = facts.b < 0 ? stored * scale / facts.a : stored / scale / facts.a;
-    const double k = RoundHalfEven(steps);
-    const double onGrid = facts.b < 0 ? k * facts.a / scale : k * facts.a * scale;
-    return FormatDouble(onGrid == 0.0 ? 0.0 : onGrid);
+    return FormatDouble(GridValue(RoundHalfEven(steps), facts.a, facts.b));
 }
 
 std::string UnitConverter::DisplayUnit(const std::string& typeId) {

@@ -92,6 +92,7 @@ private:
     TypeFacts Facts(const std::string& typeId) const;
     const UnitConversion* ConversionFor(const TypeFacts& facts) const;
     int16_t Decimals(const TypeFacts& facts, const UnitConversion* conversion) const;
+    double OnGrid(const TypeFacts& facts, double stored) const;
     std::string Limit(const std::string& typeId, bool lower);
 
     std::optional<UnitSystem> system_;

@@ -40,13 +40,10 @@ std::shared_ptr<const pugi::xml_document> LoadShipped(const std::filesystem::pat
     return document;
 }
 
-// What the XML of a project can hold unchanged: the parser drops text that is only white
-// space, turns carriage returns into line feeds, and a text node ends at a NUL.
+// What the XML of a project can hold unchanged: every text, white space alone and carriage
+// returns included, except one with a NUL, where a text node ends.
 bool XmlCarries(const std::string& text) {
-    if (text.find('\0') != std::string::npos || text.find('\r') != std::string::npos) {
-        return false;
-    }
-    return text.empty() || text.find_first_not_of(" \t\n") != std::string::npos;
+    return text.find('\0') == std::string::npos;
 }
 
 std::vector<std::shared_ptr<IAttribute>> AttributesOf(CDBAppObject& block) {
@@ -226,13 +223,16 @@ std::optional<SavedBlock> Save(CDBAppObject& block) {
         return std::nullopt;  // an invalid XML name: the caller hears of it, by design
     }
     saved.element = project.first_child();
+    // Written as every host writes: through the port, which keeps what XML would normalise.
     std::ostringstream out;
-    saved.document->save(out, "", pugi::format_raw);
+    xml::Save(*saved.document, out);
     saved.text = out.str();
     xml::ParseError error;
-    if (!xml::LoadString(saved.text, &error)) {
+    saved.reread = xml::LoadString(saved.text, &error);
+    if (!saved.reread) {
         Fail("a completed save wrote XML that does not parse", error.reason + "\n" + saved.text);
     }
+    saved.rereadElement = saved.reread->document_element().first_child();
     return saved;
 }
 
@@ -251,7 +251,9 @@ void CheckRoundTrip(CDBAppObject& block, bool manageShortFloat) {
     }
     const bool comparable = CanRoundTrip(block);
     const auto copy = MakeBlock(block.IAppObject_UniqueIDString(), manageShortFloat);
-    copy->IAppObject_XmlLoad(saved->element);
+    // From the text, as a project is opened: what the writer or the reader of the XML loses
+    // is lost to the user as well.
+    copy->IAppObject_XmlLoad(saved->rereadElement);
     if (comparable) {
         RequireSame("member values", MemberState(block), MemberState(*copy), saved->text);
         RequireSame("image", stream, copy->IAppObject_Stream(), saved->text);

@@ -52,6 +52,9 @@ struct SavedBlock {
     std::shared_ptr<pugi::xml_document> document;
     pugi::xml_node element;
     std::string text;
+    // The text read back, as a project file is, and the block element in it.
+    std::shared_ptr<pugi::xml_document> reread;
+    pugi::xml_node rereadElement;
 };
 std::optional<SavedBlock> Save(CDBAppObject& block);
 

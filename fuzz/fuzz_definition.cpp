@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
+#include "base/Xml.h"
 #include "fuzz/FuzzSupport.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
-#include "base/Xml.h"
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "base/MMain.h"
+#include "base/Xml.h"
 #include "datatypes/CDBSNVTType.h"
 #include "fuzz/FuzzSupport.h"
-#include "base/Xml.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/FuzzSupport.h"
 #include "base/Xml.h"
+#include "fuzz/FuzzSupport.h"
 
 namespace {
 

@@ -1,7 +1,9 @@
-// Fuzz target: value texts. The input is a list of records "N:text", separated by the
-// record separator byte 0x1E; each text is written to attribute N of the shipped library,
+// Fuzz target: value texts. The input is a list of records "N:text" or "N*R:text", separated
+// by the record separator byte 0x1E; each text, repeated R times in the second form (so
+// that a short input builds a long value), is written to attribute N of the shipped library,
 // the attributes of all its block types counted in one row (N taken modulo their number).
 // Each block written to is then shown, imaged, and saved and loaded round.
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -15,26 +17,49 @@
 namespace {
 
 constexpr char kRecordSeparator = '\x1E';
+// A value built by repetition stays below this, so that one input stays quick to check.
+constexpr std::size_t kMaxBuiltValue = 1u << 16;
 
 struct Record {
     uint64_t index = 0;
     std::string text;
 };
 
-// "N:text" gives N and text; a record without a leading number is text for attribute 0.
+// Up to nine digits at the start of text, as a number; at is moved past them.
+uint64_t Digits(std::string_view text, std::size_t& at) {
+    uint64_t number = 0;
+    const std::size_t first = at;
+    while (at < text.size() && at - first < 9 && text[at] >= '0' && text[at] <= '9') {
+        number = number * 10 + static_cast<uint64_t>(text[at] - '0');
+        ++at;
+    }
+    return number;
+}
+
+// "N:text" gives N and text, "N*R:text" the text R times; a record without that head is
+// text for attribute 0.
 Record ParseRecord(std::string_view record) {
     Record parsed;
     std::size_t i = 0;
-    while (i < record.size() && i < 9 && record[i] >= '0' && record[i] <= '9') {
-        parsed.index = parsed.index * 10 + static_cast<uint64_t>(record[i] - '0');
+    parsed.index = Digits(record, i);
+    uint64_t repeat = 1;
+    if (i < record.size() && record[i] == '*') {
         ++i;
+        repeat = Digits(record, i);
     }
     if (i < record.size() && record[i] == ':') {
         record.remove_prefix(i + 1);
     } else {
         parsed.index = 0;
+        repeat = 1;
     }
-    parsed.text = std::string(record);
+    const uint64_t most = record.empty() ? 0 : kMaxBuiltValue / record.size();
+    for (uint64_t n = 0; n < std::min(repeat, most); ++n) {
+        parsed.text += record;
+    }
+    if (repeat > 0 && most == 0) {
+        parsed.text = std::string(record);
+    }
     return parsed;
 }
 

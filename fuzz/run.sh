@@ -47,6 +47,9 @@ dictionary=()
 if [[ $name != values ]]; then
     dictionary=(-dict="$root/fuzz/xml.dict")
 fi
+# Without it libFuzzer takes the largest seed as the longest input it builds (112 bytes for
+# the values); a later -max_len on the command line wins.
+max_len=(-max_len=8192)
 
 # The first corpus folder receives new inputs; the committed seeds are only read.
 # -timeout: an input that takes longer than 10 s is a hang and counts as a finding.
@@ -56,6 +59,7 @@ exec "$build/fuzz_$name" \
     -rss_limit_mb=2048 \
     -print_final_stats=1 \
     -artifact_prefix="$artifacts/" \
+    "${max_len[@]}" \
     "${dictionary[@]}" \
     "$@" \
     "$corpus" "$root/fuzz/corpus/$name"

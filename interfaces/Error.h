@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace zerbin {
 
@@ -37,6 +38,29 @@ private:
 class OverflowError : public Error {
 public:
     OverflowError() : Error("Overflow", kErrOverflow) {}
+};
+
+// A file that could not be read whole: missing, not a regular file, too large, not permitted,
+// or a read that failed. Apart from Error on purpose: skip mode drops a failing step, but a
+// file the user named that cannot be read is always heard of.
+class IoError : public std::runtime_error {
+public:
+    // reason in words, as the C library gives it in lower case ("permission denied");
+    // code is the errno value, 0 when none fits.
+    IoError(std::string file, std::string reason, int code)
+        : std::runtime_error(file + ": " + reason),
+          file_(std::move(file)),
+          reason_(std::move(reason)),
+          code_(code) {}
+
+    const std::string& File() const { return file_; }
+    const std::string& Reason() const { return reason_; }
+    int Code() const { return code_; }
+
+private:
+    std::string file_;
+    std::string reason_;
+    int code_;
 };
 
 }  // namespace zerbin

@@ -151,8 +151,8 @@ private:
 
     // Values (CDBAttributeValue.cpp).
     void StoreValue(const std::string& text);
-    // Token index of a Struct value for field index; a single field takes a text without
-    // blank whole.
+    // Token index of a Struct value for field index; a text without blank is the first
+    // field's token whole.
     std::string StructToken(const std::string& text, int32_t index) const;
     void RaiseAttributeChanged(bool absorb);
     void ChangeTypeOfConnections(bool absorb);

@@ -35,13 +35,15 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
     attribute->IInterceptableAttribute_SetInterceptor(std::move(interceptor));
     // Owner and name come first: the warnings of the load name both, and the load reaches
     // the block's documents through the owner.
-    attribute->SetParent(std::move(owner));
-    attribute->SetName(name);
-    attribute->LoadDefinition(node);
     try {
+        attribute->SetParent(std::move(owner));
+        attribute->SetName(name);
+        attribute->LoadDefinition(node);
         items_.Add(name, attribute);
     } catch (...) {
-        attribute->Release();  // refused: nothing else will ever release it
+        // A load that ran out of memory, or a refused name: the attribute is in no collection,
+        // so nothing else will ever release it from its owner and fields.
+        attribute->Release();
         throw;
     }
     attribute->CreateEditor();

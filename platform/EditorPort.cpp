@@ -20,6 +20,13 @@ std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName) {
     return factory ? factory->CreateValueEditor(editorName) : nullptr;
 }
 
+void ShowParameterList(std::shared_ptr<IAppObject> appObject, std::shared_ptr<IObject> owner) {
+    // Held for the call: the window may run code that installs another factory.
+    if (const std::shared_ptr<IEditorFactory> factory = Factory()) {
+        factory->ShowParameterList(std::move(appObject), std::move(owner));
+    }
+}
+
 void SetEditorFactory(std::shared_ptr<IEditorFactory> factory) {
     Factory() = std::move(factory);
 }

@@ -3,6 +3,7 @@
 // name from reaching outside that library.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -30,6 +31,10 @@ void SetComponentBaseName(std::string baseName);
 // The block library: the parent of ComponentFolder(), lexically normalised so that it works
 // for a folder that does not exist. Block type T is the folder LibraryFolder() / T.
 std::filesystem::path LibraryFolder();
+
+// Far above any real definition: a larger definition file is refused unread, as one that does
+// not load.
+inline constexpr std::uintmax_t kMaxDefinitionBytes = std::uintmax_t{64} << 20;
 
 // The definition file of block type T in a library: library / T / "T.xml".
 std::filesystem::path DefinitionFile(const std::filesystem::path& library, const std::string& type);

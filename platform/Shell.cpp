@@ -4,8 +4,10 @@
 #include <sys/wait.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -39,6 +41,50 @@ void ReapEndedChildren() {
     });
 }
 
+// xdg-open hands the file to the desktop's opener and ends at once, telling by its status
+// what went wrong: 2 the file does not exist, 3 no tool to open it with, 4 the opener failed.
+// A generic desktop runs the viewer itself and xdg-open stays while it runs; after this long
+// it is taken as opened.
+constexpr std::chrono::milliseconds kVerdictWait{2000};
+constexpr std::chrono::milliseconds kPollInterval{5};
+
+int32_t ResultOfExit(int status) {
+    if (!WIFEXITED(status)) {
+        return kShellFailed;
+    }
+    switch (WEXITSTATUS(status)) {
+        case 0:
+            return kShellOpened;
+        case 2:
+            return kShellFileNotFound;
+        case 3:
+            return kShellNoAssociation;
+        default:
+            return kShellFailed;
+    }
+}
+
+// The result of xdg-open once it has ended, or kShellOpened when it is still running after
+// kVerdictWait; it is then reaped later.
+int32_t AwaitVerdict(pid_t pid) {
+    const auto deadline = std::chrono::steady_clock::now() + kVerdictWait;
+    for (;;) {
+        int status = 0;
+        const pid_t ended = waitpid(pid, &status, WNOHANG);
+        if (ended == pid) {
+            return ResultOfExit(status);
+        }
+        if (ended < 0 && errno != EINTR) {
+            return kShellFailed;
+        }
+        if (std::chrono::steady_clock::now() >= deadline) {
+            Children().push_back(pid);
+            return kShellOpened;
+        }
+        std::this_thread::sleep_for(kPollInterval);
+    }
+}
+
 int32_t SpawnXdgOpen(const ShellRequest& request) {
     std::filesystem::path file(request.file);
     if (file.is_relative() && !request.folder.empty()) {
@@ -61,8 +107,7 @@ int32_t SpawnXdgOpen(const ShellRequest& request) {
     if (error != 0) {
         return kShellFailed;
     }
-    Children().push_back(pid);
-    return kShellOpened;
+    return AwaitVerdict(pid);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace zerbin {
 // Result numbers of OpenDocument.
 inline constexpr int32_t kShellOpened = 33;         // handed to the viewer (any value above 32)
 inline constexpr int32_t kShellFileNotFound = 2;    // the document does not exist
-inline constexpr int32_t kShellNoAssociation = 31;  // no viewer: xdg-open is not installed
+inline constexpr int32_t kShellNoAssociation = 31;  // no viewer: no xdg-open, or no tool for it
 inline constexpr int32_t kShellFailed = 5;          // anything else
 
 struct ShellRequest {
@@ -24,8 +24,10 @@ struct ShellRequest {
 };
 
 // Opens file (relative to folder when it is relative and folder is given) with
-// "xdg-open FILE", spawned without a shell and not waited for. verb, parameters, owner and
-// show state are kept for an installed opener; xdg-open has no use for them.
+// "xdg-open FILE", spawned without a shell. Waits a moment for xdg-open's verdict and maps its
+// exit status onto the result numbers; an xdg-open still running then counts as opened. verb,
+// parameters, owner and show state are kept for an installed opener; xdg-open has no use for
+// them.
 int32_t OpenDocument(int64_t ownerWindow, const std::string& verb, const std::string& file,
                      const std::string& parameters, const std::string& folder, int32_t showState);
 

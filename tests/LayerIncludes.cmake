@@ -9,10 +9,14 @@ set(allowed_datatypes ${allowed_platform} datatypes)
 set(allowed_connections ${allowed_datatypes} connections)
 set(allowed_parameters ${allowed_datatypes} parameters)
 set(allowed_app_object ${allowed_connections} parameters app_object)
+set(allowed_editors ${allowed_app_object} editors)
 set(allowed_interfaces interfaces)
+# The plug-in holds the core (and the editors when built) and its own public header zerbin/.
+set(allowed_plugin ${allowed_editors} plugin zerbin)
 
 set(failures "")
-foreach(folder IN ITEMS base platform datatypes connections parameters app_object interfaces)
+foreach(folder IN ITEMS base platform datatypes connections parameters app_object editors
+                        interfaces plugin)
     file(GLOB files "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
     foreach(file IN LISTS files)
         file(STRINGS "${file}" includes REGEX "^#include \"[a-z_]+/")

@@ -141,6 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, DatasheetSearch,
     ::testing::Values(
         DatasheetRow{"PdfBeforeWord", {"b.doc", "a.pdf"}, {"pb_123_c.pdf"}, "123", "a.pdf"},
+        DatasheetRow{"ExtensionInAnyCase", {"Manual.PDF"}, {}, "", "Manual.PDF"},
         DatasheetRow{"WordInTypeFolder", {"b.doc", "x.txt"}, {"pb_123_c.pdf"}, "123", "b.doc"},
         DatasheetRow{
             "SharedPdf", {}, {"pb_123_x.doc", "pb_123_y.pdf"}, "123", "DataSheets/pb_123_y.pdf"},

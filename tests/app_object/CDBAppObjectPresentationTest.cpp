@@ -70,6 +70,20 @@ TEST(Icon, FallsBackToTheComponentsOwnIcon) {
     EXPECT_EQ(InitBlock("../" + plain)->IAppObject_Icon()->source, "TESSRA");
 }
 
+TEST(Icon, ATypesOwnIconIsReadOnceAndShared) {
+    TempLibrary library;
+    const std::string type = UniqueTypeName("Pictured");
+    library.WriteDefinition(type, HeaderOnlyDefinition(""));
+    const std::filesystem::path file = std::filesystem::path(type) / (type + ".ico");
+    library.WriteFile(file, kIconBytes);
+
+    const auto icon = InitBlock(type)->IAppObject_Icon();
+    ASSERT_NE(icon, nullptr);
+    EXPECT_EQ(std::string(icon->bytes.begin(), icon->bytes.end()), kIconBytes);
+    std::filesystem::remove(library.Folder() / file);
+    EXPECT_EQ(InitBlock(type)->IAppObject_Icon(), icon);
+}
+
 // ---- Datasheet ------------------------------------------------------------------------------
 
 // Replaces the shell while it lives and records what it was asked.

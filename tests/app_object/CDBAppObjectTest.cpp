@@ -85,6 +85,12 @@ TEST(AppObjectMembers, ClearReferencesZeroesEveryInputInItsWidth) {
     EXPECT_EQ(inputs->IInputs_Item("Pressure")->IInput_Value(), "000000");
 }
 
+TEST(AppObjectMembers, IsDeviceDependentWhenAnyAttributeIs) {
+    FixtureLibrary library;
+    EXPECT_TRUE(CreateBlock("Widths")->IAppObject_IsDeviceDependent());
+    EXPECT_FALSE(CreateBlock("Worked")->IAppObject_IsDeviceDependent());
+}
+
 // ---- Teardown ---------------------------------------------------------------------------------
 
 TEST(AppObjectLifecycle, DestroyTakesTheBlockApartAndLetsItGo) {

@@ -60,6 +60,16 @@ TEST(KeyedCollection, ItemLooksUpTheKeyFirstThenThePosition) {
     }
 }
 
+TEST(KeyedCollection, RemoveReindexesTheMembersAfterTheRemovedOne) {
+    auto collection = Collection({"a", "b", "c", "d"});
+    collection.Remove("B");
+    EXPECT_FALSE(collection.Contains("b"));
+    EXPECT_EQ(NameOf(collection.FindKey("c")), "c");
+    EXPECT_EQ(NameOf(collection.FindKey("D")), "d");
+    EXPECT_EQ(NameOf(collection.Item("3")), "d");
+    EXPECT_THROW(collection.Remove("b"), Error);
+}
+
 // ---- Listener lists ------------------------------------------------------------------------
 
 struct Listener {

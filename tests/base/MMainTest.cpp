@@ -63,6 +63,20 @@ TEST(HexByte, FormatsTheLowByteAndClampsTheCallersVariable) {
     }
 }
 
+TEST(HexWord, FormatsBothBytesAndClampsAbove65535) {
+    struct Row {
+        int32_t value;
+        const char* expected;
+        int32_t afterwards;
+    };
+    const Row rows[] = {{65535, "FFFF", 65535}, {65536, "FFFF", 65535}, {258, "0102", 258}};
+    for (const Row& row : rows) {
+        int32_t value = row.value;
+        EXPECT_EQ(HexWord(value), row.expected) << row.value;
+        EXPECT_EQ(value, row.afterwards) << row.value;
+    }
+}
+
 // ---- Reference codes -----------------------------------------------------------------------
 
 TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwo) {

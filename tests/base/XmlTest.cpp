@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 
 #include "interfaces/Error.h"
@@ -65,6 +68,118 @@ TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
     ParseError error;
     EXPECT_EQ(LoadFile(dir / "missing.xml", &error), nullptr);
     EXPECT_FALSE(error.reason.empty());
+}
+
+// Each row is a document that pugixml alone takes but XML 1.0 does not, or that must be
+// decoded by its declaration; the reason must say what is wrong.
+TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
+    struct Row {
+        std::string text;
+        const char* reasonOrText;  // a part of the reason, or the text of A when it loads
+        bool loads;
+    };
+    const Row rows[] = {
+        {"<A>caf\xE9</A>", "not UTF-8", false},
+        {"<?xml version='1.0' encoding='ISO-8859-15'?><A>\xA4</A>", "\xE2\x82\xAC", true},
+        {"<?xml version='1.0' encoding='us-ascii'?><A>\xE9</A>", "encoding 'us-ascii'", false},
+        {"<?xml version='1.0' encoding='x-klingon'?><A/>", "'x-klingon'", false},
+        {"<A>a\x01</A>", "U+0001", false},
+        {"<A>&#1;</A>", "U+0001", false},
+        {"<A>a & b</A>", "'&' that starts no reference", false},
+        {"<A>&fan;</A>", "undefined entity '&fan;'", false},
+        {"<A x='&x;'/>", "undefined entity '&x;'", false},
+        {"<!DOCTYPE A [<!ENTITY fan 'Fan'>]><A>&fan;</A>", "entity declarations", false},
+        {"<!DOCTYPE A SYSTEM 'file:///etc/passwd'><A>&lt;&#x20AC;</A>", "<\xE2\x82\xAC", true},
+        {"<A x='a<b'/>", "'<' is not allowed", false},
+        {"<A>]]></A>", "']]>'", false},
+        {"<A><!-- a -- b --></A>", "'--'", false},
+        {"<\xC2\xB7"
+         "A/>",
+         "not a valid XML name", false},
+        {"<A x='1' x='2'/>", "given twice", false},
+        {"<A/><B/>", "second document element", false},
+        {"<A/>text", "text outside", false},
+        {"<A/><?xml version='1.0'?>", "declaration", false},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        ParseError error;
+        const auto doc = LoadString(row.text, &error);
+        ASSERT_EQ(doc != nullptr, row.loads) << error.reason;
+        if (row.loads) {
+            EXPECT_EQ(FirstChildText(doc->child("A")), row.reasonOrText);
+        } else {
+            EXPECT_NE(error.reason.find(row.reasonOrText), std::string::npos) << error.reason;
+        }
+    }
+}
+
+// Refused before it is opened for reading: opening a FIFO waits for a writer for ever, and
+// /dev/zero never ends.
+TEST(XmlLoad, ReadsRegularFilesOnly) {
+    const testing::TempFolder folder;
+    const auto& dir = folder.Path();
+    ASSERT_EQ(::mkfifo((dir / "fifo.xml").c_str(), 0600), 0);
+    std::filesystem::create_symlink("/dev/zero", dir / "zero.xml");
+    std::filesystem::create_directory(dir / "folder.xml");
+    folder.Write("big.xml", "<A>" + std::string(100, 'x') + "</A>");
+    struct Row {
+        std::filesystem::path file;
+        const char* reason;
+    };
+    const Row rows[] = {
+        {dir / "fifo.xml", "is a named pipe"},  {dir / "zero.xml", "is a device"},
+        {dir / "folder.xml", "is a directory"}, {dir / "missing.xml", "no such file or directory"},
+        {dir / "big.xml", "file too large"},
+    };
+    for (const Row& row : rows) {
+        ParseError error;
+        EXPECT_EQ(LoadFile(row.file, &error, 64), nullptr) << row.file;
+        EXPECT_EQ(error.reason, row.reason) << row.file;
+        EXPECT_TRUE(error.unreadable) << row.file;
+    }
+}
+
+// ---- Writing -------------------------------------------------------------------------------
+
+TEST(XmlSave, TextComesBackExactlyThroughAnyParser) {
+    const std::string texts[] = {"a\rb", "a\r\nb", "\tx ", "   ", " lead", "trail\n", "a  b", ""};
+    pugi::xml_document doc;
+    const pugi::xml_node root = AppendChildElement(doc, "R");
+    for (const std::string& text : texts) {
+        AppendText(AppendChildElement(root, "T"), text);
+        SetAttribute(AppendChildElement(root, "E"), "v", text);
+    }
+    std::ostringstream out;
+    Save(doc, out);
+    EXPECT_EQ(out.str().find('\r'), std::string::npos) << out.str();
+    ParseError error;
+    const auto back = LoadString(out.str(), &error);
+    ASSERT_NE(back, nullptr) << error.reason;
+    pugi::xml_node t = back->child("R").child("T");
+    pugi::xml_node e = back->child("R").child("E");
+    for (const std::string& text : texts) {
+        SCOPED_TRACE(::testing::PrintToString(text));
+        EXPECT_EQ(std::string(t.text().get()), text);
+        EXPECT_EQ(std::string(e.attribute("v").value()), text);
+        t = t.next_sibling("T");
+        e = e.next_sibling("E");
+    }
+}
+
+TEST(XmlSave, RefusesWhatXmlOneCannotCarry) {
+    pugi::xml_document doc;
+    pugi::xml_node element = AppendChildElement(doc, "UserName");
+    for (const char* text : {"a\x01", "\x1F", "caf\xE9", "\xEF\xBF\xBE"}) {
+        EXPECT_THROW(AppendText(element, text), Error) << text;
+        EXPECT_THROW(SetAttribute(element, "v", text), Error) << text;
+    }
+    EXPECT_FALSE(element.first_child());
+    // Put there by a host past the port's checks: the whole save is refused.
+    element.append_child(pugi::node_pcdata).set_value("a\x02");
+    std::ostringstream out;
+    EXPECT_THROW(Save(doc, out), Error);
+    EXPECT_EQ(out.str(), "");
 }
 
 // ---- Node kinds, names, text ---------------------------------------------------------------

@@ -52,12 +52,14 @@ inline std::vector<std::string> EnvironmentWithLocale(const std::string& locale)
 }
 
 // Runs the program with args in workingFolder (the test's own when empty) under locale;
-// stdout and stderr go through files, so neither can fill up and block the other.
+// stdout and stderr go through files, so neither can fill up and block the other. Given
+// stdoutFile, stdout goes there instead ("/dev/full") and out stays empty.
 inline ProgramResult RunProgram(const std::vector<std::string>& args,
                                 const std::filesystem::path& workingFolder = {},
-                                const std::string& locale = "C") {
+                                const std::string& locale = "C",
+                                const std::filesystem::path& stdoutFile = {}) {
     TempFolder capture;
-    const std::string outFile = capture.Path() / "out";
+    const std::string outFile = stdoutFile.empty() ? capture.Path() / "out" : stdoutFile;
     const std::string errFile = capture.Path() / "err";
 
     posix_spawn_file_actions_t actions;
@@ -95,7 +97,7 @@ inline ProgramResult RunProgram(const std::vector<std::string>& args,
     int wstatus = 0;
     waitpid(pid, &wstatus, 0);
     result.status = WIFEXITED(wstatus) ? WEXITSTATUS(wstatus) : -1;
-    result.out = ReadWhole(outFile);
+    result.out = stdoutFile.empty() ? ReadWhole(outFile) : std::string();
     result.err = ReadWhole(errFile);
     return result;
 }

@@ -28,7 +28,7 @@ TEST(Zerbin, UnreadableDocumentsExitThreeNamingFileAndReason) {
     const std::vector<Row> rows{
         {{"--dictionary", broken, "types"}, "cannot read dictionary '" + broken + "': " + mismatch},
         {{"--device", missing, "check"},
-         "cannot read device document '" + missing + "': file was not found"},
+         "cannot read device document '" + missing + "': no such file or directory"},
         {{"load", broken}, "cannot read project '" + broken + "': " + mismatch},
         {{"--library", missing, "types"},
          "cannot read library '" + missing + "': no such file or directory"},

@@ -117,6 +117,20 @@ TEST_F(OutputTest, WarnsAboutAnEmptyTypeAndGoesOn) {
     EXPECT_TRUE(output->IOutput_Visible());
 }
 
+TEST_F(OutputTest, CountsItsConnectionsAndIsConnectedWhileAnyIsLeft) {
+    auto output = Load(R"(<Out><SNVTTYPE>105</SNVTTYPE></Out>)");
+    output->ISubItemConnable_IsConnected(true);
+    output->ISubItemConnable_IsConnected(true);
+    output->ISubItemConnable_IsConnected(false);
+    EXPECT_TRUE(output->IOutput_IsConnected());
+    EXPECT_EQ(output->ConnectionCount(), 1);
+    output->ISubItemConnable_IsConnected(false);
+    EXPECT_FALSE(output->IOutput_IsConnected());
+    output->ISubItemConnable_IsConnected(false);  // unpaired: below zero, and connected
+    EXPECT_EQ(output->ConnectionCount(), -1);
+    EXPECT_TRUE(output->IOutput_IsConnected());
+}
+
 TEST_F(OutputTest, CompatibilityIsOneExactComparisonOfIds) {
     auto typed = Load("<Out><SNVTTYPE>105</SNVTTYPE></Out>");
     EXPECT_TRUE(typed->ISubItemConnable_IsSNVTCompatible("105"));

@@ -3,9 +3,13 @@
 // outside the block library. Each ends with a defined outcome and leaves the host running.
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "interfaces/Error.h"
@@ -211,6 +215,38 @@ TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
         EXPECT_EQ(ChildNames(saved), top);
         EXPECT_EQ(ChildNames(saved.child("Attributes")), row.savedAttributes);
         EXPECT_NE(xml::LoadString(XmlText(document), nullptr), nullptr);
+        block->IAppObject_Destroy();
+    }
+}
+
+// A definition that is no file to read (a FIFO, which would wait for a writer for ever; a
+// device that never ends; a folder) or one of 8 GB (sparse: it takes no disk) is refused
+// before it is read, and the block says what it says of a missing one.
+TEST_F(HostileDefinitionTest, DefinitionThatIsNoReadableFileIsNotAvailable) {
+    TempFolder tree;
+    using Make = void (*)(const std::filesystem::path&);
+    const std::pair<const char*, Make> rows[] = {
+        {"FIFO", [](const std::filesystem::path& f) { ASSERT_EQ(::mkfifo(f.c_str(), 0600), 0); }},
+        {"ZERO",
+         [](const std::filesystem::path& f) { std::filesystem::create_symlink("/dev/zero", f); }},
+        {"FOLDER", [](const std::filesystem::path& f) { std::filesystem::create_directory(f); }},
+        {"HUGE",
+         [](const std::filesystem::path& f) {
+             std::ofstream(f) << "<AppObject/>";
+             std::filesystem::resize_file(f, std::uintmax_t{8} << 30);
+         }},
+    };
+    ScopedLibrary library(tree.Path() / "library");
+    for (const auto& [stem, make] : rows) {
+        SCOPED_TRACE(stem);
+        const std::string type = UniqueTypeName(stem);
+        const std::filesystem::path file = tree.Path() / "library" / type / (type + ".xml");
+        std::filesystem::create_directories(file.parent_path());
+        make(file);
+        ScopedMessageRecorder recorder;
+        const auto block = MakeBlock(type);
+        EXPECT_EQ(MessageTexts(recorder), std::vector<std::string>(4, NotAvailable(type)));
+        EXPECT_EQ(block->IAppObject_Stream(), "030000");
         block->IAppObject_Destroy();
     }
 }

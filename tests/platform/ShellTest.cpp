@@ -1,14 +1,11 @@
 #include "platform/Shell.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
-#include <thread>
 
 #include "tests/TestSupport.h"
 
@@ -21,26 +18,19 @@ namespace fs = std::filesystem;
 class ShellTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        fs::create_directories(dir_ / "bin");
         std::ofstream(dir_ / "sheet.pdf") << "%PDF";
         const char* path = std::getenv("PATH");
         oldPath_ = path != nullptr ? path : "";
     }
     void TearDown() override { setenv("PATH", oldPath_.c_str(), 1); }
-    void InstallFakeOpener() {
-        const fs::path script = dir_ / "bin" / "xdg-open";
-        std::ofstream(script) << "#!/bin/sh\nprintf '%s' \"$*\" > \"" << (dir_ / "opened").string()
-                              << ".tmp\"\nmv \"" << (dir_ / "opened").string() << ".tmp\" \""
-                              << (dir_ / "opened").string() << "\"\n";
+    // An xdg-open that runs body as a shell script; it sees the file as $1.
+    void InstallFakeOpener(const std::string& body) {
+        const fs::path script = folder_.Write("bin/xdg-open", "#!/bin/sh\n" + body + "\n");
         fs::permissions(script, fs::perms::owner_all);
         setenv("PATH", ((dir_ / "bin").string() + ":" + oldPath_).c_str(), 1);
     }
-    std::string WaitForOpened() {
-        const fs::path opened = dir_ / "opened";
-        for (int i = 0; i < 200 && !fs::exists(opened); ++i) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        std::ifstream in(opened);
+    std::string Opened() const {
+        std::ifstream in(dir_ / "opened");
         return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
@@ -50,18 +40,43 @@ protected:
 };
 
 TEST_F(ShellTest, SpawnsXdgOpenWithTheFileResolvedInTheFolder) {
-    InstallFakeOpener();
-    EXPECT_EQ(OpenDocument(0, "open", "sheet.pdf", "", dir_.string(), 1), kShellOpened);
-    EXPECT_EQ(WaitForOpened(), (dir_ / "sheet.pdf").string());
+    InstallFakeOpener("printf '%s|%s' \"$#\" \"$1\" > \"" + (dir_ / "opened").string() + "\"");
+    EXPECT_EQ(OpenDocument(0, "open", "sheet.pdf", "0", dir_.string(), 3), kShellOpened);
+    EXPECT_EQ(Opened(), "1|" + (dir_ / "sheet.pdf").string());
+}
+
+// Each way xdg-open can fail, and the result number callers tell them apart by.
+TEST_F(ShellTest, XdgOpenFailuresMapOntoResultNumbers) {
+    const struct {
+        const char* script;
+        int32_t result;
+    } rows[] = {
+        {"exit 0", kShellOpened},
+        {"exit 2", kShellFileNotFound},   // the file vanished before xdg-open saw it
+        {"exit 3", kShellNoAssociation},  // no tool to open the file with
+        {"exit 4", kShellFailed},         // the opener failed
+        {"exit 1", kShellFailed},         // xdg-open refused its arguments
+        {"kill -9 $$", kShellFailed},     // died by a signal
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.script);
+        InstallFakeOpener(row.script);
+        EXPECT_EQ(OpenDocument(0, "open", (dir_ / "sheet.pdf").string(), "", "", 3), row.result);
+    }
 }
 
 TEST_F(ShellTest, TellsAMissingFileFromAMissingViewer) {
-    InstallFakeOpener();
+    InstallFakeOpener("exit 0");
     EXPECT_EQ(OpenDocument(0, "open", "absent.pdf", "", dir_.string(), 1), kShellFileNotFound);
     EXPECT_EQ(OpenDocument(0, "open", "", "", "", 1), kShellFileNotFound);
     setenv("PATH", (dir_ / "empty").c_str(), 1);
     EXPECT_EQ(OpenDocument(0, "open", (dir_ / "sheet.pdf").string(), "", "", 1),
               kShellNoAssociation);
+    // Present but not runnable.
+    const fs::path script = folder_.Write("locked/xdg-open", "#!/bin/sh\nexit 0\n");
+    fs::permissions(script, fs::perms::owner_read);
+    setenv("PATH", (dir_ / "locked").c_str(), 1);
+    EXPECT_EQ(OpenDocument(0, "open", (dir_ / "sheet.pdf").string(), "", "", 1), kShellFailed);
 }
 
 TEST_F(ShellTest, AnInstalledOpenerReceivesTheWholeRequest) {

@@ -85,25 +85,31 @@ inline double Limit(const std::string& text, double fallback) {
 
 class RandomValues {
 public:
-    explicit RandomValues(uint32_t seed) : rng_(seed) {}
+    // Without carriageReturns no text holds a CR, for a trip through the text of a document
+    // written by a writer that leaves them raw.
+    explicit RandomValues(uint32_t seed, bool carriageReturns = true)
+        : rng_(seed), carriageReturns_(carriageReturns) {}
 
     int64_t Between(int64_t low, int64_t high) {
         return std::uniform_int_distribution<int64_t>(low, high)(rng_);
     }
     bool Coin() { return Between(0, 1) == 1; }
 
-    // Letters, digits, blanks inside, separators and characters beyond ASCII; never only
-    // white space, which the XML of a project does not keep.
+    // Letters, digits, white space (also alone, at either end, and as CR LF), separators and
+    // characters beyond ASCII.
     std::string Text(int64_t maxLength) {
         static const std::vector<std::string> pieces = {
-            "a", "Z", "7", " ", ".", ",", "-", "_", "\xC3\xA4", "\xE2\x82\xAC", "&", "<", "'"};
+            "a", "Z", "7", " ",  ".", ",",    "-", "_", "\xC3\xA4", "\xE2\x82\xAC",
+            "&", "<", "'", "\t", " ", "\r\n", "\r"};
+        const auto usable = static_cast<int64_t>(pieces.size()) - (carriageReturns_ ? 1 : 3);
         std::string text;
+        const bool blanksOnly = Between(0, 7) == 0;
         const int64_t length = Between(0, maxLength);
         for (int64_t i = 0; i < length; ++i) {
-            text += pieces[static_cast<std::size_t>(
-                Between(0, static_cast<int64_t>(pieces.size()) - 1))];
+            text += blanksOnly ? std::string(Coin() ? " " : "\t")
+                               : pieces[static_cast<std::size_t>(Between(0, usable - 1))];
         }
-        return text.find_first_not_of(' ') == std::string::npos ? std::string() : text;
+        return text;
     }
 
     // A value of the type: a listed code, bits that fit, a number within the limits with two
@@ -138,6 +144,7 @@ public:
 
 private:
     std::mt19937 rng_;
+    bool carriageReturns_;
 };
 
 // Writes random values: selectors first, since writing one re-derives or retypes others.
@@ -154,9 +161,14 @@ inline void Randomize(CDBAppObject& block, RandomValues& random) {
             if (attribute->IAttribute_DividedBy() > 1) {
                 attribute->IAttribute_Value("0");
             } else if (const auto fields = attribute->IAttribute_Fields()) {
+                // Empty fields too, the first one included: they stand between blanks.
                 std::string value;
+                bool first = true;
                 for (const auto& field : fields->IFields_NewEnum()) {
-                    value += (value.empty() ? "" : " ") + random.Of(*field->IField_SNVTType());
+                    value += (first ? "" : " ") + (random.Between(0, 3) == 0
+                                                       ? std::string()
+                                                       : random.Of(*field->IField_SNVTType()));
+                    first = false;
                 }
                 attribute->IAttribute_Value(value);
             } else {

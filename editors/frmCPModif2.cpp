@@ -1,0 +1,133 @@
+#include "editors/frmCPModif2.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "base/SkipMode.h"
+#include "editors/KeyCodes.h"
+#include "editors/TextRules.h"
+#include "platform/Messages.h"
+
+namespace zerbin {
+
+frmCPModif2::frmCPModif2(QWidget* parent)
+    : ValueEditorDialog(parent),
+      lblName_(BoldLabel("lblName", this)),
+      txtNewCPValue_(new QLineEdit(this)),
+      cmdOk_(Button("cmdOk", QStringLiteral("&OK"), this)),
+      cmdCancel_(Button("cmdCancel", QStringLiteral("&Cancel"), this)) {
+    setObjectName(QStringLiteral("frmCPModif2"));
+    txtNewCPValue_->setObjectName(QStringLiteral("txtNewCPValue"));
+    txtNewCPValue_->installEventFilter(this);
+    txtNewCPValue_->setMinimumWidth(
+        txtNewCPValue_->fontMetrics().horizontalAdvance(QLatin1Char('M')) * 20);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->addWidget(lblName_);
+    layout->addWidget(txtNewCPValue_);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(cmdOk_);
+    buttons->addWidget(cmdCancel_);
+    layout->addLayout(buttons);
+
+    setTabOrder(txtNewCPValue_, cmdOk_);
+    setTabOrder(cmdOk_, cmdCancel_);
+
+    connect(txtNewCPValue_, &QLineEdit::textChanged, this, &frmCPModif2::TextChanged);
+    connect(cmdOk_, &QPushButton::clicked, this, &frmCPModif2::OkAction);
+    connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void frmCPModif2::Load() {
+    SkipStep([&] { lblName_->setText(QString::fromStdString(CurrentPoint()->Name())); });
+    {
+        const QSignalBlocker quiet(txtNewCPValue_);
+        txtNewCPValue_->clear();
+    }
+    // A stored value that is too long is reported and cut here, as any change is.
+    SkipStep([&] { txtNewCPValue_->setText(QString::fromStdString(CurrentPoint()->Value())); });
+    txtNewCPValue_->selectAll();
+    txtNewCPValue_->setFocus();
+}
+
+void frmCPModif2::TextChanged(const QString& text) {
+    // Every way in (typing, paste, drop, load) ends here, so the code page is kept here too:
+    // what the box shows is what the 8-bit value will hold.
+    std::u32string characters = text.toStdU32String();
+    bool mapped = false;
+    for (char32_t& c : characters) {
+        if (!InWindows1252(c)) {
+            c = U'?';
+            mapped = true;
+        }
+    }
+    if (mapped) {
+        const int caret = txtNewCPValue_->cursorPosition();
+        txtNewCPValue_->setText(QString::fromStdU32String(characters));
+        txtNewCPValue_->setCursorPosition(caret);
+        return;
+    }
+    if (CurrentPoint() == nullptr) {
+        return;
+    }
+    SkipStep([&] {
+        const int32_t limit = Need(CurrentPoint()->SNVTType()).ISNVType_Length();
+        const TextLengthVerdict verdict = CheckTextLength(text.toStdString(), limit);
+        if (verdict.tooLong) {
+            ShowMessage(verdict.message, "Name too long", MessageIcon::Exclamation);
+            txtNewCPValue_->setText(QString::fromStdString(verdict.cut));
+        }
+    });
+}
+
+bool frmCPModif2::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != txtNewCPValue_ || event->type() != QEvent::KeyPress) {
+        return ValueEditorDialog::eventFilter(watched, event);
+    }
+    const char32_t key = CharacterKey(*static_cast<QKeyEvent*>(event));
+    if (key == 0) {
+        return false;
+    }
+    const TextKeyDecision decision = FilterTextKey(key);
+    switch (decision.action) {
+        case TextKeyAction::Restore:
+            SkipStep(
+                [&] { txtNewCPValue_->setText(QString::fromStdString(CurrentPoint()->Value())); });
+            return true;
+        case TextKeyAction::Confirm:
+            OkAction();
+            return true;
+        case TextKeyAction::BackspaceLast:
+            if (!txtNewCPValue_->text().isEmpty()) {
+                txtNewCPValue_->end(false);
+            }
+            return false;
+        case TextKeyAction::Pass:
+            break;
+    }
+    if (decision.character == key) {
+        return false;
+    }
+    txtNewCPValue_->insert(QString::fromUcs4(&decision.character, 1));
+    return true;
+}
+
+void frmCPModif2::OkAction() {
+    const std::string text = txtNewCPValue_->text().toStdString();
+    try {
+        ForEachPoint([&](const EditPoint& point) {
+            point.Value(text);
+            return true;
+        });
+    } catch (...) {
+        ShowMessage("error calculating CP value");
+    }
+    CloseAfterOk();
+}
+
+}  // namespace zerbin

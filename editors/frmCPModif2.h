@@ -1,0 +1,32 @@
+// frmCPModif2: the modal editor of a Textual value. Keeps the text within the length of its
+// type and within the 8-bit code page while it is typed or pasted, and turns typed blanks into
+// underscores. What is typed is what is stored.
+#pragma once
+
+#include "editors/ValueEditorDialog.h"
+
+class QLineEdit;
+
+namespace zerbin {
+
+class frmCPModif2 : public ValueEditorDialog {
+    Q_OBJECT
+
+public:
+    explicit frmCPModif2(QWidget* parent = nullptr);
+
+protected:
+    void Load() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void TextChanged(const QString& text);
+    void OkAction();
+
+    QLabel* lblName_;
+    QLineEdit* txtNewCPValue_;
+    QPushButton* cmdOk_;
+    QPushButton* cmdCancel_;
+};
+
+}  // namespace zerbin

@@ -1,0 +1,151 @@
+// The C entry points of Zerbin.so: registration, the class object of the ProgID, and the
+// count of living objects that tells the host when it may unload the library.
+#include <dlfcn.h>
+
+#include <atomic>
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+#include "app_object/CDBAppObject.h"
+#include "base/MMain.h"
+#include "platform/Files.h"
+#include "plugin/Registration.h"
+#include "zerbin/plugin.h"
+
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+#include <QApplication>
+
+#include "editors/QtAdapters.h"
+#endif
+
+namespace zerbin::plugin {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Blocks alive and references handed out and not given back. Atomic although the component
+// runs on one thread: a host may drop its last reference on another.
+std::atomic<long> liveObjects{0};
+
+std::string ProgId() {
+    return ComponentBaseName() + ".CDBAppObject";
+}
+
+fs::path LibraryPath() {
+    Dl_info info{};
+    if (dladdr(reinterpret_cast<const void*>(&ZerbinRegisterServer), &info) == 0 ||
+        info.dli_fname == nullptr) {
+        throw std::runtime_error("the plug-in cannot find its own file");
+    }
+    return fs::weakly_canonical(info.dli_fname);
+}
+
+// The block library installed with the plug-in, else the one of the source tree it was
+// built from; empty when neither is there.
+fs::path ShippedBlockLibrary(const fs::path& library) {
+    std::error_code error;
+    for (const fs::path& candidate :
+         {(library.parent_path() / ZERBIN_PLUGIN_TO_BLOCKS).lexically_normal(),
+          fs::path(ZERBIN_SOURCE_BLOCKS)}) {
+        if (fs::is_directory(candidate, error)) {
+            return candidate;
+        }
+    }
+    return {};
+}
+
+// A Qt host has made its QApplication by the time it asks for its first block: from then on
+// the blocks show their windows and message boxes through Qt. A host without one, or a
+// plug-in built without the windows, stays headless.
+void UseQtWhenTheHostDoes() {
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+    static bool installed = false;
+    if (!installed && qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) {
+        zerbin::InstallQtAdapters();
+        installed = true;
+    }
+#endif
+}
+
+// What no exception may cross: the host is C.
+template <typename Body>
+int Guarded(int failure, Body body) noexcept {
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return ZERBIN_E_OUT_OF_MEMORY;
+    } catch (...) {
+        return failure;
+    }
+}
+
+}  // namespace
+}  // namespace zerbin::plugin
+
+using namespace zerbin::plugin;
+
+ZERBIN_PLUGIN_API int ZerbinRegisterServer(void) {
+    return Guarded(ZERBIN_E_REGISTRATION, [] {
+        const fs::path library = LibraryPath();
+        WriteRegistration({ProgId(), library, ZERBIN_PLUGIN_VERSION, ShippedBlockLibrary(library)});
+        return ZERBIN_OK;
+    });
+}
+
+ZERBIN_PLUGIN_API int ZerbinUnregisterServer(void) {
+    return Guarded(ZERBIN_E_REGISTRATION,
+                   [] { return RemoveRegistration(ProgId()) ? ZERBIN_OK : ZERBIN_E_REGISTRATION; });
+}
+
+ZERBIN_PLUGIN_API int ZerbinGetClassObject(const char* progId, ZerbinObject** object) {
+    if (object == nullptr) {
+        return ZERBIN_E_INVALID_ARGUMENT;
+    }
+    *object = nullptr;
+    if (progId == nullptr) {
+        return ZERBIN_E_INVALID_ARGUMENT;
+    }
+    return Guarded(ZERBIN_E_UNEXPECTED, [&] {
+        // ProgIDs are looked up without regard to letter case, as the host's registry does.
+        if (!zerbin::EqualsNoCase(progId, ProgId())) {
+            return ZERBIN_E_CLASS_NOT_AVAILABLE;
+        }
+        UseQtWhenTheHostDoes();
+        auto* made = new zerbin::CDBAppObject;
+        ++liveObjects;
+        // Should the control block fail, the deleter runs and the count stays right.
+        std::shared_ptr<zerbin::CDBAppObject> block(made, [](zerbin::CDBAppObject* gone) {
+            delete gone;
+            --liveObjects;
+        });
+        auto handle = std::make_unique<ZerbinObject>(ZerbinObject{std::move(block)});
+        ++liveObjects;
+        *object = handle.release();
+        return ZERBIN_OK;
+    });
+}
+
+ZERBIN_PLUGIN_API int ZerbinCanUnloadNow(void) {
+    return liveObjects.load() == 0 ? ZERBIN_OK : ZERBIN_FALSE;
+}
+
+ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object) {
+    if (object != nullptr) {
+        delete object;
+        --liveObjects;
+    }
+}
+
+ZERBIN_PLUGIN_API int ZerbinSetBlockLibrary(const char* library) {
+    return Guarded(ZERBIN_E_UNEXPECTED, [&] {
+        // Type T is the folder beside the component's folder: the library holds both.
+        zerbin::SetComponentFolder(library == nullptr || library[0] == '\0'
+                                       ? fs::path()
+                                       : fs::path(library) / zerbin::ComponentBaseName());
+        return ZERBIN_OK;
+    });
+}

@@ -1,0 +1,107 @@
+/* The entry points of the plug-in Zerbin.so, the in-process server of the generic application
+ * object. A host loads the library with dlopen (its path stands in the registration file that
+ * ZerbinRegisterServer writes), looks the functions up with dlsym under the names below, and
+ * asks ZerbinGetClassObject for a new block by its ProgID, "Zerbin.CDBAppObject".
+ *
+ * Calling convention: C linkage and the platform's C calling convention (the System V ABI on
+ * Linux). The entry points never throw or unwind into the host; they answer with the result
+ * codes below. Like every operation of the component they are called on the host's
+ * user-interface thread only.
+ *
+ * Ownership: ZerbinGetClassObject hands the caller one counted reference to the new object in
+ * a ZerbinObject. The caller owns it and gives it back with ZerbinReleaseObject; a C++ host
+ * copies the std::shared_ptr out of it first (see zerbin::TakeObject below). The object lives
+ * while any reference to it does. The code of every object lives in the library: the host
+ * must not dlclose it while ZerbinCanUnloadNow answers ZERBIN_FALSE. A block's members hold
+ * their block until IAppObject_Destroy; a member the host keeps after that must be dropped
+ * before the library is unloaded, as must every block.
+ */
+#ifndef ZERBIN_PLUGIN_H
+#define ZERBIN_PLUGIN_H
+
+#if defined(__GNUC__)
+#define ZERBIN_PLUGIN_EXPORT __attribute__((visibility("default")))
+#else
+#define ZERBIN_PLUGIN_EXPORT
+#endif
+
+#ifdef __cplusplus
+#define ZERBIN_PLUGIN_API extern "C" ZERBIN_PLUGIN_EXPORT
+#else
+#define ZERBIN_PLUGIN_API ZERBIN_PLUGIN_EXPORT
+#endif
+
+/* Result codes. */
+#define ZERBIN_OK 0                       /* done; for ZerbinCanUnloadNow: it may be unloaded */
+#define ZERBIN_FALSE 1                    /* ZerbinCanUnloadNow: objects of it are alive */
+#define ZERBIN_E_CLASS_NOT_AVAILABLE (-1) /* no class of that ProgID in this library */
+#define ZERBIN_E_INVALID_ARGUMENT (-2)    /* a null pointer where one is needed */
+#define ZERBIN_E_REGISTRATION (-3)        /* the registration file can't be written or removed */
+#define ZERBIN_E_OUT_OF_MEMORY (-4)
+#define ZERBIN_E_UNEXPECTED (-5) /* the object could not be constructed */
+
+/* The ProgID of the one class, made of the library's base name; as it ships: */
+#define ZERBIN_PROGID "Zerbin.CDBAppObject"
+
+/* A counted reference to an object of the library; opaque to C. */
+typedef struct ZerbinObject ZerbinObject;
+
+/* Writes the registration file $XDG_DATA_HOME/zerbin/plugins/<ProgID>.plugin ($XDG_DATA_HOME
+ * defaults to ~/.local/share), replacing an older one, with the lines
+ *     ProgID=<ProgID>
+ *     Path=<absolute path of this library>
+ *     Version=<version of this library>
+ *     BlockLibrary=<the block library shipped with it>   (only when one is found)
+ * ZERBIN_OK, or ZERBIN_E_REGISTRATION. */
+ZERBIN_PLUGIN_API int ZerbinRegisterServer(void);
+
+/* Removes that file. ZERBIN_OK also when there was none; ZERBIN_E_REGISTRATION when it stays. */
+ZERBIN_PLUGIN_API int ZerbinUnregisterServer(void);
+
+/* Creates a new CDBAppObject when progId is this library's ProgID (letter case aside) and
+ * stores a reference to it in *object. Any other ProgID gives ZERBIN_E_CLASS_NOT_AVAILABLE
+ * and *object = NULL. */
+ZERBIN_PLUGIN_API int ZerbinGetClassObject(const char* progId, ZerbinObject** object);
+
+/* ZERBIN_OK when no object made by the library is alive and no ZerbinObject is unreleased,
+ * else ZERBIN_FALSE. */
+ZERBIN_PLUGIN_API int ZerbinCanUnloadNow(void);
+
+/* Gives back a reference from ZerbinGetClassObject; NULL is ignored. */
+ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object);
+
+/* The block library in which type T is the folder <library>/T with its definition T/T.xml.
+ * Set it before the first block; NULL or "" restores the default, the parent of the library's
+ * own folder. ZERBIN_OK. */
+ZERBIN_PLUGIN_API int ZerbinSetBlockLibrary(const char* library);
+
+/* The types to look the entry points up with dlsym. */
+typedef int (*ZerbinRegisterServerFn)(void);
+typedef int (*ZerbinUnregisterServerFn)(void);
+typedef int (*ZerbinGetClassObjectFn)(const char*, ZerbinObject**);
+typedef int (*ZerbinCanUnloadNowFn)(void);
+typedef void (*ZerbinReleaseObjectFn)(ZerbinObject*);
+typedef int (*ZerbinSetBlockLibraryFn)(const char*);
+
+#ifdef __cplusplus
+#include <memory>
+
+#include "interfaces/IObject.h"
+
+struct ZerbinObject {
+    std::shared_ptr<zerbin::IObject> object;
+};
+
+namespace zerbin {
+
+/* Copies the reference out of handle and gives the handle back with release. */
+inline std::shared_ptr<IObject> TakeObject(ZerbinObject* handle, ZerbinReleaseObjectFn release) {
+    std::shared_ptr<IObject> object = handle != nullptr ? handle->object : nullptr;
+    release(handle);
+    return object;
+}
+
+} /* namespace zerbin */
+#endif
+
+#endif /* ZERBIN_PLUGIN_H */

@@ -1,0 +1,166 @@
+// The parameter list on blocks of the shipped library, and the editor port that opens the
+// right window from IAttribute_SetValue.
+#include <QApplication>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+#include "app_object/CDBAppObject.h"
+#include "editors/EditorWindows.h"
+#include "editors/QtAdapters.h"
+#include "editors/frmMain.h"
+#include "interfaces/IAttribute.h"
+#include "tests/editors/EditorTestSupport.h"
+
+namespace zerbin::testing {
+namespace {
+
+class ParameterList : public ::testing::Test {
+protected:
+    ParameterList() : library_(std::filesystem::path(ZERBIN_DATA_DIR) / "library") {
+        InstallQtAdapters();
+    }
+    ~ParameterList() override {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (qobject_cast<frmMain*>(widget) != nullptr) {
+                widget->close();
+            }
+        }
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        for (const auto& block : blocks_) {
+            block->IAppObject_Destroy();
+        }
+        RemoveQtAdapters();
+    }
+
+    std::shared_ptr<CDBAppObject> Block(const std::string& type) {
+        auto block = std::make_shared<CDBAppObject>();
+        block->IAppObject_XmlSNVTDoc(ShippedDictionary());
+        int32_t errorCode = 0;
+        block->IAppObject_Init(type, errorCode);
+        block->IAppObject_Create();
+        block->IAppObject_GlobalKey("K" + std::to_string(blocks_.size()));
+        blocks_.push_back(block);
+        return block;
+    }
+
+    static std::vector<frmMain*> Windows() {
+        std::vector<frmMain*> windows;
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* window = qobject_cast<frmMain*>(widget); window && window->isVisible()) {
+                windows.push_back(window);
+            }
+        }
+        return windows;
+    }
+
+    static QTreeWidgetItem* Row(frmMain& window, const std::string& name) {
+        auto* list = window.findChild<QTreeWidget*>("lvAttr");
+        const auto found = list->findItems(QString::fromStdString(name), Qt::MatchExactly, 0);
+        return found.isEmpty() ? nullptr : found.front();
+    }
+
+    ScopedMessageRecorder messages_;
+    ScopedLibrary library_;
+    std::vector<std::shared_ptr<CDBAppObject>> blocks_;
+};
+
+TEST_F(ParameterList, OneWindowPerBlockFoundByItsKey) {
+    auto thermostat = Block("THERMOSTAT");
+    auto pid = Block("PID_LOOP");
+    thermostat->IAppObject_Show(nullptr);
+    thermostat->IAppObject_Show(nullptr);
+    pid->IAppObject_Show(nullptr);
+    auto windows = Windows();
+    ASSERT_EQ(windows.size(), 2U);
+    if (windows[0]->Tag() != thermostat->IAppObject_GlobalKey()) {
+        std::swap(windows[0], windows[1]);
+    }
+    EXPECT_EQ(windows[0]->windowTitle().toStdString(), thermostat->IAppObject_Name());
+    EXPECT_EQ(windows[1]->windowTitle().toStdString(), pid->IAppObject_Name());
+    auto* list = windows[0]->findChild<QTreeWidget*>("lvAttr");
+    EXPECT_EQ(list->topLevelItemCount(), thermostat->IAppObject_Attributes()->IAttributes_Count());
+    EXPECT_EQ(list->headerItem()->text(2), QStringLiteral("Type"));
+}
+
+TEST_F(ParameterList, AClosedWindowIsForgottenAndTheNextShowMakesANewOne) {
+    auto block = Block("THERMOSTAT");
+    block->IAppObject_Show(nullptr);
+    Windows().front()->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // The listener the closed window left behind must stay quiet.
+    block->IAppObject_Attributes()->IAttributes_NewEnum().front()->IAttribute_Value("23");
+    EXPECT_TRUE(Windows().empty());
+    block->IAppObject_Show(nullptr);
+    EXPECT_EQ(Windows().size(), 1U);
+}
+
+TEST_F(ParameterList, ValuesWrittenAnywhereShowInTheRowCancelLeavesIt) {
+    auto block = Block("THERMOSTAT");
+    const auto attribute = block->IAppObject_Attributes()->IAttributes_Item("HeatSetpoint");
+    ASSERT_NE(attribute, nullptr);
+    block->IAppObject_Show(nullptr);
+    frmMain& window = *Windows().front();
+    QTreeWidgetItem* row = Row(window, "HeatSetpoint");
+    ASSERT_NE(row, nullptr);
+
+    attribute->IAttribute_Value("19");
+    EXPECT_EQ(row->text(1).toStdString(), attribute->IAttribute_Value());
+
+    auto* list = window.findChild<QTreeWidget*>("lvAttr");
+    const QPoint where = list->visualItemRect(row).center();
+    const auto edit = [&](const char* typed, const char* button) {
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, where);
+        WithModal([&] { QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, where); },
+                  [&](QWidget& editor) {
+                      EXPECT_EQ(editor.objectName(), QStringLiteral("frmCPModif1"));
+                      QTest::keyClicks(editor.findChild<QLineEdit*>("txtNewCPValue"), typed);
+                      QTest::mouseClick(editor.findChild<QPushButton*>(button), Qt::LeftButton);
+                  });
+    };
+    edit("18", "cmdCancel");
+    EXPECT_EQ(row->text(1).toStdString(), "19");
+    edit("17", "cmdOk");
+    EXPECT_EQ(attribute->IAttribute_Value(), "17");
+    EXPECT_EQ(row->text(1).toStdString(), "17");
+}
+
+TEST_F(ParameterList, HiddenAttributesAreListedAndEditable) {
+    auto block = Block("TYPE_MUX");
+    std::shared_ptr<IAttribute> hidden;
+    for (const auto& attribute : block->IAppObject_Attributes()->IAttributes_NewEnum()) {
+        if (!attribute->IAttribute_Visible()) {
+            hidden = attribute;
+        }
+    }
+    ASSERT_NE(hidden, nullptr);
+    block->IAppObject_Show(nullptr);
+    QTreeWidgetItem* row = Row(*Windows().front(), hidden->IAttribute_Name());
+    ASSERT_NE(row, nullptr);
+    auto* list = Windows().front()->findChild<QTreeWidget*>("lvAttr");
+    list->setCurrentItem(row);
+    WithModal([&] { QTest::keyClick(list, Qt::Key_Return); },
+              [](QWidget& editor) { editor.close(); });
+}
+
+TEST_F(ParameterList, SetValueOpensTheEditorOfEachShippedAttributesClass) {
+    int opened = 0;
+    for (const char* type :
+         {"ALARM_LIMITS", "FAN_STAGE", "LABEL", "SETPOINT_SET", "TYPE_MUX", "WEEKLY_SCHEDULE"}) {
+        for (const auto& attribute : Block(type)->IAppObject_Attributes()->IAttributes_NewEnum()) {
+            const std::string expected =
+                EditorNameForClass(attribute->IAttribute_SNVTType()->ISNVType_GenType());
+            WithModal([&] { attribute->IAttribute_SetValue(); },
+                      [&](QWidget& editor) {
+                          EXPECT_EQ(editor.objectName().toStdString(), expected);
+                          editor.close();
+                          ++opened;
+                      });
+        }
+    }
+    EXPECT_GT(opened, 5);
+}
+
+}  // namespace
+}  // namespace zerbin::testing

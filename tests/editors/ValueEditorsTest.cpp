@@ -1,0 +1,335 @@
+// The text, enumeration and bit field editors, what all editors do on Cancel, bad input in
+// every editor, and the Qt message box adapter.
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+
+#include "editors/EditorWindows.h"
+#include "editors/QtAdapters.h"
+#include "editors/frmCPModif2.h"
+#include "editors/frmCPModif3.h"
+#include "editors/frmCPModif5.h"
+#include "platform/Messages.h"
+#include "tests/editors/EditorTestSupport.h"
+
+namespace zerbin::testing {
+namespace {
+
+std::shared_ptr<TestPoint> PointOf(const std::string& typeClass, const std::string& value,
+                                   int32_t length = 4, const std::string& enumDesc = {}) {
+    auto type = std::make_shared<CDBSNVTType>();
+    type->SetGenType(typeClass);
+    type->SetLength(length);
+    type->SetEnumDesc(enumDesc);
+    return std::make_shared<TestPoint>("Point", type, value);
+}
+
+void Click(QDialog& dialog, const char* button) {
+    QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
+}
+
+// ---- Text --------------------------------------------------------------------------------
+
+struct TextRow {
+    int32_t length;
+    const char* start;
+    int selectionStart;  // -1: caret at caretPosition
+    int selectionLength;
+    int caret;
+    const char* keys;  // "\b" is Backspace
+    const char* expected;
+    int messages;
+};
+
+class TextKeys : public ::testing::TestWithParam<TextRow> {};
+
+TEST_P(TextKeys, TypedKeysKeepLengthBlanksAndCodePage) {
+    const TextRow& row = GetParam();
+    ScopedMessageRecorder messages;
+    auto point = PointOf("Textual", "", row.length);
+    frmCPModif2 dialog;
+    dialog.DataPoint(point);
+    dialog.show();
+    auto& box = *dialog.findChild<QLineEdit*>("txtNewCPValue");
+    box.setText(QString::fromUtf8(row.start));
+    if (row.selectionStart >= 0) {
+        box.setSelection(row.selectionStart, row.selectionLength);
+    } else {
+        box.setCursorPosition(row.caret);
+    }
+    for (const QChar key : QString::fromUtf8(row.keys)) {
+        if (key == QChar(8)) {
+            QTest::keyClick(&box, Qt::Key_Backspace);
+        } else if (key.unicode() < 0x80) {
+            QTest::keyClicks(&box, QString(key));
+        } else {
+            // QTest knows key codes for ASCII only; the box reads the event's text.
+            QTest::sendKeyEvent(QTest::Click, &box, Qt::Key_unknown, QString(key), {});
+        }
+    }
+    EXPECT_EQ(box.text().toStdString(), row.expected);
+    ASSERT_EQ(messages.Messages().size(), static_cast<std::size_t>(row.messages));
+    if (row.messages > 0) {
+        EXPECT_EQ(messages.Messages()[0].text,
+                  "The text cannot exceed " + std::to_string(row.length) + " characters");
+        EXPECT_EQ(messages.Messages()[0].title, "Name too long");
+        EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Exclamation);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Text, TextKeys,
+                         ::testing::Values(TextRow{4, "", -1, 0, 0, "abcde", "abcd", 1},
+                                           TextRow{0, "", -1, 0, 0, "xy", "", 2},
+                                           TextRow{8, "", -1, 0, 0, "a b", "a_b", 0},
+                                           TextRow{8, "abc", -1, 0, 0, "\b", "ab", 0},
+                                           TextRow{8, "abcd", 1, 2, 0, "\b", "abc", 0},
+                                           TextRow{8, "", -1, 0, 0, "€é", "€é", 0},
+                                           TextRow{8, "", -1, 0, 0, "ł→", "??", 0}));
+
+TEST(TextEditor, StoredTooLongIsCutAtLoadAndPasteIsCutOnce) {
+    ScopedMessageRecorder messages;
+    auto point = PointOf("Textual", "a b c d", 4);
+    frmCPModif2 dialog;
+    dialog.DataPoint(point);
+    dialog.show();
+    auto& box = *dialog.findChild<QLineEdit*>("txtNewCPValue");
+    EXPECT_EQ(box.text(), QStringLiteral("a b "));
+    box.clear();
+    QApplication::clipboard()->setText(QStringLiteral("123456"));
+    QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(box.text(), QStringLiteral("1234"));
+    EXPECT_EQ(messages.Messages().size(), 2U);
+}
+
+TEST(TextEditor, EscRestoresEnterWritesEvenEmpty) {
+    auto point = PointOf("Textual", "old", 8);
+    frmCPModif2 dialog;
+    dialog.DataPoint(point);
+    dialog.show();
+    auto& box = *dialog.findChild<QLineEdit*>("txtNewCPValue");
+    QTest::keyClicks(&box, QStringLiteral("new"));
+    QTest::keyClick(&box, Qt::Key_Escape);
+    EXPECT_EQ(box.text(), QStringLiteral("old"));
+    EXPECT_TRUE(dialog.isVisible());
+    box.clear();
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(point->writes, std::vector<std::string>{""});
+    EXPECT_FALSE(dialog.isVisible());
+}
+
+// ---- Enumeration -------------------------------------------------------------------------
+
+struct EnumRow {
+    const char* description;
+    const char* value;
+    int entries;
+    const char* shown;
+    const char* written;
+};
+
+class EnumEditor : public ::testing::TestWithParam<EnumRow> {};
+
+TEST_P(EnumEditor, ShowsTheLabelOfTheCodeAndWritesTheCode) {
+    const EnumRow& row = GetParam();
+    auto point = PointOf("Enum", row.value, 1, row.description);
+    frmCPModif3 dialog;
+    dialog.DataPoint(point);
+    dialog.show();
+    auto& list = *dialog.findChild<QComboBox*>("cboEnum");
+    EXPECT_EQ(list.count(), row.entries);
+    EXPECT_EQ(list.currentText().toStdString(), row.shown);
+    Click(dialog, "cmdOk");
+    EXPECT_EQ(point->writes, std::vector<std::string>{row.written});
+}
+
+INSTANTIATE_TEST_SUITE_P(Codes, EnumEditor,
+                         ::testing::Values(EnumRow{"0,OFF;1,ON;", "1", 2, "ON", "1"},
+                                           EnumRow{"0,OFF;1,ON;", "7", 2, "OFF", "0"},
+                                           EnumRow{"0,OFF;1,ON;", "01", 2, "OFF", "0"},
+                                           EnumRow{"0,A;1,B;1,C;", "1", 3, "C", "1"},
+                                           EnumRow{"-1,NUL;0,A;", "-1", 2, "NUL", "-1"},
+                                           EnumRow{"0,A;;1,B;", "1", 1, "A", "0"},
+                                           EnumRow{"0,A;40000,B;1,C;", "1", 1, "A", "0"},
+                                           EnumRow{"5;", "0", 1, "", "0"},
+                                           EnumRow{"", "3", 0, "", "-1"}));
+
+TEST(EnumEditorChoice, TheChosenLabelIsWrittenAndCancelWritesNothing) {
+    for (const bool ok : {true, false}) {
+        auto point = PointOf("Enum", "0", 1, "0,OFF;1,ON;2,AUTO;");
+        frmCPModif3 dialog;
+        dialog.DataPoint(point);
+        dialog.show();
+        dialog.findChild<QComboBox*>("cboEnum")->setCurrentIndex(2);
+        Click(dialog, ok ? "cmdOk" : "cmdCancel");
+        EXPECT_EQ(point->writes, ok ? std::vector<std::string>{"2"} : std::vector<std::string>{});
+    }
+}
+
+// ---- Bit field ---------------------------------------------------------------------------
+
+struct BitRow {
+    int32_t length;
+    const char* value;
+    const char* shown;  // bit 15 down to bit 0; blanks for hidden bits
+    const char* written;
+};
+
+class BitEditor : public ::testing::TestWithParam<BitRow> {};
+
+TEST_P(BitEditor, ShowsTheBitsAndWritesTheirSum) {
+    const BitRow& row = GetParam();
+    auto point = PointOf("Bitfield", row.value, row.length);
+    frmCPModif5 dialog;
+    dialog.DataPoint(point);
+    dialog.show();
+    std::string shown;
+    for (int i = 15; i >= 0; --i) {
+        shown += dialog.Bit(i)->isVisible() ? dialog.Bit(i)->text().toStdString() : " ";
+    }
+    EXPECT_EQ(shown, row.shown);
+    EXPECT_EQ(dialog.findChild<QLabel*>("Label4")->isVisible(), row.length != 1);
+    Click(dialog, "cmdOk");
+    EXPECT_EQ(point->writes, std::vector<std::string>{row.written});
+}
+
+INSTANTIATE_TEST_SUITE_P(Sums, BitEditor,
+                         ::testing::Values(BitRow{1, "5", "        00000101", "5"},
+                                           BitRow{1, "300", "        00101100", "44"},
+                                           BitRow{2, "65535", "1111111111111111", "65535"},
+                                           BitRow{4, "70000", "0001000101110000", "4464"},
+                                           BitRow{1, "-1", "        11111111", "255"},
+                                           BitRow{2, "-1", "1111111111111111", "65535"},
+                                           BitRow{2, "abc", "0000000000000000", "0"},
+                                           BitRow{0, "3", "0000000000000011", "3"},
+                                           BitRow{4, "99999999999", "0000000000000000", "0"}));
+
+TEST(BitEditorFlip, ADoubleClickOrSpaceFlipsABitAndOkWritesEveryPoint) {
+    auto first = PointOf("Bitfield", "1", 2);
+    auto second = PointOf("Bitfield", "0", 2);
+    frmCPModif5 dialog;
+    dialog.DataPoint(first);
+    dialog.DataPoint(second);
+    dialog.show();
+    QTest::mouseDClick(dialog.Bit(3), Qt::LeftButton);
+    dialog.Bit(15)->setFocus();
+    QTest::keyClick(dialog.Bit(15), Qt::Key_Space);
+    Click(dialog, "cmdOk");
+    EXPECT_EQ(first->writes, std::vector<std::string>{"32776"});
+    EXPECT_EQ(second->writes, std::vector<std::string>{"32776"});
+}
+
+// ---- Every value editor ------------------------------------------------------------------
+
+struct CancelRow {
+    const char* typeClass;
+    bool calledFromStructure;
+};
+
+class EditorCancel : public ::testing::TestWithParam<CancelRow> {};
+
+TEST_P(EditorCancel, CancelPutsTheOldValueBackOnlyForTheStructureEditor) {
+    const CancelRow& row = GetParam();
+    ScopedDictionary dictionary(ShippedDictionary());
+    auto point = std::make_shared<TestPoint>("Point", ShippedType("105"), "7");
+    std::dynamic_pointer_cast<CDBSNVTType>(point->type)->SetGenType(row.typeClass);
+    const auto dialog = MakeValueEditor(row.typeClass, nullptr);
+    dialog->CalledFramModif4(row.calledFromStructure);
+    dialog->DataPoint(point);
+    dialog->show();
+    point->value = "99";  // what a structure's row had written before opening
+    Click(*dialog, "cmdCancel");
+    EXPECT_EQ(point->value, row.calledFromStructure ? "7" : "99");
+    EXPECT_FALSE(dialog->CalledFramModif4());
+}
+
+INSTANTIATE_TEST_SUITE_P(Editors, EditorCancel,
+                         ::testing::Values(CancelRow{"SignedNumeric", false},
+                                           CancelRow{"SignedNumeric", true},
+                                           CancelRow{"Textual", false}, CancelRow{"Textual", true},
+                                           CancelRow{"Enum", false}, CancelRow{"Enum", true},
+                                           CancelRow{"Bitfield", false},
+                                           CancelRow{"Bitfield", true}));
+
+struct BadRow {
+    const char* typeClass;
+    const char* typeId;  // resolved from the shipped dictionary, or "" for none
+    int32_t length;
+    const char* value;
+    const char* min;
+    const char* max;
+};
+
+class BadInput : public ::testing::TestWithParam<BadRow> {};
+
+TEST_P(BadInput, EveryEditorOpensAndClosesOnIt) {
+    const BadRow& row = GetParam();
+    ScopedMessageRecorder messages;
+    ScopedDictionary dictionary(ShippedDictionary());
+    auto point = PointOf(row.typeClass, row.value, row.length);
+    if (*row.typeId != '\0') {
+        point->type = ShippedType(row.typeId);
+    }
+    point->min = row.min;
+    point->max = row.max;
+    const auto dialog = MakeValueEditor(row.typeClass, nullptr);
+    ASSERT_NE(dialog, nullptr);
+    dialog->DataPoint(point);
+    dialog->show();
+    QApplication::processEvents();
+    Click(*dialog, "cmdOk");
+    dialog->close();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Editors, BadInput,
+    ::testing::Values(BadRow{"Float", "", 4, "", "", ""},
+                      BadRow{"Float", "48", 4, "1E+999", "-1E+38", "1E+38"},
+                      BadRow{"SignedNumeric", "98", 2, "abc;,.E", "", "1.5E+300"},
+                      BadRow{"UnsignedNumeric", "7", 1, "-", "x", "y"},
+                      BadRow{"Textual", "", -5, "long text", "", ""},
+                      BadRow{"Enum", "", 1, "1", "", ""}, BadRow{"Struct", "", 0, "1 2 3", "", ""},
+                      BadRow{"Bitfield", "", 0, "1", "", ""},
+                      BadRow{"Bitfield", "", 32, "4294967295", "", ""}));
+
+TEST(BadInputText, AValueOfAnyLengthOpens) {
+    ScopedMessageRecorder messages;
+    ScopedDictionary dictionary(ShippedDictionary());
+    auto point = std::make_shared<TestPoint>("Point", ShippedType("105"),
+                                             std::string(100000, '9') + "\x01\xff");
+    for (const char* typeClass : {"SignedNumeric", "Textual", "Enum", "Bitfield"}) {
+        const auto dialog = MakeValueEditor(typeClass, nullptr);
+        dialog->DataPoint(point);
+        dialog->show();
+        dialog->close();
+    }
+}
+
+// ---- Message box adapter -----------------------------------------------------------------
+
+TEST(QtMessages, TitleIconAndButtonsReachTheBoxAndTheAnswerComesBack) {
+    InstallQtAdapters();
+    int answer = 0;
+    WithModal(
+        [&] {
+            answer =
+                ShowMessage("Save?", "Edit Value", MessageIcon::Exclamation, MessageButtons::YesNo);
+        },
+        [](QWidget& window) {
+            auto& box = dynamic_cast<QMessageBox&>(window);
+            EXPECT_EQ(box.windowTitle(), QStringLiteral("Edit Value"));
+            EXPECT_EQ(box.text(), QStringLiteral("Save?"));
+            EXPECT_EQ(box.icon(), QMessageBox::Warning);
+            EXPECT_EQ(box.standardButtons(), QMessageBox::Yes | QMessageBox::No);
+            box.button(QMessageBox::No)->click();
+        });
+    RemoveQtAdapters();
+    EXPECT_EQ(answer, kMessageNo);
+}
+
+}  // namespace
+}  // namespace zerbin::testing

@@ -1,0 +1,222 @@
+// Zerbin.so as a host meets it: loaded with dlopen, driven through its C entry points only.
+#include "zerbin/plugin.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+
+#include "interfaces/IAppObject.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The plug-in, loaded once for the suite and never unloaded: its count of living objects is
+// what the tests look at, and it must stay loaded while the sanitizers report.
+class Plugin {
+public:
+    Plugin() : handle_(dlopen(ZERBIN_PLUGIN_FILE, RTLD_NOW | RTLD_LOCAL)) {
+        if (handle_ == nullptr) {
+            throw std::runtime_error(dlerror());
+        }
+    }
+    template <typename Fn>
+    Fn Get(const char* name) const {
+        return reinterpret_cast<Fn>(dlsym(handle_, name));
+    }
+    void* Handle() const { return handle_; }
+
+private:
+    void* handle_;
+};
+
+const Plugin& Loaded() {
+    static const Plugin plugin;
+    return plugin;
+}
+
+class PluginTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = (fs::temp_directory_path() / "zerbin-plugin-XXXXXX").string();
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        dir_ = pattern;
+        Remember("XDG_DATA_HOME");
+        Remember("HOME");
+        setenv("XDG_DATA_HOME", dir_.c_str(), 1);
+    }
+    void TearDown() override {
+        for (const auto& [name, value] : saved_) {
+            if (value) {
+                setenv(name.c_str(), value->c_str(), 1);
+            } else {
+                unsetenv(name.c_str());
+            }
+        }
+        fs::remove_all(dir_);
+    }
+    void Remember(const std::string& name) {
+        const char* value = std::getenv(name.c_str());
+        saved_.emplace_back(name,
+                            value != nullptr ? std::optional<std::string>(value) : std::nullopt);
+    }
+
+    std::shared_ptr<zerbin::IObject> Make(const char* progId, int* result = nullptr) {
+        ZerbinObject* handle = reinterpret_cast<ZerbinObject*>(1);
+        const int code = getClassObject(progId, &handle);
+        if (result != nullptr) {
+            *result = code;
+        }
+        return zerbin::TakeObject(handle, release);
+    }
+
+    fs::path dir_;
+    std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
+    const Plugin& plugin_ = Loaded();
+    ZerbinRegisterServerFn registerServer =
+        plugin_.Get<ZerbinRegisterServerFn>("ZerbinRegisterServer");
+    ZerbinUnregisterServerFn unregisterServer =
+        plugin_.Get<ZerbinUnregisterServerFn>("ZerbinUnregisterServer");
+    ZerbinGetClassObjectFn getClassObject =
+        plugin_.Get<ZerbinGetClassObjectFn>("ZerbinGetClassObject");
+    ZerbinCanUnloadNowFn canUnloadNow = plugin_.Get<ZerbinCanUnloadNowFn>("ZerbinCanUnloadNow");
+    ZerbinReleaseObjectFn release = plugin_.Get<ZerbinReleaseObjectFn>("ZerbinReleaseObject");
+};
+
+std::string ReadFile(const fs::path& file) {
+    std::ifstream in(file);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+TEST_F(PluginTest, ShowsTheEntryPointsAndHidesTheCore) {
+    for (const char* name :
+         {"ZerbinRegisterServer", "ZerbinUnregisterServer", "ZerbinGetClassObject",
+          "ZerbinCanUnloadNow", "ZerbinReleaseObject", "ZerbinSetBlockLibrary"}) {
+        EXPECT_NE(dlsym(plugin_.Handle(), name), nullptr) << name;
+    }
+    // CDBAppObject's constructor and a core helper stay inside.
+    EXPECT_EQ(dlsym(plugin_.Handle(), "_ZN6zerbin12CDBAppObjectC1Ev"), nullptr);
+    EXPECT_EQ(dlsym(plugin_.Handle(), "_ZN6zerbin17ComponentBaseNameB5cxx11Ev"), nullptr);
+}
+
+TEST_F(PluginTest, RegistrationFileLivesInTheUsersDataFolder) {
+    const struct {
+        std::optional<std::string> dataHome;  // nullopt: unset
+        bool underHome;
+    } rows[] = {
+        {dir_.string() + "/data", false},
+        {std::nullopt, true},
+        {"", true},
+        {"relative/data", true},  // not absolute, so ignored
+    };
+    setenv("HOME", (dir_ / "home").c_str(), 1);
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.dataHome.value_or("(unset)"));
+        if (row.dataHome) {
+            setenv("XDG_DATA_HOME", row.dataHome->c_str(), 1);
+        } else {
+            unsetenv("XDG_DATA_HOME");
+        }
+        const fs::path base =
+            row.underHome ? dir_ / "home" / ".local" / "share" : fs::path(*row.dataHome);
+        const fs::path file = base / "zerbin" / "plugins" / "Zerbin.CDBAppObject.plugin";
+
+        ASSERT_EQ(registerServer(), ZERBIN_OK);
+        const std::string text = ReadFile(file);
+        EXPECT_NE(text.find("ProgID=Zerbin.CDBAppObject\n"), std::string::npos) << text;
+        EXPECT_NE(text.find("Path=" + fs::canonical(ZERBIN_PLUGIN_FILE).string() + "\n"),
+                  std::string::npos)
+            << text;
+        EXPECT_NE(text.find("Version=" ZERBIN_VERSION_TEXT "\n"), std::string::npos) << text;
+        const auto blocks = text.find("BlockLibrary=");
+        ASSERT_NE(blocks, std::string::npos) << text;
+        const fs::path library = text.substr(blocks + 13, text.find('\n', blocks) - blocks - 13);
+        EXPECT_TRUE(fs::exists(library / "THERMOSTAT" / "THERMOSTAT.xml")) << library;
+
+        EXPECT_EQ(unregisterServer(), ZERBIN_OK);
+        EXPECT_FALSE(fs::exists(file));
+        EXPECT_EQ(unregisterServer(), ZERBIN_OK);  // nothing there is nothing to remove
+    }
+}
+
+TEST_F(PluginTest, RegistrationThatCannotBeWrittenIsAnError) {
+    std::ofstream(dir_ / "file") << "in the way";
+    setenv("XDG_DATA_HOME", (dir_ / "file").c_str(), 1);
+    EXPECT_EQ(registerServer(), ZERBIN_E_REGISTRATION);
+}
+
+TEST_F(PluginTest, ClassObjectOnlyForTheProgId) {
+    const struct {
+        const char* progId;
+        int result;
+    } rows[] = {
+        {"Zerbin.CDBAppObject", ZERBIN_OK},
+        {"zerbin.cdbappobject", ZERBIN_OK},
+        {"Zerbin.CDBAppObject2", ZERBIN_E_CLASS_NOT_AVAILABLE},
+        {"Other.CDBAppObject", ZERBIN_E_CLASS_NOT_AVAILABLE},
+        {"", ZERBIN_E_CLASS_NOT_AVAILABLE},
+        {nullptr, ZERBIN_E_INVALID_ARGUMENT},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.progId != nullptr ? row.progId : "(null)");
+        int result = 0;
+        const auto object = Make(row.progId, &result);
+        EXPECT_EQ(result, row.result);
+        const auto block = std::dynamic_pointer_cast<zerbin::IAppObject>(object);
+        EXPECT_EQ(block != nullptr, row.result == ZERBIN_OK);
+        if (block) {
+            EXPECT_EQ(block->IAppObject_ProgrammaticId(), ZERBIN_PROGID);
+        }
+    }
+    EXPECT_EQ(getClassObject(ZERBIN_PROGID, nullptr), ZERBIN_E_INVALID_ARGUMENT);
+}
+
+TEST_F(PluginTest, BlocksComeFromTheLibraryTheHostSets) {
+    const auto setBlockLibrary = plugin_.Get<ZerbinSetBlockLibraryFn>("ZerbinSetBlockLibrary");
+    const auto NameOfThermostat = [&] {
+        auto block = std::dynamic_pointer_cast<zerbin::IAppObject>(Make(ZERBIN_PROGID));
+        int32_t error = 0;
+        block->IAppObject_Init("THERMOSTAT", error);
+        return block->IAppObject_Name();
+    };
+    // A type once read stays for the process, so the library without it comes first.
+    ASSERT_EQ(setBlockLibrary(dir_.c_str()), ZERBIN_OK);
+    EXPECT_EQ(NameOfThermostat(), "");
+    ASSERT_EQ(setBlockLibrary(ZERBIN_DATA_DIR "/library"), ZERBIN_OK);
+    EXPECT_EQ(NameOfThermostat(), "Thermostat");
+    EXPECT_EQ(setBlockLibrary(nullptr), ZERBIN_OK);
+}
+
+TEST_F(PluginTest, CanUnloadOnlyWhenNoObjectLives) {
+    ASSERT_EQ(canUnloadNow(), ZERBIN_OK);
+    ZerbinObject* handle = nullptr;
+    ASSERT_EQ(getClassObject(ZERBIN_PROGID, &handle), ZERBIN_OK);
+    EXPECT_EQ(canUnloadNow(), ZERBIN_FALSE);
+
+    auto block = std::dynamic_pointer_cast<zerbin::IAppObject>(zerbin::TakeObject(handle, release));
+    EXPECT_EQ(canUnloadNow(), ZERBIN_FALSE);  // the handle is back, the block still lives
+    std::weak_ptr<zerbin::IAppObject> watch = block;
+    block.reset();
+    EXPECT_TRUE(watch.expired());
+    EXPECT_EQ(canUnloadNow(), ZERBIN_OK);
+
+    // A handle not given back keeps the library.
+    ASSERT_EQ(getClassObject(ZERBIN_PROGID, &handle), ZERBIN_OK);
+    auto kept = handle->object;
+    kept.reset();
+    EXPECT_EQ(canUnloadNow(), ZERBIN_FALSE);
+    release(handle);
+    EXPECT_EQ(canUnloadNow(), ZERBIN_OK);
+}
+
+}  // namespace
