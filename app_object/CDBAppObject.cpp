@@ -312,10 +312,17 @@ bool CDBAppObject::StringID(const std::string& sStringID) {
 
 void CDBAppObject::IAppObject_GlobalKey(const std::string& GlobalKey) {
     globalKey_ = GlobalKey;
-    // Members learn the key only now: the host writes it after IAppObject_Create.
-    SkipStep([&] { Need(attributes_).PropagateGlobalKey(globalKey_ + "\\ATT"); });
-    SkipStep([&] { Need(inputs_).PropagateGlobalKey(globalKey_ + "\\RIN"); });
-    SkipStep([&] { Need(outputs_).PropagateGlobalKey(globalKey_ + "\\ROU"); });
+    // Members learn the key only now: the host writes it after IAppObject_Create. A block
+    // without inputs or outputs is common, so an absent collection is passed by, not thrown at.
+    if (attributes_) {
+        SkipStep([&] { attributes_->PropagateGlobalKey(globalKey_ + "\\ATT"); });
+    }
+    if (inputs_) {
+        SkipStep([&] { inputs_->PropagateGlobalKey(globalKey_ + "\\RIN"); });
+    }
+    if (outputs_) {
+        SkipStep([&] { outputs_->PropagateGlobalKey(globalKey_ + "\\ROU"); });
+    }
 }
 
 std::string CDBAppObject::IAppObject_GlobalKey() {
@@ -324,9 +331,15 @@ std::string CDBAppObject::IAppObject_GlobalKey() {
 
 void CDBAppObject::IAppObject_ExtendedKey(const std::string& RHS) {
     extendedKey_ = RHS;
-    SkipStep([&] { Need(attributes_).PropagateExtendedKey(extendedKey_ + "\\ATT"); });
-    SkipStep([&] { Need(inputs_).PropagateExtendedKey(extendedKey_ + "\\RIN"); });
-    SkipStep([&] { Need(outputs_).PropagateExtendedKey(extendedKey_ + "\\ROU"); });
+    if (attributes_) {
+        SkipStep([&] { attributes_->PropagateExtendedKey(extendedKey_ + "\\ATT"); });
+    }
+    if (inputs_) {
+        SkipStep([&] { inputs_->PropagateExtendedKey(extendedKey_ + "\\RIN"); });
+    }
+    if (outputs_) {
+        SkipStep([&] { outputs_->PropagateExtendedKey(extendedKey_ + "\\ROU"); });
+    }
 }
 
 std::string CDBAppObject::IAppObject_ExtendedKey() {
@@ -382,7 +395,9 @@ void CDBAppObject::IAppObject_CallBack(std::shared_ptr<IcbkAppObject> CallBack) 
 
 void CDBAppObject::IAppObject_Destroy() {
     // Inputs first: their references back to this object are what keeps it alive.
-    SkipStep([&] { Need(inputs_).Destroy(); });
+    if (inputs_) {
+        SkipStep([&] { inputs_->Destroy(); });
+    }
     parent_.reset();
     inputs_.reset();
     outputs_.reset();

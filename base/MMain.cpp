@@ -145,10 +145,6 @@ std::string BoolDigit(bool flag) {
 
 // ---- Text ----------------------------------------------------------------------------------
 
-char AsciiUpper(char c) {
-    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
 std::string UpperCase(std::string text) {
     for (char& c : text) {
         c = AsciiUpper(c);

@@ -106,7 +106,10 @@ std::string FormatSingle(float value);
 // ---- Text ----------------------------------------------------------------------------------
 
 // An ASCII letter upper-cased; any other byte as it is.
-char AsciiUpper(char c);
+// Inline: every comparison of names without case goes through it, a call per character.
+inline char AsciiUpper(char c) {
+    return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;
+}
 // ASCII letters upper-cased; every other byte left as it is.
 std::string UpperCase(std::string text);
 // Equal when equal after UpperCase.

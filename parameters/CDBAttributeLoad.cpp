@@ -35,6 +35,19 @@ std::string TextAt(pugi::xml_node document, const std::string& path) {
     return xml::FirstChildText(Need(xml::FindFirstIndexed(document, path)));
 }
 
+// Sets a bound from the text at path, as TextAt reads it, when there is one. Many numbers
+// have no Min or no Max, and that is no error: the absence is tested, not thrown and caught on
+// the path every such block takes. A bound that is absent stays unset.
+template <class SetBound>
+void LoadBound(pugi::xml_node document, const std::string& path, SetBound&& set) {
+    const pugi::xml_node node = xml::FindFirstIndexed(document, path);
+    const pugi::xml_node text = node ? node.first_child() : pugi::xml_node();
+    if (!text || text.type() == pugi::node_element) {
+        return;
+    }
+    SkipStep([&] { set(NormalizeDecimal(text.value())); });
+}
+
 // A choice of UNITS, TYPES or the device list counts only up to its first ":".
 std::string ChoiceValue(const std::string& normalized) {
     return normalized.substr(0, normalized.find(':'));
@@ -265,13 +278,11 @@ void CDBAttribute::LoadNumeric(pugi::xml_node document) {
     SkipStep([&] {
         defaultValue_ = NormalizeDecimal(TextAt(document, AttributePath(name_, "DefaultValue")));
     });
-    SkipStep([&] {
-        snvtType_->SetMin(NormalizeDecimal(TextAt(document, AttributePath(name_, "Min"))));
-    });
+    LoadBound(document, AttributePath(name_, "Min"),
+              [&](const std::string& text) { snvtType_->SetMin(text); });
     SkipStep([&] { min_ = snvtType_->ISNVType_Min(); });
-    SkipStep([&] {
-        snvtType_->SetMax(NormalizeDecimal(TextAt(document, AttributePath(name_, "Max"))));
-    });
+    LoadBound(document, AttributePath(name_, "Max"),
+              [&](const std::string& text) { snvtType_->SetMax(text); });
     SkipStep([&] { max_ = snvtType_->ISNVType_Max(); });
 }
 
@@ -309,10 +320,10 @@ void CDBAttribute::LoadStruct(pugi::xml_node document) {
                 field->DefaultValue(textual ? text : NormalizeDecimal(text));
             });
             SkipStep([&] { defaultValue_ += field->IField_DefaultValue() + " "; });
-            SkipStep(
-                [&] { field->SetFieldMin(NormalizeDecimal(TextAt(document, fieldPath + "Min"))); });
-            SkipStep(
-                [&] { field->SetFieldMax(NormalizeDecimal(TextAt(document, fieldPath + "Max"))); });
+            LoadBound(document, fieldPath + "Min",
+                      [&](const std::string& text) { field->SetFieldMin(text); });
+            LoadBound(document, fieldPath + "Max",
+                      [&](const std::string& text) { field->SetFieldMax(text); });
         }
     }
 
