@@ -6,7 +6,9 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include <pugixml.hpp>
 
@@ -76,6 +78,10 @@ std::string DecimalToDisplay(const std::string& text);
 // throws: a value beyond the double range gives an infinity.
 double LeadingNumber(const std::string& text);
 
+// The number at the start of text, after blanks: a sign, digits with at most one
+// DecimalSeparator, an exponent with its digits. end is set past it; nullopt when no digit
+// starts it. Beyond the double's range the value is an infinity or zero.
+std::optional<double> ReadLocaleNumber(std::string_view text, std::size_t& end);
 // The whole text (blanks around it allowed) as a number with DecimalSeparator as its decimal
 // point. Throws Error for anything else, the empty text included, and OverflowError beyond
 // the range of float.

@@ -208,21 +208,23 @@ double LeadingNumber(const std::string& text) {
     return ParseCText(ctext);
 }
 
-double LocaleDouble(const std::string& text) {
-    const std::string body = Trim(text);
+std::optional<double> ReadLocaleNumber(std::string_view text, std::size_t& end) {
     const char separator = DecimalSeparator().front();
+    std::size_t i = text.find_first_not_of(' ');
+    if (i == std::string_view::npos) {
+        return std::nullopt;
+    }
     std::string ctext;
-    std::size_t i = 0;
-    if (i < body.size() && (body[i] == '+' || body[i] == '-')) {
-        if (body[i] == '-') {
+    if (text[i] == '+' || text[i] == '-') {
+        if (text[i] == '-') {
             ctext += '-';
         }
         ++i;
     }
     bool digits = false;
     bool point = false;
-    for (; i < body.size(); ++i) {
-        const char c = body[i];
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
         if (IsAsciiDigit(c)) {
             digits = true;
             ctext += c;
@@ -233,26 +235,37 @@ double LocaleDouble(const std::string& text) {
             break;
         }
     }
-    if (digits && i < body.size() && (body[i] == 'E' || body[i] == 'e')) {
-        ctext += 'e';
-        ++i;
-        if (i < body.size() && (body[i] == '+' || body[i] == '-')) {
-            ctext += body[i];
-            ++i;
+    if (!digits) {
+        return std::nullopt;
+    }
+    // An exponent counts only with its digits: "1e" is the number 1 followed by a letter.
+    if (i < text.size() && (text[i] == 'E' || text[i] == 'e')) {
+        std::size_t j = i + 1;
+        std::string exponent = "e";
+        if (j < text.size() && (text[j] == '+' || text[j] == '-')) {
+            exponent += text[j++];
         }
-        bool exponentDigits = false;
-        for (; i < body.size() && IsAsciiDigit(body[i]); ++i) {
-            exponentDigits = true;
-            ctext += body[i];
+        const std::size_t firstDigit = j;
+        while (j < text.size() && IsAsciiDigit(text[j])) {
+            exponent += text[j++];
         }
-        if (!exponentDigits) {
-            digits = false;
+        if (j > firstDigit) {
+            ctext += exponent;
+            i = j;
         }
     }
-    if (!digits || i != body.size()) {
+    end = i;
+    return ParseCText(ctext);
+}
+
+double LocaleDouble(const std::string& text) {
+    const std::string body = Trim(text);
+    std::size_t end = 0;
+    const std::optional<double> value = ReadLocaleNumber(body, end);
+    if (!value || end != body.size()) {
         throw Error("Type mismatch", kErrTypeMismatch);
     }
-    return ParseCText(ctext);
+    return *value;
 }
 
 float LocaleNumber(const std::string& text) {

@@ -34,66 +34,10 @@ UnitSystem& SystemSlot() {
 // the resolution of the 2-byte float near 1 (2^-11).
 constexpr int16_t kFloatDecimals = 3;
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
-// The number at the start of a text, after blanks: sign, digits with at most one decimal
-// point, exponent. Either "." or "," is the point, the first one found, as everywhere in the
-// component. end is set past the number; nullopt when no digit starts it.
+// The number at the start of a text: either "." or "," is the point, the first one found, as
+// everywhere in the component.
 std::optional<double> ReadNumber(const std::string& text, std::size_t& end) {
-    const std::string normal = NormalizeDecimal(text);
-    const char point = DecimalSeparator().front();
-    std::size_t i = normal.find_first_not_of(' ');
-    if (i == std::string::npos) {
-        return std::nullopt;
-    }
-    std::string ctext;
-    if (normal[i] == '+' || normal[i] == '-') {
-        ctext += normal[i] == '-' ? "-" : "";
-        ++i;
-    }
-    bool digits = false;
-    bool seenPoint = false;
-    for (; i < normal.size(); ++i) {
-        if (IsDigit(normal[i])) {
-            digits = true;
-            ctext += normal[i];
-        } else if (normal[i] == point && !seenPoint) {
-            seenPoint = true;
-            ctext += '.';
-        } else {
-            break;
-        }
-    }
-    if (!digits) {
-        return std::nullopt;
-    }
-    if (i < normal.size() && (normal[i] == 'E' || normal[i] == 'e')) {
-        std::size_t j = i + 1;
-        std::string exponent = "e";
-        if (j < normal.size() && (normal[j] == '+' || normal[j] == '-')) {
-            exponent += normal[j++];
-        }
-        const std::size_t firstDigit = j;
-        while (j < normal.size() && IsDigit(normal[j])) {
-            exponent += normal[j++];
-        }
-        if (j > firstDigit) {
-            ctext += exponent;
-            i = j;
-        }
-    }
-    double value = 0.0;
-    const auto [ptr, ec] = std::from_chars(ctext.data(), ctext.data() + ctext.size(), value);
-    if (ec == std::errc::result_out_of_range) {
-        // Too large gives an infinity, too small a zero, as in the number rules of MMain.
-        value = std::strtod(ctext.c_str(), nullptr);
-    } else if (ec != std::errc{}) {
-        return std::nullopt;
-    }
-    end = i;
-    return value;
+    return ReadLocaleNumber(NormalizeDecimal(text), end);
 }
 
 // The whole text as a number, blanks around it allowed.
