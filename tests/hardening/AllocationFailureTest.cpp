@@ -34,7 +34,41 @@ void* operator new(std::size_t size) {
     throw std::bad_alloc();
 }
 
+// The other forms must come from the same heap: the standard library pairs the nothrow and
+// array news with the plain deletes (std::stable_sort's buffer is one).
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return ::operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
+void* operator new[](std::size_t size) {
+    return ::operator new(size);
+}
+
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return ::operator new(size, std::nothrow);
+}
+
 void operator delete(void* p) noexcept {
+    std::free(p);
+}
+
+void operator delete(void* p, const std::nothrow_t&) noexcept {
+    std::free(p);
+}
+
+void operator delete[](void* p) noexcept {
+    std::free(p);
+}
+
+void operator delete[](void* p, std::size_t) noexcept {
+    std::free(p);
+}
+
+void operator delete[](void* p, const std::nothrow_t&) noexcept {
     std::free(p);
 }
 
@@ -115,11 +149,12 @@ TEST_P(AllocationFailureBlockTest, CreateLoadAndSaveSurviveEveryFailedAllocation
     created->IAppObject_Destroy();
 
     std::shared_ptr<CDBAppObject> loaded = MakeBlock(type);
-    const long loadFailures = FailEachAllocation([&] { loaded->IAppObject_XmlLoad(saved.Element()); },
-                       [&] {
-                           loaded->IAppObject_Destroy();
-                           loaded = MakeBlock(type);
-                       });
+    const long loadFailures =
+        FailEachAllocation([&] { loaded->IAppObject_XmlLoad(saved.Element()); },
+                           [&] {
+                               loaded->IAppObject_Destroy();
+                               loaded = MakeBlock(type);
+                           });
     EXPECT_GT(loadFailures, 0);
     EXPECT_EQ(Take(*loaded), expected);
 
