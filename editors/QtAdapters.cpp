@@ -31,6 +31,36 @@ QWidget* ActiveWindow() {
     return QApplication::activeWindow();
 }
 
+QMessageBox::Icon BoxIcon(MessageIcon icon) {
+    switch (icon) {
+        case MessageIcon::Critical:
+            return QMessageBox::Critical;
+        case MessageIcon::Question:
+            return QMessageBox::Question;
+        case MessageIcon::Exclamation:
+            return QMessageBox::Warning;
+        case MessageIcon::Information:
+            return QMessageBox::Information;
+        case MessageIcon::None:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons BoxButtons(MessageButtons buttons) {
+    switch (buttons) {
+        case MessageButtons::OkCancel:
+            return QMessageBox::Ok | QMessageBox::Cancel;
+        case MessageButtons::YesNo:
+            return QMessageBox::Yes | QMessageBox::No;
+        case MessageButtons::YesNoCancel:
+            return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+        case MessageButtons::Ok:
+            break;
+    }
+    return QMessageBox::Ok;
+}
+
 class QtMessageSink : public MessageSink {
 public:
     explicit QtMessageSink(std::shared_ptr<MessageSink> fallback)
@@ -40,52 +70,10 @@ public:
         if (!WidgetsRunning()) {
             return fallback_->Show(message);
         }
-        QMessageBox box(Icon(message.icon), QString::fromStdString(message.title),
-                        QString::fromStdString(message.text), Buttons(message.buttons),
-                        ActiveWindow());
-        switch (box.exec()) {
-            case QMessageBox::Cancel:
-                return kMessageCancel;
-            case QMessageBox::Yes:
-                return kMessageYes;
-            case QMessageBox::No:
-                return kMessageNo;
-            default:
-                return kMessageOk;
-        }
+        return ShowMessageBox(message);
     }
 
 private:
-    static QMessageBox::Icon Icon(MessageIcon icon) {
-        switch (icon) {
-            case MessageIcon::Critical:
-                return QMessageBox::Critical;
-            case MessageIcon::Question:
-                return QMessageBox::Question;
-            case MessageIcon::Exclamation:
-                return QMessageBox::Warning;
-            case MessageIcon::Information:
-                return QMessageBox::Information;
-            case MessageIcon::None:
-                break;
-        }
-        return QMessageBox::NoIcon;
-    }
-
-    static QMessageBox::StandardButtons Buttons(MessageButtons buttons) {
-        switch (buttons) {
-            case MessageButtons::OkCancel:
-                return QMessageBox::Ok | QMessageBox::Cancel;
-            case MessageButtons::YesNo:
-                return QMessageBox::Yes | QMessageBox::No;
-            case MessageButtons::YesNoCancel:
-                return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-            case MessageButtons::Ok:
-                break;
-        }
-        return QMessageBox::Ok;
-    }
-
     std::shared_ptr<MessageSink> fallback_;
 };
 
@@ -147,6 +135,23 @@ private:
 };
 
 }  // namespace
+
+int ShowMessageBox(const Message& message) {
+    // The component breaks its lines the Windows way.
+    QMessageBox box(BoxIcon(message.icon), QString::fromStdString(message.title),
+                    QString::fromStdString(message.text).replace("\r\n", "\n"),
+                    BoxButtons(message.buttons), ActiveWindow());
+    switch (box.exec()) {
+        case QMessageBox::Cancel:
+            return kMessageCancel;
+        case QMessageBox::Yes:
+            return kMessageYes;
+        case QMessageBox::No:
+            return kMessageNo;
+        default:
+            return kMessageOk;
+    }
+}
 
 void InstallQtAdapters() {
     SetMessageSink(std::make_shared<QtMessageSink>(CurrentMessageSink()));

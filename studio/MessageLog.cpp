@@ -1,8 +1,9 @@
 #include "studio/MessageLog.h"
 
 #include <QHeaderView>
-#include <QMessageBox>
 #include <QTableWidget>
+
+#include "editors/QtAdapters.h"
 
 namespace zerbin::studio {
 
@@ -21,50 +22,7 @@ int MessageLog::Show(const Message& message) {
 }
 
 int MessageLog::ShowBox(const Message& message) {
-    QMessageBox box;
-    box.setWindowTitle(QString::fromStdString(message.title));
-    // The component breaks lines the Windows way.
-    box.setText(QString::fromStdString(message.text).replace("\r\n", "\n"));
-    switch (message.icon) {
-        case MessageIcon::Critical:
-            box.setIcon(QMessageBox::Critical);
-            break;
-        case MessageIcon::Question:
-            box.setIcon(QMessageBox::Question);
-            break;
-        case MessageIcon::Exclamation:
-            box.setIcon(QMessageBox::Warning);
-            break;
-        case MessageIcon::Information:
-            box.setIcon(QMessageBox::Information);
-            break;
-        case MessageIcon::None:
-            break;
-    }
-    switch (message.buttons) {
-        case MessageButtons::Ok:
-            box.setStandardButtons(QMessageBox::Ok);
-            break;
-        case MessageButtons::OkCancel:
-            box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
-            break;
-        case MessageButtons::YesNo:
-            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-            break;
-        case MessageButtons::YesNoCancel:
-            box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-            break;
-    }
-    switch (box.exec()) {
-        case QMessageBox::Cancel:
-            return kMessageCancel;
-        case QMessageBox::Yes:
-            return kMessageYes;
-        case QMessageBox::No:
-            return kMessageNo;
-        default:
-            return kMessageOk;
-    }
+    return ShowMessageBox(message);
 }
 
 MessageLogDock::MessageLogDock(QWidget* parent)
