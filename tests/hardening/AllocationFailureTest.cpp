@@ -15,7 +15,7 @@
 
 #include "base/KeyedCollection.h"
 #include "base/ProcessState.h"
-#include "tests/hardening/HardeningSupport.h"
+#include "tests/support/HardeningSupport.h"
 
 namespace {
 
@@ -115,11 +115,12 @@ TEST_P(AllocationFailureBlockTest, CreateLoadAndSaveSurviveEveryFailedAllocation
     created->IAppObject_Destroy();
 
     std::shared_ptr<CDBAppObject> loaded = MakeBlock(type);
-    const long loadFailures = FailEachAllocation([&] { loaded->IAppObject_XmlLoad(saved.Element()); },
-                       [&] {
-                           loaded->IAppObject_Destroy();
-                           loaded = MakeBlock(type);
-                       });
+    const long loadFailures =
+        FailEachAllocation([&] { loaded->IAppObject_XmlLoad(saved.Element()); },
+                           [&] {
+                               loaded->IAppObject_Destroy();
+                               loaded = MakeBlock(type);
+                           });
     EXPECT_GT(loadFailures, 0);
     EXPECT_EQ(Take(*loaded), expected);
 
