@@ -12,7 +12,7 @@
 #include "connections/CDBOutputs.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
-#include "tests/app_object/AppObjectTestSupport.h"
+#include "tests/support/AppObjectTestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "platform/Messages.h"
-#include "tests/app_object/AppObjectTestSupport.h"
+#include "tests/support/AppObjectTestSupport.h"
 
 namespace zerbin {
 namespace {

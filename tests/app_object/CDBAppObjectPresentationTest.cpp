@@ -13,7 +13,7 @@
 #include "platform/Messages.h"
 #include "platform/Picture.h"
 #include "platform/Shell.h"
-#include "tests/app_object/AppObjectTestSupport.h"
+#include "tests/support/AppObjectTestSupport.h"
 
 namespace zerbin {
 namespace {

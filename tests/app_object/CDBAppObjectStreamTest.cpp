@@ -8,7 +8,7 @@
 #include "app_object/CDBAppObject.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/app_object/AppObjectTestSupport.h"
+#include "tests/support/AppObjectTestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -12,7 +12,7 @@
 #include "connections/CDBInputs.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "tests/app_object/AppObjectTestSupport.h"
+#include "tests/support/AppObjectTestSupport.h"
 #include "tests/support/RecordingListener.h"
 
 namespace zerbin {

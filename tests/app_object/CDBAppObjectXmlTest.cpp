@@ -15,7 +15,7 @@
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
-#include "tests/app_object/AppObjectTestSupport.h"
+#include "tests/support/AppObjectTestSupport.h"
 #include "tests/support/RandomBlock.h"
 
 namespace zerbin {

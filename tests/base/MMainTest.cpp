@@ -11,7 +11,7 @@
 
 #include "base/SkipMode.h"
 #include "interfaces/Error.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "base/Xml.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::xml {
 namespace {

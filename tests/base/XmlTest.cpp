@@ -10,7 +10,7 @@
 #include <string>
 
 #include "interfaces/Error.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::xml {
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/cli/ProgramRunner.h"
+#include "tests/support/ProgramRunner.h"
 
 namespace zerbin::testing {
 namespace {

@@ -12,7 +12,7 @@
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/connections/ConnectionsTestSupport.h"
+#include "tests/support/ConnectionsTestSupport.h"
 #include "tests/support/FakeAppObject.h"
 
 namespace zerbin {

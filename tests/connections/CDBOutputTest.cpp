@@ -11,7 +11,7 @@
 
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/connections/ConnectionsTestSupport.h"
+#include "tests/support/ConnectionsTestSupport.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/MacroDoubles.h"
 #include "tests/support/RecordingListener.h"

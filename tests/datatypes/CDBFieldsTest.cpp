@@ -10,8 +10,7 @@
 #include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/TestSupport.h"
-#include "tests/datatypes/DictionaryFixture.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

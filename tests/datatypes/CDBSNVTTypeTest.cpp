@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "platform/Messages.h"
-#include "tests/TestSupport.h"
-#include "tests/datatypes/DictionaryFixture.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "interfaces/Error.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/Xml.h"
-#include "tests/datatypes/DictionaryFixture.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -14,8 +14,7 @@
 #include "datatypes/SnvtDictionary.h"
 #include "datatypes/TypeClass.h"
 #include "platform/Messages.h"
-#include "tests/TestSupport.h"
-#include "tests/datatypes/DictionaryFixture.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -11,7 +11,7 @@
 #include "editors/NumberRules.h"
 #include "editors/frmCPModif1.h"
 #include "platform/Messages.h"
-#include "tests/editors/EditorTestSupport.h"
+#include "tests/support/EditorTestSupport.h"
 
 namespace zerbin::testing {
 namespace {

@@ -11,7 +11,7 @@
 #include "editors/QtAdapters.h"
 #include "editors/frmMain.h"
 #include "interfaces/IAttribute.h"
-#include "tests/editors/EditorTestSupport.h"
+#include "tests/support/EditorTestSupport.h"
 
 namespace zerbin::testing {
 namespace {

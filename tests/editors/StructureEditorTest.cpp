@@ -8,7 +8,7 @@
 #include "editors/ValueEditorDialog.h"
 #include "editors/frmCPModif4.h"
 #include "platform/Messages.h"
-#include "tests/editors/EditorTestSupport.h"
+#include "tests/support/EditorTestSupport.h"
 
 namespace zerbin::testing {
 namespace {

@@ -15,7 +15,7 @@
 #include "editors/frmCPModif3.h"
 #include "editors/frmCPModif5.h"
 #include "platform/Messages.h"
-#include "tests/editors/EditorTestSupport.h"
+#include "tests/support/EditorTestSupport.h"
 
 namespace zerbin::testing {
 namespace {

@@ -15,7 +15,7 @@
 
 #include "base/KeyedCollection.h"
 #include "base/ProcessState.h"
-#include "tests/hardening/HardeningSupport.h"
+#include "tests/support/HardeningSupport.h"
 
 namespace {
 

@@ -14,7 +14,7 @@
 
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
-#include "tests/hardening/HardeningSupport.h"
+#include "tests/support/HardeningSupport.h"
 
 namespace zerbin::testing {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/MMain.h"
-#include "tests/hardening/HardeningSupport.h"
+#include "tests/support/HardeningSupport.h"
 
 namespace zerbin::testing {
 namespace {

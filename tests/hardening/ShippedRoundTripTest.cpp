@@ -13,10 +13,10 @@
 #include <tuple>
 #include <vector>
 
-#include "datatypes/TypeClass.h"
 #include "datatypes/SNVTDataConversion.h"
+#include "datatypes/TypeClass.h"
 #include "datatypes/UnitConverter.h"
-#include "tests/hardening/HardeningSupport.h"
+#include "tests/support/HardeningSupport.h"
 
 namespace zerbin::testing {
 namespace {

@@ -10,7 +10,7 @@
 #include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "platform/Messages.h"
-#include "tests/parameters/ParameterTestSupport.h"
+#include "tests/support/ParameterTestSupport.h"
 
 namespace zerbin::testing {
 namespace {

@@ -5,8 +5,8 @@
 
 #include "datatypes/CDBSNVTType.h"
 #include "platform/Messages.h"
-#include "tests/parameters/ParameterTestSupport.h"
 #include "tests/support/MacroDoubles.h"
+#include "tests/support/ParameterTestSupport.h"
 #include "tests/support/RecordingListener.h"
 
 namespace zerbin::testing {

@@ -3,7 +3,7 @@
 
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/parameters/ParameterTestSupport.h"
+#include "tests/support/ParameterTestSupport.h"
 
 namespace zerbin::testing {
 namespace {

@@ -7,7 +7,7 @@
 #include "datatypes/CDBFields.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/parameters/ParameterTestSupport.h"
+#include "tests/support/ParameterTestSupport.h"
 #include "tests/support/RecordingListener.h"
 
 namespace zerbin::testing {

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

@@ -19,7 +19,7 @@
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
 #include "datatypes/TypeClass.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::testing {
 

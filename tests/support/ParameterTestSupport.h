@@ -14,15 +14,15 @@
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "base/Xml.h"
+#include "datatypes/UnitConverter.h"
 #include "interfaces/IEditors.h"
 #include "interfaces/IHostServices.h"
 #include "parameters/CDBAttribute.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/EditorPort.h"
 #include "platform/Files.h"
-#include "datatypes/UnitConverter.h"
-#include "base/Xml.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::testing {
 

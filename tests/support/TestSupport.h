@@ -18,9 +18,9 @@
 #include <pugixml.hpp>
 
 #include "base/MMain.h"
+#include "base/Xml.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 
 namespace zerbin::testing {
 
@@ -162,6 +162,11 @@ inline std::string XmlText(pugi::xml_node node) {
     std::ostringstream out;
     node.print(out, "", pugi::format_raw);
     return out.str();
+}
+
+// "<SNVTS>" + entries + "</SNVTS>": a dictionary written inline.
+inline std::string Snvts(const std::string& entries) {
+    return "<SNVTS>" + entries + "</SNVTS>";
 }
 
 }  // namespace zerbin::testing

@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 extern char** environ;
 

@@ -22,8 +22,8 @@
 #include "base/Xml.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "tests/TestSupport.h"
 #include "tests/support/RandomBlock.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::testing {
 
@@ -78,29 +78,6 @@ inline std::vector<std::string> ChildNames(pugi::xml_node node) {
     }
     return names;
 }
-
-// Counts the messages shown by their text and keeps nothing else, for tests that show a
-// great many.
-class ScopedCountingSink : public MessageSink {
-public:
-    ScopedCountingSink() : previous_(CurrentMessageSink()) {
-        // Not owning: the sink is put back before this object goes.
-        SetMessageSink(std::shared_ptr<MessageSink>(std::shared_ptr<MessageSink>{}, this));
-    }
-    ~ScopedCountingSink() override { SetMessageSink(previous_); }
-    ScopedCountingSink(const ScopedCountingSink&) = delete;
-    ScopedCountingSink& operator=(const ScopedCountingSink&) = delete;
-
-    int Show(const Message& message) override {
-        ++counts_[message.text];
-        return kMessageOk;
-    }
-    const std::map<std::string, int64_t>& Counts() const { return counts_; }
-
-private:
-    std::map<std::string, int64_t> counts_;
-    std::shared_ptr<MessageSink> previous_;
-};
 
 // Installs the shipped dictionary for every test of a suite; tests elsewhere may have
 // installed another one.

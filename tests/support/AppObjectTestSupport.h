@@ -18,7 +18,7 @@
 #include "base/Xml.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::testing {
 

@@ -11,7 +11,7 @@
 
 #include "base/MMain.h"
 #include "base/Xml.h"
-#include "tests/TestSupport.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::testing {
 

@@ -15,8 +15,8 @@
 
 #include "base/KeyedCollection.h"
 #include "datatypes/CDBSNVTType.h"
-#include "tests/TestSupport.h"
 #include "tests/support/FakeAttributes.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin::testing {
 
