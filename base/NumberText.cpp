@@ -114,6 +114,38 @@ Int RoundToRange(double value) {
     return static_cast<Int>(rounded);
 }
 
+// Appends the sign and the digits of the number at text[i] to ctext in C form, the first
+// point taken as its decimal point and characters for which skip holds passed over; i ends
+// past them. True when a digit was read.
+template <class Skip>
+bool GatherMantissa(std::string_view text, std::size_t& i, char point, Skip skip,
+                    std::string& ctext) {
+    if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
+        if (text[i] == '-') {
+            ctext += '-';
+        }
+        ++i;
+    }
+    bool digits = false;
+    bool pointSeen = false;
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
+        if (skip(c)) {
+            continue;
+        }
+        if (IsAsciiDigit(c)) {
+            digits = true;
+            ctext += c;
+        } else if (c == point && !pointSeen) {
+            pointSeen = true;
+            ctext += '.';
+        } else {
+            break;
+        }
+    }
+    return digits;
+}
+
 }  // namespace
 
 // ---- Number texts --------------------------------------------------------------------------
@@ -151,30 +183,7 @@ double LeadingNumber(const std::string& text) {
 
     // Gather a C-locale text of the number, leaving out the skipped characters.
     std::string ctext;
-    if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
-        if (text[i] == '-') {
-            ctext += '-';
-        }
-        ++i;
-    }
-    bool digits = false;
-    bool point = false;
-    for (; i < text.size(); ++i) {
-        const char c = text[i];
-        if (skippable(c)) {
-            continue;
-        }
-        if (IsAsciiDigit(c)) {
-            digits = true;
-            ctext += c;
-        } else if (c == '.' && !point) {
-            point = true;
-            ctext += c;
-        } else {
-            break;
-        }
-    }
-    if (!digits) {
+    if (!GatherMantissa(text, i, '.', skippable, ctext)) {
         return 0.0;
     }
 
@@ -215,27 +224,8 @@ std::optional<double> ReadLocaleNumber(std::string_view text, std::size_t& end) 
         return std::nullopt;
     }
     std::string ctext;
-    if (text[i] == '+' || text[i] == '-') {
-        if (text[i] == '-') {
-            ctext += '-';
-        }
-        ++i;
-    }
-    bool digits = false;
-    bool point = false;
-    for (; i < text.size(); ++i) {
-        const char c = text[i];
-        if (IsAsciiDigit(c)) {
-            digits = true;
-            ctext += c;
-        } else if (c == separator && !point) {
-            point = true;
-            ctext += '.';
-        } else {
-            break;
-        }
-    }
-    if (!digits) {
+    if (!GatherMantissa(
+            text, i, separator, [](char) { return false; }, ctext)) {
         return std::nullopt;
     }
     // An exponent counts only with its digits: "1e" is the number 1 followed by a letter.

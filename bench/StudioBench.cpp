@@ -70,12 +70,17 @@ void ModelOpen(benchmark::State& state) {
 }
 BENCHMARK(ModelOpen)->Unit(benchmark::kMillisecond)->Iterations(3);
 
-void WindowOpen(benchmark::State& state) {
-    const std::string& file = LargeProject();
-    StudioWindow window;
+// A window of a usual size on the screen, its messages kept out of boxes.
+void ShowQuietly(StudioWindow& window) {
     window.Log().SetPresenter(nullptr);
     window.resize(1280, 800);
     window.show();
+}
+
+void WindowOpen(benchmark::State& state) {
+    const std::string& file = LargeProject();
+    StudioWindow window;
+    ShowQuietly(window);
     for (auto _ : state) {
         state.PauseTiming();
         window.NewProject();
@@ -92,9 +97,7 @@ BENCHMARK(WindowOpen)->Unit(benchmark::kMillisecond)->Iterations(3);
 // One frame: move the view and paint it at once, as a drag with the middle button does.
 void PanFrame(benchmark::State& state) {
     StudioWindow window;
-    window.Log().SetPresenter(nullptr);
-    window.resize(1280, 800);
-    window.show();
+    ShowQuietly(window);
     window.OpenProject(QString::fromStdString(LargeProject()));
     window.View().resetTransform();
     QScrollBar* bar = window.View().horizontalScrollBar();
@@ -112,9 +115,7 @@ BENCHMARK(PanFrame)->Unit(benchmark::kMillisecond);
 // One frame of zooming in or out around the middle, the whole project in view at the far end.
 void ZoomFrame(benchmark::State& state) {
     StudioWindow window;
-    window.Log().SetPresenter(nullptr);
-    window.resize(1280, 800);
-    window.show();
+    ShowQuietly(window);
     window.OpenProject(QString::fromStdString(LargeProject()));
     window.View().resetTransform();
     bool in = false;
