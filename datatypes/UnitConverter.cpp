@@ -165,8 +165,9 @@ struct UnitConverter::TypeFacts {
     int32_t a = 0;
     int32_t b = 0;
     int32_t c = 0;
-    bool numeric = false;
-    bool isFloat = false;
+
+    bool Numeric() const { return IsNumericClass(typeClass); }
+    bool IsFloat() const { return typeClass == TypeClass::Float; }
 };
 
 UnitConverter::UnitConverter(std::optional<UnitSystem> system,
@@ -185,24 +186,22 @@ UnitConverter::TypeFacts UnitConverter::Facts(const std::string& typeId) const {
     facts.a = type.ISNVType_ACoef();
     facts.b = type.ISNVType_BCoef();
     facts.c = type.ISNVType_CCoef();
-    facts.numeric = IsNumericClass(facts.typeClass);
-    facts.isFloat = facts.typeClass == TypeClass::Float;
     return facts;
 }
 
 const UnitConversion* UnitConverter::ConversionFor(const TypeFacts& facts) const {
     const UnitSystem system = system_.value_or(CurrentUnitSystem());
-    if (system != UnitSystem::US || !facts.numeric || !table_) {
+    if (system != UnitSystem::US || !facts.Numeric() || !table_) {
         return nullptr;
     }
     return table_->Find(facts.id);
 }
 
 int16_t UnitConverter::Decimals(const TypeFacts& facts, const UnitConversion* conversion) const {
-    if (!facts.numeric) {
+    if (!facts.Numeric()) {
         return 0;
     }
-    if (facts.isFloat) {
+    if (facts.IsFloat()) {
         return conversion != nullptr ? conversion->usDecimals : kFloatDecimals;
     }
     if (conversion == nullptr) {
@@ -223,11 +222,11 @@ std::string UnitConverter::ToDisplayValue(const std::string& typeId,
                                           const std::string& storedValue) {
     const TypeFacts facts = Facts(typeId);
     const std::optional<double> stored = WholeNumber(storedValue);
-    if (!facts.numeric || !stored) {
+    if (!facts.Numeric() || !stored) {
         return storedValue;
     }
     const UnitConversion* conversion = ConversionFor(facts);
-    if (facts.isFloat && std::fabs(*stored) <= std::numeric_limits<float>::max()) {
+    if (facts.IsFloat() && std::fabs(*stored) <= std::numeric_limits<float>::max()) {
         if (const auto shortest = ShortestShown(static_cast<float>(*stored), conversion)) {
             return FormatDouble(*shortest);
         }
@@ -243,7 +242,7 @@ std::string UnitConverter::ToDisplayValue(const std::string& typeId,
 // seven digits, half to even), back on the grid. Shown from there, a value between steps
 // shows what the device gets, and confirming it writes the same bytes in either system.
 double UnitConverter::OnGrid(const TypeFacts& facts, double stored) const {
-    if (facts.isFloat || facts.a == 0 || !std::isfinite(stored)) {
+    if (facts.IsFloat() || facts.a == 0 || !std::isfinite(stored)) {
         return stored;
     }
     const double x = stored * std::pow(10.0, -facts.b) / facts.a - facts.c;
@@ -264,7 +263,7 @@ std::string UnitConverter::FromDisplayValue(const std::string& typeId,
     const TypeFacts facts = Facts(typeId);
     std::size_t end = 0;
     const std::optional<double> shown = ReadNumber(displayText, end);
-    if (!facts.numeric || !shown) {
+    if (!facts.Numeric() || !shown) {
         return displayText;
     }
     const UnitConversion* conversion = ConversionFor(facts);
@@ -273,7 +272,7 @@ std::string UnitConverter::FromDisplayValue(const std::string& typeId,
     if (!std::isfinite(stored)) {
         return FormatDouble(stored);
     }
-    if (facts.isFloat) {
+    if (facts.IsFloat()) {
         if (std::fabs(stored) > static_cast<double>(std::numeric_limits<float>::max())) {
             return FormatDouble(stored);
         }
@@ -291,7 +290,7 @@ std::string UnitConverter::FromDisplayValue(const std::string& typeId,
 
 std::string UnitConverter::DisplayUnit(const std::string& typeId) {
     const TypeFacts facts = Facts(typeId);
-    if (!facts.numeric) {
+    if (!facts.Numeric()) {
         return {};
     }
     const UnitConversion* conversion = ConversionFor(facts);
@@ -318,7 +317,7 @@ std::string UnitConverter::MaximumFor(const std::string& typeId) {
 
 std::string UnitConverter::Limit(const std::string& typeId, bool lower) {
     const TypeFacts facts = Facts(typeId);
-    if (!facts.numeric) {
+    if (!facts.Numeric()) {
         return {};
     }
     const std::string& limit = lower ? facts.min : facts.max;
@@ -335,7 +334,7 @@ std::string UnitConverter::DefaultFor(const std::string& typeId) {
     if (facts.typeClass == TypeClass::Textual) {
         return {};
     }
-    if (!facts.numeric) {
+    if (!facts.Numeric()) {
         return "0";
     }
     const std::optional<double> min = WholeNumber(facts.min);
