@@ -42,4 +42,24 @@ bool IsWholeNumberClass(TypeClass typeClass) {
            typeClass == TypeClass::Bitfield;
 }
 
+const char* ValueEditorName(TypeClass typeClass) {
+    switch (typeClass) {
+        case TypeClass::SignedNumeric:
+        case TypeClass::UnsignedNumeric:
+        case TypeClass::Float:
+            return "frmCPModif1";
+        case TypeClass::Enum:
+            return "frmCPModif3";
+        case TypeClass::Bitfield:
+            return "frmCPModif5";
+        case TypeClass::Textual:
+            return "frmCPModif2";
+        case TypeClass::Struct:
+            return "frmCPModif4";
+        case TypeClass::Other:
+            break;
+    }
+    return "";
+}
+
 }  // namespace zerbin

@@ -30,5 +30,7 @@ TypeClass ClassOf(ISNVType& type);
 bool IsNumericClass(TypeClass typeClass);
 // SignedNumeric, UnsignedNumeric and Bitfield: encoded as whole numbers.
 bool IsWholeNumberClass(TypeClass typeClass);
+// The value editor of a class ("frmCPModif1" to "frmCPModif5"); empty for Other.
+const char* ValueEditorName(TypeClass typeClass);
 
 }  // namespace zerbin

@@ -10,23 +10,7 @@
 namespace zerbin {
 
 std::string EditorNameForClass(const std::string& typeClass) {
-    switch (ParseTypeClass(typeClass)) {
-        case TypeClass::SignedNumeric:
-        case TypeClass::UnsignedNumeric:
-        case TypeClass::Float:
-            return "frmCPModif1";
-        case TypeClass::Textual:
-            return "frmCPModif2";
-        case TypeClass::Enum:
-            return "frmCPModif3";
-        case TypeClass::Struct:
-            return "frmCPModif4";
-        case TypeClass::Bitfield:
-            return "frmCPModif5";
-        case TypeClass::Other:
-            break;
-    }
-    return {};
+    return ValueEditorName(ParseTypeClass(typeClass));
 }
 
 bool IsValueEditorName(const std::string& editorName) {

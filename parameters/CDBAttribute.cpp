@@ -12,31 +12,6 @@
 
 namespace zerbin {
 
-namespace {
-
-// The value editor for a type class; empty for a class that has none.
-const char* EditorNameFor(TypeClass typeClass) {
-    switch (typeClass) {
-        case TypeClass::SignedNumeric:
-        case TypeClass::UnsignedNumeric:
-        case TypeClass::Float:
-            return "frmCPModif1";
-        case TypeClass::Enum:
-            return "frmCPModif3";
-        case TypeClass::Bitfield:
-            return "frmCPModif5";
-        case TypeClass::Textual:
-            return "frmCPModif2";
-        case TypeClass::Struct:
-            return "frmCPModif4";
-        case TypeClass::Other:
-            break;
-    }
-    return "";
-}
-
-}  // namespace
-
 CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
 
 IMemberOwner& CDBAttribute::Owner() const {
@@ -173,7 +148,7 @@ void CDBAttribute::SetName(const std::string& name) {
 
 void CDBAttribute::CreateEditor() {
     editor_ = nullptr;
-    const std::string editorName = EditorNameFor(ClassOf(*snvtType_));
+    const std::string editorName = ValueEditorName(ClassOf(*snvtType_));
     if (editorName.empty()) {
         return;
     }
