@@ -310,19 +310,26 @@ bool CDBAppObject::StringID(const std::string& sStringID) {
 
 // ---- Keys -----------------------------------------------------------------------------------
 
-void CDBAppObject::IAppObject_GlobalKey(const std::string& GlobalKey) {
-    globalKey_ = GlobalKey;
-    // Members learn the key only now: the host writes it after IAppObject_Create. A block
+template <class Propagate>
+void CDBAppObject::PropagateKey(const std::string& key, Propagate propagate) {
+    // Members learn the keys only now: the host writes them after IAppObject_Create. A block
     // without inputs or outputs is common, so an absent collection is passed by, not thrown at.
     if (attributes_) {
-        SkipStep([&] { attributes_->PropagateGlobalKey(globalKey_ + "\\ATT"); });
+        SkipStep([&] { propagate(*attributes_, key + "\\ATT"); });
     }
     if (inputs_) {
-        SkipStep([&] { inputs_->PropagateGlobalKey(globalKey_ + "\\RIN"); });
+        SkipStep([&] { propagate(*inputs_, key + "\\RIN"); });
     }
     if (outputs_) {
-        SkipStep([&] { outputs_->PropagateGlobalKey(globalKey_ + "\\ROU"); });
+        SkipStep([&] { propagate(*outputs_, key + "\\ROU"); });
     }
+}
+
+void CDBAppObject::IAppObject_GlobalKey(const std::string& GlobalKey) {
+    globalKey_ = GlobalKey;
+    PropagateKey(globalKey_, [](auto& collection, const std::string& key) {
+        collection.PropagateGlobalKey(key);
+    });
 }
 
 std::string CDBAppObject::IAppObject_GlobalKey() {
@@ -331,15 +338,9 @@ std::string CDBAppObject::IAppObject_GlobalKey() {
 
 void CDBAppObject::IAppObject_ExtendedKey(const std::string& RHS) {
     extendedKey_ = RHS;
-    if (attributes_) {
-        SkipStep([&] { attributes_->PropagateExtendedKey(extendedKey_ + "\\ATT"); });
-    }
-    if (inputs_) {
-        SkipStep([&] { inputs_->PropagateExtendedKey(extendedKey_ + "\\RIN"); });
-    }
-    if (outputs_) {
-        SkipStep([&] { outputs_->PropagateExtendedKey(extendedKey_ + "\\ROU"); });
-    }
+    PropagateKey(extendedKey_, [](auto& collection, const std::string& key) {
+        collection.PropagateExtendedKey(key);
+    });
 }
 
 std::string CDBAppObject::IAppObject_ExtendedKey() {

@@ -139,6 +139,9 @@ public:
     std::vector<std::string> KeptProjectEntries() const;
 
 private:
+    // Hands key, with each collection's section, to the collections the block has.
+    template <class Propagate>
+    void PropagateKey(const std::string& key, Propagate propagate);
     void LoadDefinitionHeader();
     // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
     void SearchDatasheet();
