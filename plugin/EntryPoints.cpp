@@ -13,14 +13,9 @@
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
 #include "platform/Files.h"
+#include "plugin/HostServices.h"
 #include "plugin/Registration.h"
 #include "zerbin/plugin.h"
-
-#ifdef ZERBIN_PLUGIN_WITH_EDITORS
-#include <QApplication>
-
-#include "editors/QtAdapters.h"
-#endif
 
 namespace zerbin::plugin {
 namespace {
@@ -56,19 +51,6 @@ fs::path ShippedBlockLibrary(const fs::path& library) {
         }
     }
     return {};
-}
-
-// A Qt host has made its QApplication by the time it asks for its first block: from then on
-// the blocks show their windows and message boxes through Qt. A host without one, or a
-// plug-in built without the windows, stays headless.
-void UseQtWhenTheHostDoes() {
-#ifdef ZERBIN_PLUGIN_WITH_EDITORS
-    static bool installed = false;
-    if (!installed && qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) {
-        zerbin::InstallQtAdapters();
-        installed = true;
-    }
-#endif
 }
 
 // What no exception may cross: the host is C.

@@ -12,6 +12,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "interfaces/IAppObject.h"
 
@@ -89,6 +90,22 @@ protected:
         plugin_.Get<ZerbinGetClassObjectFn>("ZerbinGetClassObject");
     ZerbinCanUnloadNowFn canUnloadNow = plugin_.Get<ZerbinCanUnloadNowFn>("ZerbinCanUnloadNow");
     ZerbinReleaseObjectFn release = plugin_.Get<ZerbinReleaseObjectFn>("ZerbinReleaseObject");
+
+    // A block of a shipped type, made in the host's order.
+    std::shared_ptr<zerbin::IAppObject> Shipped(const char* type) {
+        static const auto dictionary = [] {
+            auto document = std::make_shared<pugi::xml_document>();
+            document->load_file(ZERBIN_DATA_DIR "/snvts.xml");
+            return document;
+        }();
+        plugin_.Get<ZerbinSetBlockLibraryFn>("ZerbinSetBlockLibrary")(ZERBIN_DATA_DIR "/library");
+        auto block = std::dynamic_pointer_cast<zerbin::IAppObject>(Make(ZERBIN_PROGID));
+        block->IAppObject_XmlSNVTDoc(dictionary);
+        int32_t error = 0;
+        block->IAppObject_Init(type, error);
+        block->IAppObject_Create();
+        return block;
+    }
 };
 
 std::string ReadFile(const fs::path& file) {
@@ -101,7 +118,8 @@ std::string ReadFile(const fs::path& file) {
 TEST_F(PluginTest, ShowsTheEntryPointsAndHidesTheCore) {
     for (const char* name :
          {"ZerbinRegisterServer", "ZerbinUnregisterServer", "ZerbinGetClassObject",
-          "ZerbinCanUnloadNow", "ZerbinReleaseObject", "ZerbinSetBlockLibrary"}) {
+          "ZerbinCanUnloadNow", "ZerbinReleaseObject", "ZerbinSetBlockLibrary",
+          "ZerbinSetMessageHandler", "ZerbinSetEventPump", "ZerbinSetUnitSystem"}) {
         EXPECT_NE(dlsym(plugin_.Handle(), name), nullptr) << name;
     }
     // CDBAppObject's constructor and a core helper stay inside.
@@ -217,6 +235,60 @@ TEST_F(PluginTest, CanUnloadOnlyWhenNoObjectLives) {
     EXPECT_EQ(canUnloadNow(), ZERBIN_FALSE);
     release(handle);
     EXPECT_EQ(canUnloadNow(), ZERBIN_OK);
+}
+
+struct Shown {
+    std::string text;
+    std::string caption;
+    int style = 0;
+};
+
+int Record(void* context, const char* text, const char* caption, int style) {
+    static_cast<std::vector<Shown>*>(context)->push_back(Shown{text, caption, style});
+    return ZERBIN_ID_NO;
+}
+
+TEST_F(PluginTest, MessageBoxesGoToTheHostsHandlerUntilItLetsGo) {
+    const auto setHandler = plugin_.Get<ZerbinSetMessageHandlerFn>("ZerbinSetMessageHandler");
+    std::vector<Shown> shown;
+    ASSERT_EQ(setHandler(&Record, &shown), ZERBIN_OK);
+    // A block whose type the library lacks says so.
+    auto block = std::dynamic_pointer_cast<zerbin::IAppObject>(Make(ZERBIN_PROGID));
+    int32_t error = 0;
+    block->IAppObject_Init("NO_SUCH_TYPE", error);
+    ASSERT_FALSE(shown.empty());
+    EXPECT_NE(shown.front().text.find("NO_SUCH_TYPE"), std::string::npos) << shown.front().text;
+    EXPECT_FALSE(shown.front().caption.empty());
+    EXPECT_EQ(shown.front().style & ~(ZERBIN_MB_BUTTONS | ZERBIN_MB_ICONS), 0);
+
+    ASSERT_EQ(setHandler(nullptr, nullptr), ZERBIN_OK);
+    const std::size_t before = shown.size();
+    block->IAppObject_Init("NO_SUCH_TYPE", error);
+    EXPECT_EQ(shown.size(), before);
+}
+
+TEST_F(PluginTest, LongLoopsServeTheHostsEventPumpUnlessItIsCleared) {
+    const auto setPump = plugin_.Get<ZerbinSetEventPumpFn>("ZerbinSetEventPump");
+    int served = 0;
+    ASSERT_EQ(setPump([](void* count) { ++*static_cast<int*>(count); }, &served), ZERBIN_OK);
+    Shipped("ROOM_CONTROLLER");
+    EXPECT_GT(served, 0);
+    ASSERT_EQ(setPump(nullptr, nullptr), ZERBIN_OK);
+    const int before = served;
+    Shipped("ROOM_CONTROLLER");
+    EXPECT_EQ(served, before);
+}
+
+TEST_F(PluginTest, UnitSystemChangesWhatEveryBlockShows) {
+    const auto setUnits = plugin_.Get<ZerbinSetUnitSystemFn>("ZerbinSetUnitSystem");
+    const auto block = Shipped("THERMOSTAT");
+    const auto setpoint = block->IAppObject_Attributes()->IAttributes_Item("HeatSetpoint");
+    ASSERT_EQ(setUnits(ZERBIN_UNITS_US), ZERBIN_OK);
+    const std::string us = setpoint->IAttribute_DispValue();
+    ASSERT_EQ(setUnits(ZERBIN_UNITS_SI), ZERBIN_OK);
+    EXPECT_NE(us.find("F"), std::string::npos) << us;
+    EXPECT_NE(setpoint->IAttribute_DispValue().find("C"), std::string::npos);
+    EXPECT_EQ(setUnits(2), ZERBIN_E_INVALID_ARGUMENT);
 }
 
 }  // namespace

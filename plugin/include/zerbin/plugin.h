@@ -75,6 +75,55 @@ ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object);
  * own folder. ZERBIN_OK. */
 ZERBIN_PLUGIN_API int ZerbinSetBlockLibrary(const char* library);
 
+/* ---- The component's process-wide services, as a host sets them up ----------------------
+ * A host calls these before its first block, or whenever its settings change; they act on
+ * every block of the process. A Qt host that has made its QApplication gets the component's
+ * own Qt message boxes and event serving without them. */
+
+/* The style of a message box: one of the button sets plus one of the icons. */
+#define ZERBIN_MB_OK 0x00
+#define ZERBIN_MB_OKCANCEL 0x01
+#define ZERBIN_MB_YESNOCANCEL 0x03
+#define ZERBIN_MB_YESNO 0x04
+#define ZERBIN_MB_BUTTONS 0x0F /* the mask of the button set */
+#define ZERBIN_MB_ICONCRITICAL 0x10
+#define ZERBIN_MB_ICONQUESTION 0x20
+#define ZERBIN_MB_ICONEXCLAMATION 0x30
+#define ZERBIN_MB_ICONINFORMATION 0x40
+#define ZERBIN_MB_ICONS 0xF0 /* the mask of the icon */
+
+/* What the user answered a message box. */
+#define ZERBIN_ID_OK 1
+#define ZERBIN_ID_CANCEL 2
+#define ZERBIN_ID_YES 6
+#define ZERBIN_ID_NO 7
+
+/* Shows one message box of the component and returns the answer (ZERBIN_ID_...). Text and
+ * caption are UTF-8; lines in the text are broken with "\r\n". */
+typedef int (*ZerbinMessageHandler)(void* context, const char* text, const char* caption,
+                                    int style);
+
+/* Every message box of the component goes to handler from now on, with context as its first
+ * argument. NULL gives the component its own boxes back (Qt boxes in a Qt host, else the
+ * text on stderr, answered OK or Yes). ZERBIN_OK. */
+ZERBIN_PLUGIN_API int ZerbinSetMessageHandler(ZerbinMessageHandler handler, void* context);
+
+/* Lets the host's queued user-interface events run, then returns. */
+typedef void (*ZerbinEventPump)(void* context);
+
+/* The component's long loops call pump (with context) once a pass, so that the host's window
+ * stays alive. NULL: nothing is called, not even the component's own Qt event serving; a host
+ * sets that before it tears its windows down. ZERBIN_OK. */
+ZERBIN_PLUGIN_API int ZerbinSetEventPump(ZerbinEventPump pump, void* context);
+
+/* The units the user sees values in. */
+#define ZERBIN_UNITS_SI 0
+#define ZERBIN_UNITS_US 1 /* US customary */
+
+/* The unit system of every block's displayed values. ZERBIN_OK, or ZERBIN_E_INVALID_ARGUMENT
+ * for another number. */
+ZERBIN_PLUGIN_API int ZerbinSetUnitSystem(int system);
+
 /* The types to look the entry points up with dlsym. */
 typedef int (*ZerbinRegisterServerFn)(void);
 typedef int (*ZerbinUnregisterServerFn)(void);
@@ -82,6 +131,9 @@ typedef int (*ZerbinGetClassObjectFn)(const char*, ZerbinObject**);
 typedef int (*ZerbinCanUnloadNowFn)(void);
 typedef void (*ZerbinReleaseObjectFn)(ZerbinObject*);
 typedef int (*ZerbinSetBlockLibraryFn)(const char*);
+typedef int (*ZerbinSetMessageHandlerFn)(ZerbinMessageHandler, void*);
+typedef int (*ZerbinSetEventPumpFn)(ZerbinEventPump, void*);
+typedef int (*ZerbinSetUnitSystemFn)(int);
 
 #ifdef __cplusplus
 #include <memory>

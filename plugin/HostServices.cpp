@@ -1,0 +1,156 @@
+// The entry points through which a host reaches the component's process-wide services: the
+// message boxes, the event pump and the unit system.
+#include "plugin/HostServices.h"
+
+#include <functional>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "datatypes/UnitConverter.h"
+#include "platform/Events.h"
+#include "platform/Messages.h"
+#include "zerbin/plugin.h"
+
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+#include <QApplication>
+
+#include "editors/QtAdapters.h"
+#endif
+
+namespace zerbin::plugin {
+namespace {
+
+int StyleOf(const Message& message) {
+    int style = ZERBIN_MB_OK;
+    switch (message.buttons) {
+        case MessageButtons::OkCancel:
+            style = ZERBIN_MB_OKCANCEL;
+            break;
+        case MessageButtons::YesNo:
+            style = ZERBIN_MB_YESNO;
+            break;
+        case MessageButtons::YesNoCancel:
+            style = ZERBIN_MB_YESNOCANCEL;
+            break;
+        case MessageButtons::Ok:
+            break;
+    }
+    switch (message.icon) {
+        case MessageIcon::Critical:
+            return style | ZERBIN_MB_ICONCRITICAL;
+        case MessageIcon::Question:
+            return style | ZERBIN_MB_ICONQUESTION;
+        case MessageIcon::Exclamation:
+            return style | ZERBIN_MB_ICONEXCLAMATION;
+        case MessageIcon::Information:
+            return style | ZERBIN_MB_ICONINFORMATION;
+        case MessageIcon::None:
+            break;
+    }
+    return style;
+}
+
+// The host's handler behind the component's message port. The answer numbers are the same on
+// both sides.
+class HostMessageSink : public MessageSink {
+public:
+    HostMessageSink(ZerbinMessageHandler handler, void* context)
+        : handler_(handler), context_(context) {}
+    int Show(const Message& message) override {
+        return handler_(context_, message.text.c_str(), message.title.c_str(), StyleOf(message));
+    }
+
+private:
+    ZerbinMessageHandler handler_;
+    void* context_;
+};
+
+// What the host has set; nothing set means the component's own.
+struct HostSettings {
+    std::shared_ptr<MessageSink> messages;
+    bool pumpSet = false;
+    std::function<void()> pump;
+    bool qt = false;
+};
+
+HostSettings& Settings() {
+    static HostSettings settings;
+    return settings;
+}
+
+// The component's own services, then the host's over them.
+void Apply() {
+    HostSettings& settings = Settings();
+    SetMessageSink(nullptr);
+    SetEventPump({});
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+    if (settings.qt) {
+        InstallQtAdapters();
+    }
+#endif
+    if (settings.messages) {
+        SetMessageSink(settings.messages);
+    }
+    if (settings.pumpSet) {
+        SetEventPump(settings.pump);
+    }
+}
+
+template <typename Body>
+int Guarded(Body body) noexcept {
+    try {
+        body();
+        return ZERBIN_OK;
+    } catch (const std::bad_alloc&) {
+        return ZERBIN_E_OUT_OF_MEMORY;
+    } catch (...) {
+        return ZERBIN_E_UNEXPECTED;
+    }
+}
+
+}  // namespace
+
+void UseQtWhenTheHostDoes() {
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+    HostSettings& settings = Settings();
+    if (!settings.qt && qobject_cast<QApplication*>(QCoreApplication::instance()) != nullptr) {
+        settings.qt = true;
+        Apply();
+    }
+#endif
+}
+
+}  // namespace zerbin::plugin
+
+using namespace zerbin::plugin;
+
+ZERBIN_PLUGIN_API int ZerbinSetMessageHandler(ZerbinMessageHandler handler, void* context) {
+    return Guarded([&] {
+        UseQtWhenTheHostDoes();
+        Settings().messages =
+            handler != nullptr ? std::make_shared<HostMessageSink>(handler, context) : nullptr;
+        Apply();
+    });
+}
+
+ZERBIN_PLUGIN_API int ZerbinSetEventPump(ZerbinEventPump pump, void* context) {
+    return Guarded([&] {
+        UseQtWhenTheHostDoes();
+        HostSettings& settings = Settings();
+        settings.pumpSet = true;
+        settings.pump = pump != nullptr ? std::function<void()>([pump, context] { pump(context); })
+                                        : std::function<void()>();
+        Apply();
+    });
+}
+
+ZERBIN_PLUGIN_API int ZerbinSetUnitSystem(int system) {
+    if (system != ZERBIN_UNITS_SI && system != ZERBIN_UNITS_US) {
+        return ZERBIN_E_INVALID_ARGUMENT;
+    }
+    return Guarded([&] {
+        zerbin::SetUnitSystem(system == ZERBIN_UNITS_US ? zerbin::UnitSystem::US
+                                                        : zerbin::UnitSystem::SI);
+    });
+}
