@@ -1,40 +1,87 @@
 #include "studio/BlockFactory.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <system_error>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QPointer>
+#include <QWidget>
 
-#include "app_object/CDBAppObject.h"
-#include "datatypes/UnitConverter.h"
-#include "editors/QtAdapters.h"
-#include "platform/Events.h"
-#include "platform/Files.h"
-#include "platform/Messages.h"
-#include "platform/Picture.h"
+#include "interfaces/IEditors.h"
+#include "studio/ComponentLibrary.h"
+#include "studio/StudioMessages.h"
 
 namespace zerbin::studio {
+namespace {
 
-std::shared_ptr<IAppObject> BlockFactory::CreateBlock() const {
-    return std::make_shared<CDBAppObject>();
+namespace fs = std::filesystem;
+
+const ComponentEntryPoints& Component() {
+    std::string why;
+    if (!ComponentLibrary::Load(&why)) {
+        throw std::runtime_error(why);
+    }
+    return ComponentLibrary::Entry();
 }
 
-void BlockFactory::UseLibrary(const std::filesystem::path& library) {
-    library_ = std::filesystem::absolute(library).lexically_normal();
-    // The component looks its types up in the parent of its own folder; that folder itself
-    // need not exist.
-    SetComponentFolder(library_ / "Zerbin");
+// A type is a folder of the library; a name that would lead out of it is none.
+bool IsTypeName(const std::string& type) {
+    return !type.empty() && type != "." && type != ".." &&
+           type.find_first_of(std::string("/\\\0", 3)) == std::string::npos;
+}
+
+int AnswerMessage(void* /*context*/, const char* text, const char* caption, int style) {
+    const Message message = MessageFromStyle(text, caption, style);
+    return ShowMessage(message.text, message.title, message.icon, message.buttons);
+}
+
+void ServeEvents(void* /*context*/) {
+    // The component asks on every pass of its member loops; in a large project that would
+    // cost more than the load itself. Every 25 ms keeps the window as alive.
+    static QElapsedTimer timer;
+    if (!timer.isValid() || timer.elapsed() >= 25) {
+        QCoreApplication::processEvents();
+        timer.start();
+    }
+}
+
+class StudioHostWindow : public IHostWindow {
+public:
+    explicit StudioHostWindow(QWidget* window) : window_(window) {}
+    void* HostWindow() override { return window_.data(); }
+
+private:
+    QPointer<QWidget> window_;
+};
+
+}  // namespace
+
+std::shared_ptr<IAppObject> BlockFactory::CreateBlock() const {
+    const ComponentEntryPoints& component = Component();
+    ZerbinObject* handle = nullptr;
+    const int result = component.getClassObject(ZERBIN_PROGID, &handle);
+    auto block = std::dynamic_pointer_cast<IAppObject>(TakeObject(handle, component.releaseObject));
+    if (result != ZERBIN_OK || !block) {
+        throw std::runtime_error("the component made no block (" + std::to_string(result) + ")");
+    }
+    return block;
+}
+
+void BlockFactory::UseLibrary(const fs::path& library) {
+    library_ = fs::absolute(library).lexically_normal();
+    Component().setBlockLibrary(library_.c_str());
 }
 
 std::vector<std::string> BlockFactory::Types() const {
     std::vector<std::string> types;
     std::error_code error;
-    std::filesystem::directory_iterator entries(library_, error);
+    fs::directory_iterator entries(library_, error);
     if (error) {
         return types;
     }
-    for (const std::filesystem::directory_entry& entry : entries) {
+    for (const fs::directory_entry& entry : entries) {
         const std::string name = entry.path().filename().string();
         if (HasType(name)) {
             types.push_back(name);
@@ -46,8 +93,7 @@ std::vector<std::string> BlockFactory::Types() const {
 
 bool BlockFactory::HasType(const std::string& type) const {
     std::error_code error;
-    return IsSafeTypeName(type) &&
-           std::filesystem::is_regular_file(DefinitionFile(library_, type), error);
+    return IsTypeName(type) && fs::is_regular_file(library_ / type / (type + ".xml"), error);
 }
 
 BlockTypeInfo BlockFactory::Describe(const std::string& type) const {
@@ -58,59 +104,40 @@ BlockTypeInfo BlockFactory::Describe(const std::string& type) const {
     info.name = block->IAppObject_Name();
     info.category = block->IAppObject_Category();
     info.description = block->IAppObject_Description();
-    if (const std::shared_ptr<const Picture> icon = block->IAppObject_Icon()) {
-        info.icon = icon->bytes;
-    }
+    info.icon = block->IAppObject_Icon();
     block->IAppObject_Destroy();
     return info;
 }
 
 void BlockFactory::UseUnitSystem(bool us) {
-    SetUnitSystem(us ? UnitSystem::US : UnitSystem::SI);
+    Component().setUnitSystem(us ? ZERBIN_UNITS_US : ZERBIN_UNITS_SI);
 }
 
 void BlockFactory::UseMessageSink(std::shared_ptr<MessageSink> sink) {
+    const bool any = sink != nullptr;
     SetMessageSink(std::move(sink));
+    Component().setMessageHandler(any ? &AnswerMessage : nullptr, nullptr);
 }
 
 void BlockFactory::UseEventPump(bool on) {
-    if (on) {
-        // The component asks on every pass of its member loops; in a large project that would
-        // cost more than the load itself. Every 25 ms keeps the window as alive.
-        SetEventPump([timer = std::make_shared<QElapsedTimer>()] {
-            if (!timer->isValid() || timer->elapsed() >= 25) {
-                QCoreApplication::processEvents();
-                timer->start();
-            }
-        });
-    } else {
-        SetEventPump({});
-    }
-}
-
-void BlockFactory::UseWindows(bool on) {
-    if (on) {
-        InstallQtAdapters();
-    } else {
-        RemoveQtAdapters();
-    }
+    Component().setEventPump(on ? &ServeEvents : nullptr, nullptr);
 }
 
 std::shared_ptr<IObject> BlockFactory::HostWindow(QWidget* window) {
-    return HostWindowOf(window);
+    return std::make_shared<StudioHostWindow>(window);
 }
 
-std::filesystem::path BlockFactory::ShippedDataFolder() {
+fs::path BlockFactory::ShippedDataFolder() {
     std::error_code error;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
     if (!error) {
-        const std::filesystem::path installed =
-            (program.parent_path() / ".." / "share" / "zerbin").lexically_normal();
-        if (std::filesystem::is_regular_file(installed / "snvts.xml", error)) {
+        const fs::path installed =
+            (program.parent_path() / ZERBIN_STUDIO_TO_DATA).lexically_normal();
+        if (fs::is_regular_file(installed / "snvts.xml", error)) {
             return installed;
         }
     }
-    return std::filesystem::path(ZERBIN_SOURCE_DATA_DIR);
+    return fs::path(ZERBIN_SOURCE_DATA_DIR);
 }
 
 }  // namespace zerbin::studio

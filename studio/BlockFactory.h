@@ -1,7 +1,7 @@
 // Where the studio's blocks come from, and the few process-wide settings of the component that
-// a host makes before it creates blocks: the block library, the unit system, the message and
-// event ports. This is the one place that knows how the component is reached; everything else
-// in the studio talks to blocks through the interfaces alone.
+// a host makes before it creates blocks: the block library, the unit system, the message
+// handler and the event pump. This is the one place that calls the plug-in's entry points;
+// everything else in the studio talks to blocks through the interfaces alone.
 #pragma once
 
 #include <filesystem>
@@ -13,11 +13,9 @@
 
 class QWidget;
 
-namespace zerbin {
-class MessageSink;
-}
-
 namespace zerbin::studio {
+
+class MessageSink;
 
 // What the palette shows of a block type, read from its definition header.
 struct BlockTypeInfo {
@@ -25,7 +23,7 @@ struct BlockTypeInfo {
     std::string name;
     std::string category;
     std::string description;
-    std::vector<unsigned char> icon;  // the bytes of an icon file; may be empty
+    std::shared_ptr<const Picture> icon;  // may be empty
 };
 
 class BlockFactory {
@@ -43,13 +41,12 @@ public:
     BlockTypeInfo Describe(const std::string& type) const;
 
     static void UseUnitSystem(bool us);
-    // Every message box of the component goes to the sink; nullptr restores the default.
+    // Every message box of the component and of the studio goes to the sink; nullptr gives
+    // the component its own boxes back.
     static void UseMessageSink(std::shared_ptr<MessageSink> sink);
-    // Long loops of the component let the studio's queued events run.
+    // Long loops of the component let the studio's queued events run; off, they call nothing
+    // (as the window's teardown needs: no event may run while blocks go).
     static void UseEventPump(bool on);
-    // The component's windows (parameter list, value editors) open from now on; false puts
-    // the headless defaults back. Install the message sink and event pump after this.
-    static void UseWindows(bool on);
     // The host's window as IAppObject_Show takes it as the owner.
     static std::shared_ptr<IObject> HostWindow(QWidget* window);
 

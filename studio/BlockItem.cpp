@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
+#include <QCursor>
 #include <QFontMetricsF>
+#include <QGraphicsSceneHoverEvent>
 #include <QHash>
 #include <QPainter>
 #include <QStyleOptionGraphicsItem>
 
 #include "interfaces/ICanvasElement.h"
-#include "platform/Picture.h"
+#include "zerbin/QtPicture.h"
 
 namespace zerbin::studio {
 namespace {
@@ -58,10 +60,7 @@ QPixmap BlockIconPixmap(IAppObject& block, int size) {
     if (const auto found = cache.constFind(key); found != cache.constEnd()) {
         return *found;
     }
-    QPixmap pixmap;
-    if (const std::shared_ptr<const Picture> icon = block.IAppObject_Icon()) {
-        pixmap.loadFromData(icon->bytes.data(), static_cast<uint>(icon->bytes.size()));
-    }
+    QPixmap pixmap = ToQPixmap(block.IAppObject_Icon().get(), QSize(size, size));
     if (pixmap.isNull()) {
         pixmap = QPixmap(size, size);
         pixmap.fill(QColor(0xdd, 0xe4, 0xec));
@@ -71,26 +70,11 @@ QPixmap BlockIconPixmap(IAppObject& block, int size) {
     return pixmap;
 }
 
-TerminalItem::TerminalItem(QGraphicsItem* parent, std::string name, bool output, QPointF centre)
-    : QGraphicsEllipseItem(centre.x() - kRadius, centre.y() - kRadius, 2 * kRadius, 2 * kRadius,
-                           parent),
-      name_(std::move(name)),
-      output_(output) {
-    setBrush(output ? QColor(0xe0, 0x8a, 0x2e) : QColor(0x3d, 0x8b, 0x5a));
-    setPen(QPen(Qt::white, 1.5));
-    setToolTip(QString::fromStdString(name_));
-    setCursor(Qt::CrossCursor);
-}
-
-std::string TerminalItem::BlockKey() const {
-    const auto* block = qgraphicsitem_cast<const BlockItem*>(parentItem());
-    return block ? block->Key() : std::string();
-}
-
 BlockItem::BlockItem(std::string key, std::shared_ptr<IAppObject> block)
     : key_(std::move(key)), block_(std::move(block)) {
     setFlags(ItemIsMovable | ItemIsSelectable | ItemSendsGeometryChanges);
     setCacheMode(DeviceCoordinateCache);
+    setAcceptHoverEvents(true);
     Refresh();
 }
 
@@ -103,7 +87,7 @@ void BlockItem::Refresh() {
     }
     icon_ = BlockIconPixmap(*block_, 20);
     colour_ = ColourOf(block_->IAppObject_Color());
-    setToolTip(QString::fromStdString(block_->IAppObject_Description()));
+    description_ = QString::fromStdString(block_->IAppObject_Description());
 
     std::vector<std::string> inputs;
     std::vector<std::string> outputs;
@@ -137,19 +121,18 @@ void BlockItem::Refresh() {
     const std::size_t rows = std::max(inputs.size(), outputs.size());
     rect_ = QRectF(0, 0, width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
 
-    for (TerminalItem* terminal : terminals_) {
-        delete terminal;
-    }
     terminals_.clear();
-    for (std::size_t i = 0; i < inputs.size(); ++i) {
-        terminals_.push_back(new TerminalItem(
-            this, inputs[i], false, QPointF(0, kHeader + (static_cast<qreal>(i) + 0.5) * kRow)));
+    terminals_.reserve(inputs.size() + outputs.size());
+    for (const bool output : {false, true}) {
+        const std::vector<std::string>& names = output ? outputs : inputs;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            terminals_.push_back(Terminal{
+                names[i], output,
+                QPointF(output ? width : 0, kHeader + (static_cast<qreal>(i) + 0.5) * kRow),
+                QString::fromStdString(names[i])});
+        }
     }
-    for (std::size_t i = 0; i < outputs.size(); ++i) {
-        terminals_.push_back(
-            new TerminalItem(this, outputs[i], true,
-                             QPointF(width, kHeader + (static_cast<qreal>(i) + 0.5) * kRow)));
-    }
+    PointAt(nullptr);
 
     refreshing_ = true;
     setPos(block_->IAppObject_XPosition(), block_->IAppObject_YPosition());
@@ -158,10 +141,28 @@ void BlockItem::Refresh() {
     emit moved(key_);
 }
 
-TerminalItem* BlockItem::Terminal(const std::string& name, bool output) const {
-    for (TerminalItem* terminal : terminals_) {
-        if (terminal->IsOutput() == output && terminal->Name() == name) {
-            return terminal;
+const Terminal* BlockItem::FindTerminal(const std::string& name, bool output) const {
+    for (const Terminal& terminal : terminals_) {
+        if (terminal.output == output && terminal.name == name) {
+            return &terminal;
+        }
+    }
+    return nullptr;
+}
+
+const Terminal* BlockItem::TerminalAt(QPointF itemPos, qreal slack) const {
+    const qreal reach = kTerminalRadius + slack;
+    // Only the two edges carry terminals.
+    const bool left = std::abs(itemPos.x()) <= reach;
+    const bool right = std::abs(itemPos.x() - rect_.width()) <= reach;
+    if (!left && !right) {
+        return nullptr;
+    }
+    for (const Terminal& terminal : terminals_) {
+        const QPointF offset = itemPos - terminal.centre;
+        if (terminal.output == right && std::abs(offset.x()) <= reach &&
+            std::abs(offset.y()) <= reach) {
+            return &terminal;
         }
     }
     return nullptr;
@@ -172,7 +173,7 @@ QRectF BlockItem::NameRect() const {
 }
 
 QRectF BlockItem::boundingRect() const {
-    return rect_.adjusted(-TerminalItem::kRadius - 2, -2, TerminalItem::kRadius + 2, 2);
+    return rect_.adjusted(-kTerminalRadius - 2, -2, kTerminalRadius + 2, 2);
 }
 
 void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
@@ -206,12 +207,19 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
                       Qt::AlignLeft | Qt::AlignVCenter, type_);
 
     painter->setPen(QColor(0x26, 0x32, 0x3c));
-    for (const TerminalItem* terminal : terminals_) {
-        const qreal y = terminal->rect().center().y();
-        const QString name = QString::fromStdString(terminal->Name());
-        const QRectF row(kPadding + 2, y - kRow / 2, rect_.width() - 2 * kPadding - 4, kRow);
-        painter->drawText(
-            row, (terminal->IsOutput() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter, name);
+    for (const Terminal& terminal : terminals_) {
+        const QRectF row(kPadding + 2, terminal.centre.y() - kRow / 2,
+                         rect_.width() - 2 * kPadding - 4, kRow);
+        painter->drawText(row,
+                          (terminal.output ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter,
+                          terminal.label);
+    }
+    static const QBrush inputBrush(QColor(0x3d, 0x8b, 0x5a));
+    static const QBrush outputBrush(QColor(0xe0, 0x8a, 0x2e));
+    painter->setPen(QPen(Qt::white, 1.5));
+    for (const Terminal& terminal : terminals_) {
+        painter->setBrush(terminal.output ? outputBrush : inputBrush);
+        painter->drawEllipse(terminal.centre, kTerminalRadius, kTerminalRadius);
     }
 }
 
@@ -220,6 +228,29 @@ QVariant BlockItem::itemChange(GraphicsItemChange change, const QVariant& value)
         emit moved(key_);
     }
     return QGraphicsObject::itemChange(change, value);
+}
+
+void BlockItem::hoverMoveEvent(QGraphicsSceneHoverEvent* event) {
+    if (const Terminal* terminal = TerminalAt(event->pos(), 2); terminal != hovered_) {
+        PointAt(terminal);
+    }
+    QGraphicsObject::hoverMoveEvent(event);
+}
+
+void BlockItem::hoverLeaveEvent(QGraphicsSceneHoverEvent* event) {
+    PointAt(nullptr);
+    QGraphicsObject::hoverLeaveEvent(event);
+}
+
+// Over a terminal the cursor says a wire can start here, and the tip names the terminal.
+void BlockItem::PointAt(const Terminal* terminal) {
+    hovered_ = terminal;
+    setToolTip(terminal != nullptr ? terminal->label : description_);
+    if (terminal != nullptr && !hasCursor()) {
+        setCursor(Qt::CrossCursor);
+    } else if (terminal == nullptr && hasCursor()) {
+        unsetCursor();
+    }
 }
 
 }  // namespace zerbin::studio

@@ -1,12 +1,13 @@
 // A block as the canvas draws it: icon, user name and type in the header, the visible inputs
-// on the left and outputs on the right as terminals, in the block's colour.
+// on the left and outputs on the right as terminals, in the block's colour. The terminals are
+// drawn and hit-tested by the block itself: a large project has tens of thousands of them.
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include <QGraphicsEllipseItem>
 #include <QGraphicsObject>
 #include <QPixmap>
 
@@ -17,20 +18,12 @@ namespace zerbin::studio {
 // The pixmap of a block's icon, decoded once per type; a plain square when it can't be read.
 QPixmap BlockIconPixmap(IAppObject& block, int size);
 
-// The spot where wires start and end. Its name is the input's or output's.
-class TerminalItem : public QGraphicsEllipseItem {
-public:
-    enum { Type = UserType + 2 };
-    TerminalItem(QGraphicsItem* parent, std::string name, bool output, QPointF centre);
-    int type() const override { return Type; }
-    const std::string& Name() const { return name_; }
-    bool IsOutput() const { return output_; }
-    std::string BlockKey() const;
-    static constexpr qreal kRadius = 5.0;
-
-private:
-    std::string name_;
-    bool output_;
+// The spot where wires start and end, named after its input or output.
+struct Terminal {
+    std::string name;
+    bool output = false;
+    QPointF centre;  // in the block's coordinates
+    QString label;
 };
 
 class BlockItem : public QGraphicsObject {
@@ -38,13 +31,19 @@ class BlockItem : public QGraphicsObject {
 
 public:
     enum { Type = UserType + 1 };
+    static constexpr qreal kTerminalRadius = 5.0;
+
     BlockItem(std::string key, std::shared_ptr<IAppObject> block);
     int type() const override { return Type; }
 
     const std::string& Key() const { return key_; }
     // Reads name, colour, place and terminals from the block again.
     void Refresh();
-    TerminalItem* Terminal(const std::string& name, bool output) const;
+    const Terminal* FindTerminal(const std::string& name, bool output) const;
+    // The terminal within reach of a point in item coordinates (a few pixels of slack), or
+    // nullptr.
+    const Terminal* TerminalAt(QPointF itemPos, qreal slack) const;
+    const std::vector<Terminal>& Terminals() const { return terminals_; }
     // The header area where the user name stands, in item coordinates.
     QRectF NameRect() const;
 
@@ -57,15 +56,21 @@ signals:
 
 protected:
     QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
+    void hoverMoveEvent(QGraphicsSceneHoverEvent* event) override;
+    void hoverLeaveEvent(QGraphicsSceneHoverEvent* event) override;
 
 private:
+    void PointAt(const Terminal* terminal);
+
     std::string key_;
     std::shared_ptr<IAppObject> block_;
     QString name_;
     QString type_;
+    QString description_;
     QPixmap icon_;
     QColor colour_;
-    std::vector<TerminalItem*> terminals_;
+    std::vector<Terminal> terminals_;
+    const Terminal* hovered_ = nullptr;
     QRectF rect_;
     bool refreshing_ = false;
 };

@@ -116,10 +116,14 @@ std::vector<Wire> CanvasScene::SelectedWires() const {
     return wires;
 }
 
-TerminalItem* CanvasScene::Terminal(const std::string& key, const std::string& name,
-                                    bool output) const {
+std::optional<QPointF> CanvasScene::TerminalPos(const std::string& key, const std::string& name,
+                                                bool output) const {
     const BlockItem* item = Item(key);
-    return item ? item->Terminal(name, output) : nullptr;
+    const Terminal* terminal = item ? item->FindTerminal(name, output) : nullptr;
+    if (terminal == nullptr) {
+        return std::nullopt;
+    }
+    return item->mapToScene(terminal->centre);
 }
 
 void CanvasScene::AddBlock(const std::string& key) {
@@ -177,11 +181,11 @@ void CanvasScene::RemoveWire(const Wire& wire) {
 
 void CanvasScene::Route(WireItem* item) const {
     const Wire& wire = item->Connection();
-    const TerminalItem* from = Terminal(wire.source, wire.output, true);
-    const TerminalItem* to = Terminal(wire.target, wire.input, false);
-    item->setVisible(from != nullptr && to != nullptr);
+    const std::optional<QPointF> from = TerminalPos(wire.source, wire.output, true);
+    const std::optional<QPointF> to = TerminalPos(wire.target, wire.input, false);
+    item->setVisible(from && to);
     if (from && to) {
-        item->Route(from->sceneBoundingRect().center(), to->sceneBoundingRect().center());
+        item->Route(*from, *to);
     }
 }
 
@@ -192,21 +196,26 @@ void CanvasScene::RouteWiresOf(const std::string& key) {
     }
 }
 
-TerminalItem* CanvasScene::TerminalAt(QPointF scenePos) const {
-    // A terminal is small; accept a release a few pixels off it.
-    const QRectF near(scenePos - QPointF(4, 4), QSizeF(8, 8));
+std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {
+    // A terminal is small; accept a press or release a few pixels off it.
+    constexpr qreal kSlack = 4;
+    const QRectF near(scenePos - QPointF(kSlack, kSlack), QSizeF(2 * kSlack, 2 * kSlack));
     for (QGraphicsItem* item : items(near)) {
-        if (auto* terminal = qgraphicsitem_cast<TerminalItem*>(item)) {
-            return terminal;
+        if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item)) {
+            if (const Terminal* terminal =
+                    block->TerminalAt(block->mapFromScene(scenePos), kSlack)) {
+                return TerminalRef{block->Key(), terminal->name, terminal->output,
+                                   block->mapToScene(terminal->centre)};
+            }
         }
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 void CanvasScene::mousePressEvent(QGraphicsSceneMouseEvent* event) {
     if (event->button() == Qt::LeftButton) {
-        if (TerminalItem* terminal = TerminalAt(event->scenePos())) {
-            dragFrom_ = terminal;
+        if (std::optional<TerminalRef> terminal = TerminalAt(event->scenePos())) {
+            dragFrom_ = std::move(terminal);
             dragWire_ = addPath(QPainterPath(), QPen(QColor(0x2a, 0x7a, 0xd0), 2, Qt::DashLine));
             event->accept();
             return;
@@ -220,10 +229,10 @@ void CanvasScene::mousePressEvent(QGraphicsSceneMouseEvent* event) {
 }
 
 void CanvasScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event) {
-    if (dragFrom_ != nullptr) {
-        const QPointF start = dragFrom_->sceneBoundingRect().center();
-        dragWire_->setPath(dragFrom_->IsOutput() ? WirePath(start, event->scenePos())
-                                                 : WirePath(event->scenePos(), start));
+    if (dragFrom_) {
+        const QPointF start = dragFrom_->pos;
+        dragWire_->setPath(dragFrom_->output ? WirePath(start, event->scenePos())
+                                             : WirePath(event->scenePos(), start));
         event->accept();
         return;
     }
@@ -231,17 +240,16 @@ void CanvasScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event) {
 }
 
 void CanvasScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event) {
-    if (dragFrom_ != nullptr) {
-        TerminalItem* from = dragFrom_;
-        dragFrom_ = nullptr;
+    if (dragFrom_) {
+        const TerminalRef from = *dragFrom_;
+        dragFrom_.reset();
         delete dragWire_;
         dragWire_ = nullptr;
-        TerminalItem* to = TerminalAt(event->scenePos());
-        if (to != nullptr && to->IsOutput() != from->IsOutput()) {
-            const TerminalItem* output = from->IsOutput() ? from : to;
-            const TerminalItem* input = from->IsOutput() ? to : from;
-            emit wireRequested(
-                Wire{output->BlockKey(), output->Name(), input->BlockKey(), input->Name()});
+        const std::optional<TerminalRef> to = TerminalAt(event->scenePos());
+        if (to && to->output != from.output) {
+            const TerminalRef& output = from.output ? from : *to;
+            const TerminalRef& input = from.output ? *to : from;
+            emit wireRequested(Wire{output.block, output.name, input.block, input.name});
         }
         event->accept();
         return;

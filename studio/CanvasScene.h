@@ -4,6 +4,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,14 @@ class QGraphicsProxyWidget;
 namespace zerbin::studio {
 
 class BlockItem;
-class TerminalItem;
+
+// A terminal as the scene finds it under the mouse.
+struct TerminalRef {
+    std::string block;
+    std::string name;
+    bool output = false;
+    QPointF pos;  // its centre in the scene
+};
 
 class WireItem : public QGraphicsPathItem {
 public:
@@ -54,8 +62,10 @@ public:
     std::vector<Wire> SelectedWires() const;
     // Opens the in-place editor of the block's user name.
     void StartRename(const std::string& key);
-    // Where a terminal sits in the scene; null when the block or terminal isn't shown.
-    TerminalItem* Terminal(const std::string& key, const std::string& name, bool output) const;
+    // Where a terminal's centre sits in the scene; nothing when the block or terminal isn't
+    // shown.
+    std::optional<QPointF> TerminalPos(const std::string& key, const std::string& name,
+                                       bool output) const;
 
 signals:
     void wireRequested(const Wire& wire);
@@ -77,14 +87,14 @@ private:
     void RemoveAll();
     void RouteWiresOf(const std::string& key);
     void Route(WireItem* item) const;
-    TerminalItem* TerminalAt(QPointF scenePos) const;
+    std::optional<TerminalRef> TerminalAt(QPointF scenePos) const;
     void FinishRename(bool accept);
 
     StudioProject& project_;
     std::map<std::string, BlockItem*> blocks_;
     std::vector<WireItem*> wires_;
     std::multimap<std::string, WireItem*> wiresAt_;
-    TerminalItem* dragFrom_ = nullptr;
+    std::optional<TerminalRef> dragFrom_;
     QGraphicsPathItem* dragWire_ = nullptr;
     std::map<std::string, QPointF> pressed_;
     QGraphicsProxyWidget* renameEditor_ = nullptr;

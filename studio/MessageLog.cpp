@@ -1,9 +1,9 @@
 #include "studio/MessageLog.h"
 
+#include <QApplication>
 #include <QHeaderView>
+#include <QMessageBox>
 #include <QTableWidget>
-
-#include "editors/QtAdapters.h"
 
 namespace zerbin::studio {
 
@@ -22,7 +22,29 @@ int MessageLog::Show(const Message& message) {
 }
 
 int MessageLog::ShowBox(const Message& message) {
-    return ShowMessageBox(message);
+    static const QMessageBox::Icon icons[] = {QMessageBox::NoIcon, QMessageBox::Critical,
+                                              QMessageBox::Question, QMessageBox::Warning,
+                                              QMessageBox::Information};
+    static const QMessageBox::StandardButtons buttons[] = {
+        QMessageBox::Ok, QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Yes | QMessageBox::No,
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel};
+    QWidget* parent = QApplication::activeModalWidget() != nullptr
+                          ? QApplication::activeModalWidget()
+                          : QApplication::activeWindow();
+    // The component breaks its lines the Windows way.
+    QMessageBox box(icons[static_cast<int>(message.icon)], QString::fromStdString(message.title),
+                    QString::fromStdString(message.text).replace("\r\n", "\n"),
+                    buttons[static_cast<int>(message.buttons)], parent);
+    switch (box.exec()) {
+        case QMessageBox::Cancel:
+            return kMessageCancel;
+        case QMessageBox::Yes:
+            return kMessageYes;
+        case QMessageBox::No:
+            return kMessageNo;
+        default:
+            return kMessageOk;
+    }
 }
 
 MessageLogDock::MessageLogDock(QWidget* parent)

@@ -11,7 +11,7 @@
 #include <QDockWidget>
 #include <QString>
 
-#include "platform/Messages.h"
+#include "studio/StudioMessages.h"
 
 class QTableWidget;
 

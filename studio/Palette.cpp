@@ -8,6 +8,7 @@
 #include <QMimeData>
 
 #include "studio/CanvasScene.h"
+#include "zerbin/QtPicture.h"
 
 namespace zerbin::studio {
 
@@ -48,11 +49,7 @@ void Palette::Fill(const BlockFactory& factory) {
         auto* item = new QTreeWidgetItem(group, QStringList{name});
         item->setData(0, kTypeRole, QString::fromStdString(type));
         item->setToolTip(0, QString::fromStdString(type + "\n" + info.description));
-        QPixmap pixmap;
-        if (!info.icon.empty() &&
-            pixmap.loadFromData(info.icon.data(), static_cast<uint>(info.icon.size()))) {
-            item->setIcon(0, QIcon(pixmap));
-        }
+        item->setIcon(0, ToQIcon(info.icon.get()));
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled);
     }
     for (const auto& [name, group] : categories) {

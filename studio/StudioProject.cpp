@@ -7,9 +7,9 @@
 #include <QPointer>
 
 #include "interfaces/ICanvasElement.h"
-#include "platform/Messages.h"
 #include "studio/BlockFactory.h"
 #include "studio/ProjectMacro.h"
+#include "studio/StudioMessages.h"
 
 namespace zerbin::studio {
 namespace {
@@ -213,7 +213,13 @@ std::string StudioProject::RestoreBlock(pugi::xml_node element, int position) {
     if (const pugi::xml_attribute color = element.attribute("Color")) {
         block->IAppObject_Color(color.as_int());
     }
-    block->IAppObject_XmlLoad(element);
+    // The wires are the studio's: a block that kept them would write them back a second time.
+    pugi::xml_document own;
+    pugi::xml_node copy = own.append_copy(element);
+    while (pugi::xml_node connection = copy.child(kConnection)) {
+        copy.remove_child(connection);
+    }
+    block->IAppObject_XmlLoad(copy);
     --loading_;
     if (position >= 0 && position < static_cast<int>(order_.size()) - 1) {
         order_.pop_back();

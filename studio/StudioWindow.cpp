@@ -10,6 +10,7 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QKeySequence>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QSettings>
@@ -18,10 +19,10 @@
 #include <QToolBar>
 #include <QUndoStack>
 
-#include "base/Xml.h"
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
 #include "studio/CanvasScene.h"
+#include "studio/ComponentLibrary.h"
 #include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 
@@ -51,11 +52,14 @@ private:
 };
 
 std::shared_ptr<const pugi::xml_document> ReadDocument(const QString& file, std::string* error) {
-    xml::ParseError parseError;
-    std::shared_ptr<const pugi::xml_document> document =
-        xml::LoadFile(file.toStdString(), &parseError);
-    if (!document && error) {
-        *error = parseError.reason;
+    auto document = std::make_shared<pugi::xml_document>();
+    const pugi::xml_parse_result result = document->load_file(file.toStdString().c_str());
+    if (!result) {
+        if (error != nullptr) {
+            *error = std::string(result.description()) + " (at byte " +
+                     std::to_string(result.offset) + ")";
+        }
+        return nullptr;
     }
     return document;
 }
@@ -65,7 +69,6 @@ std::shared_ptr<const pugi::xml_document> ReadDocument(const QString& file, std:
 StudioWindow::StudioWindow(QWidget* parent)
     : QMainWindow(parent), log_(std::make_shared<MessageLog>()), undo_(new QUndoStack(this)) {
     setObjectName("studio");
-    BlockFactory::UseWindows(true);
     BlockFactory::UseMessageSink(log_);
     BlockFactory::UseEventPump(true);
     const std::filesystem::path data = BlockFactory::ShippedDataFolder();
@@ -114,10 +117,15 @@ StudioWindow::StudioWindow(QWidget* parent)
 
     BuildActions();
     UpdateTitle();
-    statusBar()->showMessage(tr("Library: %1").arg(Q(factory_.Library().string())));
+    libraryLabel_ = new QLabel(this);
+    statusBar()->addPermanentWidget(libraryLabel_);
+    ShowLibrary();
 }
 
 StudioWindow::~StudioWindow() {
+    // No event may run while the blocks and their windows go: one that did could delete
+    // again what the teardown deletes.
+    BlockFactory::UseEventPump(false);
     // The blocks go before the window's docks and the sink that they may still tell.
     bytes_->ShowBlock(nullptr);
     parameters_->ShowBlock({}, nullptr);
@@ -126,7 +134,7 @@ StudioWindow::~StudioWindow() {
     scene_ = nullptr;
     delete project_;
     project_ = nullptr;
-    BlockFactory::UseWindows(false);
+    log_->SetListener({});
 }
 
 void StudioWindow::MakeProject() {
@@ -560,7 +568,7 @@ bool StudioWindow::OpenLibrary(const QString& folder) {
     }
     factory_.UseLibrary(folder.toStdString());
     palette_->Fill(factory_);
-    statusBar()->showMessage(tr("Library: %1").arg(Q(factory_.Library().string())));
+    ShowLibrary();
     NewProject();
     return true;
 }
@@ -620,10 +628,22 @@ bool StudioWindow::MaybeSave() {
 
 void StudioWindow::closeEvent(QCloseEvent* event) {
     if (MaybeSave()) {
+        BlockFactory::UseEventPump(false);
         event->accept();
     } else {
         event->ignore();
     }
+}
+
+// The folder's name is enough to know the library by; where it and the component live is in
+// the tip.
+void StudioWindow::ShowLibrary() {
+    const std::size_t types = factory_.Types().size();
+    libraryLabel_->setText(tr("Library %1: %n block type(s)", nullptr, static_cast<int>(types))
+                               .arg(Q(factory_.Library().filename().string())));
+    libraryLabel_->setToolTip(
+        tr("Library: %1\nComponent: %2")
+            .arg(Q(factory_.Library().string()), Q(ComponentLibrary::File().string())));
 }
 
 void StudioWindow::UpdateTitle() {

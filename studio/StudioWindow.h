@@ -17,6 +17,7 @@
 #include "studio/StudioProject.h"
 #include "studio/UndoCommands.h"
 
+class QLabel;
 class QMenu;
 class QUndoStack;
 
@@ -81,6 +82,7 @@ private:
     void OnValuesChangedOutside(const std::string& key);
     void RememberState(const std::string& key);
     void UpdateTitle();
+    void ShowLibrary();
     void AddRecent(const QString& file);
     void FillRecent();
     bool Save();
@@ -102,6 +104,7 @@ private:
     QAction* usUnits_ = nullptr;
     QAction* shortFloat_ = nullptr;
     QAction* loadToLog_ = nullptr;
+    QLabel* libraryLabel_ = nullptr;
     QString file_;
     std::string selected_;
     // Each block's values and wires as the last step left them, so that a write made in an

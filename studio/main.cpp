@@ -1,9 +1,14 @@
 // zerbin-studio [PROJECT] [--screenshot FILE]: the desktop host. With --screenshot the window
-// is rendered to FILE (a small wired example when no project is given) and the program ends.
+// is rendered to FILE (a small wired example when no project is given), the component's file
+// is named on stdout, and the program ends.
+#include <cstdio>
+#include <string>
+
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QTimer>
 
+#include "studio/ComponentLibrary.h"
 #include "studio/Screenshot.h"
 #include "studio/StudioWindow.h"
 
@@ -23,9 +28,16 @@ int main(int argc, char* argv[]) {
     parser.addOption(screenshot);
     parser.process(app);
 
+    std::string why;
+    if (!zerbin::studio::ComponentLibrary::Load(&why)) {
+        std::fprintf(stderr, "zerbin-studio: %s\n", why.c_str());
+        return 1;
+    }
+
     zerbin::studio::StudioWindow window;
     const QStringList files = parser.positionalArguments();
     if (parser.isSet(screenshot)) {
+        std::printf("component: %s\n", zerbin::studio::ComponentLibrary::File().c_str());
         return zerbin::studio::RenderScreenshot(window, files.value(0), parser.value(screenshot))
                    ? 0
                    : 1;

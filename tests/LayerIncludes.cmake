@@ -13,9 +13,8 @@ set(allowed_editors ${allowed_app_object} editors)
 set(allowed_interfaces interfaces)
 # The plug-in holds the core (and the editors when built) and its own public header zerbin/.
 set(allowed_plugin ${allowed_editors} plugin zerbin)
-# The desktop host sits on top: the core and the editors' windows, never cli/ or the plug-in's
-# insides.
-set(allowed_studio ${allowed_editors} studio zerbin)
+# The desktop host is a third-party host: the interfaces and the plug-in's public headers only.
+set(allowed_studio interfaces studio zerbin)
 
 set(failures "")
 foreach(folder IN ITEMS base platform datatypes connections parameters app_object editors

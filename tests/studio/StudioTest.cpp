@@ -30,8 +30,7 @@ QPoint ViewPoint(StudioWindow& window, QPointF scenePos) {
 
 QPointF TerminalCentre(StudioWindow& window, const std::string& key, const std::string& name,
                        bool output) {
-    const TerminalItem* terminal = window.Scene().Terminal(key, name, output);
-    return terminal ? terminal->sceneBoundingRect().center() : QPointF(-1e6, -1e6);
+    return window.Scene().TerminalPos(key, name, output).value_or(QPointF(-1e6, -1e6));
 }
 
 // Drops a palette entry on the canvas at a point of the view, as a drag from the palette ends.
@@ -204,6 +203,8 @@ private slots:
         QTest::keyClick(editor, Qt::Key_Return);
         QCOMPARE(window_->Project().Block(thermostat)->IAppObject_UserName(),
                  std::string("Zone 1"));
+        step();
+        DrawWire(*window_, Wire{sensor, "Value", thermostat, "SpaceTemp"});
         step();
 
         QUndoStack& stack = window_->UndoStack();
