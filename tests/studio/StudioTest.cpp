@@ -136,6 +136,24 @@ private slots:
                  accepted ? Reference(*window_, sensor, wire.output) : std::string());
     }
 
+    // Over a terminal the block names it and shows the cursor of a wire's start.
+    void aTerminalNamesItselfUnderTheMouse() {
+        const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        const BlockItem* item = window_->Scene().Item(thermostat);
+        auto hover = [&](QPointF scenePos) {
+            const QPointF at = ViewPoint(*window_, scenePos);
+            QMouseEvent move(QEvent::MouseMove, at, window_->View().viewport()->mapToGlobal(at),
+                             Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(window_->View().viewport(), &move);
+        };
+        hover(TerminalCentre(*window_, thermostat, "Cool", true));
+        QCOMPARE(item->toolTip(), QString("Cool"));
+        QCOMPARE(item->cursor().shape(), Qt::CrossCursor);
+        hover(item->mapToScene(QPointF(40, 50)));
+        QVERIFY(item->toolTip() != "Cool");
+        QVERIFY(!item->hasCursor());
+    }
+
     // Every step is undone back to the text before it, and redone to the text after it; then
     // the project is saved and opened again with the same text and images.
     void stepsUndoRedoSaveAndReopen() {
