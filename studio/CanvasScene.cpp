@@ -339,12 +339,12 @@ void CanvasView::ZoomBy(qreal factor) {
     scale(next / Zoom(), next / Zoom());
 }
 
-void CanvasView::ZoomToFit() {
+void CanvasView::ZoomToFit(qreal maxZoom) {
     const QRectF bounds = scene()->itemsBoundingRect().adjusted(-40, -40, 40, 40);
     if (!bounds.isEmpty()) {
         fitInView(bounds, Qt::KeepAspectRatio);
-        if (Zoom() > 1.0) {
-            resetTransform();
+        if (Zoom() > maxZoom) {
+            setTransform(QTransform::fromScale(maxZoom, maxZoom));
             centerOn(bounds.center());
         }
     }

@@ -107,7 +107,8 @@ class CanvasView : public QGraphicsView {
 public:
     explicit CanvasView(CanvasScene* scene, QWidget* parent = nullptr);
     void ZoomBy(qreal factor);
-    void ZoomToFit();
+    // The whole project in view, magnified no more than maxZoom.
+    void ZoomToFit(qreal maxZoom = 1.0);
     qreal Zoom() const { return transform().m11(); }
     // The MIME type of a palette entry: the block type's name.
     static constexpr const char* kMimeType = "application/x-zerbin-block-type";

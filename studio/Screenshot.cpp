@@ -9,16 +9,16 @@
 namespace zerbin::studio {
 
 void BuildExample(StudioWindow& window) {
-    const std::string sensor = window.PlaceBlock("IO_CHANNEL", QPointF(0, 30));
-    const std::string schedule = window.PlaceBlock("WEEKLY_SCHEDULE", QPointF(0, 170));
-    const std::string setpoint = window.PlaceBlock("SETPOINT_UNIT", QPointF(0, 300));
-    const std::string thermostat = window.PlaceBlock("THERMOSTAT", QPointF(300, 0));
-    const std::string pid = window.PlaceBlock("PID_LOOP", QPointF(300, 190));
-    const std::string fan = window.PlaceBlock("FAN_STAGE", QPointF(620, 90));
-    window.RequestWire(Wire{sensor, "Value", thermostat, "SpaceTemp"});
-    window.RequestWire(Wire{schedule, "Occupancy", thermostat, "Occupancy"});
+    const std::string sensor = window.PlaceBlock("IO_CHANNEL", QPointF(0, 40));
+    const std::string setpoint = window.PlaceBlock("SETPOINT_UNIT", QPointF(0, 150));
+    const std::string schedule = window.PlaceBlock("WEEKLY_SCHEDULE", QPointF(0, 270));
+    const std::string pid = window.PlaceBlock("PID_LOOP", QPointF(280, 0));
+    const std::string thermostat = window.PlaceBlock("THERMOSTAT", QPointF(280, 200));
+    const std::string fan = window.PlaceBlock("FAN_STAGE", QPointF(540, 60));
     window.RequestWire(Wire{sensor, "Value", pid, "Measure"});
     window.RequestWire(Wire{setpoint, "Setpoint", pid, "Setpoint"});
+    window.RequestWire(Wire{sensor, "Value", thermostat, "SpaceTemp"});
+    window.RequestWire(Wire{schedule, "Occupancy", thermostat, "Occupancy"});
     window.RequestWire(Wire{pid, "Output", fan, "Demand"});
     window.RequestWire(Wire{thermostat, "Heat", fan, "Enable"});
     // A wire the types refuse, so that the message log has something to show.
@@ -36,7 +36,8 @@ bool RenderScreenshot(StudioWindow& window, const QString& project, const QStrin
     } else if (!window.OpenProject(project)) {
         return false;
     }
-    window.View().ZoomToFit();
+    // A small example may fill the canvas a little larger than life.
+    window.View().ZoomToFit(1.3);
     QApplication::processEvents();
     return window.grab().save(file);
 }

@@ -90,7 +90,7 @@ StudioWindow::StudioWindow(QWidget* parent)
     addDockWidget(Qt::RightDockWidgetArea, parameters_);
     addDockWidget(Qt::RightDockWidgetArea, bytes_);
     addDockWidget(Qt::BottomDockWidgetArea, logDock_);
-    resizeDocks({paletteDock}, {230}, Qt::Horizontal);
+    resizeDocks({paletteDock}, {250}, Qt::Horizontal);
     resizeDocks({parameters_}, {360}, Qt::Horizontal);
     resizeDocks({logDock_}, {120}, Qt::Vertical);
     resizeDocks({parameters_, bytes_}, {300, 330}, Qt::Vertical);
@@ -638,12 +638,15 @@ void StudioWindow::closeEvent(QCloseEvent* event) {
 // The folder's name is enough to know the library by; where it and the component live is in
 // the tip.
 void StudioWindow::ShowLibrary() {
+    const std::filesystem::path& library = factory_.Library();
     const std::size_t types = factory_.Types().size();
-    libraryLabel_->setText(tr("Library %1: %n block type(s)", nullptr, static_cast<int>(types))
-                               .arg(Q(factory_.Library().filename().string())));
-    libraryLabel_->setToolTip(
-        tr("Library: %1\nComponent: %2")
-            .arg(Q(factory_.Library().string()), Q(ComponentLibrary::File().string())));
+    libraryLabel_->setText(
+        tr("Block library %1/%2: %3 %4")
+            .arg(Q(library.parent_path().filename().string()), Q(library.filename().string()))
+            .arg(types)
+            .arg(types == 1 ? tr("type") : tr("types")));
+    libraryLabel_->setToolTip(tr("Library: %1\nComponent: %2")
+                                  .arg(Q(library.string()), Q(ComponentLibrary::File().string())));
 }
 
 void StudioWindow::UpdateTitle() {
