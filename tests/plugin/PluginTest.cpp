@@ -91,7 +91,8 @@ protected:
     ZerbinCanUnloadNowFn canUnloadNow = plugin_.Get<ZerbinCanUnloadNowFn>("ZerbinCanUnloadNow");
     ZerbinReleaseObjectFn release = plugin_.Get<ZerbinReleaseObjectFn>("ZerbinReleaseObject");
 
-    // A block of a shipped type, made in the host's order.
+    // A block of a shipped type, made in the host's order. Its members hold it until
+    // IAppObject_Destroy.
     std::shared_ptr<zerbin::IAppObject> Shipped(const char* type) {
         static const auto dictionary = [] {
             auto document = std::make_shared<pugi::xml_document>();
@@ -271,11 +272,11 @@ TEST_F(PluginTest, LongLoopsServeTheHostsEventPumpUnlessItIsCleared) {
     const auto setPump = plugin_.Get<ZerbinSetEventPumpFn>("ZerbinSetEventPump");
     int served = 0;
     ASSERT_EQ(setPump([](void* count) { ++*static_cast<int*>(count); }, &served), ZERBIN_OK);
-    Shipped("ROOM_CONTROLLER");
+    Shipped("ROOM_CONTROLLER")->IAppObject_Destroy();
     EXPECT_GT(served, 0);
     ASSERT_EQ(setPump(nullptr, nullptr), ZERBIN_OK);
     const int before = served;
-    Shipped("ROOM_CONTROLLER");
+    Shipped("ROOM_CONTROLLER")->IAppObject_Destroy();
     EXPECT_EQ(served, before);
 }
 
@@ -289,6 +290,7 @@ TEST_F(PluginTest, UnitSystemChangesWhatEveryBlockShows) {
     EXPECT_NE(us.find("F"), std::string::npos) << us;
     EXPECT_NE(setpoint->IAttribute_DispValue().find("C"), std::string::npos);
     EXPECT_EQ(setUnits(2), ZERBIN_E_INVALID_ARGUMENT);
+    block->IAppObject_Destroy();
 }
 
 }  // namespace
