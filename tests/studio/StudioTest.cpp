@@ -277,6 +277,8 @@ private slots:
             }
         }
         QVERIFY(list != nullptr);
+        // The studio's window reached the plug-in as the list's owner.
+        QCOMPARE(list->parentWidget(), static_cast<QWidget*>(window_.get()));
         const int steps = window_->UndoStack().count();
         // What an editor does when the user confirms a value.
         window_->Project()
