@@ -71,6 +71,7 @@ std::shared_ptr<IAppObject> BlockFactory::CreateBlock() const {
 
 void BlockFactory::UseLibrary(const fs::path& library) {
     library_ = fs::absolute(library).lexically_normal();
+    hasType_.clear();
     Component().setBlockLibrary(library_.c_str());
 }
 
@@ -92,8 +93,14 @@ std::vector<std::string> BlockFactory::Types() const {
 }
 
 bool BlockFactory::HasType(const std::string& type) const {
+    if (const auto known = hasType_.find(type); known != hasType_.end()) {
+        return known->second;
+    }
     std::error_code error;
-    return IsTypeName(type) && fs::is_regular_file(library_ / type / (type + ".xml"), error);
+    const bool has =
+        IsTypeName(type) && fs::is_regular_file(library_ / type / (type + ".xml"), error);
+    hasType_.emplace(type, has);
+    return has;
 }
 
 BlockTypeInfo BlockFactory::Describe(const std::string& type) const {

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "interfaces/IAppObject.h"
@@ -36,7 +37,8 @@ public:
     const std::filesystem::path& Library() const { return library_; }
     // The types of the library, sorted by name; empty when the folder can't be read.
     std::vector<std::string> Types() const;
-    // True when the library holds a definition file for the type.
+    // True when the library holds a definition file for the type. Each answer is kept until
+    // the next UseLibrary: a project asks once for every block.
     bool HasType(const std::string& type) const;
     BlockTypeInfo Describe(const std::string& type) const;
 
@@ -56,6 +58,7 @@ public:
 
 private:
     std::filesystem::path library_;
+    mutable std::unordered_map<std::string, bool> hasType_;
 };
 
 }  // namespace zerbin::studio

@@ -38,6 +38,17 @@ const QFont& SmallFont() {
     return font;
 }
 
+// Types and terminal names repeat from block to block; measuring text is what a large
+// project's canvas would otherwise spend most of its time on.
+qreal SmallAdvance(const QString& text) {
+    static const QFontMetricsF metrics(SmallFont());
+    static QHash<QString, qreal> widths;
+    if (const auto found = widths.constFind(text); found != widths.constEnd()) {
+        return *found;
+    }
+    return *widths.insert(text, metrics.horizontalAdvance(text));
+}
+
 bool Visible(const std::shared_ptr<IObject>& member) {
     const auto element = std::dynamic_pointer_cast<ICanvasElement>(member);
     return element && element->ICanvasElement_Visible();
@@ -106,18 +117,17 @@ void BlockItem::Refresh() {
         }
     }
     static const QFontMetricsF names(NameFont());
-    static const QFontMetricsF small(SmallFont());
     qreal longestIn = 0;
     qreal longestOut = 0;
     for (const std::string& name : inputs) {
-        longestIn = std::max(longestIn, small.horizontalAdvance(QString::fromStdString(name)));
+        longestIn = std::max(longestIn, SmallAdvance(QString::fromStdString(name)));
     }
     for (const std::string& name : outputs) {
-        longestOut = std::max(longestOut, small.horizontalAdvance(QString::fromStdString(name)));
+        longestOut = std::max(longestOut, SmallAdvance(QString::fromStdString(name)));
     }
-    const qreal width = std::max({kMinWidth, names.horizontalAdvance(name_) + 20 + 3 * kPadding,
-                                  small.horizontalAdvance(type_) + 20 + 3 * kPadding,
-                                  longestIn + longestOut + 5 * kPadding});
+    const qreal width =
+        std::max({kMinWidth, names.horizontalAdvance(name_) + 20 + 3 * kPadding,
+                  SmallAdvance(type_) + 20 + 3 * kPadding, longestIn + longestOut + 5 * kPadding});
     const std::size_t rows = std::max(inputs.size(), outputs.size());
     rect_ = QRectF(0, 0, width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
 
