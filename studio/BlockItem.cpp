@@ -187,23 +187,31 @@ QRectF BlockItem::boundingRect() const {
 }
 
 void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
-    painter->setRenderHint(QPainter::Antialiasing);
     const bool selected = option->state & QStyle::State_Selected;
-    QPainterPath outline;
-    outline.addRoundedRect(rect_, 6, 6);
-    painter->fillPath(outline, QColor(0xfb, 0xfc, 0xfd));
-    QPainterPath header;
-    header.setFillRule(Qt::WindingFill);
-    header.addRoundedRect(QRectF(0, 0, rect_.width(), kHeader), 6, 6);
-    header.addRect(QRectF(0, kHeader - 8, rect_.width(), 8));
-    painter->fillPath(header.simplified(), colour_);
-    painter->setPen(
-        QPen(selected ? QColor(0xff, 0xb0, 0x20) : colour_.darker(140), selected ? 2.5 : 1.2));
-    painter->drawPath(outline);
-    // Far out, names and terminals would be unreadable specks: the block's shape suffices.
+    const QColor body(0xfb, 0xfc, 0xfd);
+    const QPen edge(selected ? QColor(0xff, 0xb0, 0x20) : colour_.darker(140),
+                    selected ? 2.5 : 1.2);
+    const QRectF head(0, 0, rect_.width(), kHeader);
+    // Far out, names, terminals and round corners would be unreadable specks: the block's
+    // shape and colour suffice, and ten thousand of them must paint fast.
     if (option->levelOfDetailFromTransform(painter->worldTransform()) < 0.35) {
+        painter->fillRect(rect_, body);
+        painter->fillRect(head, colour_);
+        painter->setPen(selected ? edge : QPen(edge.color(), 0));
+        painter->drawRect(rect_);
         return;
     }
+    painter->setRenderHint(QPainter::Antialiasing);
+    QPainterPath outline;
+    outline.addRoundedRect(rect_, 6, 6);
+    painter->fillPath(outline, body);
+    // The header's lower corners are square: a rounded header with its bottom strip filled.
+    QPainterPath header;
+    header.addRoundedRect(head, 6, 6);
+    painter->fillPath(header, colour_);
+    painter->fillRect(QRectF(0, kHeader - 8, rect_.width(), 8), colour_);
+    painter->setPen(edge);
+    painter->drawPath(outline);
 
     painter->drawPixmap(QPointF(kPadding, 9), icon_);
     painter->setPen(Qt::white);

@@ -143,21 +143,27 @@ void StudioWindow::MakeProject() {
         bytes_->ShowBlock(nullptr);
         parameters_->ShowBlock({}, nullptr);
         undo_->clear();
-        delete view_;
+        view_->setScene(nullptr);
         delete scene_;
         delete project_;
     }
     project_ = new StudioProject(factory_, dictionary_, ownerDevice_, this);
     project_->SetContextHook([this](const std::string& block) { log_->SetBlock(Q(block)); });
     scene_ = new CanvasScene(*project_, this);
-    view_ = new CanvasView(scene_);
-    view_->setObjectName("canvas");
-    setCentralWidget(view_);
+    // One view for the window's life: a new central widget would lose the docks' sizes.
+    if (view_ == nullptr) {
+        view_ = new CanvasView(scene_);
+        view_->setObjectName("canvas");
+        setCentralWidget(view_);
+        connect(view_, &CanvasView::placeRequested, this, &StudioWindow::PlaceBlock);
+    } else {
+        view_->setScene(scene_);
+        view_->resetTransform();
+    }
     states_.clear();
     pending_.clear();
     selected_.clear();
 
-    connect(view_, &CanvasView::placeRequested, this, &StudioWindow::PlaceBlock);
     connect(scene_, &CanvasScene::wireRequested, this, &StudioWindow::RequestWire);
     connect(scene_, &CanvasScene::blocksMoved, this, [this](const std::vector<BlockMove>& moves) {
         undo_->push(new MoveCommand(*project_, moves));

@@ -241,7 +241,10 @@ private slots:
         QVERIFY(window_->SaveProjectAs(file));
         QVERIFY(window_->isWindowModified() == false);
         const std::string images = window_->Project().ImagesText();
+        const QSize canvas = window_->View().size();
         QVERIFY(window_->OpenProject(file));
+        QApplication::processEvents();
+        QCOMPARE(window_->View().size(), canvas);  // the docks keep their sizes
         QCOMPARE(window_->Project().Text(), texts.back());
         QCOMPARE(window_->Project().ImagesText(), images);
     }
