@@ -99,7 +99,7 @@ void PanFrame(benchmark::State& state) {
     StudioWindow window;
     ShowQuietly(window);
     window.OpenProject(QString::fromStdString(LargeProject()));
-    window.View().resetTransform();
+    window.View().SetZoom(1.0);
     QScrollBar* bar = window.View().horizontalScrollBar();
     int step = 40;
     for (auto _ : state) {
@@ -117,7 +117,7 @@ void ZoomFrame(benchmark::State& state) {
     StudioWindow window;
     ShowQuietly(window);
     window.OpenProject(QString::fromStdString(LargeProject()));
-    window.View().resetTransform();
+    window.View().SetZoom(1.0);
     bool in = false;
     for (auto _ : state) {
         window.View().ZoomBy(in ? 1.25 : 0.8);

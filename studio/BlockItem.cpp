@@ -84,7 +84,7 @@ QPixmap BlockIconPixmap(IAppObject& block, int size) {
 BlockItem::BlockItem(std::string key, std::shared_ptr<IAppObject> block)
     : key_(std::move(key)), block_(std::move(block)) {
     setFlags(ItemIsMovable | ItemIsSelectable | ItemSendsGeometryChanges);
-    setCacheMode(DeviceCoordinateCache);
+    ShowDetail(true);
     setAcceptHoverEvents(true);
     Refresh();
 }
@@ -151,6 +151,10 @@ void BlockItem::Refresh() {
     emit moved(key_);
 }
 
+void BlockItem::ShowDetail(bool detail) {
+    setCacheMode(detail ? DeviceCoordinateCache : NoCache);
+}
+
 const Terminal* BlockItem::FindTerminal(const std::string& name, bool output) const {
     for (const Terminal& terminal : terminals_) {
         if (terminal.output == output && terminal.name == name) {
@@ -194,7 +198,7 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     const QRectF head(0, 0, rect_.width(), kHeader);
     // Far out, names, terminals and round corners would be unreadable specks: the block's
     // shape and colour suffice, and ten thousand of them must paint fast.
-    if (option->levelOfDetailFromTransform(painter->worldTransform()) < 0.35) {
+    if (option->levelOfDetailFromTransform(painter->worldTransform()) < kDetailZoom) {
         painter->fillRect(rect_, body);
         painter->fillRect(head, colour_);
         painter->setPen(selected ? edge : QPen(edge.color(), 0));

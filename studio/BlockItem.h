@@ -32,6 +32,8 @@ class BlockItem : public QGraphicsObject {
 public:
     enum { Type = UserType + 1 };
     static constexpr qreal kTerminalRadius = 5.0;
+    // Below this zoom a block is drawn as a plain coloured rectangle.
+    static constexpr qreal kDetailZoom = 0.35;
 
     BlockItem(std::string key, std::shared_ptr<IAppObject> block);
     int type() const override { return Type; }
@@ -39,6 +41,9 @@ public:
     const std::string& Key() const { return key_; }
     // Reads name, colour, place and terminals from the block again.
     void Refresh();
+    // With detail, the drawing is kept in a pixmap so that panning need not draw text again;
+    // without, the plain rectangle is cheaper to draw than to keep.
+    void ShowDetail(bool detail);
     const Terminal* FindTerminal(const std::string& name, bool output) const;
     // The terminal within reach of a point in item coordinates (a few pixels of slack), or
     // nullptr.

@@ -8,7 +8,9 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyleOptionGraphicsItem>
 #include <QWheelEvent>
 
 #include "studio/BlockItem.h"
@@ -126,8 +128,21 @@ std::optional<QPointF> CanvasScene::TerminalPos(const std::string& key, const st
     return item->mapToScene(terminal->centre);
 }
 
+void CanvasScene::SetZoom(qreal zoom) {
+    const bool detail = zoom >= BlockItem::kDetailZoom;
+    if (detail != detail_) {
+        detail_ = detail;
+        for (const auto& [key, item] : blocks_) {
+            item->ShowDetail(detail);
+        }
+    }
+}
+
 void CanvasScene::AddBlock(const std::string& key) {
     auto* item = new BlockItem(key, project_.Block(key));
+    if (!detail_) {
+        item->ShowDetail(false);
+    }
     blocks_[key] = item;
     addItem(item);
     connect(item, &BlockItem::moved, this, &CanvasScene::RouteWiresOf);
@@ -337,6 +352,18 @@ CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scen
 void CanvasView::ZoomBy(qreal factor) {
     const qreal next = std::clamp(Zoom() * factor, 0.05, 8.0);
     scale(next / Zoom(), next / Zoom());
+    ZoomChanged();
+}
+
+void CanvasView::SetZoom(qreal zoom) {
+    setTransform(QTransform::fromScale(zoom, zoom));
+    ZoomChanged();
+}
+
+void CanvasView::ZoomChanged() {
+    if (auto* canvas = qobject_cast<CanvasScene*>(scene())) {
+        canvas->SetZoom(Zoom());
+    }
 }
 
 void CanvasView::ZoomToFit(qreal maxZoom) {
@@ -347,6 +374,7 @@ void CanvasView::ZoomToFit(qreal maxZoom) {
             setTransform(QTransform::fromScale(maxZoom, maxZoom));
             centerOn(bounds.center());
         }
+        ZoomChanged();
     }
 }
 

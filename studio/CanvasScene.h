@@ -58,6 +58,8 @@ public:
     ~CanvasScene() override;
 
     BlockItem* Item(const std::string& key) const;
+    // Tells the blocks whether the view is near enough for their details.
+    void SetZoom(qreal zoom);
     std::vector<std::string> SelectedBlocks() const;
     std::vector<Wire> SelectedWires() const;
     // Opens the in-place editor of the block's user name.
@@ -99,6 +101,7 @@ private:
     std::map<std::string, QPointF> pressed_;
     QGraphicsProxyWidget* renameEditor_ = nullptr;
     std::string renaming_;
+    bool detail_ = true;
 };
 
 class CanvasView : public QGraphicsView {
@@ -107,6 +110,7 @@ class CanvasView : public QGraphicsView {
 public:
     explicit CanvasView(CanvasScene* scene, QWidget* parent = nullptr);
     void ZoomBy(qreal factor);
+    void SetZoom(qreal zoom);
     // The whole project in view, magnified no more than maxZoom.
     void ZoomToFit(qreal maxZoom = 1.0);
     qreal Zoom() const { return transform().m11(); }
@@ -126,6 +130,8 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void ZoomChanged();
+
     bool panning_ = false;
     QPoint panFrom_;
 };

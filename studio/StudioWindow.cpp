@@ -158,7 +158,7 @@ void StudioWindow::MakeProject() {
         connect(view_, &CanvasView::placeRequested, this, &StudioWindow::PlaceBlock);
     } else {
         view_->setScene(scene_);
-        view_->resetTransform();
+        view_->SetZoom(1.0);
     }
     states_.clear();
     pending_.clear();
