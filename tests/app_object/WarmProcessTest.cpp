@@ -4,8 +4,6 @@
 // under random values and after a restore.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -13,31 +11,12 @@
 #include "app_object/CDBAppObject.h"
 #include "app_object/HostOrder.h"
 #include "base/ProcessState.h"
-#include "base/Xml.h"
-#include "platform/Files.h"
 #include "platform/Messages.h"
+#include "tests/support/Blocks.h"
 #include "tests/support/RandomBlock.h"
 
-namespace zerbin {
+namespace zerbin::testing {
 namespace {
-
-namespace fs = std::filesystem;
-
-struct Library {
-    const char* name;
-    fs::path folder;
-    fs::path dictionary;
-    fs::path device;  // empty: no owner device
-};
-
-const Library kLibraries[] = {
-    {"Shipped", fs::path(ZERBIN_DATA_DIR) / "library", fs::path(ZERBIN_DATA_DIR) / "snvts.xml",
-     fs::path(ZERBIN_DATA_DIR) / "devices" / "Controller.xml"},
-    {"Fixtures",
-     fs::path(ZERBIN_FIXTURES_DIR) / "app_object" / "library",
-     fs::path(ZERBIN_FIXTURES_DIR) / "app_object" / "snvt.xml",
-     {}},
-};
 
 // What a host learns of one block: the messages of its making, its members, and everything a
 // project keeps of it after random values and after a restore of them into a second block.
@@ -45,26 +24,23 @@ struct Observed {
     std::string error;
     std::vector<std::string> messages;
     std::string members;
-    testing::Snapshot randomized;
-    testing::Snapshot restored;
+    Snapshot randomized;
+    Snapshot restored;
 
     bool operator==(const Observed&) const = default;
 };
 
 void PrintTo(const Observed& o, std::ostream* out) {
-    *out << "\n  error: " << o.error << "\n  messages:";
-    for (const std::string& message : o.messages) {
-        *out << " [" << message << "]";
-    }
-    *out << "\n  members:\n" << o.members << "  randomized:";
-    testing::PrintTo(o.randomized, out);
+    *out << "\n  error: " << o.error << "\n  messages: " << o.messages.size() << "\n  members:\n"
+         << o.members << "  randomized:";
+    PrintTo(o.randomized, out);
     *out << "\n  restored:";
-    testing::PrintTo(o.restored, out);
+    PrintTo(o.restored, out);
 }
 
 std::string MemberNames(CDBAppObject& block) {
     std::string names;
-    for (const auto& attribute : testing::AttributesOf(block)) {
+    for (const auto& attribute : AttributesOf(block)) {
         const auto type = attribute->IAttribute_SNVTType();
         names += "attribute " + attribute->IAttribute_Name() + " " +
                  (type ? type->ISNVType_ID() + " " + type->ISNVType_EnumDesc() : "-") + " " +
@@ -75,98 +51,65 @@ std::string MemberNames(CDBAppObject& block) {
             names += "input " + input->IInput_Name() + "\n";
         }
     }
-    for (const auto& output : testing::OutputsOf(block)) {
+    for (const auto& output : OutputsOf(block)) {
         names += "output " + output->IOutput_Name() + "\n";
     }
     return names;
 }
 
-// The process as a host sets it up: the library, the documents, a message recorder.
-class Host {
-public:
-    explicit Host(const Library& library)
-        : dictionary_(xml::LoadFile(library.dictionary, nullptr)),
-          device_(library.device.empty() ? nullptr : xml::LoadFile(library.device, nullptr)) {
-        SetComponentFolder(library.folder / "component");
+Observed Observe(const std::string& type, const HostSetup& setup, uint32_t seed) {
+    Observed observed;
+    ScopedMessageRecorder messages;
+    try {
+        TestBlock block(type, setup);
+        observed.members = MemberNames(*block);
+        RandomValues values(seed);
+        Randomize(*block, values);
+        observed.randomized = Take(*block);
+        TestBlock second(type, setup);
+        second->IAppObject_XmlLoad(Save(*block).Element());
+        observed.restored = Take(*second);
+    } catch (const std::exception& error) {
+        observed.error = error.what();
     }
-    ~Host() { SetComponentFolder({}); }
-    Host(const Host&) = delete;
-    Host& operator=(const Host&) = delete;
-
-    Observed Observe(const std::string& type, uint32_t seed) {
-        Observed observed;
-        ScopedMessageRecorder messages;
-        std::shared_ptr<CDBAppObject> block;
-        std::shared_ptr<CDBAppObject> second;
-        try {
-            block = NewBlock(type, {dictionary_, device_, false, {}, {}, {}});
-            observed.members = MemberNames(*block);
-            testing::RandomValues values(seed);
-            testing::Randomize(*block, values);
-            observed.randomized = testing::Take(*block);
-            second = NewBlock(type, {dictionary_, device_, false, {}, {}, {}});
-            second->IAppObject_XmlLoad(testing::Save(*block).Element());
-            observed.restored = testing::Take(*second);
-        } catch (const std::exception& error) {
-            observed.error = error.what();
-        }
-        for (const auto& made : {block, second}) {
-            if (made) {
-                made->IAppObject_Destroy();
-            }
-        }
-        observed.messages = testing::MessageTexts(messages);
-        return observed;
-    }
-
-private:
-    std::shared_ptr<const pugi::xml_document> dictionary_;
-    std::shared_ptr<const pugi::xml_document> device_;
-};
-
-std::vector<std::string> TypesOf(const fs::path& library) {
-    std::vector<std::string> types;
-    for (const auto& entry : fs::directory_iterator(library)) {
-        const std::string name = entry.path().filename().string();
-        if (fs::exists(entry.path() / (name + ".xml"))) {
-            types.push_back(name);
-        }
-    }
-    std::sort(types.begin(), types.end());
-    return types;
+    observed.messages = MessageTexts(messages);
+    return observed;
 }
 
-class WarmProcess : public ::testing::TestWithParam<Library> {
-protected:
-    void TearDown() override { ProcessState::Reset(); }
-};
+// The library's setup, made again after each reset of the process.
+HostSetup SetupOf(bool shipped) {
+    if (!shipped) {
+        return Fixtures("app_object", "snvt.xml");
+    }
+    UseLibrary(DataDir() / "library");
+    return Shipped();
+}
+
+class WarmProcess : public ::testing::TestWithParam<bool> {};
 
 TEST_P(WarmProcess, MakesTheSameBlocksAsAFreshOne) {
-    const Library& library = GetParam();
-    const std::vector<std::string> types = TypesOf(library.folder);
+    const bool shipped = GetParam();
+    const std::vector<std::string> types =
+        TypesOf(shipped ? DataDir() / "library" : FixturesDir() / "app_object" / "library");
     ASSERT_FALSE(types.empty());
     uint32_t seed = 20261123u;
     for (const std::string& type : types) {
         SCOPED_TRACE(type);
         ++seed;
         ProcessState::Reset();
-        Observed fresh;
-        {
-            Host host(library);
-            fresh = host.Observe(type, seed);
-        }
+        const Observed fresh = Observe(type, SetupOf(shipped), seed);
         // The same process goes on: every other type made first, then this one twice.
-        Host host(library);
+        const HostSetup setup = SetupOf(shipped);
         for (const std::string& other : types) {
-            host.Observe(other, seed + 7);
+            Observe(other, setup, seed + 7);
         }
-        EXPECT_EQ(host.Observe(type, seed), fresh);
-        EXPECT_EQ(host.Observe(type, seed), fresh);
+        EXPECT_EQ(Observe(type, setup, seed), fresh);
+        EXPECT_EQ(Observe(type, setup, seed), fresh);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Libraries, WarmProcess, ::testing::ValuesIn(kLibraries),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Libraries, WarmProcess, ::testing::Bool(),
+                         [](const auto& info) { return info.param ? "Shipped" : "Fixtures"; });
 
 }  // namespace
-}  // namespace zerbin
+}  // namespace zerbin::testing

@@ -18,7 +18,8 @@ namespace {
 
 class ParameterList : public ::testing::Test {
 protected:
-    ParameterList() : library_(std::filesystem::path(ZERBIN_DATA_DIR) / "library") {
+    ParameterList() {
+        UseLibrary(DataDir() / "library");
         InstallQtAdapters();
     }
     ~ParameterList() override {
@@ -35,12 +36,10 @@ protected:
     }
 
     std::shared_ptr<CDBAppObject> Block(const std::string& type) {
-        auto block = std::make_shared<CDBAppObject>();
-        block->IAppObject_XmlSNVTDoc(ShippedDictionary());
-        int32_t errorCode = 0;
-        block->IAppObject_Init(type, errorCode);
-        block->IAppObject_Create();
-        block->IAppObject_GlobalKey("K" + std::to_string(blocks_.size()));
+        HostSetup setup;
+        setup.dictionary = ShippedDictionary();
+        setup.globalKey = "K" + std::to_string(blocks_.size());
+        auto block = NewBlock(type, setup);
         blocks_.push_back(block);
         return block;
     }
@@ -62,7 +61,6 @@ protected:
     }
 
     ScopedMessageRecorder messages_;
-    ScopedLibrary library_;
     std::vector<std::shared_ptr<CDBAppObject>> blocks_;
 };
 

@@ -1,5 +1,5 @@
-// Project documents and values from elsewhere: a project full of blocks of a type that this
-// installation lacks, and values of a megabyte written to every kind of attribute.
+// Values from elsewhere: a megabyte written to every kind of attribute is kept or refused
+// whole, touches no other attribute's bytes and comes back from the project.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,59 +10,11 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/HardeningSupport.h"
+#include "tests/support/Blocks.h"
+#include "tests/support/RandomBlock.h"
 
 namespace zerbin::testing {
 namespace {
-
-using HostileProjectTest = ShippedDictionaryTest;
-
-// The host's way through a project: one block for each element under the root, named by
-// the element, created and then given its subtree. The same at scale is UnknownTypeBench.
-TEST_F(HostileProjectTest, BlocksOfAnUnknownTypeEachEndWithMessages) {
-    constexpr int kBlocks = 3;
-    const std::string type = UniqueTypeName("NOT_INSTALLED");
-    std::string text = "<Project>";
-    for (int i = 0; i < kBlocks; ++i) {
-        text += "<" + type + "><UserName>Block " + std::to_string(i) +
-                "</UserName><X_Position>1.5</X_Position><Attributes><A>1</A></Attributes></" +
-                type + ">";
-    }
-    text += "</Project>";
-    const auto project = xml::LoadString(text, nullptr);
-    ASSERT_NE(project, nullptr);
-
-    TempFolder tree;
-    ScopedLibrary library(tree.Path() / "library");
-    ScopedMessageRecorder messages;
-    int blocks = 0;
-    int wellFormedImages = 0;
-    for (pugi::xml_node element : project->document_element().children()) {
-        auto block =
-            NewBlock(xml::BaseName(element), {SnvtDictionary(), nullptr, false, {}, {}, {}});
-        block->IAppObject_XmlLoad(element);
-        wellFormedImages +=
-            block->IAppObject_Stream() == "030000" && block->IAppObject_XPosition() == 1.5;
-        block->IAppObject_Destroy();
-        ++blocks;
-    }
-
-    EXPECT_EQ(blocks, kBlocks);
-    EXPECT_EQ(wellFormedImages, kBlocks);
-    // One message when the type is taken and three when the block is created, every time:
-    // a definition that did not load is not kept. The values it cannot place are kept, and
-    // that is told once for the type.
-    std::map<std::string, int64_t> counts;
-    for (const std::string& text : MessageTexts(messages)) {
-        ++counts[text];
-    }
-    EXPECT_EQ(counts,
-              (std::map<std::string, int64_t>{
-                  {NotAvailable(type), 4 * int64_t{kBlocks}},
-                  {type + ": the project holds entries that this block type does not define "
-                          "(Attributes/A); they are kept and saved back unchanged.",
-                   1}}));
-}
 
 // What sets an attribute apart in how it takes a value.
 std::string KindOf(IAttribute& attribute) {
@@ -83,15 +35,14 @@ std::string KindOf(IAttribute& attribute) {
 std::vector<std::pair<std::string, std::size_t>> OneAttributeOfEachKind() {
     std::vector<std::pair<std::string, std::size_t>> chosen;
     std::set<std::string> kinds;
-    for (const std::string& type : ShippedTypes()) {
-        const auto block = MakeBlock(type);
+    for (const std::string& type : TypesOf(DataDir() / "library")) {
+        TestBlock block(type, Shipped());
         const auto attributes = AttributesOf(*block);
         for (std::size_t i = 0; i < attributes.size(); ++i) {
             if (kinds.insert(KindOf(*attributes[i])).second) {
                 chosen.emplace_back(type, i);
             }
         }
-        block->IAppObject_Destroy();
     }
     // Every class of value and the selectors, at the least.
     EXPECT_GE(kinds.size(), 10u);
@@ -119,7 +70,7 @@ std::string OtherDigits(std::string image, IAttribute& attribute) {
     return image;
 }
 
-TEST_F(HostileProjectTest, MegabyteValuesInEveryAttributeKindAreKeptOrRefusedWhole) {
+TEST(HostileProjectTest, MegabyteValuesInEveryAttributeKindAreKeptOrRefusedWhole) {
     constexpr std::size_t kMegabyte = 1u << 20;
     std::string tokens;
     while (tokens.size() < kMegabyte) {
@@ -131,10 +82,10 @@ TEST_F(HostileProjectTest, MegabyteValuesInEveryAttributeKindAreKeptOrRefusedWho
     }
     const std::string texts[] = {std::string(kMegabyte, '9'), "1." + std::string(kMegabyte, '5'),
                                  accents, tokens};
-    ScopedLibrary library(DataDir() / "library");
+    UseLibrary(DataDir() / "library");
     for (const auto& [type, index] : OneAttributeOfEachKind()) {
         for (const std::string& text : texts) {
-            const auto block = MakeBlock(type);
+            TestBlock block(type, Shipped());
             const auto attribute = AttributesOf(*block)[index];
             SCOPED_TRACE(type + "." + attribute->IAttribute_Name() + " <- " + text.substr(0, 8) +
                          "...");
@@ -171,12 +122,10 @@ TEST_F(HostileProjectTest, MegabyteValuesInEveryAttributeKindAreKeptOrRefusedWho
 
             // What was kept is kept through the project.
             const SavedBlock saved = Save(*block);
-            const auto copy = MakeBlock(type);
+            TestBlock copy(type, Shipped());
             copy->IAppObject_XmlLoad(saved.Element());
             EXPECT_TRUE(AttributeValues(*copy) == AttributeValues(*block));
             EXPECT_EQ(copy->IAppObject_Stream(), after);
-            copy->IAppObject_Destroy();
-            block->IAppObject_Destroy();
         }
     }
 }
