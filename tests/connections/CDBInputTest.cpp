@@ -203,8 +203,6 @@ TEST_F(LengthHandOverTest, ConnectingAndDisconnectingWriteTheLengthToTheNamedAtt
     EXPECT_THAT(messages.Messages(), IsEmpty());
 }
 
-// ---- Compatibility ---------------------------------------------------------------------------
-
 // ---- Macro check -----------------------------------------------------------------------------
 
 TEST_F(InputTest, IsMacroConnectedFindsTheKeyAmongTheTerminalsOfInputGroups) {

@@ -142,8 +142,6 @@ TEST_F(OutputTest, CompatibilityIsOneExactComparisonOfIds) {
     }
 }
 
-// ---- Connections -----------------------------------------------------------------------------
-
 // ---- Display item ----------------------------------------------------------------------------
 
 TEST_F(OutputTest, ReferenceCodesTheIndexAndTheExportIndexOfTheBlock) {

@@ -226,18 +226,6 @@ TEST(NumericEditor, PasteIsTypedThroughTheFilter) {
     EXPECT_EQ(editor.Box().text(), QStringLiteral("-12.34E"));
 }
 
-TEST(NumericEditor, MnemonicsPressTheButtons) {
-    OpenEditor editor("105", "0");
-    editor.Show();
-    Type(editor.Box(), "7");
-    editor.dialog.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&editor.dialog));
-    QTest::keyClick(&editor.Box(), Qt::Key_O, Qt::AltModifier);
-    // A mnemonic presses its button visibly first, then clicks.
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !editor.point->writes.empty(); }));
-    EXPECT_EQ(editor.point->writes, std::vector<std::string>{"7"});
-}
-
 TEST(NumberRules, AbbreviateNumberKeepsTwoDecimalsAndTheExponent) {
     struct Row {
         const char* text;

@@ -124,41 +124,5 @@ TEST_F(ParameterList, ValuesWrittenAnywhereShowInTheRowCancelLeavesIt) {
     EXPECT_EQ(row->text(1).toStdString(), "17");
 }
 
-TEST_F(ParameterList, HiddenAttributesAreListedAndEditable) {
-    auto block = Block("TYPE_MUX");
-    std::shared_ptr<IAttribute> hidden;
-    for (const auto& attribute : block->IAppObject_Attributes()->IAttributes_NewEnum()) {
-        if (!attribute->IAttribute_Visible()) {
-            hidden = attribute;
-        }
-    }
-    ASSERT_NE(hidden, nullptr);
-    block->IAppObject_Show(nullptr);
-    QTreeWidgetItem* row = Row(*Windows().front(), hidden->IAttribute_Name());
-    ASSERT_NE(row, nullptr);
-    auto* list = Windows().front()->findChild<QTreeWidget*>("lvAttr");
-    list->setCurrentItem(row);
-    WithModal([&] { QTest::keyClick(list, Qt::Key_Return); },
-              [](QWidget& editor) { editor.close(); });
-}
-
-TEST_F(ParameterList, SetValueOpensTheEditorOfEachShippedAttributesClass) {
-    int opened = 0;
-    for (const char* type :
-         {"ALARM_LIMITS", "FAN_STAGE", "LABEL", "SETPOINT_SET", "TYPE_MUX", "WEEKLY_SCHEDULE"}) {
-        for (const auto& attribute : Block(type)->IAppObject_Attributes()->IAttributes_NewEnum()) {
-            const std::string expected =
-                EditorNameForClass(attribute->IAttribute_SNVTType()->ISNVType_GenType());
-            WithModal([&] { attribute->IAttribute_SetValue(); },
-                      [&](QWidget& editor) {
-                          EXPECT_EQ(editor.objectName().toStdString(), expected);
-                          editor.close();
-                          ++opened;
-                      });
-        }
-    }
-    EXPECT_GT(opened, 5);
-}
-
 }  // namespace
 }  // namespace zerbin::testing
