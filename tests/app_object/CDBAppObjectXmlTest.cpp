@@ -132,27 +132,6 @@ TEST(ProjectXmlLoad, PositionsReadEitherSeparator) {
     }
 }
 
-// ---- Save, then load ----------------------------------------------------------------------------
-
-// Random values of every kind, the selectors written first.
-TEST(SaveThenLoad, GivesBackTheSameBlockImageAndXml) {
-    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
-    ScopedMessageRecorder messages;
-    testing::RandomValues values(5318008u);
-
-    for (int round = 0; round < 60; ++round) {
-        SCOPED_TRACE(round);
-        TestBlock original("RoundTrip", fixtures);
-        testing::Randomize(*original, values);
-        const testing::Snapshot before = testing::Take(*original);
-
-        TestBlock restored("RoundTrip", fixtures);
-        restored->IAppObject_XmlLoad(testing::Save(*original).Element());
-        EXPECT_EQ(testing::Take(*restored), before);
-    }
-    EXPECT_THAT(MessageTexts(messages), IsEmpty());
-}
-
 // ---- Nothing lost on reopening -------------------------------------------------------------
 
 // Saved to text and read back, as a project file is.
