@@ -71,25 +71,6 @@ INSTANTIATE_TEST_SUITE_P(EveryShippedType, ShippedRoundTripTest,
                                             ::testing::Values(UnitSystem::SI, UnitSystem::US)),
                          RoundTripName);
 
-// A temperature difference shows in the US system without the 32 of a temperature.
-TEST(ShippedRoundTrip, EveryTemperatureDifferenceShowsAsADifference) {
-    UseLibrary(DataDir() / "library");
-    SetUnitSystem(UnitSystem::US);
-    int differences = 0;
-    for (const std::string& type : TypesOf(DataDir() / "library")) {
-        TestBlock block(type, Shipped());
-        for (const auto& attribute : AttributesOf(*block)) {
-            const auto snvt = attribute->IAttribute_SNVTType();
-            if (snvt && snvt->ISNVType_ID() == "147") {
-                attribute->IAttribute_Value("2.5");
-                EXPECT_EQ(attribute->IAttribute_DispValue(), "4.5 °F") << type;
-                ++differences;
-            }
-        }
-    }
-    EXPECT_GE(differences, 8);
-}
-
 // The value a user typed into a DivideBy attribute is kept divided; a load must not divide the
 // saved quotient once more.
 TEST(ShippedRoundTrip, DivideByValueSurvivesSaveAndLoad) {
