@@ -3,13 +3,9 @@
 // Each ends with a defined outcome and leaves the host running.
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "base/ProcessState.h"
