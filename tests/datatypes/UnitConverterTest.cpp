@@ -151,25 +151,6 @@ TEST_F(UnitConverterTest, ScaledTypesRoundTripThroughTheirDisplayForm) {
     }
 }
 
-// Confirming a value that the user did not touch never changes its bytes.
-TEST_F(UnitConverterTest, AFloatComesBackAsTheSameSingleFromItsDisplayForm) {
-    const float values[] = {0.0004F, 21.3F, -273.17F, 1e-7F, 123456.7F, 3.0e38F, 0.1F};
-    for (UnitConverter* converter : {&si_, &us_}) {
-        for (const UnitConversion& row : UsCustomaryTable()->Rows()) {
-            if (!ScaleOf(row.typeId).isFloat) {
-                continue;
-            }
-            for (const float value : values) {
-                const std::string shown =
-                    converter->ToDisplayValue(row.typeId, FormatDouble(static_cast<double>(value)));
-                const std::string stored = converter->FromDisplayValue(row.typeId, shown);
-                EXPECT_EQ(static_cast<float>(si_.ParseDisplayNumber(stored)), value)
-                    << row.typeId << " shown " << shown << " stored " << stored;
-            }
-        }
-    }
-}
-
 TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
     struct Row {
         const char* typeId;

@@ -150,32 +150,5 @@ TEST_F(ParameterTest, MacroConnectionIsAnExactMatchOfTheGlobalKeyAmongAttributeT
     EXPECT_TRUE(setpoint->IAttribute_IsMacroConnected());
 }
 
-// No text, of any length or form, breaks an attribute or the image it writes.
-TEST_F(ParameterTest, AnyTextInAnyClassIsStoredWithoutFailureAndKeepsTheImageWhole) {
-    const std::string texts[] = {
-        "",    std::string(300, '9'), "1e999", "-",      "\xff\xfe\x80", "&Hfff",
-        "nan", " 1 2 3 4 5 ",         ",",     "1.2.3,4"};
-    TestBlock values("PrmValues");
-    TestBlock structures("PrmStruct");
-    TestBlock units("PrmUnits");
-    for (const TestBlock* block : {&values, &structures, &units}) {
-        const std::string blank(static_cast<std::size_t>(2 * (*block)->IAppObject_CDBDimension()),
-                                '0');
-        for (const auto& attribute : (*block)->AttributesCollection()->Members()) {
-            for (const auto& text : texts) {
-                ScopedMessageRecorder messages;
-                EXPECT_NO_THROW(attribute->IAttribute_Value(text));
-                EXPECT_NO_THROW(attribute->IAttribute_Value());
-                const std::string image = attribute->WriteStream(blank);
-                const std::string intel = attribute->WriteIntelStream(blank);
-                EXPECT_EQ(image.size(), blank.size()) << attribute->IAttribute_Name();
-                EXPECT_EQ(intel.size(), blank.size()) << attribute->IAttribute_Name();
-                EXPECT_EQ(image.find_first_not_of("0123456789ABCDEF"), std::string::npos)
-                    << attribute->IAttribute_Name() << " " << text;
-            }
-        }
-    }
-}
-
 }  // namespace
 }  // namespace zerbin::testing
