@@ -12,18 +12,17 @@
 #include "connections/CDBOutputs.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
-#include "tests/support/AppObjectTestSupport.h"
+#include "tests/support/Blocks.h"
 
 namespace zerbin {
 namespace {
 
-using testing::CreateBlock;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
-using testing::FixtureLibrary;
-using testing::HostedBlock;
+using testing::Fixtures;
 using ::testing::IsEmpty;
 using testing::MessageTexts;
+using testing::TestBlock;
 
 // How many inputs, outputs and attributes the block has; "-" for a collection it lacks.
 std::string Counts(CDBAppObject& block) {
@@ -66,10 +65,10 @@ class Layout : public ::testing::TestWithParam<LayoutRow> {};
 
 TEST_P(Layout, PlacesTheMembersAndReportsWhatIsWrong) {
     const LayoutRow& row = GetParam();
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     ScopedMessageRecorder messages;
 
-    HostedBlock block = CreateBlock(row.type);
+    TestBlock block(row.type, fixtures);
 
     EXPECT_THAT(MessageTexts(messages), ElementsAreArray(row.messages));
     for (const Message& message : messages.Messages()) {
@@ -119,11 +118,13 @@ INSTANTIATE_TEST_SUITE_P(
     [](const ::testing::TestParamInfo<LayoutRow>& info) { return info.param.type; });
 
 TEST(Create, ShortFloatShortensTheFloatsThatDoNotKeepTheStandard) {
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     ScopedMessageRecorder messages;
 
-    HostedBlock standard = CreateBlock("ShortFloat", false);
-    HostedBlock shortened = CreateBlock("ShortFloat", true);
+    TestBlock standard("ShortFloat", fixtures);
+    HostSetup shortFloat = fixtures;
+    shortFloat.manageShortFloat = true;
+    TestBlock shortened("ShortFloat", shortFloat);
 
     EXPECT_EQ(standard->IAppObject_CDBDimension(), 11);
     EXPECT_EQ(shortened->IAppObject_CDBDimension(), 9);

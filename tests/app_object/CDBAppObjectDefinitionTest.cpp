@@ -9,7 +9,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "platform/Messages.h"
-#include "tests/support/AppObjectTestSupport.h"
+#include "tests/support/Blocks.h"
 
 namespace zerbin {
 namespace {
@@ -21,12 +21,11 @@ using ::testing::IsEmpty;
 using testing::MessageTexts;
 using testing::NotAvailable;
 using testing::TempLibrary;
-using testing::UniqueTypeName;
 
 TEST(DefinitionDocument, InitOfAMissingTypeTellsTheUserAndStillSucceeds) {
     TempLibrary library;
     ScopedMessageRecorder messages;
-    const std::string type = UniqueTypeName("Missing");
+    const std::string type = "Missing";
     auto block = std::make_shared<CDBAppObject>();
 
     int32_t errorCode = 1234;
@@ -43,7 +42,7 @@ TEST(DefinitionDocument, InitOfAMissingTypeTellsTheUserAndStillSucceeds) {
 TEST(DefinitionDocument, AFailedLoadIsNotStoredAndIsTriedAgainAtEveryRead) {
     TempLibrary library;
     ScopedMessageRecorder messages;
-    const std::string type = UniqueTypeName("Broken");
+    const std::string type = "Broken";
     library.WriteDefinition(type, "<AppObject><NAME>Half</NAME>");  // not well-formed
     auto block = InitBlock(type);
 
@@ -61,7 +60,7 @@ TEST(DefinitionDocument, AFailedLoadIsNotStoredAndIsTriedAgainAtEveryRead) {
 TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
     TempLibrary library;
     ScopedMessageRecorder messages;
-    const std::string type = UniqueTypeName("Shared");
+    const std::string type = "Shared";
     const auto file = library.WriteDefinition(type, HeaderOnlyDefinition("<NAME>Shared</NAME>"));
     auto first = InitBlock(type);
     const auto document = first->ObjectXML();
@@ -80,7 +79,7 @@ TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
 TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     TempLibrary library;
     ScopedMessageRecorder messages;
-    const std::string type = UniqueTypeName("Header");
+    const std::string type = "Header";
     library.WriteDefinition(type, HeaderOnlyDefinition(R"(
         <!-- <NAME>Comment</NAME> -->
         <name>Fan stage</name>
@@ -115,7 +114,7 @@ class DatasheetSearch : public ::testing::TestWithParam<DatasheetRow> {};
 TEST_P(DatasheetSearch, FindsTheFirstMatchInItsOrder) {
     const DatasheetRow& row = GetParam();
     TempLibrary library;
-    const std::string type = UniqueTypeName("Sheet");
+    const std::string type = "Sheet";
     const std::string id = row.id.empty() ? "" : "<ID>" + row.id + "</ID>";
     library.WriteDefinition(type, HeaderOnlyDefinition(id));
     for (const std::string& file : row.typeFolderFiles) {

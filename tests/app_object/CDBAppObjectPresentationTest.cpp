@@ -13,7 +13,7 @@
 #include "platform/Messages.h"
 #include "platform/Picture.h"
 #include "platform/Shell.h"
-#include "tests/support/AppObjectTestSupport.h"
+#include "tests/support/Blocks.h"
 
 namespace zerbin {
 namespace {
@@ -24,7 +24,6 @@ using testing::InitBlock;
 using ::testing::IsEmpty;
 using testing::MessageTexts;
 using testing::TempLibrary;
-using testing::UniqueTypeName;
 
 // ---- Colour ---------------------------------------------------------------------------------
 
@@ -54,8 +53,8 @@ const std::string kIconBytes = std::string("\0\0\1\0\1\0icon body", 15);
 TEST(Icon, FallsBackToTheComponentsOwnIcon) {
     TempLibrary library;
     ScopedMessageRecorder messages;  // Broken and the escaping name have no definition
-    const std::string plain = UniqueTypeName("Plain");
-    const std::string broken = UniqueTypeName("Broken");
+    const std::string plain = "Plain";
+    const std::string broken = "Broken";
     library.WriteDefinition(plain, HeaderOnlyDefinition(""));
     library.WriteFile(std::filesystem::path(broken) / (broken + ".ico"), "not an icon");
 
@@ -72,7 +71,7 @@ TEST(Icon, FallsBackToTheComponentsOwnIcon) {
 
 TEST(Icon, ATypesOwnIconIsReadOnceAndShared) {
     TempLibrary library;
-    const std::string type = UniqueTypeName("Pictured");
+    const std::string type = "Pictured";
     library.WriteDefinition(type, HeaderOnlyDefinition(""));
     const std::filesystem::path file = std::filesystem::path(type) / (type + ".ico");
     library.WriteFile(file, kIconBytes);
@@ -103,7 +102,7 @@ public:
 };
 
 std::shared_ptr<CDBAppObject> BlockWithDatasheet(const TempLibrary& library) {
-    const std::string type = UniqueTypeName("Viewable");
+    const std::string type = "Viewable";
     library.WriteDefinition(type, HeaderOnlyDefinition(""));
     library.WriteFile(std::filesystem::path(type) / "manual.pdf", "%PDF");
     return InitBlock(type);

@@ -8,17 +8,16 @@
 #include "app_object/CDBAppObject.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/support/AppObjectTestSupport.h"
+#include "tests/support/Blocks.h"
 
 namespace zerbin {
 namespace {
 
-using testing::CreateBlock;
 using ::testing::ElementsAre;
-using testing::FixtureLibrary;
-using testing::HostedBlock;
+using testing::Fixtures;
 using ::testing::IsEmpty;
 using testing::MessageTexts;
+using testing::TestBlock;
 
 std::string Repeat(const std::string& digits, int times) {
     std::string text;
@@ -28,7 +27,7 @@ std::string Repeat(const std::string& digits, int times) {
     return text;
 }
 
-void GiveReferences(HostedBlock& block) {
+void GiveReferences(TestBlock& block) {
     block->IAppObject_Inputs()->IInputs_Item("Flow")->IInput_Value("4203");
     block->IAppObject_Inputs()->IInputs_Item("Level")->IInput_Value("234501");
 }
@@ -45,9 +44,9 @@ class Image : public ::testing::TestWithParam<ImageRow> {};
 
 TEST_P(Image, IsBuiltFromTheHeaderAndTheMembers) {
     const ImageRow& row = GetParam();
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     ScopedMessageRecorder messages;  // the layout messages of the variants
-    HostedBlock block = CreateBlock(row.type);
+    TestBlock block(row.type, fixtures);
     if (row.withReferences) {
         GiveReferences(block);
     }
@@ -76,9 +75,9 @@ INSTANTIATE_TEST_SUITE_P(
     [](const ::testing::TestParamInfo<ImageRow>& info) { return info.param.label; });
 
 TEST(Stream, ABlockLongerThan255BytesIsCutAndItsLengthClamped) {
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     ScopedMessageRecorder messages;
-    HostedBlock block = CreateBlock("Large");  // 3 + 200 + 53 bytes
+    TestBlock block("Large", fixtures);  // 3 + 200 + 53 bytes
     ASSERT_EQ(block->IAppObject_CDBDimension(), 256);
 
     const std::string image = block->IAppObject_Stream();
@@ -93,9 +92,9 @@ TEST(Stream, ABlockLongerThan255BytesIsCutAndItsLengthClamped) {
 }
 
 TEST(Stream, AMemberBeyondTheLastByteFailsTheImage) {
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     ScopedMessageRecorder messages;
-    HostedBlock block = CreateBlock("Overlong");  // Last stands at offset 255
+    TestBlock block("Overlong", fixtures);  // Last stands at offset 255
     pugi::xml_document project;
     pugi::xml_node saved = project.append_child("Overlong");
     saved.append_child("CDB").append_child(pugi::node_pcdata).set_value("0F0001");
@@ -129,10 +128,10 @@ TEST(Stream, ObjectIdIsTheLeadingNumberLimitedToAWord) {
     ScopedMessageRecorder messages;
     for (const auto& row : rows) {
         SCOPED_TRACE(row.id);
-        const std::string type = testing::UniqueTypeName("Id");
+        const std::string type = std::string("Id") + row.id;
         library.WriteDefinition(
             type, testing::HeaderOnlyDefinition(std::string("<ID>") + row.id + "</ID>"));
-        HostedBlock block = CreateBlock(type);
+        TestBlock block(type);
         if (row.stream == nullptr) {
             EXPECT_THROW(block->IAppObject_Stream(), OverflowError);
             EXPECT_THROW(block->IAppObject_IntelStream(), OverflowError);

@@ -12,24 +12,23 @@
 #include "connections/CDBInputs.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "tests/support/AppObjectTestSupport.h"
+#include "tests/support/Blocks.h"
 #include "tests/support/RecordingListener.h"
 
 namespace zerbin {
 namespace {
 
-using testing::CreateBlock;
 using ::testing::ElementsAre;
-using testing::FixtureLibrary;
-using testing::HostedBlock;
+using testing::Fixtures;
 using ::testing::IsEmpty;
 using testing::MessageTexts;
 using testing::RecordingListener;
+using testing::TestBlock;
 
 // ---- Width ----------------------------------------------------------------------------------
 
 TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     const struct {
         const char* type;  // Widths: inputs Flow, Level; outputs Out1, Alarm
         const char* userName;
@@ -41,20 +40,20 @@ TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
         {"OnlyOutputs", "", 0, 5},  // no inputs: no base width at all
     };
     for (const auto& row : rows) {
-        HostedBlock block = CreateBlock(row.type);
+        TestBlock block(row.type, fixtures);
         block->IAppObject_UserName(row.userName);
         EXPECT_EQ(block->IAppObject_InputWidth(), row.inputWidth) << row.type;
         EXPECT_EQ(block->IAppObject_Width(), row.width) << row.userName;
     }
-    EXPECT_EQ(CreateBlock("Widths")->IAppObject_Width(), 0) << "no user name, no width";
+    EXPECT_EQ(TestBlock("Widths", fixtures)->IAppObject_Width(), 0) << "no user name, no width";
 }
 // ---- Keys -------------------------------------------------------------------------------------
 
 TEST(AppObjectKeys, ReachEveryMemberThatExists) {
-    FixtureLibrary library;
-    HostedBlock bare = CreateBlock("OnlyOutputs");  // no attributes, no inputs
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
+    TestBlock bare("OnlyOutputs", fixtures);  // no attributes, no inputs
     bare->IAppObject_GlobalKey("K");
-    HostedBlock block = CreateBlock("Widths");
+    TestBlock block("Widths", fixtures);
 
     block->IAppObject_GlobalKey("K");
     block->IAppObject_ExtendedKey("E");
@@ -73,8 +72,8 @@ TEST(AppObjectKeys, ReachEveryMemberThatExists) {
 // ---- Walks over the members ---------------------------------------------------------------------
 
 TEST(AppObjectMembers, ClearReferencesZeroesEveryInputInItsWidth) {
-    FixtureLibrary library;
-    HostedBlock block = CreateBlock("InputsOnly");
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
+    TestBlock block("InputsOnly", fixtures);
     auto inputs = block->IAppObject_Inputs();
     inputs->IInputs_Item("Flow")->IInput_Value("4203");
     inputs->IInputs_Item("Pressure")->IInput_Value("234501");
@@ -86,16 +85,16 @@ TEST(AppObjectMembers, ClearReferencesZeroesEveryInputInItsWidth) {
 }
 
 TEST(AppObjectMembers, IsDeviceDependentWhenAnyAttributeIs) {
-    FixtureLibrary library;
-    EXPECT_TRUE(CreateBlock("Widths")->IAppObject_IsDeviceDependent());
-    EXPECT_FALSE(CreateBlock("Worked")->IAppObject_IsDeviceDependent());
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
+    EXPECT_TRUE(TestBlock("Widths", fixtures)->IAppObject_IsDeviceDependent());
+    EXPECT_FALSE(TestBlock("Worked", fixtures)->IAppObject_IsDeviceDependent());
 }
 
 // ---- Teardown ---------------------------------------------------------------------------------
 
 TEST(AppObjectLifecycle, DestroyTakesTheBlockApartAndLetsItGo) {
-    FixtureLibrary library;
-    auto block = testing::CreateBlock("Widths").Release();
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
+    auto block = TestBlock("Widths", fixtures).Release();
     block->IAppObject_Parent(std::make_shared<RecordingListener>());
     block->IAppObject_CallBack(std::make_shared<RecordingListener>());
 
@@ -111,10 +110,10 @@ TEST(AppObjectLifecycle, DestroyTakesTheBlockApartAndLetsItGo) {
 }
 
 TEST(AppObjectLifecycle, NoMemberKeepsADestroyedBlockAlive) {
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     // RoundTrip holds a Struct, whose fields refer back to their attribute.
     for (const char* type : {"Widths", "Worked", "RoundTrip", "OnlyOutputs"}) {
-        auto block = testing::CreateBlock(type).Release();
+        auto block = TestBlock(type, fixtures).Release();
         block->IAppObject_GlobalKey("K");
         block->IAppObject_CallBack(std::make_shared<RecordingListener>());
         const std::weak_ptr<CDBAppObject> watch = block;

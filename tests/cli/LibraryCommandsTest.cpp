@@ -1,4 +1,4 @@
-// types and check, on the shipped library and on libraries a test writes.
+// types and check on a library the test writes.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -8,27 +8,6 @@
 
 namespace zerbin::testing {
 namespace {
-
-TEST(LibraryCommands, TypesListsTheShippedLibrarySortedByFolder) {
-    const ProgramResult result = RunProgram({"types"});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.out,
-              "ALARM_LIMITS\t305\tAlarm limits\tAlarm\n"
-              "ANALOG_SCALER\t304\tAnalog scaler\tMath\n"
-              "FAN_STAGE\t303\tFan stage\tHVAC\n"
-              "IO_CHANNEL\t312\tInput channel\tI/O\n"
-              "LABEL\t311\tText label\tDisplay\n"
-              "PID_LOOP\t301\tPID loop\tControl\n"
-              "Q_EMPTY\t313\tComment\tDisplay\n"
-              "ROOM_CONTROLLER\t314\tRoom controller\tHVAC\n"
-              "SETPOINT_SET\t310\tSetpoint set\tHVAC\n"
-              "SETPOINT_UNIT\t309\tUnit-selectable setpoint\tHVAC\n"
-              "THERMOSTAT\t302\tThermostat\tHVAC\n"
-              "TIME_DELAY\t306\tTime delay\tLogic\n"
-              "TYPE_MUX\t308\tType-selectable multiplexer\tLogic\n"
-              "WEEKLY_SCHEDULE\t307\tWeekly schedule\tSchedule\n");
-}
 
 // A library with one sound type, one whose ordering numbers have a gap, and one whose
 // definition is not well-formed.

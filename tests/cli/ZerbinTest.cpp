@@ -42,29 +42,6 @@ TEST(Zerbin, UnreadableDocumentsExitThreeNamingFileAndReason) {
     }
 }
 
-// The shipped data is found from any working folder; a relative library is taken from it.
-TEST(Zerbin, TheWorkingFolderMattersOnlyToARelativeLibrary) {
-    TempFolder folder;
-    const ProgramResult here = RunProgram({"image", "PID_LOOP"});
-    ASSERT_EQ(here.status, 0) << here.err;
-    for (const std::filesystem::path& elsewhere : {std::filesystem::path("/"), folder.Path()}) {
-        const ProgramResult there = RunProgram({"image", "PID_LOOP"}, elsewhere);
-        EXPECT_EQ(there.status, 0) << elsewhere;
-        EXPECT_EQ(there.out, here.out) << elsewhere;
-        EXPECT_EQ(there.err, "") << elsewhere;
-    }
-
-    folder.Write("lib/NOTE/NOTE.xml",
-                 "<AppObject><NAME>Note</NAME><ID>4660</ID><CATEGORY>Misc</CATEGORY></AppObject>");
-    const ProgramResult types = RunProgram({"--library", "lib", "types"}, folder.Path());
-    EXPECT_EQ(types.status, 0) << types.err;
-    EXPECT_EQ(types.out, "NOTE\t4660\tNote\tMisc\n");
-    // A block with no members: the header alone, with the ID 4660 = hexadecimal 1234.
-    const ProgramResult image = RunProgram({"--library", "lib", "image", "NOTE"}, folder.Path());
-    EXPECT_EQ(image.out, "031234\n");
-    EXPECT_EQ(image.err, "");
-}
-
 TEST(Zerbin, MessagesOfTheBlocksGoToStderrAsTitleAndText) {
     // 999 is no type of the dictionary: the selector's write and the image both look it up.
     const ProgramResult result = RunProgram({"image", "TYPE_MUX", "--set", "DataType=999"});

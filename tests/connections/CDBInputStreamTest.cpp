@@ -7,11 +7,10 @@
 #include <string>
 
 #include "connections/CDBInput.h"
-#include "connections/ReferenceBytes.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/support/ConnectionsTestSupport.h"
 #include "tests/support/FakeAppObject.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {
@@ -100,14 +99,6 @@ TEST(InputStream, TheIntelFormRaisesOnAReferenceItCannotRead) {
         auto input = MakeInput(row.extended, 2, row.value);
         EXPECT_THROW(input->WriteIntelStream(kImage), Error);
         EXPECT_NO_THROW(input->WriteStream(kImage));
-    }
-}
-
-TEST(ReferenceBytes, RotationsTurnTheEightBitsOfEveryByte) {
-    for (int32_t byte = 0; byte < 256; ++byte) {
-        SCOPED_TRACE(byte);
-        EXPECT_EQ(reference::RotateLeftThree(byte), ((byte << 3) | (byte >> 5)) & 0xFF);
-        EXPECT_EQ(reference::RotateLeftTwo(byte), ((byte << 2) | (byte >> 6)) & 0xFF);
     }
 }
 

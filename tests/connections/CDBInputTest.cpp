@@ -11,11 +11,11 @@
 #include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/support/ConnectionsTestSupport.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/FakeAttributes.h"
 #include "tests/support/MacroDoubles.h"
 #include "tests/support/RecordingListener.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {
@@ -77,9 +77,7 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         {"<In><SNVTCOMPATIBILITYLIST>105,106</SNVTCOMPATIBILITYLIST>"
          "<snvtCompatibilityList>107,105</snvtCompatibilityList></In>",
          false, false, false, false, 0, "105,106,107"},
-        // The order is a leading number rounded half to even (the rules are MMain's); the last
-        // element wins.
-        {"<In><CDBORDERINPOSITION>2.5</CDBORDERINPOSITION></In>", false, false, false, false, 2},
+        // The last element wins.
         {"<In><CDBORDERINPOSITION>4</CDBORDERINPOSITION><CDBORDERINPOSITION>9</CDBORDERINPOSITION>"
          "</In>",
          false, false, false, false, 9},
@@ -204,8 +202,6 @@ TEST_F(LengthHandOverTest, ConnectingAndDisconnectingWriteTheLengthToTheNamedAtt
     EXPECT_THAT(length->writes, ElementsAre("31", "0", ""));
     EXPECT_THAT(messages.Messages(), IsEmpty());
 }
-
-// ---- Compatibility ---------------------------------------------------------------------------
 
 // ---- Macro check -----------------------------------------------------------------------------
 

@@ -12,8 +12,8 @@
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/support/ConnectionsTestSupport.h"
 #include "tests/support/FakeAppObject.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {

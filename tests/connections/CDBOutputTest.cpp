@@ -11,10 +11,10 @@
 
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
-#include "tests/support/ConnectionsTestSupport.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/MacroDoubles.h"
 #include "tests/support/RecordingListener.h"
+#include "tests/support/TestSupport.h"
 
 namespace zerbin {
 namespace {
@@ -40,7 +40,7 @@ protected:
     }
 
     ScopedMessageRecorder messages;
-    ScopedConnectionsDictionary dictionary;
+    ScopedDictionary dictionary{LoadXml(FixturesDir() / "connections" / "snvt_dictionary.xml")};
     std::shared_ptr<FakeAppObject> block = std::make_shared<FakeAppObject>();
     DefinitionElement element;
 };
@@ -141,8 +141,6 @@ TEST_F(OutputTest, CompatibilityIsOneExactComparisonOfIds) {
         EXPECT_FALSE(untyped->ISubItemConnable_IsSNVTCompatible(id)) << id;
     }
 }
-
-// ---- Connections -----------------------------------------------------------------------------
 
 // ---- Display item ----------------------------------------------------------------------------
 

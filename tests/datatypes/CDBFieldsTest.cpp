@@ -36,7 +36,8 @@ constexpr const char* kTypes = R"(
   <SNVT_204><TYPE>Struct</TYPE><Fields><Name>7</Name><Bits>8</Bits><Wide>9</Wide></Fields>
     </SNVT_204>
   <SNVT_205><TYPE>Struct</TYPE><Fields><x:Pre xmlns:x="urn:x">106</x:Pre><Empty/></Fields>
-    </SNVT_205>)";
+    </SNVT_205>
+  <SNVT_206><TYPE>Struct</TYPE><Fields><self>206</self><other>200</other></Fields></SNVT_206>)";
 
 // Hands out a converter that shows which operation made a text.
 class FakeConverter : public IUnitConverter {
@@ -95,6 +96,17 @@ TEST_F(CDBFieldsTest, LoadsTheFieldsInOrderWithRunningOffsets) {
     EXPECT_EQ(fields->IFields_Item("gain"), all[2]);
     EXPECT_EQ(fields->Item("2"), all[1]);
     EXPECT_TRUE(messages_.Messages().empty());
+}
+
+// Fields are flat: a field whose type is a structure, its own included, has no fields and no
+// length, so structures that name each other end after one step.
+TEST_F(CDBFieldsTest, AStructureFieldHoldsNoFieldsOfItsOwn) {
+    auto fields = Load("206");
+    ASSERT_EQ(fields->IFields_Count(), 2);
+    for (const auto& field : fields->IFields_NewEnum()) {
+        EXPECT_EQ(field->IField_Fields(), nullptr) << field->IField_Name();
+        EXPECT_EQ(field->IField_SNVTType()->ISNVType_Length(), 0) << field->IField_Name();
+    }
 }
 
 TEST_F(CDBFieldsTest, AFailedLoadThrowsAndKeepsTheFieldsBefore) {

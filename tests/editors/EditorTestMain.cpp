@@ -5,7 +5,14 @@
 
 #include <cstring>
 
+#include "base/ProcessState.h"
+
 namespace {
+
+// Every test starts in a process as fresh as a host's.
+class FreshProcess : public ::testing::EmptyTestEventListener {
+    void OnTestStart(const ::testing::TestInfo&) override { zerbin::ProcessState::Reset(); }
+};
 
 // The offscreen platform warns about every fixed-size window; that says nothing about the test.
 QtMessageHandler standardHandler = nullptr;
@@ -30,5 +37,6 @@ int main(int argc, char** argv) {
     }
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
+    ::testing::UnitTest::GetInstance()->listeners().Append(new FreshProcess);
     return RUN_ALL_TESTS();
 }

@@ -18,7 +18,8 @@ namespace {
 
 class ParameterList : public ::testing::Test {
 protected:
-    ParameterList() : library_(std::filesystem::path(ZERBIN_DATA_DIR) / "library") {
+    ParameterList() {
+        UseLibrary(DataDir() / "library");
         InstallQtAdapters();
     }
     ~ParameterList() override {
@@ -35,12 +36,10 @@ protected:
     }
 
     std::shared_ptr<CDBAppObject> Block(const std::string& type) {
-        auto block = std::make_shared<CDBAppObject>();
-        block->IAppObject_XmlSNVTDoc(ShippedDictionary());
-        int32_t errorCode = 0;
-        block->IAppObject_Init(type, errorCode);
-        block->IAppObject_Create();
-        block->IAppObject_GlobalKey("K" + std::to_string(blocks_.size()));
+        HostSetup setup;
+        setup.dictionary = ShippedDictionary();
+        setup.globalKey = "K" + std::to_string(blocks_.size());
+        auto block = NewBlock(type, setup);
         blocks_.push_back(block);
         return block;
     }
@@ -62,7 +61,6 @@ protected:
     }
 
     ScopedMessageRecorder messages_;
-    ScopedLibrary library_;
     std::vector<std::shared_ptr<CDBAppObject>> blocks_;
 };
 
@@ -124,42 +122,6 @@ TEST_F(ParameterList, ValuesWrittenAnywhereShowInTheRowCancelLeavesIt) {
     edit("17", "cmdOk");
     EXPECT_EQ(attribute->IAttribute_Value(), "17");
     EXPECT_EQ(row->text(1).toStdString(), "17");
-}
-
-TEST_F(ParameterList, HiddenAttributesAreListedAndEditable) {
-    auto block = Block("TYPE_MUX");
-    std::shared_ptr<IAttribute> hidden;
-    for (const auto& attribute : block->IAppObject_Attributes()->IAttributes_NewEnum()) {
-        if (!attribute->IAttribute_Visible()) {
-            hidden = attribute;
-        }
-    }
-    ASSERT_NE(hidden, nullptr);
-    block->IAppObject_Show(nullptr);
-    QTreeWidgetItem* row = Row(*Windows().front(), hidden->IAttribute_Name());
-    ASSERT_NE(row, nullptr);
-    auto* list = Windows().front()->findChild<QTreeWidget*>("lvAttr");
-    list->setCurrentItem(row);
-    WithModal([&] { QTest::keyClick(list, Qt::Key_Return); },
-              [](QWidget& editor) { editor.close(); });
-}
-
-TEST_F(ParameterList, SetValueOpensTheEditorOfEachShippedAttributesClass) {
-    int opened = 0;
-    for (const char* type :
-         {"ALARM_LIMITS", "FAN_STAGE", "LABEL", "SETPOINT_SET", "TYPE_MUX", "WEEKLY_SCHEDULE"}) {
-        for (const auto& attribute : Block(type)->IAppObject_Attributes()->IAttributes_NewEnum()) {
-            const std::string expected =
-                EditorNameForClass(attribute->IAttribute_SNVTType()->ISNVType_GenType());
-            WithModal([&] { attribute->IAttribute_SetValue(); },
-                      [&](QWidget& editor) {
-                          EXPECT_EQ(editor.objectName().toStdString(), expected);
-                          editor.close();
-                          ++opened;
-                      });
-        }
-    }
-    EXPECT_GT(opened, 5);
 }
 
 }  // namespace

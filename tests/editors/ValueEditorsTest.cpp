@@ -158,18 +158,6 @@ INSTANTIATE_TEST_SUITE_P(Codes, EnumEditor,
                                            EnumRow{"5;", "0", 1, "", "0"},
                                            EnumRow{"", "3", 0, "", "-1"}));
 
-TEST(EnumEditorChoice, TheChosenLabelIsWrittenAndCancelWritesNothing) {
-    for (const bool ok : {true, false}) {
-        auto point = PointOf("Enum", "0", 1, "0,OFF;1,ON;2,AUTO;");
-        frmCPModif3 dialog;
-        dialog.DataPoint(point);
-        dialog.show();
-        dialog.findChild<QComboBox*>("cboEnum")->setCurrentIndex(2);
-        Click(dialog, ok ? "cmdOk" : "cmdCancel");
-        EXPECT_EQ(point->writes, ok ? std::vector<std::string>{"2"} : std::vector<std::string>{});
-    }
-}
-
 // ---- Bit field ---------------------------------------------------------------------------
 
 struct BitRow {
@@ -294,20 +282,8 @@ INSTANTIATE_TEST_SUITE_P(
                       BadRow{"Textual", "", -5, "long text", "", ""},
                       BadRow{"Enum", "", 1, "1", "", ""}, BadRow{"Struct", "", 0, "1 2 3", "", ""},
                       BadRow{"Bitfield", "", 0, "1", "", ""},
+                      BadRow{"Textual", "", 4, "\x01\xff\xfe", "", ""},
                       BadRow{"Bitfield", "", 32, "4294967295", "", ""}));
-
-TEST(BadInputText, AValueOfAnyLengthOpens) {
-    ScopedMessageRecorder messages;
-    ScopedDictionary dictionary(ShippedDictionary());
-    auto point = std::make_shared<TestPoint>("Point", ShippedType("105"),
-                                             std::string(100000, '9') + "\x01\xff");
-    for (const char* typeClass : {"SignedNumeric", "Textual", "Enum", "Bitfield"}) {
-        const auto dialog = MakeValueEditor(typeClass, nullptr);
-        dialog->DataPoint(point);
-        dialog->show();
-        dialog->close();
-    }
-}
 
 // ---- Message box adapter -----------------------------------------------------------------
 

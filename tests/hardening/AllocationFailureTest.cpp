@@ -15,7 +15,8 @@
 
 #include "base/KeyedCollection.h"
 #include "base/ProcessState.h"
-#include "tests/support/HardeningSupport.h"
+#include "tests/support/Blocks.h"
+#include "tests/support/RandomBlock.h"
 
 namespace {
 
@@ -121,7 +122,7 @@ protected:
     void StartCold() {
         ProcessState::Reset();
         SetSnvtDictionary(ShippedDictionary());
-        SetComponentFolder(DataDir() / "library" / "component");
+        UseLibrary(DataDir() / "library");
         SetMessageSink(std::make_shared<QuietSink>());
     }
 
@@ -132,7 +133,7 @@ TEST_P(AllocationFailureBlockTest, CreateLoadAndSaveSurviveEveryFailedAllocation
     const std::string type = GetParam();
     StartCold();
     RandomValues random(7);
-    const auto model = MakeBlock(type);
+    const auto model = NewBlock(type, Shipped());
     Randomize(*model, random);
     const Snapshot expected = Take(*model);
     const SavedBlock saved = Save(*model);
@@ -140,7 +141,7 @@ TEST_P(AllocationFailureBlockTest, CreateLoadAndSaveSurviveEveryFailedAllocation
     std::shared_ptr<CDBAppObject> created;
     const long creationFailures = FailEachAllocation([&] {
         StartCold();
-        created = MakeBlock(type);
+        created = NewBlock(type, Shipped());
     });
     // Every allocation of a creation failed once: there are hundreds.
     EXPECT_GT(creationFailures, 100);
@@ -148,12 +149,12 @@ TEST_P(AllocationFailureBlockTest, CreateLoadAndSaveSurviveEveryFailedAllocation
     EXPECT_EQ(Take(*created), expected);
     created->IAppObject_Destroy();
 
-    std::shared_ptr<CDBAppObject> loaded = MakeBlock(type);
+    std::shared_ptr<CDBAppObject> loaded = NewBlock(type, Shipped());
     const long loadFailures =
         FailEachAllocation([&] { loaded->IAppObject_XmlLoad(saved.Element()); },
                            [&] {
                                loaded->IAppObject_Destroy();
-                               loaded = MakeBlock(type);
+                               loaded = NewBlock(type, Shipped());
                            });
     EXPECT_GT(loadFailures, 0);
     EXPECT_EQ(Take(*loaded), expected);

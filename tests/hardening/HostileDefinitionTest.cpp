@@ -1,20 +1,18 @@
-// Definitions written by others, at their worst: nested beyond any call stack, tens of
-// megabytes long, with member names that are no XML names, and type names that try to reach
-// outside the block library. Each ends with a defined outcome and leaves the host running.
+// Definitions written by others, at their worst: nested beyond any call stack, with member
+// names that are no XML names, and type names that try to reach outside the block library.
+// Each ends with a defined outcome and leaves the host running.
 #include <gtest/gtest.h>
-
-#include <sys/stat.h>
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "base/ProcessState.h"
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
-#include "tests/support/HardeningSupport.h"
+#include "tests/support/Blocks.h"
+#include "tests/support/RandomBlock.h"
 
 namespace zerbin::testing {
 namespace {
@@ -60,201 +58,76 @@ struct Observed {
     int32_t inputs = 0;
     int32_t outputs = 0;
     std::string stream;
-    std::string intel;
 
     bool operator==(const Observed&) const = default;
 };
 
 void PrintTo(const Observed& o, std::ostream* out) {
     *out << "name=" << o.name << " inputs=" << o.inputs << " outputs=" << o.outputs
-         << " values=" << o.values << " stream=" << o.stream << " intel=" << o.intel
-         << " messages=" << o.messages.size();
+         << " values=" << o.values << " stream=" << o.stream << " messages=" << o.messages.size();
 }
 
-Observed Observe(const TempFolder& tree, const std::string& definition) {
-    const std::string type = PlantType(tree, "HOSTILE", definition);
-    ScopedLibrary library(tree.Path() / "library");
+// Each definition in a process of its own: the store knows types by name.
+Observed Observe(const std::string& definition) {
+    ProcessState::Reset();
+    TempLibrary library;
+    library.WriteDefinition("HOSTILE", definition);
     ScopedMessageRecorder recorder;
-    const auto block = MakeBlock(type);
+    TestBlock block("HOSTILE", Shipped());
     Observed seen;
     seen.name = block->IAppObject_Name();
     seen.values = AttributeValues(*block);
     seen.inputs = block->IAppObject_Inputs() ? block->IAppObject_Inputs()->IInputs_Count() : 0;
     seen.outputs = block->IAppObject_Outputs() ? block->IAppObject_Outputs()->IOutputs_Count() : 0;
     seen.stream = block->IAppObject_Stream();
-    seen.intel = block->IAppObject_IntelStream();
     seen.messages = MessageTexts(recorder);
-    block->IAppObject_Destroy();
     return seen;
 }
 
-using HostileDefinitionTest = ShippedDictionaryTest;
+// The names of the child elements of a node, in order.
+std::vector<std::string> ChildNames(pugi::xml_node node) {
+    std::vector<std::string> names;
+    for (pugi::xml_node child : node.children()) {
+        names.push_back(child.name());
+    }
+    return names;
+}
 
 // The block element below 100,000 others, an attribute and a name holding as many levels: a
 // header element whose first child is an element has no text and is skipped.
-TEST_F(HostileDefinitionTest, DeepNestingBehavesLikeItsShallowTwin) {
-    TempFolder tree;
-    const Observed twin = Observe(tree, Definition());
+TEST(HostileDefinitionTest, DeepNestingBehavesLikeItsShallowTwin) {
+    const Observed twin = Observe(Definition());
     EXPECT_EQ(twin.messages, std::vector<std::string>{});
     EXPECT_EQ(twin.inputs, 1);
-    EXPECT_EQ(Observe(tree, Nest(kDeep, Definition())), twin);
-    EXPECT_EQ(Observe(tree, Definition("<NAME>Deep</NAME>", Nest(kDeep))), twin);
-    EXPECT_EQ(Observe(tree, Definition("<NAME>" + Nest(kDeep) + "</NAME>")),
-              Observe(tree, Definition("")));
+    EXPECT_EQ(Observe(Nest(kDeep, Definition())), twin);
+    EXPECT_EQ(Observe(Definition("<NAME>Deep</NAME>", Nest(kDeep))), twin);
+    EXPECT_EQ(Observe(Definition("<NAME>" + Nest(kDeep) + "</NAME>")), Observe(Definition("")));
 }
 
-constexpr std::size_t kFiftyMegabytes = 50u << 20;
-
-// Definition() grown to 50 MB: a long description, many header elements that mean nothing,
-// many comments in the attributes section and one long comment after the document element.
-std::string FiftyMegabyteDefinition(std::size_t descriptionBytes) {
-    const std::string members = Definition();
-    const std::string open = "<AppObject>";
-    const std::string close = "</AppObject>";
-    const std::size_t attributes =
-        members.find("<Attributes>") + std::string("<Attributes>").size();
-
-    std::string text;
-    text.reserve(kFiftyMegabytes + (1u << 20));
-    text += "<?xml version=\"1.0\"?>\n" + open + "<DESCRIPTION>";
-    while (text.size() < descriptionBytes + 64) {
-        text += "A block description that goes on and on. ";
-    }
-    text += "</DESCRIPTION>";
-    for (int i = 0; i < 200000; ++i) {
-        text += "<FILLER>nothing to see here</FILLER>\n";
-    }
-    text += members.substr(open.size(), attributes - open.size());
-    for (int i = 0; i < 100000; ++i) {
-        text += "<!-- a comment in the attributes section, skipped -->\n";
-    }
-    text += members.substr(attributes);
-    text += "\n<!--";
-    if (text.size() < kFiftyMegabytes) {
-        text.append(kFiftyMegabytes - text.size(), '.');
-    }
-    text += "-->\n";
-    return text;
-}
-
-TEST_F(HostileDefinitionTest, FiftyMegabyteDefinitionLoadsLikeItsMembersAlone) {
-    constexpr std::size_t kDescription = 16u << 20;
-    TempFolder tree;
-    const std::string definition = FiftyMegabyteDefinition(kDescription);
-    ASSERT_GE(definition.size(), kFiftyMegabytes);
-    const Observed twin = Observe(tree, Definition());
-
-    const std::string type = PlantType(tree, "HUGE", definition);
-    ScopedLibrary library(tree.Path() / "library");
+// A definition whose attribute has a local name that no XML element may bear: the block is
+// made, and its project save stops with an error at that member, the document around it whole.
+TEST(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
+    const std::string order = "<CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTTYPE>8</SNVTTYPE>";
+    TempLibrary library;
+    library.WriteDefinition("BadName", "<AppObject><ID>1</ID><Attributes><First>" + order +
+                                           "</First><p:9Lives>" + order + "</p:9Lives><Last>" +
+                                           order + "</Last></Attributes></AppObject>");
     ScopedMessageRecorder recorder;
-    const auto block = MakeBlock(type);
-
-    EXPECT_GE(block->IAppObject_Description().size(), kDescription);
-    EXPECT_EQ(block->IAppObject_ID(), "300");
-    EXPECT_EQ(AttributeValues(*block), twin.values);
-    EXPECT_EQ(block->IAppObject_Stream(), twin.stream);
-    EXPECT_EQ(block->IAppObject_IntelStream(), twin.intel);
-    EXPECT_TRUE(recorder.Messages().empty());
-    block->IAppObject_Destroy();
-}
-
-// A definition whose member has a local name that no XML element may bear: the block is
-// made, and its project save stops with an error at that member.
-TEST_F(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
-    struct Row {
-        const char* what;
-        std::string attributes;
-        std::string outputs;
-        std::vector<std::string> savedAttributes;  // the elements under "Attributes"
-        bool outputsStarted;                       // whether "Outputs" was appended
-    };
-    const std::string plain =
-        "<CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTTYPE>8</SNVTTYPE>"
-        "<DefaultValue>5</DefaultValue>";
-    const std::string second = "<CDBORDERINPOSITION>2</CDBORDERINPOSITION><SNVTTYPE>8</SNVTTYPE>";
-    const std::string output = "<VISIBLE>1</VISIBLE><SNVTTYPE>8</SNVTTYPE>";
-    const Row rows[] = {
-        {"attribute starting with a digit",
-         "<First>" + plain + "</First><p:9Lives>" + second + "</p:9Lives><Last>" + second +
-             "</Last>",
-         "",
-         {"First"},
-         false},
-        {"displayable output starting with a dot",
-         "<First>" + plain + "</First>",
-         "<Good>" + output + "</Good><p:.dot>" + output + "</p:.dot>",
-         {"First"},
-         true},
-    };
-    TempFolder tree;
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        const std::string type = PlantType(
-            tree, "BADNAME",
-            "<AppObject><NAME>Bad name</NAME><ID>1</ID><Attributes>" + row.attributes +
-                "</Attributes><OutReferences>" + row.outputs + "</OutReferences></AppObject>");
-        ScopedLibrary library(tree.Path() / "library");
-        ScopedMessageRecorder recorder;
-        const auto block = MakeBlock(type);
-        for (const auto& out : OutputsOf(*block)) {
-            out->IOutput_IsDisplayable(true);
-        }
-
-        pugi::xml_document document;
-        pugi::xml_node project = document.append_child("Project");
-        EXPECT_THROW(block->IAppObject_XmlSave(project, document), Error);
-
-        // The subtree stands as far as it came; the document around it is whole.
-        const pugi::xml_node saved = project.child(type.c_str());
-        ASSERT_TRUE(saved);
-        std::vector<std::string> top = {"UserName", "X_Position", "Y_Position", "CDB",
-                                        "Attributes"};
-        if (row.outputsStarted) {
-            top.push_back("Outputs");
-        }
-        EXPECT_EQ(ChildNames(saved), top);
-        EXPECT_EQ(ChildNames(saved.child("Attributes")), row.savedAttributes);
-        EXPECT_NE(xml::LoadString(XmlText(document), nullptr), nullptr);
-        block->IAppObject_Destroy();
-    }
-}
-
-// A definition that is no file to read (a FIFO, which would wait for a writer for ever; a
-// device that never ends; a folder) or one of 8 GB (sparse: it takes no disk) is refused
-// before it is read, and the block says what it says of a missing one.
-TEST_F(HostileDefinitionTest, DefinitionThatIsNoReadableFileIsNotAvailable) {
-    TempFolder tree;
-    using Make = void (*)(const std::filesystem::path&);
-    const std::pair<const char*, Make> rows[] = {
-        {"FIFO", [](const std::filesystem::path& f) { ASSERT_EQ(::mkfifo(f.c_str(), 0600), 0); }},
-        {"ZERO",
-         [](const std::filesystem::path& f) { std::filesystem::create_symlink("/dev/zero", f); }},
-        {"FOLDER", [](const std::filesystem::path& f) { std::filesystem::create_directory(f); }},
-        {"HUGE",
-         [](const std::filesystem::path& f) {
-             std::ofstream(f) << "<AppObject/>";
-             std::filesystem::resize_file(f, std::uintmax_t{8} << 30);
-         }},
-    };
-    ScopedLibrary library(tree.Path() / "library");
-    for (const auto& [stem, make] : rows) {
-        SCOPED_TRACE(stem);
-        const std::string type = UniqueTypeName(stem);
-        const std::filesystem::path file = tree.Path() / "library" / type / (type + ".xml");
-        std::filesystem::create_directories(file.parent_path());
-        make(file);
-        ScopedMessageRecorder recorder;
-        const auto block = MakeBlock(type);
-        EXPECT_EQ(MessageTexts(recorder), std::vector<std::string>(4, NotAvailable(type)));
-        EXPECT_EQ(block->IAppObject_Stream(), "030000");
-        block->IAppObject_Destroy();
-    }
+    TestBlock block("BadName", Shipped());
+    pugi::xml_document document;
+    pugi::xml_node project = document.append_child("Project");
+    EXPECT_THROW(block->IAppObject_XmlSave(project, document), Error);
+    const pugi::xml_node saved = project.child("BadName");
+    EXPECT_EQ(ChildNames(saved), (std::vector<std::string>{"UserName", "X_Position", "Y_Position",
+                                                           "CDB", "Attributes"}));
+    EXPECT_EQ(ChildNames(saved.child("Attributes")), std::vector<std::string>{"First"});
+    EXPECT_NE(xml::LoadString(XmlText(document), nullptr), nullptr);
 }
 
 // Each type name below would reach a definition file that the test planted outside the
 // library (or, for the names the file system can't hold, nothing at all). The block must
 // behave as for a type that does not exist and read none of them.
-TEST_F(HostileDefinitionTest, TypeNameOutsideTheLibraryIsNotAvailable) {
+TEST(HostileDefinitionTest, TypeNameOutsideTheLibraryIsNotAvailable) {
     TempFolder tree;
     const std::filesystem::path root = tree.Path();
     const std::string trap =
@@ -281,12 +154,12 @@ TEST_F(HostileDefinitionTest, TypeNameOutsideTheLibraryIsNotAvailable) {
         absolute,
         std::string(10000, 'A'),
     };
-    ScopedLibrary library(root / "library");
+    UseLibrary(root / "library");
     for (const std::string& name : names) {
         SCOPED_TRACE(name.substr(0, 40));
         ScopedMessageRecorder recorder;
         auto block = std::make_shared<CDBAppObject>();
-        block->IAppObject_XmlSNVTDoc(SnvtDictionary());
+        block->IAppObject_XmlSNVTDoc(ShippedDictionary());
         int32_t errorCode = 17;
         EXPECT_TRUE(block->IAppObject_Init(name, errorCode));
         EXPECT_EQ(errorCode, 17);

@@ -21,8 +21,8 @@ class TypeSelectorTest : public ParameterTest {
 protected:
     void SetUp() override {
         ParameterTest::SetUp();
-        source_ = std::make_unique<Block>("PrmTypes");
-        sink_ = std::make_unique<Block>("PrmTypes");
+        source_ = std::make_unique<TestBlock>("PrmTypes");
+        sink_ = std::make_unique<TestBlock>("PrmTypes");
         (*source_)->IAppObject_GlobalKey("P\\Source");
         (*source_)->IAppObject_ExtendedKey("X\\Source");
         (*sink_)->IAppObject_GlobalKey("P\\Sink");
@@ -62,8 +62,8 @@ protected:
             ->ISNVType_ID();
     }
 
-    std::unique_ptr<Block> source_;
-    std::unique_ptr<Block> sink_;
+    std::unique_ptr<TestBlock> source_;
+    std::unique_ptr<TestBlock> sink_;
     std::shared_ptr<CDBAttribute> type_;
     std::shared_ptr<FakeMacro> root_ = std::make_shared<FakeMacro>();
     std::shared_ptr<FakeMacro> inner_ = std::make_shared<FakeMacro>();
@@ -119,7 +119,7 @@ TEST_F(TypeSelectorTest, AConnectionToAnInputThatDoesNotListTheTypeRefusesTheCha
 TEST_F(ParameterTest, TheFirstUnitDerivesTheDependentsAtCreation) {
     auto factory = std::make_shared<RecordingEditorFactory>();
     SetEditorFactory(factory);
-    Block block("PrmUnits");
+    TestBlock block("PrmUnits");
     auto converter = block->UnitsManager();
     auto supply = block.Attribute("Supply");
     EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_ID(), "105");
@@ -137,7 +137,7 @@ TEST_F(ParameterTest, TheFirstUnitDerivesTheDependentsAtCreation) {
 
 // Without short floats the Float of the second unit takes four bytes where the layout gave two.
 TEST_F(ParameterTest, AUnitThatWouldOutgrowAPlaceIsRefused) {
-    Block block("PrmUnits");
+    TestBlock block("PrmUnits");
     const std::string before = block->IAppObject_Stream();
     ScopedMessageRecorder messages;
     block.Attribute("Units")->IAttribute_Value("122");
@@ -151,8 +151,7 @@ TEST_F(ParameterTest, AUnitThatWouldOutgrowAPlaceIsRefused) {
 
 TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners) {
     // Short floats, so that the Float of the second unit fits the place of the first's type.
-    Block block("PrmUnits", true,
-                [](CDBAppObject& object) { object.IAppObject_ManageShortFloat(true); });
+    TestBlock block("PrmUnits", WithShortFloat(true));
     block->IAppObject_GlobalKey("K");
     auto journal = std::make_shared<CallJournal>();
     block->IAppObject_CallBack(std::make_shared<RecordingListener>("host", journal));
@@ -190,7 +189,7 @@ TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners
 }
 
 TEST_F(ParameterTest, OfSeveralUnitsOfTheSelectedTypeTheLastOneCounts) {
-    Block block("PrmUnits");
+    TestBlock block("PrmUnits");
     auto selector = Load(
         block, "<Other><UNITS><Fahrenheit>105</Fahrenheit><Celsius>105</Celsius></UNITS></Other>");
     selector->IAttribute_Value("105");
@@ -200,8 +199,7 @@ TEST_F(ParameterTest, OfSeveralUnitsOfTheSelectedTypeTheLastOneCounts) {
 }
 
 TEST_F(ParameterTest, AManagedShortFloatStaysShortAfterAChangeOfUnit) {
-    Block block("PrmUnits", true,
-                [](CDBAppObject& object) { object.IAppObject_ManageShortFloat(true); });
+    TestBlock block("PrmUnits", WithShortFloat(true));
     auto units = block.Attribute("Units");
     auto supply = block.Attribute("Supply");
     units->IAttribute_Value("122");

@@ -43,7 +43,6 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
         {"PrmValues", false, "Ratio", "1", 4, "3F800000", "0000803F"},
         {"PrmValues", true, "Ratio", "1", 2, "1400", "0014"},
         {"PrmValues", true, "Gain", "1", 4, "3F800000", "0000803F"},  // keeps the standard float
-        {"PrmValues", false, "Count", "25", 1, "02", "02"},           // 2.5 stored, half to even
         {"PrmValues", false, "Label", "AB", 6, "414220202020", "414220202020"},
         {"PrmValues", false, "Flags", nullptr, 1, "05", "05"},
         {"PrmValues", false, "Mode", "2", 1, "02", "02"},
@@ -59,9 +58,7 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
     };
     for (const auto& row : rows) {
         ScopedMessageRecorder loadMessages;  // PrmStruct warns of a missing field default
-        Block block(row.block, true, [&](CDBAppObject& object) {
-            object.IAppObject_ManageShortFloat(row.shortFloat);
-        });
+        TestBlock block(row.block, WithShortFloat(row.shortFloat));
         ScopedMessageRecorder messages;
         auto attribute = block.Attribute(row.attribute);
         if (row.value != nullptr) {
@@ -84,8 +81,7 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
 TEST_F(ParameterTest, ADeviceDependentAttributeWritesItsCodeAsAnEnumeration) {
     auto device =
         xml::LoadString("<Device><Fans><Low>1</Low><High>2</High></Fans></Device>", nullptr);
-    Block block("PrmValues", false,
-                [&](CDBAppObject& object) { object.IAppObject_OwnerDeviceXML(device); });
+    TestBlock block("PrmValues", WithOwnerDevice(device));
     auto speed = Load(block, "<Speed DeviceDependent='Fans'/>");
     speed->CDBPosition(1);
     speed->IAttribute_Value("2");
@@ -94,7 +90,7 @@ TEST_F(ParameterTest, ADeviceDependentAttributeWritesItsCodeAsAnEnumeration) {
 }
 
 TEST_F(ParameterTest, ACoefficientBeyondSixteenBitsAndAPlacePastTheEndGoToTheCaller) {
-    Block block("PrmValues");
+    TestBlock block("PrmValues");
     auto wide = Load(block, "<Wide><SNVTTYPE>114</SNVTTYPE><DEFAULTVALUE>1</DEFAULTVALUE></Wide>");
     EXPECT_THROW(wide->WriteStream("0000"), OverflowError);
     EXPECT_THROW(wide->WriteIntelStream("0000"), OverflowError);
@@ -104,7 +100,7 @@ TEST_F(ParameterTest, ACoefficientBeyondSixteenBitsAndAPlacePastTheEndGoToTheCal
 }
 
 TEST_F(ParameterTest, ASelectorWithAnUnknownTypeWritesAZeroFactorAfterTheDictionarysMessage) {
-    Block block("PrmTypes");
+    TestBlock block("PrmTypes");
     auto type = block.Attribute("Type");
     type->IAttribute_Value("999");
     ScopedMessageRecorder messages;

@@ -16,7 +16,7 @@ namespace {
 using ::testing::ElementsAre;
 
 TEST_F(ParameterTest, KeysReachTheAttributesAndTheirFieldsEachTimeTheBlockSetsThem) {
-    Block block("PrmStruct");
+    TestBlock block("PrmStruct");
     for (const std::string key : {"P\\B1", "P\\B2"}) {
         block->IAppObject_GlobalKey(key);
         block->IAppObject_ExtendedKey(key + "x");
@@ -33,11 +33,11 @@ TEST_F(ParameterTest, KeysReachTheAttributesAndTheirFieldsEachTimeTheBlockSetsTh
 TEST_F(ParameterTest, EachClassGetsItsEditorAndSetValueHandsItTheAttribute) {
     auto factory = std::make_shared<RecordingEditorFactory>();
     SetEditorFactory(factory);
-    Block values("PrmValues");
+    TestBlock values("PrmValues");
     EXPECT_THAT(factory->names, ElementsAre("frmCPModif1", "frmCPModif1", "frmCPModif1",
                                             "frmCPModif1", "frmCPModif2", "frmCPModif5",
                                             "frmCPModif3", "frmCPModif2", "frmCPModif1"));
-    Block structures("PrmStruct");
+    TestBlock structures("PrmStruct");
     EXPECT_EQ(factory->names.back(), "frmCPModif4");
 
     auto mode = values.Attribute("Mode");

@@ -15,17 +15,10 @@
 
 #include "base/KeyedCollection.h"
 #include "datatypes/CDBSNVTType.h"
+#include "tests/support/Blocks.h"
 #include "tests/support/FakeAttributes.h"
-#include "tests/support/TestSupport.h"
 
 namespace zerbin::testing {
-
-// The shipped dictionary, parsed once.
-inline std::shared_ptr<const pugi::xml_document> ShippedDictionary() {
-    static const std::shared_ptr<const pugi::xml_document> dictionary =
-        LoadXml(std::filesystem::path(ZERBIN_DATA_DIR) / "snvts.xml");
-    return dictionary;
-}
 
 // A type record of the shipped dictionary, changeable field by field afterwards.
 inline std::shared_ptr<CDBSNVTType> ShippedType(const std::string& id) {

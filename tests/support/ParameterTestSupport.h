@@ -1,88 +1,33 @@
 // What the attribute tests share: the dictionary and block library under
-// tests/fixtures/parameters, a block made from it that is taken apart at the end of the test,
-// attributes loaded from inline XML, and doubles of the interceptor and the editors.
+// tests/fixtures/parameters, attributes loaded from inline XML, and doubles of the
+// interceptor and the editors.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include <pugixml.hpp>
 
-#include "app_object/CDBAppObject.h"
-#include "base/MMain.h"
 #include "base/Xml.h"
-#include "datatypes/UnitConverter.h"
 #include "interfaces/IEditors.h"
 #include "interfaces/IHostServices.h"
 #include "parameters/CDBAttribute.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/EditorPort.h"
-#include "platform/Files.h"
-#include "tests/support/TestSupport.h"
+#include "tests/support/Blocks.h"
 
 namespace zerbin::testing {
 
-inline std::shared_ptr<const pugi::xml_document> ParameterDictionary() {
-    static const std::shared_ptr<const pugi::xml_document> dictionary =
-        LoadXml(FixturesDir() / "parameters" / "snvts.xml");
-    return dictionary;
-}
-
-// A block of a fixture type; IAppObject_Destroy breaks its cycles when the test ends.
-class Block {
-public:
-    // setUp runs between Init and Create, where a host writes what the members need.
-    explicit Block(const std::string& type, bool create = true,
-                   const std::function<void(CDBAppObject&)>& setUp = {})
-        : object_(std::make_shared<CDBAppObject>()) {
-        int32_t errorCode = 0;
-        object_->IAppObject_Init(type, errorCode);
-        if (setUp) {
-            setUp(*object_);
-        }
-        if (create) {
-            object_->IAppObject_Create();
-        }
-    }
-    ~Block() { object_->IAppObject_Destroy(); }
-    Block(const Block&) = delete;
-    Block& operator=(const Block&) = delete;
-
-    CDBAppObject* operator->() const { return object_.get(); }
-    const std::shared_ptr<CDBAppObject>& Object() const { return object_; }
-
-    // The attribute of that name; fails the test when there is none.
-    std::shared_ptr<CDBAttribute> Attribute(const std::string& name) const {
-        auto found = std::dynamic_pointer_cast<CDBAttribute>(
-            object_->IAppObject_Attributes()->IAttributes_Item(name));
-        EXPECT_NE(found, nullptr) << "no attribute " << name;
-        return found;
-    }
-
-private:
-    std::shared_ptr<CDBAppObject> object_;
-};
-
-// Installs the fixture dictionary and library for each test and restores the unit system.
+// Installs the fixture dictionary and library for each test.
 class ParameterTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        SetSnvtDictionary(ParameterDictionary());
-        SetComponentFolder(FixturesDir() / "parameters" / "library" / "Zerbin");
-        SetUnitSystem(UnitSystem::SI);
-    }
-    void TearDown() override {
-        SetUnitSystem(UnitSystem::SI);
-        SetEditorFactory(nullptr);
-        SetComponentFolder({});
-    }
+    void SetUp() override { SetSnvtDictionary(Fixtures("parameters", "snvts.xml").dictionary); }
 
     // An attribute made from inline XML with the given block as owner, as Create makes one.
-    std::shared_ptr<CDBAttribute> Load(const Block& owner, const std::string& element,
+    std::shared_ptr<CDBAttribute> Load(const TestBlock& owner, const std::string& element,
                                        std::shared_ptr<AttributeInterceptor> interceptor = {}) {
         auto document = ParseXml(element);
         pugi::xml_node node = document->document_element();

@@ -19,7 +19,6 @@
 
 #include "base/MMain.h"
 #include "base/Xml.h"
-#include "platform/Files.h"
 #include "platform/Messages.h"
 
 namespace zerbin::testing {
@@ -93,6 +92,18 @@ private:
     std::shared_ptr<const pugi::xml_document> previous_;
 };
 
+// A parsed document and its document element, kept together so the node stays valid.
+struct DefinitionElement {
+    std::shared_ptr<pugi::xml_document> doc;
+    pugi::xml_node node;
+    std::string Name() const { return xml::BaseName(node); }
+};
+
+inline DefinitionElement ParseElement(const std::string& text) {
+    auto doc = ParseXml(text);
+    return doc ? DefinitionElement{doc, doc->document_element()} : DefinitionElement{};
+}
+
 // A fresh folder under the temporary folder, removed with everything in it.
 class TempFolder {
 public:
@@ -124,25 +135,6 @@ public:
 private:
     std::filesystem::path path_;
 };
-
-// Points the component folder into a block library while it lives, so that the library is
-// that folder's parent.
-class ScopedLibrary {
-public:
-    explicit ScopedLibrary(const std::filesystem::path& library) {
-        SetComponentFolder(library / "component");
-    }
-    ~ScopedLibrary() { SetComponentFolder({}); }
-    ScopedLibrary(const ScopedLibrary&) = delete;
-    ScopedLibrary& operator=(const ScopedLibrary&) = delete;
-};
-
-// The store of parsed definitions lives for the whole process and knows types by name only,
-// so a throw-away library must use type names that no other test of the process has used.
-inline std::string UniqueTypeName(const std::string& stem) {
-    static int counter = 0;
-    return stem + "_" + std::to_string(++counter);
-}
 
 inline std::vector<std::string> MessageTexts(const ScopedMessageRecorder& recorder) {
     std::vector<std::string> texts;
