@@ -88,6 +88,20 @@ public:
     // The members in order: what NewEnum hands out.
     const std::vector<std::shared_ptr<T>>& Items() const { return items_; }
 
+    // A collection with the same keys and order whose members are copy(member): how a block
+    // made from a compiled type gets its own members without folding every key again.
+    template <class Copy>
+    KeyedCollection Copied(Copy&& copy) const {
+        KeyedCollection result;
+        result.items_.reserve(items_.size());
+        for (const auto& item : items_) {
+            result.items_.push_back(copy(item));
+        }
+        result.keys_ = keys_;
+        result.index_ = index_;
+        return result;
+    }
+
     void Clear() {
         items_.clear();
         keys_.clear();

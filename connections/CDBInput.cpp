@@ -47,6 +47,16 @@ bool TerminalsExpose(const std::shared_ptr<IMacroTerminals>& terminals, const st
 
 CDBInput::CDBInput() : snvtCompatibles_(std::make_shared<CDBCompatibleSNVTs>()) {}
 
+std::shared_ptr<CDBInput> CDBInput::CopyFor(std::shared_ptr<IAppObject> parent) const {
+    auto copy = std::make_shared<CDBInput>(*this);
+    copy->callBacks_.Clear();
+    copy->parent_ = std::move(parent);
+    if (snvtCompatibles_) {
+        copy->snvtCompatibles_ = snvtCompatibles_->Copy();
+    }
+    return copy;
+}
+
 // ---- IInput --------------------------------------------------------------------------------
 
 void CDBInput::IInput_changeType(const std::string& NewType) {

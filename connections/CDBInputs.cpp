@@ -43,6 +43,14 @@ std::shared_ptr<CDBInput> CDBInputs::AddFromDefinition(const std::string& name, 
     return input;
 }
 
+std::shared_ptr<CDBInputs> CDBInputs::CopyFor(const std::shared_ptr<IAppObject>& parent) const {
+    auto copy = std::make_shared<CDBInputs>();
+    copy->maxNameLength_ = maxNameLength_;
+    copy->items_ = items_.Copied(
+        [&](const std::shared_ptr<CDBInput>& input) { return input->CopyFor(parent); });
+    return copy;
+}
+
 int32_t CDBInputs::MaxNameLength() const {
     return maxNameLength_;
 }

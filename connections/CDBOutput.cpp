@@ -17,6 +17,20 @@
 
 namespace zerbin {
 
+std::shared_ptr<CDBOutput> CDBOutput::CopyFor(std::shared_ptr<IAppObject> parent) const {
+    auto copy = std::make_shared<CDBOutput>(*this);
+    copy->callBacks_.Clear();
+    copy->parent_ = std::move(parent);
+    // The host may edit a record through its interface, so each block has its own.
+    if (snvtType_) {
+        copy->snvtType_ = snvtType_->Copy();
+    }
+    if (snvtCompatible_) {
+        copy->snvtCompatible_ = std::make_shared<CDBCompatibleSNVT>(*snvtCompatible_);
+    }
+    return copy;
+}
+
 // ---- IOutput -------------------------------------------------------------------------------
 
 bool CDBOutput::IOutput_IsConnected() {

@@ -81,6 +81,10 @@ public:
     void SetExtendedKey(const std::string& v);
     int32_t ConnectionCount() const;
 
+    // A copy of the output as its definition left it, with a type record of its own, under
+    // parent and with no listener: the member of a block made from a compiled type.
+    std::shared_ptr<CDBOutput> CopyFor(std::shared_ptr<IAppObject> parent) const;
+
 private:
     // The SNVTTYPE child: a new entry and a new resolved record, with a warning when empty.
     void LoadType(const std::string& id);

@@ -44,6 +44,14 @@ std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name
     return output;
 }
 
+std::shared_ptr<CDBOutputs> CDBOutputs::CopyFor(const std::shared_ptr<IAppObject>& parent) const {
+    auto copy = std::make_shared<CDBOutputs>();
+    copy->maxNameLength_ = maxNameLength_;
+    copy->items_ = items_.Copied(
+        [&](const std::shared_ptr<CDBOutput>& output) { return output->CopyFor(parent); });
+    return copy;
+}
+
 int32_t CDBOutputs::MaxNameLength() const {
     return maxNameLength_;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 #include "base/CheckedMath.h"
 #include "base/MMain.h"
@@ -43,6 +44,15 @@ std::string ShowInTypeUnit(CDBSNVTType& type, const std::string& stored, std::st
 }  // namespace
 
 CDBField::CDBField() = default;
+
+std::shared_ptr<CDBField> CDBField::CopyFor(std::shared_ptr<IUnitsProvider> parent) const {
+    auto copy = std::make_shared<CDBField>(*this);
+    if (snvtType_) {
+        copy->snvtType_ = snvtType_->Copy();
+    }
+    copy->parent_ = std::move(parent);
+    return copy;
+}
 
 // ---- IField --------------------------------------------------------------------------------
 

@@ -14,6 +14,21 @@ namespace zerbin {
 
 CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
 
+std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> owner) const {
+    auto copy = std::make_shared<CDBAttribute>(*this);
+    copy->callbacks_.Clear();
+    copy->editor_.reset();
+    copy->interceptor_.reset();
+    copy->parent_ = std::move(owner);
+    if (snvtType_) {
+        copy->snvtType_ = snvtType_->Copy();
+    }
+    if (fields_) {
+        copy->fields_ = fields_->CopyFor(copy);
+    }
+    return copy;
+}
+
 IMemberOwner& CDBAttribute::Owner() const {
     return Need(std::dynamic_pointer_cast<IMemberOwner>(parent_));
 }

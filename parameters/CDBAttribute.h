@@ -82,6 +82,10 @@ public:
     void SetName(const std::string& name);
     // Fills the attribute from its definition element; no failure leaves it.
     void LoadDefinition(pugi::xml_node node);
+    // A copy of the attribute as its definition and the block's creation left it, with a type
+    // record and fields of its own, under owner, with no listener, editor or interceptor: the
+    // member of a block made from a compiled type. Units, which never change, are shared.
+    std::shared_ptr<CDBAttribute> CopyFor(std::shared_ptr<IAppObject> owner) const;
     // A new editor for the class of the type, through the editor port; none when headless.
     void CreateEditor();
     // Store the key, then hand it to every field.

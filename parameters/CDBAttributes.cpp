@@ -64,6 +64,14 @@ void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     }
 }
 
+std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(
+    const std::shared_ptr<IAppObject>& owner) const {
+    auto copy = std::make_shared<CDBAttributes>();
+    copy->items_ = items_.Copied(
+        [&](const std::shared_ptr<CDBAttribute>& attribute) { return attribute->CopyFor(owner); });
+    return copy;
+}
+
 const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::Members() const {
     return items_.Items();
 }
