@@ -218,6 +218,10 @@ public:
 
     void Run() {
         while (i_ < text_.size()) {
+            SkipPlainRun();
+            if (i_ >= text_.size()) {
+                break;
+            }
             const auto byte = static_cast<unsigned char>(text_[i_]);
             if (byte >= 0x80 || (byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r')) {
                 CheckCharacter();
@@ -254,6 +258,42 @@ private:
     enum class State { Content, Tag, Comment, CData, Instruction, DocumentType };
 
     bool At(std::string_view what) const { return text_.substr(i_, what.size()) == what; }
+
+    // Passes over the bytes that the state's own step would only step over: printable ASCII
+    // and blanks that can neither end nor begin anything where the text stands. Most of a
+    // document is such runs of text and tag.
+    void SkipPlainRun() {
+        const auto plain = [](unsigned char byte) {
+            return (byte >= 0x20 && byte < 0x80) || byte == '\t' || byte == '\n' || byte == '\r';
+        };
+        const std::size_t size = text_.size();
+        if (state_ == State::Content && elements_ > 0) {
+            while (i_ < size) {
+                const auto byte = static_cast<unsigned char>(text_[i_]);
+                if (!plain(byte) || byte == '<' || byte == '&' || byte == ']') {
+                    return;
+                }
+                ++i_;
+            }
+        } else if (state_ == State::Tag && quote_ == 0) {
+            while (i_ < size) {
+                const auto byte = static_cast<unsigned char>(text_[i_]);
+                if (!plain(byte) || byte == '"' || byte == '\'' || byte == '>') {
+                    return;
+                }
+                ++i_;
+            }
+        } else if (state_ == State::Tag) {
+            while (i_ < size) {
+                const auto byte = static_cast<unsigned char>(text_[i_]);
+                if (!plain(byte) || byte == static_cast<unsigned char>(quote_) || byte == '<' ||
+                    byte == '&') {
+                    return;
+                }
+                ++i_;
+            }
+        }
+    }
     std::ptrdiff_t Offset() const { return static_cast<std::ptrdiff_t>(i_); }
 
     void CheckCharacter() {
@@ -442,8 +482,12 @@ bool IsVersion(std::string_view version) {
 }
 
 void CheckAttributes(pugi::xml_node element) {
+    const pugi::xml_attribute first = element.first_attribute();
+    if (!first) {
+        return;  // most elements: nothing to check, nothing to allocate
+    }
     std::vector<std::string_view> names;
-    for (pugi::xml_attribute attribute : element.attributes()) {
+    for (pugi::xml_attribute attribute = first; attribute; attribute = attribute.next_attribute()) {
         if (!IsValidName(attribute.name())) {
             Refuse("'" + std::string(attribute.name()) + "' is not a valid XML name",
                    OffsetOf(element));
