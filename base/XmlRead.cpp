@@ -6,6 +6,7 @@
 #include <iconv.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <functional>
@@ -261,39 +262,44 @@ private:
 
     // Passes over the bytes that the state's own step would only step over: printable ASCII
     // and blanks that can neither end nor begin anything where the text stands. Most of a
-    // document is such runs of text and tag.
+    // document is such runs of text and tag, so each byte costs one table look-up.
     void SkipPlainRun() {
-        const auto plain = [](unsigned char byte) {
-            return (byte >= 0x20 && byte < 0x80) || byte == '\t' || byte == '\n' || byte == '\r';
-        };
-        const std::size_t size = text_.size();
+        const std::array<bool, 256>* plain = nullptr;
         if (state_ == State::Content && elements_ > 0) {
-            while (i_ < size) {
-                const auto byte = static_cast<unsigned char>(text_[i_]);
-                if (!plain(byte) || byte == '<' || byte == '&' || byte == ']') {
-                    return;
-                }
-                ++i_;
-            }
-        } else if (state_ == State::Tag && quote_ == 0) {
-            while (i_ < size) {
-                const auto byte = static_cast<unsigned char>(text_[i_]);
-                if (!plain(byte) || byte == '"' || byte == '\'' || byte == '>') {
-                    return;
-                }
-                ++i_;
-            }
+            plain = &kPlain.content;
         } else if (state_ == State::Tag) {
-            while (i_ < size) {
-                const auto byte = static_cast<unsigned char>(text_[i_]);
-                if (!plain(byte) || byte == static_cast<unsigned char>(quote_) || byte == '<' ||
-                    byte == '&') {
-                    return;
-                }
-                ++i_;
-            }
+            plain = quote_ == 0     ? &kPlain.tag
+                    : quote_ == '"' ? &kPlain.doubleQuoted
+                                    : &kPlain.singleQuoted;
+        } else {
+            return;
+        }
+        const std::size_t size = text_.size();
+        while (i_ < size && (*plain)[static_cast<unsigned char>(text_[i_])]) {
+            ++i_;
         }
     }
+
+    struct PlainBytes {
+        std::array<bool, 256> content{};
+        std::array<bool, 256> tag{};
+        std::array<bool, 256> doubleQuoted{};
+        std::array<bool, 256> singleQuoted{};
+
+        PlainBytes() {
+            for (int byte = 0; byte < 256; ++byte) {
+                const bool plain =
+                    (byte >= 0x20 && byte < 0x80) || byte == '\t' || byte == '\n' || byte == '\r';
+                content[byte] = plain && byte != '<' && byte != '&' && byte != ']';
+                tag[byte] = plain && byte != '"' && byte != '\'' && byte != '>';
+                const bool inValue = plain && byte != '<' && byte != '&';
+                doubleQuoted[byte] = inValue && byte != '"';
+                singleQuoted[byte] = inValue && byte != '\'';
+            }
+        }
+    };
+    static inline const PlainBytes kPlain{};
+
     std::ptrdiff_t Offset() const { return static_cast<std::ptrdiff_t>(i_); }
 
     void CheckCharacter() {
