@@ -331,7 +331,14 @@ private:
         if (elements_ == 0 && c != '<' && c != ' ' && c != '\t' && c != '\n' && c != '\r') {
             Refuse("text outside the document element", Offset());
         }
-        if (c == '&') {
+        const char next = i_ + 1 < text_.size() ? text_[i_ + 1] : '\0';
+        if (c == '<' && next != '!' && next != '?') {
+            // An element's tag, start or end: by far the most common way out of text.
+            state_ = State::Tag;
+            quote_ = 0;
+            endTag_ = next == '/';
+            ++i_;
+        } else if (c == '&') {
             Reference();
         } else if (At("]]>")) {
             Refuse("']]>' is not allowed in text", Offset());

@@ -16,6 +16,10 @@ std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& K
     return items_.Item(Key);
 }
 
+std::shared_ptr<CDBAttribute> CDBAttributes::Item(const std::string& key) const {
+    return items_.Item(key);
+}
+
 std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
     return {items_.Items().begin(), items_.Items().end()};
 }
