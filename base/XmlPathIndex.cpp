@@ -51,9 +51,7 @@ PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
     // The same walk as the plain search, so each list is in document order.
     for (pugi::xml_node node = root.first_child(); node; node = NextInDocumentOrder(node, root)) {
         if (node.type() == pugi::node_element) {
-            const std::string_view name = node.name();
-            byName_[name].push_back(node);
-            byParentAndName_[NamePair{node.parent().name(), name}].push_back(node);
+            byParentAndName_[NamePair{node.parent().name(), node.name()}].push_back(node);
         }
     }
 }
@@ -80,8 +78,8 @@ pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
     }
     const std::size_t lastSlash = slashPath.rfind('/');
     if (lastSlash == std::string_view::npos) {
-        const auto found = byName_.find(slashPath);
-        return found == byName_.end() ? pugi::xml_node{} : found->second.front();
+        // A bare name is asked only for the document element, which the walk meets first.
+        return xml::FindFirst(root_, slashPath);
     }
     const std::string_view name = slashPath.substr(lastSlash + 1);
     const std::string_view ancestors = slashPath.substr(0, lastSlash);
