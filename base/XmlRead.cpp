@@ -499,13 +499,40 @@ void CheckAttributes(pugi::xml_node element) {
     if (!first) {
         return;  // most elements: nothing to check, nothing to allocate
     }
+    // A few attributes are compared pair by pair where they stand; many are sorted.
+    constexpr std::size_t kFew = 8;
+    std::array<std::string_view, kFew> few;
+    std::size_t count = 0;
     std::vector<std::string_view> names;
     for (pugi::xml_attribute attribute = first; attribute; attribute = attribute.next_attribute()) {
         if (!IsValidName(attribute.name())) {
             Refuse("'" + std::string(attribute.name()) + "' is not a valid XML name",
                    OffsetOf(element));
         }
-        names.emplace_back(attribute.name());
+        if (count < kFew) {
+            few[count] = attribute.name();
+        } else {
+            if (names.empty()) {
+                names.assign(few.begin(), few.end());
+            }
+            names.emplace_back(attribute.name());
+        }
+        ++count;
+    }
+    if (names.empty()) {
+        // The least repeated name, which is the one the sorted search below names.
+        std::optional<std::string_view> twice;
+        for (std::size_t i = 0; i < count; ++i) {
+            for (std::size_t j = i + 1; j < count; ++j) {
+                if (few[i] == few[j] && (!twice || few[i] < *twice)) {
+                    twice = few[i];
+                }
+            }
+        }
+        if (twice) {
+            Refuse("the attribute '" + std::string(*twice) + "' is given twice", OffsetOf(element));
+        }
+        return;
     }
     std::sort(names.begin(), names.end());
     const auto twice = std::adjacent_find(names.begin(), names.end());
