@@ -108,6 +108,8 @@ std::string FormatDouble(double value);
 // The value rounded to 7 significant digits, then written as FormatDouble writes it:
 // 12345678 gives "12345680".
 std::string FormatSingle(float value);
+// The number FormatSingle writes, for a finite value: rounded to 7 significant digits.
+double SevenDigits(float value);
 
 // ---- Text ----------------------------------------------------------------------------------
 

@@ -243,14 +243,12 @@ std::string CDBField::WriteIntelStream(std::string image, int32_t position) {
 
 std::string CDBField::Write(std::string image, int32_t position, bool intel) {
     CDBSNVTType& type = Need(snvtType_);
-    std::string copy = value_;
     const TypeClass typeClass = ClassOf(type);
     const int32_t length = type.ISNVType_Length();
     const int16_t a = NarrowToInt16(type.ISNVType_ACoef());
     const int16_t b = NarrowToInt16(type.ISNVType_BCoef());
     const int16_t c = NarrowToInt16(type.ISNVType_CCoef());
-    const std::string digits = intel ? EncodeIntelStream(copy, typeClass, length, a, b, c)
-                                     : EncodeStream(copy, typeClass, length, a, b, c);
+    const std::string digits = EncodeDigits(value_, typeClass, length, a, b, c, intel);
     // Each field is turned by itself: its place is the same in both byte orders.
     const int32_t place = CheckedInt32(static_cast<int64_t>(offset_) + position);
     const int32_t digitPosition = CheckedInt32(static_cast<int64_t>(place) * 2);
