@@ -543,6 +543,8 @@ void CheckAttributes(pugi::xml_node element) {
 
 // What pugixml accepts in the tree but XML 1.0 does not; walked without recursion, for
 // documents nest deeper than any call stack.
+void CheckNode(pugi::xml_node node, const pugi::xml_document& document);
+
 void CheckTree(const pugi::xml_document& document) {
     int elements = 0;
     for (pugi::xml_node top : document.children()) {
@@ -560,8 +562,22 @@ void CheckTree(const pugi::xml_document& document) {
                 break;
         }
     }
-    for (pugi::xml_node node = document.first_child(); node;
-         node = NextInDocumentOrder(node, document)) {
+    // pugixml's own walk: iterative, so any depth is fine, and it steps through the tree
+    // without a library call per step.
+    struct Walker : pugi::xml_tree_walker {
+        const pugi::xml_document* document;
+        bool for_each(pugi::xml_node& node) override {
+            CheckNode(node, *document);
+            return true;
+        }
+    } walker;
+    walker.document = &document;
+    pugi::xml_node root = document;
+    root.traverse(walker);
+}
+
+void CheckNode(pugi::xml_node node, const pugi::xml_document& document) {
+    {
         switch (node.type()) {
             case pugi::node_element:
                 if (!IsValidName(node.name())) {
