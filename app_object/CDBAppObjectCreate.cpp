@@ -122,7 +122,8 @@ bool CDBAppObject::CompiledKey(CompiledTypeKey& key) const {
 std::shared_ptr<CompiledBlockType> CDBAppObject::Compile(std::vector<Message> messages) const {
     auto compiled = std::make_shared<CompiledBlockType>();
     if (attributes_) {
-        compiled->attributes = attributes_->CopyFor(nullptr);
+        // Records of its own: the block it is taken from goes on and may change them.
+        compiled->attributes = attributes_->CopyFor(nullptr, false);
         for (const auto& attribute : attributes_->Members()) {
             compiled->hasTypeSelector = compiled->hasTypeSelector || attribute->IAttribute_IsType();
             compiled->hasUnitSelector = compiled->hasUnitSelector || attribute->IsUnitSelector();
@@ -149,7 +150,7 @@ void CDBAppObject::CreateFromCompiled(const CompiledBlockType& compiled) {
     std::shared_ptr<CDBOutputs> outputs =
         compiled.outputs ? compiled.outputs->CopyFor(self) : nullptr;
     std::shared_ptr<CDBAttributes> attributes =
-        compiled.attributes ? compiled.attributes->CopyFor(self) : nullptr;
+        compiled.attributes ? compiled.attributes->CopyFor(self, true) : nullptr;
     inputs_ = std::move(inputs);
     outputs_ = std::move(outputs);
     attributes_ = std::move(attributes);

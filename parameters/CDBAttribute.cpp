@@ -14,13 +14,15 @@ namespace zerbin {
 
 CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
 
-std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> owner) const {
+std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> owner,
+                                                    bool shareRecord) const {
     auto copy = std::make_shared<CDBAttribute>(*this);
     copy->callbacks_.Clear();
     copy->editor_.reset();
     copy->interceptor_.reset();
     copy->parent_ = std::move(owner);
-    if (snvtType_) {
+    copy->sharedType_ = shareRecord && snvtType_;
+    if (snvtType_ && !shareRecord) {
         copy->snvtType_ = snvtType_->Copy();
     }
     if (fields_) {
@@ -68,7 +70,18 @@ std::string CDBAttribute::IAttribute_GlobalKey() {
 }
 
 std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
+    if (snvtType_) {
+        OwnType();  // the host may change what it is handed
+    }
     return snvtType_;
+}
+
+CDBSNVTType& CDBAttribute::OwnType() const {
+    if (sharedType_) {
+        snvtType_ = Need(snvtType_).Copy();
+        sharedType_ = false;
+    }
+    return Need(snvtType_);
 }
 
 std::string CDBAttribute::IAttribute_DefaultValue() {
@@ -254,6 +267,9 @@ std::shared_ptr<IUnitConverter> CDBAttribute::UnitsManager() {
 }
 
 std::shared_ptr<CDBSNVTType> CDBAttribute::Type() const {
+    if (snvtType_) {
+        OwnType();
+    }
     return snvtType_;
 }
 

@@ -84,7 +84,7 @@ void CDBAttribute::ApplyShortFloat() {
     shortFloatManaged_ = true;
     SkipStep([&] {
         if (ClassOf(*snvtType_) == TypeClass::Float && !isKeepFloatStandard_) {
-            snvtType_->SetLength(2);
+            OwnType().SetLength(2);
         }
     });
 }

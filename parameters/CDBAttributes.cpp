@@ -68,11 +68,12 @@ void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     }
 }
 
-std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(
-    const std::shared_ptr<IAppObject>& owner) const {
+std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(const std::shared_ptr<IAppObject>& owner,
+                                                      bool shareRecords) const {
     auto copy = std::make_shared<CDBAttributes>();
-    copy->items_ = items_.Copied(
-        [&](const std::shared_ptr<CDBAttribute>& attribute) { return attribute->CopyFor(owner); });
+    copy->items_ = items_.Copied([&](const std::shared_ptr<CDBAttribute>& attribute) {
+        return attribute->CopyFor(owner, shareRecords);
+    });
     return copy;
 }
 
