@@ -133,7 +133,7 @@ std::shared_ptr<CompiledBlockType> CDBAppObject::Compile(std::vector<Message> me
         compiled->inputs = inputs_->CopyFor(nullptr);
     }
     if (outputs_) {
-        compiled->outputs = outputs_->CopyFor(nullptr);
+        compiled->outputs = outputs_->CopyFor(nullptr, false);
     }
     compiled->messages = std::move(messages);
     compiled->cdbDimension = cdbDimension_;
@@ -148,7 +148,7 @@ void CDBAppObject::CreateFromCompiled(const CompiledBlockType& compiled) {
     // without members, as a failed creation from the definition would.
     std::shared_ptr<CDBInputs> inputs = compiled.inputs ? compiled.inputs->CopyFor(self) : nullptr;
     std::shared_ptr<CDBOutputs> outputs =
-        compiled.outputs ? compiled.outputs->CopyFor(self) : nullptr;
+        compiled.outputs ? compiled.outputs->CopyFor(self, true) : nullptr;
     std::shared_ptr<CDBAttributes> attributes =
         compiled.attributes ? compiled.attributes->CopyFor(self, true) : nullptr;
     inputs_ = std::move(inputs);

@@ -17,18 +17,31 @@
 
 namespace zerbin {
 
-std::shared_ptr<CDBOutput> CDBOutput::CopyFor(std::shared_ptr<IAppObject> parent) const {
+std::shared_ptr<CDBOutput> CDBOutput::CopyFor(std::shared_ptr<IAppObject> parent,
+                                              bool shareRecord) const {
     auto copy = std::make_shared<CDBOutput>(*this);
     copy->callBacks_.Clear();
     copy->parent_ = std::move(parent);
-    // The host may edit a record through its interface, so each block has its own.
-    if (snvtType_) {
-        copy->snvtType_ = snvtType_->Copy();
-    }
-    if (snvtCompatible_) {
-        copy->snvtCompatible_ = std::make_shared<CDBCompatibleSNVT>(*snvtCompatible_);
+    copy->sharedRecords_ = shareRecord;
+    if (!shareRecord) {
+        copy->sharedRecords_ = true;
+        copy->OwnRecords();
     }
     return copy;
+}
+
+void CDBOutput::OwnRecords() {
+    if (!sharedRecords_) {
+        return;
+    }
+    // The host may edit a record through its interface, so each block has its own.
+    if (snvtType_) {
+        snvtType_ = snvtType_->Copy();
+    }
+    if (snvtCompatible_) {
+        snvtCompatible_ = std::make_shared<CDBCompatibleSNVT>(*snvtCompatible_);
+    }
+    sharedRecords_ = false;
 }
 
 // ---- IOutput -------------------------------------------------------------------------------
@@ -47,6 +60,7 @@ void CDBOutput::IOutput_changeType(const std::string& NewType) {
     }
     snvtCompatible_ = nullptr;
     snvtType_ = nullptr;
+    sharedRecords_ = false;
     auto compatible = std::make_shared<CDBCompatibleSNVT>();
     compatible->SetID(NewType);
     snvtCompatible_ = std::move(compatible);
@@ -81,10 +95,12 @@ int32_t CDBOutput::IOutput_Index() {
 }
 
 std::shared_ptr<ICompatibleSNVT> CDBOutput::IOutput_SNVTCompatible() {
+    OwnRecords();
     return snvtCompatible_;
 }
 
 std::shared_ptr<ISNVType> CDBOutput::IOutput_SNVTType() {
+    OwnRecords();
     return snvtType_;
 }
 
@@ -182,6 +198,7 @@ bool CDBOutput::IDisplayItem_IsDisplayable() {
 }
 
 std::shared_ptr<ISNVType> CDBOutput::IDisplayItem_SNVTType() {
+    OwnRecords();
     return snvtType_;
 }
 
@@ -232,6 +249,7 @@ std::string CDBOutput::ISubItemConnable_Name() {
 }
 
 std::shared_ptr<ISNVType> CDBOutput::ISubItemConnable_SNVTType() {
+    OwnRecords();
     return snvtType_;
 }
 

@@ -81,11 +81,17 @@ public:
     void SetExtendedKey(const std::string& v);
     int32_t ConnectionCount() const;
 
-    // A copy of the output as its definition left it, with a type record of its own, under
-    // parent and with no listener: the member of a block made from a compiled type.
-    std::shared_ptr<CDBOutput> CopyFor(std::shared_ptr<IAppObject> parent) const;
+    // A copy of the output as its definition left it, under parent and with no listener: the
+    // member of a block made from a compiled type. With shareRecord the type record and the
+    // offered id are shared with this output until the copy hands them out; only an output
+    // that never changes (a compiled type's) may be copied so.
+    std::shared_ptr<CDBOutput> CopyFor(std::shared_ptr<IAppObject> parent, bool shareRecord) const;
 
 private:
+    // The record and offered id, each made this output's own first when they are shared:
+    // what is handed out may be changed by whoever gets it.
+    void OwnRecords();
+
     // The SNVTTYPE child: a new entry and a new resolved record, with a warning when empty.
     void LoadType(const std::string& id);
 
@@ -96,6 +102,7 @@ private:
     std::string name_;
     std::shared_ptr<CDBCompatibleSNVT> snvtCompatible_;
     std::shared_ptr<CDBSNVTType> snvtType_;
+    bool sharedRecords_ = false;
     bool visible_ = false;
     bool displayWritable_ = false;
     int32_t index_ = 0;

@@ -44,11 +44,13 @@ std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name
     return output;
 }
 
-std::shared_ptr<CDBOutputs> CDBOutputs::CopyFor(const std::shared_ptr<IAppObject>& parent) const {
+std::shared_ptr<CDBOutputs> CDBOutputs::CopyFor(const std::shared_ptr<IAppObject>& parent,
+                                                bool shareRecords) const {
     auto copy = std::make_shared<CDBOutputs>();
     copy->maxNameLength_ = maxNameLength_;
-    copy->items_ = items_.Copied(
-        [&](const std::shared_ptr<CDBOutput>& output) { return output->CopyFor(parent); });
+    copy->items_ = items_.Copied([&](const std::shared_ptr<CDBOutput>& output) {
+        return output->CopyFor(parent, shareRecords);
+    });
     return copy;
 }
 

@@ -31,7 +31,8 @@ public:
     void PropagateExtendedKey(const std::string& key);
     const std::vector<std::shared_ptr<CDBOutput>>& Members() const;
     // Every member copied (CDBOutput::CopyFor) under parent; no key, no listener.
-    std::shared_ptr<CDBOutputs> CopyFor(const std::shared_ptr<IAppObject>& parent) const;
+    std::shared_ptr<CDBOutputs> CopyFor(const std::shared_ptr<IAppObject>& parent,
+                                        bool shareRecords) const;
 
 private:
     std::string globalKey_;
