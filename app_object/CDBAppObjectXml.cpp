@@ -181,7 +181,10 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         }
     }
     std::vector<std::shared_ptr<CDBAttribute>> restored;
-    for (const auto& [child, selector] : named) {
+    // Named, not bound: a lambda may not capture a structured binding in every compiler.
+    for (const auto& entry : named) {
+        const pugi::xml_node child = entry.first;
+        const std::shared_ptr<CDBAttribute>& selector = entry.second;
         ServePendingEvents();
         if (!selector || !IsSelector(*selector) ||
             std::find(restored.begin(), restored.end(), selector) != restored.end()) {
@@ -193,7 +196,9 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         SkipStep([&] { text = xml::FirstChildText(child); });
         SkipStep([&] { selector->RestoreSavedValue(text); });
     }
-    for (const auto& [child, loaded] : named) {
+    for (const auto& entry : named) {
+        const pugi::xml_node child = entry.first;
+        const std::shared_ptr<CDBAttribute>& loaded = entry.second;
         ServePendingEvents();
         if (!loaded) {
             // A value the type no longer defines goes back into the project as it came.
