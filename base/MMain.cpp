@@ -55,6 +55,13 @@ void DetectDecimalSeparator() {
     SeparatorSlot().assign(1, comma ? ',' : '.');
 }
 
+std::string JoinKey(const std::string& prefix, const std::string& name) {
+    std::string key;
+    key.reserve(prefix.size() + 1 + name.size());
+    key.append(prefix).append(1, '\\').append(name);
+    return key;
+}
+
 // ---- Tokens, hexadecimal digits, reference codes -----------------------------------------
 
 std::string NthToken(const std::string& text, int32_t index, const std::string& separator) {

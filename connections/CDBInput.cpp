@@ -240,12 +240,12 @@ bool CDBInput::ISubItemConnable_IsSNVTCompatible(const std::string& sId) {
 
 // ---- Internal ------------------------------------------------------------------------------
 
-void CDBInput::SetGlobalKey(const std::string& v) {
-    globalKey_ = v;
+void CDBInput::SetGlobalKey(std::string v) {
+    globalKey_ = std::move(v);
 }
 
-void CDBInput::SetExtendedKey(const std::string& v) {
-    extendedKey_ = v;
+void CDBInput::SetExtendedKey(std::string v) {
+    extendedKey_ = std::move(v);
 }
 
 void CDBInput::SetName(const std::string& v) {

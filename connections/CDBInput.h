@@ -57,8 +57,8 @@ public:
     bool ISubItemConnable_IsSNVTCompatible(const std::string& sId) override;
 
     // Internal.
-    void SetGlobalKey(const std::string& v);
-    void SetExtendedKey(const std::string& v);
+    void SetGlobalKey(std::string v);
+    void SetExtendedKey(std::string v);
     void SetName(const std::string& v);
     // Reads the input's element; throws on a child without text, so that creation reports it.
     void LoadDefinition(pugi::xml_node node);

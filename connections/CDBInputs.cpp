@@ -58,14 +58,14 @@ int32_t CDBInputs::MaxNameLength() const {
 void CDBInputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     for (const auto& input : items_.Items()) {
-        input->SetGlobalKey(key + "\\" + input->IInput_Name());
+        input->SetGlobalKey(JoinKey(key, input->IInput_Name()));
     }
 }
 
 void CDBInputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     for (const auto& input : items_.Items()) {
-        input->SetExtendedKey(key + "\\" + input->IInput_Name());
+        input->SetExtendedKey(JoinKey(key, input->IInput_Name()));
     }
 }
 

@@ -259,8 +259,8 @@ bool CDBOutput::ISubItemConnable_IsSNVTCompatible(const std::string& sId) {
 
 // ---- Internal ------------------------------------------------------------------------------
 
-void CDBOutput::SetGlobalKey(const std::string& v) {
-    globalKey_ = v;
+void CDBOutput::SetGlobalKey(std::string v) {
+    globalKey_ = std::move(v);
 }
 
 void CDBOutput::SetName(const std::string& v) {
@@ -300,8 +300,8 @@ void CDBOutput::SetParent(std::shared_ptr<IAppObject> parent) {
     parent_ = std::move(parent);
 }
 
-void CDBOutput::SetExtendedKey(const std::string& v) {
-    extendedKey_ = v;
+void CDBOutput::SetExtendedKey(std::string v) {
+    extendedKey_ = std::move(v);
 }
 
 int32_t CDBOutput::ConnectionCount() const {

@@ -72,13 +72,13 @@ public:
     bool ISubItemConnable_IsSNVTCompatible(const std::string& sId) override;
 
     // Internal.
-    void SetGlobalKey(const std::string& v);
+    void SetGlobalKey(std::string v);
     void SetName(const std::string& v);
     // Reads the output's element; throws on a child without text.
     void LoadDefinition(pugi::xml_node node);
     void SetIndex(int32_t v);
     void SetParent(std::shared_ptr<IAppObject> parent);
-    void SetExtendedKey(const std::string& v);
+    void SetExtendedKey(std::string v);
     int32_t ConnectionCount() const;
 
     // A copy of the output as its definition left it, under parent and with no listener: the

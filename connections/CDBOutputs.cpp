@@ -61,14 +61,14 @@ int32_t CDBOutputs::MaxNameLength() const {
 void CDBOutputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     for (const auto& output : items_.Items()) {
-        output->SetGlobalKey(key + "\\" + output->IOutput_Name());
+        output->SetGlobalKey(JoinKey(key, output->IOutput_Name()));
     }
 }
 
 void CDBOutputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     for (const auto& output : items_.Items()) {
-        output->SetExtendedKey(key + "\\" + output->IOutput_Name());
+        output->SetExtendedKey(JoinKey(key, output->IOutput_Name()));
     }
 }
 

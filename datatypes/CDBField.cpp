@@ -204,11 +204,11 @@ void CDBField::SetParent(std::shared_ptr<IUnitsProvider> attribute) {
 }
 
 void CDBField::SetGlobalKey(const std::string& prefix) {
-    globalKey_ = prefix + "\\" + name_;
+    globalKey_ = JoinKey(prefix, name_);
 }
 
 void CDBField::SetExtendedKey(const std::string& prefix) {
-    extendedKey_ = prefix + "\\" + name_;
+    extendedKey_ = JoinKey(prefix, name_);
 }
 
 void CDBField::SetFieldMin(const std::string& v) {

@@ -184,22 +184,22 @@ void CDBAttribute::CreateEditor() {
     SkipStep([&] { editor_ = CreateValueEditor(editorName); });
 }
 
-void CDBAttribute::SetGlobalKey(const std::string& key) {
-    globalKey_ = key;
+void CDBAttribute::SetGlobalKey(std::string key) {
     if (fields_) {
         for (const auto& field : fields_->Fields()) {
             field->SetGlobalKey(key);
         }
     }
+    globalKey_ = std::move(key);
 }
 
-void CDBAttribute::SetExtendedKey(const std::string& key) {
-    extendedKey_ = key;
+void CDBAttribute::SetExtendedKey(std::string key) {
     if (fields_) {
         for (const auto& field : fields_->Fields()) {
             field->SetExtendedKey(key);
         }
     }
+    extendedKey_ = std::move(key);
 }
 
 void CDBAttribute::ClearLoadedValue() {

@@ -92,8 +92,8 @@ public:
     // A new editor for the class of the type, through the editor port; none when headless.
     void CreateEditor();
     // Store the key, then hand it to every field.
-    void SetGlobalKey(const std::string& key);
-    void SetExtendedKey(const std::string& key);
+    void SetGlobalKey(std::string key);
+    void SetExtendedKey(std::string key);
     // Empties Value right before a project load writes the saved one.
     void ClearLoadedValue();
     // The value write for a value saved in a project. A saved value was divided by DivideBy

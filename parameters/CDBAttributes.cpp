@@ -1,5 +1,7 @@
 #include "parameters/CDBAttributes.h"
 
+#include "base/MMain.h"
+
 namespace zerbin {
 
 CDBAttributes::~CDBAttributes() {
@@ -57,14 +59,14 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
 void CDBAttributes::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     for (const auto& attribute : items_.Items()) {
-        attribute->SetGlobalKey(key + "\\" + attribute->IAttribute_Name());
+        attribute->SetGlobalKey(JoinKey(key, attribute->IAttribute_Name()));
     }
 }
 
 void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     for (const auto& attribute : items_.Items()) {
-        attribute->SetExtendedKey(key + "\\" + attribute->IAttribute_Name());
+        attribute->SetExtendedKey(JoinKey(key, attribute->IAttribute_Name()));
     }
 }
 
