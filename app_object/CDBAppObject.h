@@ -21,6 +21,9 @@ class CDBAttributes;
 class CDBInputs;
 class CDBOutputs;
 class DefinitionCache;
+struct CompiledBlockType;
+struct CompiledTypeKey;
+struct Message;
 
 class CDBAppObject : public IAppObject,
                      public IInterceptableAttribute,
@@ -143,6 +146,16 @@ private:
     template <class Propagate>
     void PropagateKey(const std::string& key, Propagate propagate);
     void LoadDefinitionHeader();
+    // Creation from the definition's elements, one member at a time.
+    void CreateFromDefinition();
+    // Creation by copying the members of a compiled type, with its messages told again.
+    void CreateFromCompiled(const CompiledBlockType& compiled);
+    // What a creation now would be compiled under; false when it must not be compiled or
+    // copied: an interceptor hears every member's load, and a block that has members or a
+    // layout already would not start from nothing.
+    bool CompiledKey(CompiledTypeKey& key) const;
+    // The members just created, without their owner, as a compiled type.
+    std::shared_ptr<CompiledBlockType> Compile(std::vector<Message> messages) const;
     // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
     void SearchDatasheet();
     void ComputeCDBLayout();

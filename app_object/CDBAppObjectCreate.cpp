@@ -4,9 +4,11 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
+#include "app_object/CompiledBlockType.h"
 #include "base/CheckedMath.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
@@ -14,8 +16,11 @@
 #include "base/XmlPathIndex.h"
 #include "connections/CDBInputs.h"
 #include "connections/CDBOutputs.h"
+#include "datatypes/SnvtDictionary.h"
+#include "datatypes/UnitConverter.h"
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
+#include "platform/DefinitionStore.h"
 #include "platform/Events.h"
 #include "platform/Messages.h"
 
@@ -65,6 +70,118 @@ int32_t WalkSection(const std::shared_ptr<const pugi::xml_document>& document, c
 }  // namespace
 
 void CDBAppObject::IAppObject_Create() {
+    CompiledTypeKey key;
+    if (!CompiledKey(key)) {
+        CreateFromDefinition();
+        return;
+    }
+    if (const auto compiled = FindCompiledType(key);
+        compiled && !(compiled->hasTypeSelector && parent_)) {
+        CreateFromCompiled(*compiled);
+        return;
+    }
+    ScopedMessageCapture capture;
+    CreateFromDefinition();
+    // A message that asks the user something may steer the creation: such a type is made from
+    // its definition every time, as is one whose selector consulted a container.
+    for (const Message& message : capture.Messages()) {
+        if (message.buttons != MessageButtons::Ok) {
+            return;
+        }
+    }
+    std::shared_ptr<CompiledBlockType> compiled = Compile(capture.Take());
+    if (compiled->hasTypeSelector && parent_) {
+        return;
+    }
+    compiled->ownerDevice = ownerDeviceXml_;
+    compiled->definition = definitionCache_->Store()->FindDocument(uniqueIdString_);
+    AddCompiledType(std::move(key), std::move(compiled));
+}
+
+bool CDBAppObject::CompiledKey(CompiledTypeKey& key) const {
+    if (interceptor_ || attributes_ || inputs_ || outputs_ || cdbDimension_ != 0 ||
+        inputWidth_ != 0 || baseWidth_ != 0) {
+        return false;
+    }
+    // A type whose definition did not load is read, and fails, anew every time.
+    const auto definition = definitionCache_->Store()->FindDocument(uniqueIdString_);
+    if (!definition) {
+        return false;
+    }
+    key.type = uniqueIdString_;
+    key.name = name_;
+    key.definition = definition.get();
+    key.ownerDevice = ownerDeviceXml_.get();
+    key.dictionary = SnvtIndexGeneration();
+    key.decimalSeparator = DecimalSeparator();
+    key.unitSystem = static_cast<int>(CurrentUnitSystem());
+    key.manageShortFloat = manageShortFloat_;
+    return true;
+}
+
+std::shared_ptr<CompiledBlockType> CDBAppObject::Compile(std::vector<Message> messages) const {
+    auto compiled = std::make_shared<CompiledBlockType>();
+    if (attributes_) {
+        // Records of its own: the block it is taken from goes on and may change them.
+        compiled->attributes = attributes_->CopyFor(nullptr, false);
+        for (const auto& attribute : attributes_->Members()) {
+            compiled->hasTypeSelector = compiled->hasTypeSelector || attribute->IAttribute_IsType();
+            compiled->hasUnitSelector = compiled->hasUnitSelector || attribute->IsUnitSelector();
+        }
+    }
+    if (inputs_) {
+        compiled->inputs = inputs_->CopyFor(nullptr);
+    }
+    if (outputs_) {
+        compiled->outputs = outputs_->CopyFor(nullptr, false);
+    }
+    compiled->messages = std::move(messages);
+    compiled->cdbDimension = cdbDimension_;
+    compiled->inputWidth = inputWidth_;
+    compiled->baseWidth = baseWidth_;
+    return compiled;
+}
+
+void CDBAppObject::CreateFromCompiled(const CompiledBlockType& compiled) {
+    const std::shared_ptr<IAppObject> self = shared_from_this();
+    // Made aside and put in place together: running out of memory half-way leaves the block
+    // without members, as a failed creation from the definition would.
+    std::shared_ptr<CDBInputs> inputs = compiled.inputs ? compiled.inputs->CopyFor(self) : nullptr;
+    std::shared_ptr<CDBOutputs> outputs =
+        compiled.outputs ? compiled.outputs->CopyFor(self, true) : nullptr;
+    std::shared_ptr<CDBAttributes> attributes =
+        compiled.attributes ? compiled.attributes->CopyFor(self, true) : nullptr;
+    inputs_ = std::move(inputs);
+    outputs_ = std::move(outputs);
+    attributes_ = std::move(attributes);
+    ServePendingEvents();
+    if (attributes_) {
+        // The editors come as creation from the definition makes them: one per attribute,
+        // and a second for each unit-dependent one once its unit is known.
+        for (const auto& attribute : attributes_->Members()) {
+            attribute->CreateEditor();
+        }
+        if (compiled.hasUnitSelector) {
+            for (const auto& attribute : attributes_->Members()) {
+                if (attribute->IsUnitDependent()) {
+                    SkipStep([&] { attribute->CreateEditor(); });
+                }
+            }
+        }
+    }
+    for (const Message& message : compiled.messages) {
+        ShowMessage(message.text, message.title, message.icon, message.buttons);
+    }
+    cdbDimension_ = compiled.cdbDimension;
+    if (inputs_) {
+        inputWidth_ = compiled.inputWidth;
+    }
+    if (inputs_ && outputs_) {
+        baseWidth_ = compiled.baseWidth;
+    }
+}
+
+void CDBAppObject::CreateFromDefinition() {
     const int32_t expectedInputs =
         WalkSection(ObjectXML(), "AppObject/InReferences", [&](pugi::xml_node child) {
             const std::string name = xml::BaseName(child);

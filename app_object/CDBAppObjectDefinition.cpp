@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
@@ -99,6 +100,72 @@ const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& l
     return found.emplace(std::move(key), FindDatasheet(library, type, id)).first->second;
 }
 
+// What the header of a definition sets: an element that is absent, or whose text can't be
+// read, leaves the block's field as it was.
+struct DefinitionHeader {
+    std::optional<std::string> name;
+    std::optional<std::string> id;
+    std::optional<std::string> description;
+    std::optional<std::string> category;
+    std::optional<int32_t> ddbDimension;
+    std::optional<int32_t> sdbDimension;
+    std::optional<int32_t> execTime;
+    std::optional<int32_t> maxInstances;
+    std::optional<bool> usesDeviceClock;
+};
+
+DefinitionHeader ReadHeader(pugi::xml_node appObject) {
+    DefinitionHeader header;
+    for (pugi::xml_node child : Need(appObject).children()) {
+        ServePendingEvents();
+        if (xml::IsComment(child)) {
+            continue;
+        }
+        const std::string_view key = xml::BaseNameView(child);
+        // An element without text keeps its field; the next element is read all the same.
+        SkipStep([&] {
+            if (EqualsNoCase(key, "NAME")) {
+                header.name = xml::FirstChildText(child);
+            } else if (EqualsNoCase(key, "ID")) {
+                header.id = xml::FirstChildText(child);
+            } else if (EqualsNoCase(key, "DESCRIPTION")) {
+                header.description = xml::FirstChildText(child);
+            } else if (EqualsNoCase(key, "CATEGORY")) {
+                header.category = xml::FirstChildText(child);
+            } else if (EqualsNoCase(key, "RAMUSAGE")) {
+                header.ddbDimension = HeaderNumber(child);
+            } else if (EqualsNoCase(key, "BACKUPUSAGE")) {
+                header.sdbDimension = HeaderNumber(child);
+            } else if (EqualsNoCase(key, "EXECTIME")) {
+                header.execTime = HeaderNumber(child);
+            } else if (EqualsNoCase(key, "MAXINSTANCES")) {
+                header.maxInstances = HeaderNumber(child);
+            } else if (EqualsNoCase(key, "USEDEVICECLOCK")) {
+                header.usesDeviceClock = HeaderNumber(child) != 0;
+            }
+        });
+    }
+    return header;
+}
+
+// The header of a stored definition is read once per process, as the definition was parsed
+// once; the document is held so that its address names no other.
+const DefinitionHeader& CachedHeader(const std::shared_ptr<const pugi::xml_document>& document,
+                                     pugi::xml_node appObject) {
+    struct Headers {
+        std::map<const pugi::xml_document*,
+                 std::pair<std::shared_ptr<const pugi::xml_document>, DefinitionHeader>>
+            read;
+    };
+    auto& read = ProcessState::Get<Headers>().read;
+    if (const auto known = read.find(document.get()); known != read.end()) {
+        return known->second.second;
+    }
+    DefinitionHeader header = ReadHeader(appObject);
+    return read.emplace(document.get(), std::make_pair(document, std::move(header)))
+        .first->second.second;
+}
+
 }  // namespace
 
 std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
@@ -144,35 +211,26 @@ void CDBAppObject::LoadDefinitionHeader() {
         appObject = Need(xml::FindFirstIndexed(Need(document).root(), "AppObject"));
     });
     SkipStep([&] {
-        for (pugi::xml_node child : Need(appObject).children()) {
-            ServePendingEvents();
-            if (xml::IsComment(child)) {
-                continue;
-            }
-            const std::string_view key = xml::BaseNameView(child);
-            // An element without text keeps its field; the next element is read all the same.
-            SkipStep([&] {
-                if (EqualsNoCase(key, "NAME")) {
-                    name_ = xml::FirstChildText(child);
-                } else if (EqualsNoCase(key, "ID")) {
-                    id_ = xml::FirstChildText(child);
-                } else if (EqualsNoCase(key, "DESCRIPTION")) {
-                    description_ = xml::FirstChildText(child);
-                } else if (EqualsNoCase(key, "CATEGORY")) {
-                    category_ = xml::FirstChildText(child);
-                } else if (EqualsNoCase(key, "RAMUSAGE")) {
-                    ddbDimension_ = HeaderNumber(child);
-                } else if (EqualsNoCase(key, "BACKUPUSAGE")) {
-                    sdbDimension_ = HeaderNumber(child);
-                } else if (EqualsNoCase(key, "EXECTIME")) {
-                    execTime_ = HeaderNumber(child);
-                } else if (EqualsNoCase(key, "MAXINSTANCES")) {
-                    maxInstances_ = HeaderNumber(child);
-                } else if (EqualsNoCase(key, "USEDEVICECLOCK")) {
-                    usesDeviceClock_ = HeaderNumber(child) != 0;
-                }
-            });
+        const bool stored = definitionCache_->Store()->FindDocument(uniqueIdString_) == document;
+        std::optional<DefinitionHeader> fresh;
+        if (!stored) {
+            fresh = ReadHeader(appObject);
         }
+        const DefinitionHeader& header = stored ? CachedHeader(document, appObject) : *fresh;
+        const auto set = [](auto& field, const auto& value) {
+            if (value) {
+                field = *value;
+            }
+        };
+        set(name_, header.name);
+        set(id_, header.id);
+        set(description_, header.description);
+        set(category_, header.category);
+        set(ddbDimension_, header.ddbDimension);
+        set(sdbDimension_, header.sdbDimension);
+        set(execTime_, header.execTime);
+        set(maxInstances_, header.maxInstances);
+        set(usesDeviceClock_, header.usesDeviceClock);
     });
     SkipStep([&] { SearchDatasheet(); });
 }

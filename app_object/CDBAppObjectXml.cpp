@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
@@ -158,10 +159,7 @@ std::shared_ptr<CDBAttribute> AttributeNamed(const std::shared_ptr<CDBAttributes
         return nullptr;
     }
     std::shared_ptr<CDBAttribute> found;
-    SkipStep([&] {
-        found = std::dynamic_pointer_cast<CDBAttribute>(
-            attributes->IAttributes_Item(xml::BaseName(element)));
-    });
+    SkipStep([&] { found = attributes->Item(xml::BaseName(element)); });
     return found;
 }
 
@@ -175,13 +173,19 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
     // Selectors first, whatever their names: writing one re-derives or retypes others, whose
     // saved values the second pass then writes over the derived ones. Each selector takes
     // its first element; a second one is not read at all.
-    std::vector<std::shared_ptr<CDBAttribute>> restored;
+    // Each element is matched to its attribute once, for both passes.
+    std::vector<std::pair<pugi::xml_node, std::shared_ptr<CDBAttribute>>> named;
     for (pugi::xml_node child : element.children()) {
-        ServePendingEvents();
-        if (xml::IsComment(child)) {
-            continue;
+        if (!xml::IsComment(child)) {
+            named.emplace_back(child, AttributeNamed(attributes_, child));
         }
-        const auto selector = AttributeNamed(attributes_, child);
+    }
+    std::vector<std::shared_ptr<CDBAttribute>> restored;
+    // Named, not bound: a lambda may not capture a structured binding in every compiler.
+    for (const auto& entry : named) {
+        const pugi::xml_node child = entry.first;
+        const std::shared_ptr<CDBAttribute>& selector = entry.second;
+        ServePendingEvents();
         if (!selector || !IsSelector(*selector) ||
             std::find(restored.begin(), restored.end(), selector) != restored.end()) {
             continue;
@@ -192,12 +196,10 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         SkipStep([&] { text = xml::FirstChildText(child); });
         SkipStep([&] { selector->RestoreSavedValue(text); });
     }
-    for (pugi::xml_node child : element.children()) {
+    for (const auto& entry : named) {
+        const pugi::xml_node child = entry.first;
+        const std::shared_ptr<CDBAttribute>& loaded = entry.second;
         ServePendingEvents();
-        if (xml::IsComment(child)) {
-            continue;
-        }
-        const auto loaded = AttributeNamed(attributes_, child);
         if (!loaded) {
             // A value the type no longer defines goes back into the project as it came.
             if (child.type() == pugi::node_element) {

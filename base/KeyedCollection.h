@@ -24,26 +24,32 @@ public:
     // Strong guarantee: when it throws, the collection is as it was.
     void Add(const std::string& key, std::shared_ptr<T> item) {
         std::string folded = UpperCase(key);
-        if (index_.contains(folded)) {
+        if (keys_ && keys_->index.contains(folded)) {
             throw Error("This key is already associated with an element of this collection",
                         kErrKeyExists);
         }
         // Every allocation comes before the index learns the key: after it nothing may fail.
         MakeRoom(items_);
-        MakeRoom(keys_);
+        Keys& keys = OwnKeys();
+        MakeRoom(keys.folded);
         std::string kept = folded;
-        index_.emplace(std::move(folded), items_.size());
+        keys.index.emplace(std::move(folded), items_.size());
         items_.push_back(std::move(item));
-        keys_.push_back(std::move(kept));
+        keys.folded.push_back(std::move(kept));
     }
 
     // nullptr when no member has the key.
     std::shared_ptr<T> FindKey(const std::string& key) const {
-        auto it = index_.find(UpperCase(key));
-        return it == index_.end() ? nullptr : items_[it->second];
+        if (!keys_) {
+            return nullptr;
+        }
+        auto it = keys_->index.find(UpperCase(key));
+        return it == keys_->index.end() ? nullptr : items_[it->second];
     }
 
-    bool Contains(const std::string& key) const { return index_.contains(UpperCase(key)); }
+    bool Contains(const std::string& key) const {
+        return keys_ && keys_->index.contains(UpperCase(key));
+    }
 
     // By 1-based position; nullptr outside 1 to Count().
     std::shared_ptr<T> At(int32_t position1) const {
@@ -70,16 +76,18 @@ public:
 
     // Throws Error(kErrNotFound) when no member has the key.
     void Remove(const std::string& key) {
-        auto it = index_.find(UpperCase(key));
-        if (it == index_.end()) {
+        const std::string folded = UpperCase(key);
+        if (!keys_ || !keys_->index.contains(folded)) {
             throw Error("Invalid procedure call or argument", kErrNotFound);
         }
+        Keys& keys = OwnKeys();
+        auto it = keys.index.find(folded);
         const std::size_t removed = it->second;
-        index_.erase(it);
+        keys.index.erase(it);
         items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(removed));
-        keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(removed));
-        for (std::size_t i = removed; i < keys_.size(); ++i) {
-            index_[keys_[i]] = i;
+        keys.folded.erase(keys.folded.begin() + static_cast<std::ptrdiff_t>(removed));
+        for (std::size_t i = removed; i < keys.folded.size(); ++i) {
+            keys.index[keys.folded[i]] = i;
         }
     }
 
@@ -88,10 +96,23 @@ public:
     // The members in order: what NewEnum hands out.
     const std::vector<std::shared_ptr<T>>& Items() const { return items_; }
 
+    // A collection with the same keys and order whose members are copy(member): how a block
+    // made from a compiled type gets its own members. The keys are shared until one of the
+    // two collections adds or removes a member.
+    template <class Copy>
+    KeyedCollection Copied(Copy&& copy) const {
+        KeyedCollection result;
+        result.items_.reserve(items_.size());
+        for (const auto& item : items_) {
+            result.items_.push_back(copy(item));
+        }
+        result.keys_ = keys_;
+        return result;
+    }
+
     void Clear() {
         items_.clear();
-        keys_.clear();
-        index_.clear();
+        keys_.reset();
     }
 
 private:
@@ -102,9 +123,23 @@ private:
         }
     }
 
+    struct Keys {
+        std::vector<std::string> folded;  // parallel to items_, for re-indexing on Remove
+        std::unordered_map<std::string, std::size_t> index;  // folded key -> position
+    };
+
+    // The keys this collection alone holds, copied first when they are shared.
+    Keys& OwnKeys() {
+        if (!keys_) {
+            keys_ = std::make_shared<Keys>();
+        } else if (keys_.use_count() > 1) {
+            keys_ = std::make_shared<Keys>(*keys_);
+        }
+        return *keys_;
+    }
+
     std::vector<std::shared_ptr<T>> items_;
-    std::vector<std::string> keys_;  // folded, parallel to items_, for re-indexing on Remove
-    std::unordered_map<std::string, std::size_t> index_;  // folded key -> position in items_
+    std::shared_ptr<Keys> keys_;
 };
 
 }  // namespace zerbin

@@ -1,9 +1,9 @@
 #include "base/MMain.h"
 
-#include <array>
 #include <charconv>
+#include <clocale>
 #include <cmath>
-#include <cstdio>
+#include <cstring>
 #include <limits>
 #include <string_view>
 #include <system_error>
@@ -48,11 +48,18 @@ const std::string& DecimalSeparator() {
 }
 
 void DetectDecimalSeparator() {
-    std::array<char, 32> text{};
-    // Deliberately the locale-dependent formatter: what it writes is the detection.
-    std::snprintf(text.data(), text.size(), "%g", 0.5);
-    const bool comma = std::string_view(text.data()).find(',') != std::string_view::npos;
+    // The numeric locale's decimal point, which is what the C library's formatting writes;
+    // asked of the locale directly, since every block's construction asks again.
+    const char* point = std::localeconv()->decimal_point;
+    const bool comma = point != nullptr && std::strchr(point, ',') != nullptr;
     SeparatorSlot().assign(1, comma ? ',' : '.');
+}
+
+std::string JoinKey(const std::string& prefix, const std::string& name) {
+    std::string key;
+    key.reserve(prefix.size() + 1 + name.size());
+    key.append(prefix).append(1, '\\').append(name);
+    return key;
 }
 
 // ---- Tokens, hexadecimal digits, reference codes -----------------------------------------

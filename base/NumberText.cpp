@@ -327,6 +327,10 @@ std::string FormatSingle(float value) {
     if (!std::isfinite(value)) {
         return FormatDouble(value);
     }
+    return FormatDouble(SevenDigits(value));
+}
+
+double SevenDigits(float value) {
     // Rounding to 7 digits through text keeps the decimal digits a reader expects (0.1f is
     // 0.100000001 as a double); the shorter value is then written like any double.
     std::array<char, 64> buffer{};
@@ -334,7 +338,7 @@ std::string FormatSingle(float value) {
                                    static_cast<double>(value), std::chars_format::scientific, 6);
     double rounded = 0.0;
     std::from_chars(buffer.data(), ec == std::errc{} ? end : buffer.data(), rounded);
-    return FormatDouble(rounded);
+    return rounded;
 }
 
 }  // namespace zerbin

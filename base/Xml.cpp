@@ -214,8 +214,19 @@ bool IsValidName(std::string_view name) {
     if (name.empty()) {
         return false;
     }
+    // Nearly every name is ASCII: a byte test decides it without decoding, and the first byte
+    // beyond ASCII hands the rest to the decoder.
+    const auto asciiNameChar = [](unsigned char c, bool first) {
+        const bool start = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == ':';
+        return start || (!first && ((c >= '0' && c <= '9') || c == '-' || c == '.'));
+    };
     std::size_t i = 0;
-    bool first = true;
+    for (; i < name.size() && static_cast<unsigned char>(name[i]) < 0x80; ++i) {
+        if (!asciiNameChar(static_cast<unsigned char>(name[i]), i == 0)) {
+            return false;
+        }
+    }
+    bool first = i == 0;
     while (i < name.size()) {
         const std::optional<uint32_t> cp = detail::DecodeUtf8(name, i);
         if (!cp || !(first ? IsNameStartChar(*cp) : IsNameChar(*cp))) {

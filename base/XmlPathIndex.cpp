@@ -48,14 +48,20 @@ std::size_t PathIndex::NamePairHash::operator()(const NamePair& pair) const {
 }
 
 PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
-    // The same walk as the plain search, so each list is in document order.
-    for (pugi::xml_node node = root.first_child(); node; node = NextInDocumentOrder(node, root)) {
-        if (node.type() == pugi::node_element) {
-            const std::string_view name = node.name();
-            byName_[name].push_back(node);
-            byParentAndName_[NamePair{node.parent().name(), name}].push_back(node);
+    // Document order, as the plain search walks, so each list is in that order; pugixml's own
+    // walk is iterative and takes no library call per step.
+    struct Walker : pugi::xml_tree_walker {
+        PathIndex* index;
+        bool for_each(pugi::xml_node& node) override {
+            if (node.type() == pugi::node_element) {
+                index->byParentAndName_[NamePair{node.parent().name(), node.name()}].push_back(
+                    node);
+            }
+            return true;
         }
-    }
+    } walker;
+    walker.index = this;
+    root.traverse(walker);
 }
 
 bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const {
@@ -80,8 +86,8 @@ pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
     }
     const std::size_t lastSlash = slashPath.rfind('/');
     if (lastSlash == std::string_view::npos) {
-        const auto found = byName_.find(slashPath);
-        return found == byName_.end() ? pugi::xml_node{} : found->second.front();
+        // A bare name is asked only for the document element, which the walk meets first.
+        return xml::FindFirst(root_, slashPath);
     }
     const std::string_view name = slashPath.substr(lastSlash + 1);
     const std::string_view ancestors = slashPath.substr(0, lastSlash);

@@ -13,7 +13,7 @@
 
 namespace zerbin::xml {
 
-// The elements below one root, by name and by (parent name, name), in document order. It
+// The elements below one root by (parent name, name), in document order. It
 // points into the tree: it must not outlive it, and the tree must not change once indexed.
 class PathIndex {
 public:
@@ -43,7 +43,6 @@ private:
     bool AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const;
 
     pugi::xml_node root_;
-    std::unordered_map<std::string_view, std::vector<pugi::xml_node>> byName_;
     std::unordered_map<NamePair, std::vector<pugi::xml_node>, NamePairHash> byParentAndName_;
 };
 

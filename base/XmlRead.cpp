@@ -6,6 +6,7 @@
 #include <iconv.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <functional>
@@ -218,6 +219,10 @@ public:
 
     void Run() {
         while (i_ < text_.size()) {
+            SkipPlainRun();
+            if (i_ >= text_.size()) {
+                break;
+            }
             const auto byte = static_cast<unsigned char>(text_[i_]);
             if (byte >= 0x80 || (byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r')) {
                 CheckCharacter();
@@ -254,6 +259,47 @@ private:
     enum class State { Content, Tag, Comment, CData, Instruction, DocumentType };
 
     bool At(std::string_view what) const { return text_.substr(i_, what.size()) == what; }
+
+    // Passes over the bytes that the state's own step would only step over: printable ASCII
+    // and blanks that can neither end nor begin anything where the text stands. Most of a
+    // document is such runs of text and tag, so each byte costs one table look-up.
+    void SkipPlainRun() {
+        const std::array<bool, 256>* plain = nullptr;
+        if (state_ == State::Content && elements_ > 0) {
+            plain = &kPlain.content;
+        } else if (state_ == State::Tag) {
+            plain = quote_ == 0     ? &kPlain.tag
+                    : quote_ == '"' ? &kPlain.doubleQuoted
+                                    : &kPlain.singleQuoted;
+        } else {
+            return;
+        }
+        const std::size_t size = text_.size();
+        while (i_ < size && (*plain)[static_cast<unsigned char>(text_[i_])]) {
+            ++i_;
+        }
+    }
+
+    struct PlainBytes {
+        std::array<bool, 256> content{};
+        std::array<bool, 256> tag{};
+        std::array<bool, 256> doubleQuoted{};
+        std::array<bool, 256> singleQuoted{};
+
+        PlainBytes() {
+            for (int byte = 0; byte < 256; ++byte) {
+                const bool plain =
+                    (byte >= 0x20 && byte < 0x80) || byte == '\t' || byte == '\n' || byte == '\r';
+                content[byte] = plain && byte != '<' && byte != '&' && byte != ']';
+                tag[byte] = plain && byte != '"' && byte != '\'' && byte != '>';
+                const bool inValue = plain && byte != '<' && byte != '&';
+                doubleQuoted[byte] = inValue && byte != '"';
+                singleQuoted[byte] = inValue && byte != '\'';
+            }
+        }
+    };
+    static inline const PlainBytes kPlain{};
+
     std::ptrdiff_t Offset() const { return static_cast<std::ptrdiff_t>(i_); }
 
     void CheckCharacter() {
@@ -285,7 +331,14 @@ private:
         if (elements_ == 0 && c != '<' && c != ' ' && c != '\t' && c != '\n' && c != '\r') {
             Refuse("text outside the document element", Offset());
         }
-        if (c == '&') {
+        const char next = i_ + 1 < text_.size() ? text_[i_ + 1] : '\0';
+        if (c == '<' && next != '!' && next != '?') {
+            // An element's tag, start or end: by far the most common way out of text.
+            state_ = State::Tag;
+            quote_ = 0;
+            endTag_ = next == '/';
+            ++i_;
+        } else if (c == '&') {
             Reference();
         } else if (At("]]>")) {
             Refuse("']]>' is not allowed in text", Offset());
@@ -442,13 +495,44 @@ bool IsVersion(std::string_view version) {
 }
 
 void CheckAttributes(pugi::xml_node element) {
+    const pugi::xml_attribute first = element.first_attribute();
+    if (!first) {
+        return;  // most elements: nothing to check, nothing to allocate
+    }
+    // A few attributes are compared pair by pair where they stand; many are sorted.
+    constexpr std::size_t kFew = 8;
+    std::array<std::string_view, kFew> few;
+    std::size_t count = 0;
     std::vector<std::string_view> names;
-    for (pugi::xml_attribute attribute : element.attributes()) {
+    for (pugi::xml_attribute attribute = first; attribute; attribute = attribute.next_attribute()) {
         if (!IsValidName(attribute.name())) {
             Refuse("'" + std::string(attribute.name()) + "' is not a valid XML name",
                    OffsetOf(element));
         }
-        names.emplace_back(attribute.name());
+        if (count < kFew) {
+            few[count] = attribute.name();
+        } else {
+            if (names.empty()) {
+                names.assign(few.begin(), few.end());
+            }
+            names.emplace_back(attribute.name());
+        }
+        ++count;
+    }
+    if (names.empty()) {
+        // The least repeated name, which is the one the sorted search below names.
+        std::optional<std::string_view> twice;
+        for (std::size_t i = 0; i < count; ++i) {
+            for (std::size_t j = i + 1; j < count; ++j) {
+                if (few[i] == few[j] && (!twice || few[i] < *twice)) {
+                    twice = few[i];
+                }
+            }
+        }
+        if (twice) {
+            Refuse("the attribute '" + std::string(*twice) + "' is given twice", OffsetOf(element));
+        }
+        return;
     }
     std::sort(names.begin(), names.end());
     const auto twice = std::adjacent_find(names.begin(), names.end());
@@ -459,6 +543,8 @@ void CheckAttributes(pugi::xml_node element) {
 
 // What pugixml accepts in the tree but XML 1.0 does not; walked without recursion, for
 // documents nest deeper than any call stack.
+void CheckNode(pugi::xml_node node, const pugi::xml_document& document);
+
 void CheckTree(const pugi::xml_document& document) {
     int elements = 0;
     for (pugi::xml_node top : document.children()) {
@@ -476,8 +562,22 @@ void CheckTree(const pugi::xml_document& document) {
                 break;
         }
     }
-    for (pugi::xml_node node = document.first_child(); node;
-         node = NextInDocumentOrder(node, document)) {
+    // pugixml's own walk: iterative, so any depth is fine, and it steps through the tree
+    // without a library call per step.
+    struct Walker : pugi::xml_tree_walker {
+        const pugi::xml_document* document;
+        bool for_each(pugi::xml_node& node) override {
+            CheckNode(node, *document);
+            return true;
+        }
+    } walker;
+    walker.document = &document;
+    pugi::xml_node root = document;
+    root.traverse(walker);
+}
+
+void CheckNode(pugi::xml_node node, const pugi::xml_document& document) {
+    {
         switch (node.type()) {
             case pugi::node_element:
                 if (!IsValidName(node.name())) {

@@ -47,6 +47,16 @@ bool TerminalsExpose(const std::shared_ptr<IMacroTerminals>& terminals, const st
 
 CDBInput::CDBInput() : snvtCompatibles_(std::make_shared<CDBCompatibleSNVTs>()) {}
 
+std::shared_ptr<CDBInput> CDBInput::CopyFor(std::shared_ptr<IAppObject> parent) const {
+    auto copy = std::make_shared<CDBInput>(*this);
+    copy->callBacks_.Clear();
+    copy->parent_ = std::move(parent);
+    if (snvtCompatibles_) {
+        copy->snvtCompatibles_ = snvtCompatibles_->Copy();
+    }
+    return copy;
+}
+
 // ---- IInput --------------------------------------------------------------------------------
 
 void CDBInput::IInput_changeType(const std::string& NewType) {
@@ -230,12 +240,12 @@ bool CDBInput::ISubItemConnable_IsSNVTCompatible(const std::string& sId) {
 
 // ---- Internal ------------------------------------------------------------------------------
 
-void CDBInput::SetGlobalKey(const std::string& v) {
-    globalKey_ = v;
+void CDBInput::SetGlobalKey(std::string v) {
+    globalKey_ = std::move(v);
 }
 
-void CDBInput::SetExtendedKey(const std::string& v) {
-    extendedKey_ = v;
+void CDBInput::SetExtendedKey(std::string v) {
+    extendedKey_ = std::move(v);
 }
 
 void CDBInput::SetName(const std::string& v) {

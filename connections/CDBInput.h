@@ -57,12 +57,15 @@ public:
     bool ISubItemConnable_IsSNVTCompatible(const std::string& sId) override;
 
     // Internal.
-    void SetGlobalKey(const std::string& v);
-    void SetExtendedKey(const std::string& v);
+    void SetGlobalKey(std::string v);
+    void SetExtendedKey(std::string v);
     void SetName(const std::string& v);
     // Reads the input's element; throws on a child without text, so that creation reports it.
     void LoadDefinition(pugi::xml_node node);
     void SetParent(std::shared_ptr<IAppObject> parent);
+    // A copy of the input as its definition left it, with a compatible set of its own, under
+    // parent and with no listener: the member of a block made from a compiled type.
+    std::shared_ptr<CDBInput> CopyFor(std::shared_ptr<IAppObject> parent) const;
     int32_t CDBOrderInPosition() const;
     void CDBPosition(int32_t v);
     void SetIndex(int32_t v);

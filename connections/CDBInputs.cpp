@@ -43,6 +43,14 @@ std::shared_ptr<CDBInput> CDBInputs::AddFromDefinition(const std::string& name, 
     return input;
 }
 
+std::shared_ptr<CDBInputs> CDBInputs::CopyFor(const std::shared_ptr<IAppObject>& parent) const {
+    auto copy = std::make_shared<CDBInputs>();
+    copy->maxNameLength_ = maxNameLength_;
+    copy->items_ = items_.Copied(
+        [&](const std::shared_ptr<CDBInput>& input) { return input->CopyFor(parent); });
+    return copy;
+}
+
 int32_t CDBInputs::MaxNameLength() const {
     return maxNameLength_;
 }
@@ -50,14 +58,14 @@ int32_t CDBInputs::MaxNameLength() const {
 void CDBInputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     for (const auto& input : items_.Items()) {
-        input->SetGlobalKey(key + "\\" + input->IInput_Name());
+        input->SetGlobalKey(JoinKey(key, input->IInput_Name()));
     }
 }
 
 void CDBInputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     for (const auto& input : items_.Items()) {
-        input->SetExtendedKey(key + "\\" + input->IInput_Name());
+        input->SetExtendedKey(JoinKey(key, input->IInput_Name()));
     }
 }
 

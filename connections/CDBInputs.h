@@ -33,6 +33,8 @@ public:
     // Cuts every member's reference back to the block; the members stay.
     void Destroy();
     const std::vector<std::shared_ptr<CDBInput>>& Members() const;
+    // Every member copied (CDBInput::CopyFor) under parent; no key, no listener.
+    std::shared_ptr<CDBInputs> CopyFor(const std::shared_ptr<IAppObject>& parent) const;
 
 private:
     std::string globalKey_;

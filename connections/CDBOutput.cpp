@@ -17,6 +17,33 @@
 
 namespace zerbin {
 
+std::shared_ptr<CDBOutput> CDBOutput::CopyFor(std::shared_ptr<IAppObject> parent,
+                                              bool shareRecord) const {
+    auto copy = std::make_shared<CDBOutput>(*this);
+    copy->callBacks_.Clear();
+    copy->parent_ = std::move(parent);
+    copy->sharedRecords_ = shareRecord;
+    if (!shareRecord) {
+        copy->sharedRecords_ = true;
+        copy->OwnRecords();
+    }
+    return copy;
+}
+
+void CDBOutput::OwnRecords() {
+    if (!sharedRecords_) {
+        return;
+    }
+    // The host may edit a record through its interface, so each block has its own.
+    if (snvtType_) {
+        snvtType_ = snvtType_->Copy();
+    }
+    if (snvtCompatible_) {
+        snvtCompatible_ = std::make_shared<CDBCompatibleSNVT>(*snvtCompatible_);
+    }
+    sharedRecords_ = false;
+}
+
 // ---- IOutput -------------------------------------------------------------------------------
 
 bool CDBOutput::IOutput_IsConnected() {
@@ -33,6 +60,7 @@ void CDBOutput::IOutput_changeType(const std::string& NewType) {
     }
     snvtCompatible_ = nullptr;
     snvtType_ = nullptr;
+    sharedRecords_ = false;
     auto compatible = std::make_shared<CDBCompatibleSNVT>();
     compatible->SetID(NewType);
     snvtCompatible_ = std::move(compatible);
@@ -67,10 +95,12 @@ int32_t CDBOutput::IOutput_Index() {
 }
 
 std::shared_ptr<ICompatibleSNVT> CDBOutput::IOutput_SNVTCompatible() {
+    OwnRecords();
     return snvtCompatible_;
 }
 
 std::shared_ptr<ISNVType> CDBOutput::IOutput_SNVTType() {
+    OwnRecords();
     return snvtType_;
 }
 
@@ -168,6 +198,7 @@ bool CDBOutput::IDisplayItem_IsDisplayable() {
 }
 
 std::shared_ptr<ISNVType> CDBOutput::IDisplayItem_SNVTType() {
+    OwnRecords();
     return snvtType_;
 }
 
@@ -218,6 +249,7 @@ std::string CDBOutput::ISubItemConnable_Name() {
 }
 
 std::shared_ptr<ISNVType> CDBOutput::ISubItemConnable_SNVTType() {
+    OwnRecords();
     return snvtType_;
 }
 
@@ -227,8 +259,8 @@ bool CDBOutput::ISubItemConnable_IsSNVTCompatible(const std::string& sId) {
 
 // ---- Internal ------------------------------------------------------------------------------
 
-void CDBOutput::SetGlobalKey(const std::string& v) {
-    globalKey_ = v;
+void CDBOutput::SetGlobalKey(std::string v) {
+    globalKey_ = std::move(v);
 }
 
 void CDBOutput::SetName(const std::string& v) {
@@ -268,8 +300,8 @@ void CDBOutput::SetParent(std::shared_ptr<IAppObject> parent) {
     parent_ = std::move(parent);
 }
 
-void CDBOutput::SetExtendedKey(const std::string& v) {
-    extendedKey_ = v;
+void CDBOutput::SetExtendedKey(std::string v) {
+    extendedKey_ = std::move(v);
 }
 
 int32_t CDBOutput::ConnectionCount() const {

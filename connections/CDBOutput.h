@@ -72,16 +72,26 @@ public:
     bool ISubItemConnable_IsSNVTCompatible(const std::string& sId) override;
 
     // Internal.
-    void SetGlobalKey(const std::string& v);
+    void SetGlobalKey(std::string v);
     void SetName(const std::string& v);
     // Reads the output's element; throws on a child without text.
     void LoadDefinition(pugi::xml_node node);
     void SetIndex(int32_t v);
     void SetParent(std::shared_ptr<IAppObject> parent);
-    void SetExtendedKey(const std::string& v);
+    void SetExtendedKey(std::string v);
     int32_t ConnectionCount() const;
 
+    // A copy of the output as its definition left it, under parent and with no listener: the
+    // member of a block made from a compiled type. With shareRecord the type record and the
+    // offered id are shared with this output until the copy hands them out; only an output
+    // that never changes (a compiled type's) may be copied so.
+    std::shared_ptr<CDBOutput> CopyFor(std::shared_ptr<IAppObject> parent, bool shareRecord) const;
+
 private:
+    // The record and offered id, each made this output's own first when they are shared:
+    // what is handed out may be changed by whoever gets it.
+    void OwnRecords();
+
     // The SNVTTYPE child: a new entry and a new resolved record, with a warning when empty.
     void LoadType(const std::string& id);
 
@@ -92,6 +102,7 @@ private:
     std::string name_;
     std::shared_ptr<CDBCompatibleSNVT> snvtCompatible_;
     std::shared_ptr<CDBSNVTType> snvtType_;
+    bool sharedRecords_ = false;
     bool visible_ = false;
     bool displayWritable_ = false;
     int32_t index_ = 0;

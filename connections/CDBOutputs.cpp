@@ -44,6 +44,16 @@ std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name
     return output;
 }
 
+std::shared_ptr<CDBOutputs> CDBOutputs::CopyFor(const std::shared_ptr<IAppObject>& parent,
+                                                bool shareRecords) const {
+    auto copy = std::make_shared<CDBOutputs>();
+    copy->maxNameLength_ = maxNameLength_;
+    copy->items_ = items_.Copied([&](const std::shared_ptr<CDBOutput>& output) {
+        return output->CopyFor(parent, shareRecords);
+    });
+    return copy;
+}
+
 int32_t CDBOutputs::MaxNameLength() const {
     return maxNameLength_;
 }
@@ -51,14 +61,14 @@ int32_t CDBOutputs::MaxNameLength() const {
 void CDBOutputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     for (const auto& output : items_.Items()) {
-        output->SetGlobalKey(key + "\\" + output->IOutput_Name());
+        output->SetGlobalKey(JoinKey(key, output->IOutput_Name()));
     }
 }
 
 void CDBOutputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     for (const auto& output : items_.Items()) {
-        output->SetExtendedKey(key + "\\" + output->IOutput_Name());
+        output->SetExtendedKey(JoinKey(key, output->IOutput_Name()));
     }
 }
 

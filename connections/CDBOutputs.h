@@ -30,6 +30,9 @@ public:
     void PropagateGlobalKey(const std::string& key);
     void PropagateExtendedKey(const std::string& key);
     const std::vector<std::shared_ptr<CDBOutput>>& Members() const;
+    // Every member copied (CDBOutput::CopyFor) under parent; no key, no listener.
+    std::shared_ptr<CDBOutputs> CopyFor(const std::shared_ptr<IAppObject>& parent,
+                                        bool shareRecords) const;
 
 private:
     std::string globalKey_;

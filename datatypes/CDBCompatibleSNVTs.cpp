@@ -65,6 +65,13 @@ std::shared_ptr<ICompatibleSNVTs> CDBCompatibleSNVTs::ICompatibleSNVTs_Merge(
     return common;
 }
 
+std::shared_ptr<CDBCompatibleSNVTs> CDBCompatibleSNVTs::Copy() const {
+    auto copy = std::make_shared<CDBCompatibleSNVTs>();
+    copy->items_ =
+        items_.Copied([](const std::shared_ptr<CDBCompatibleSNVT>& entry) { return entry; });
+    return copy;
+}
+
 std::shared_ptr<IObject> CDBCompatibleSNVTs::IClonable_Clone() {
     auto copy = std::make_shared<CDBCompatibleSNVTs>();
     for (const auto& entry : items_.Items()) {

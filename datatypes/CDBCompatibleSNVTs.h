@@ -30,6 +30,8 @@ public:
     // Internal. One id, or a comma-separated list whose first empty token ends it; ids that
     // are present already are passed over. Serves pending events before each token of a list.
     void AddList(const std::string& list);
+    // Internal. The same ids in a set of its own; the entries, which never change, are shared.
+    std::shared_ptr<CDBCompatibleSNVTs> Copy() const;
     // Throws when the id is not in the set.
     void RemoveEntry(const std::string& id);
 

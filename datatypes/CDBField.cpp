@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 #include "base/CheckedMath.h"
 #include "base/MMain.h"
@@ -43,6 +44,15 @@ std::string ShowInTypeUnit(CDBSNVTType& type, const std::string& stored, std::st
 }  // namespace
 
 CDBField::CDBField() = default;
+
+std::shared_ptr<CDBField> CDBField::CopyFor(std::shared_ptr<IUnitsProvider> parent) const {
+    auto copy = std::make_shared<CDBField>(*this);
+    if (snvtType_) {
+        copy->snvtType_ = snvtType_->Copy();
+    }
+    copy->parent_ = std::move(parent);
+    return copy;
+}
 
 // ---- IField --------------------------------------------------------------------------------
 
@@ -194,11 +204,11 @@ void CDBField::SetParent(std::shared_ptr<IUnitsProvider> attribute) {
 }
 
 void CDBField::SetGlobalKey(const std::string& prefix) {
-    globalKey_ = prefix + "\\" + name_;
+    globalKey_ = JoinKey(prefix, name_);
 }
 
 void CDBField::SetExtendedKey(const std::string& prefix) {
-    extendedKey_ = prefix + "\\" + name_;
+    extendedKey_ = JoinKey(prefix, name_);
 }
 
 void CDBField::SetFieldMin(const std::string& v) {
@@ -233,14 +243,12 @@ std::string CDBField::WriteIntelStream(std::string image, int32_t position) {
 
 std::string CDBField::Write(std::string image, int32_t position, bool intel) {
     CDBSNVTType& type = Need(snvtType_);
-    std::string copy = value_;
     const TypeClass typeClass = ClassOf(type);
     const int32_t length = type.ISNVType_Length();
     const int16_t a = NarrowToInt16(type.ISNVType_ACoef());
     const int16_t b = NarrowToInt16(type.ISNVType_BCoef());
     const int16_t c = NarrowToInt16(type.ISNVType_CCoef());
-    const std::string digits = intel ? EncodeIntelStream(copy, typeClass, length, a, b, c)
-                                     : EncodeStream(copy, typeClass, length, a, b, c);
+    const std::string digits = EncodeDigits(value_, typeClass, length, a, b, c, intel);
     // Each field is turned by itself: its place is the same in both byte orders.
     const int32_t place = CheckedInt32(static_cast<int64_t>(offset_) + position);
     const int32_t digitPosition = CheckedInt32(static_cast<int64_t>(place) * 2);

@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
-#include "interfaces/IUnitsProvider.h"
 #include "interfaces/IField.h"
 #include "interfaces/IHostServices.h"
+#include "interfaces/IUnitsProvider.h"
 
 namespace zerbin {
 
@@ -71,6 +71,8 @@ public:
     std::string FieldMax();
     // The concrete record, for the owning attribute.
     std::shared_ptr<CDBSNVTType> Type();
+    // Internal. The field as its definition left it, with a record of its own, under parent.
+    std::shared_ptr<CDBField> CopyFor(std::shared_ptr<IUnitsProvider> parent) const;
     // Writes this field's digits at Offset + position; the image never grows. Throws when a
     // coefficient does not fit 16 bits or the place starts past the end of the image.
     std::string WriteStream(std::string image, int32_t position);

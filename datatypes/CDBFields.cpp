@@ -11,6 +11,13 @@
 
 namespace zerbin {
 
+std::shared_ptr<CDBFields> CDBFields::CopyFor(const std::shared_ptr<IUnitsProvider>& parent) const {
+    auto copy = std::make_shared<CDBFields>();
+    copy->items_ = items_.Copied(
+        [&](const std::shared_ptr<CDBField>& field) { return field->CopyFor(parent); });
+    return copy;
+}
+
 int32_t CDBFields::IFields_Count() {
     return items_.Count();
 }

@@ -26,6 +26,8 @@ public:
     // The concrete fields, in order.
     const std::vector<std::shared_ptr<CDBField>>& Fields() const;
     std::shared_ptr<CDBField> Item(const std::string& key) const;
+    // Internal. Every field copied (CDBField::CopyFor) under parent, keys and order kept.
+    std::shared_ptr<CDBFields> CopyFor(const std::shared_ptr<IUnitsProvider>& parent) const;
 
 private:
     KeyedCollection<CDBField> items_;

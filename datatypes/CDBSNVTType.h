@@ -54,6 +54,10 @@ public:
     void SetMin(const std::string& v);
     void SetMax(const std::string& v);
 
+    // Internal. A record of its own with the same fields, for a member that must be free to
+    // change its record without touching the one it was copied from.
+    std::shared_ptr<CDBSNVTType> Copy() const { return std::make_shared<CDBSNVTType>(*this); }
+
     // The edits that resolving an id makes to a record, worked out once per dictionary.
     struct Resolution;
 

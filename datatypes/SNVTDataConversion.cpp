@@ -97,15 +97,9 @@ std::string SingleBytes(float value, ByteOrder order) {
     return digits;
 }
 
-// EncodeBytes and EncodeIntelBytes in one: they differ in the order of bytes alone.
-std::string EncodeBytes(const std::string& text, uint8_t length, TypeClass typeClass,
+// The bytes of value, read already from text; text itself counts only for a Textual type.
+std::string EncodeValue(const std::string& text, float value, uint8_t length, TypeClass typeClass,
                         ByteOrder order) {
-    // A number that can't be read counts as 0 and a whole number that doesn't fit as 0:
-    // both steps are passed over, and the digits are made all the same.
-    float value = 0.0f;
-    SkipStep([&] {
-        value = CommaSeparator() ? LocaleNumber(text) : SaturatingSingle(LeadingNumber(text));
-    });
     int32_t whole = 0;
     SkipStep([&] { whole = ToInt32(value); });
 
@@ -149,12 +143,33 @@ std::string EncodeBytes(const std::string& text, uint8_t length, TypeClass typeC
     return {};
 }
 
+// EncodeBytes and EncodeIntelBytes in one: they differ in the order of bytes alone.
+std::string EncodeBytes(const std::string& text, uint8_t length, TypeClass typeClass,
+                        ByteOrder order) {
+    // A number that can't be read counts as 0 and a whole number that doesn't fit as 0:
+    // both steps are passed over, and the digits are made all the same.
+    float value = 0.0f;
+    SkipStep([&] {
+        value = CommaSeparator() ? LocaleNumber(text) : SaturatingSingle(LeadingNumber(text));
+    });
+    return EncodeValue(text, value, length, typeClass, order);
+}
+
+// True when the text FormatDouble writes for value reads back as value itself, so that the
+// scaled number need not be written and read again: with the point as separator, in the
+// range written without an exponent.
+bool ReadsBackAsItself(double value) {
+    const double magnitude = std::fabs(value);
+    return !CommaSeparator() && (magnitude == 0.0 || (magnitude >= 1e-4 && magnitude < 1e15));
+}
+
 // Beyond this a Textual value is not padded: no length of the image comes near it, and the
 // encoding fails on the length anyway.
 constexpr int32_t kMaxPadding = 1 << 16;
 
+// writeBack: value is left as the text that was encoded; otherwise it may be left as it was.
 std::string Encode(std::string& value, TypeClass typeClass, int32_t length, int16_t a, int16_t b,
-                   int16_t c, ByteOrder order) {
+                   int16_t c, ByteOrder order, bool writeBack = true) {
     try {
         if (typeClass == TypeClass::Textual) {
             if (length > kMaxPadding) {
@@ -175,7 +190,13 @@ std::string Encode(std::string& value, TypeClass typeClass, int32_t length, int1
                 // The SNVT scale, display = A * 10^B * (raw + C), solved for raw in exactly
                 // this order so that the digits match the devices' own tools.
                 const double x = n * std::pow(10.0, -b) / a - c;
-                value = FormatSingle(ToSingle(x));
+                const float scaled = ToSingle(x);
+                const double rounded = SevenDigits(scaled);
+                if (!writeBack && ReadsBackAsItself(rounded) && length >= 0 && length <= 255) {
+                    return EncodeValue({}, SaturatingSingle(rounded), static_cast<uint8_t>(length),
+                                       typeClass, order);
+                }
+                value = FormatDouble(rounded);
             }
         } else {
             value = NormalizeDecimal(value);
@@ -226,6 +247,13 @@ std::string EncodeStream(std::string& value, TypeClass typeClass, int32_t length
 std::string EncodeIntelStream(std::string& value, TypeClass typeClass, int32_t length, int16_t a,
                               int16_t b, int16_t c) {
     return Encode(value, typeClass, length, a, b, c, ByteOrder::Intel);
+}
+
+std::string EncodeDigits(const std::string& value, TypeClass typeClass, int32_t length, int16_t a,
+                         int16_t b, int16_t c, bool intel) {
+    std::string copy = value;
+    return Encode(copy, typeClass, length, a, b, c, intel ? ByteOrder::Intel : ByteOrder::BigEndian,
+                  false);
 }
 
 void OverwriteDigits(std::string& image, int32_t digitPosition, const std::string& digits,

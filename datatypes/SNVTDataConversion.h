@@ -22,6 +22,11 @@ std::string EncodeStream(std::string& value, TypeClass typeClass, int32_t length
 std::string EncodeIntelStream(std::string& value, TypeClass typeClass, int32_t length, int16_t a,
                               int16_t b, int16_t c);
 
+// The digits of EncodeStream (intel false) or EncodeIntelStream, leaving value as it is: what
+// an image needs, without the text of the scaled number.
+std::string EncodeDigits(const std::string& value, TypeClass typeClass, int32_t length, int16_t a,
+                         int16_t b, int16_t c, bool intel);
+
 // Overwrites image in place from the 0-based digit position, with at most maxDigits digits,
 // never growing the text. Throws zerbin::Error when position lies at or past the end.
 void OverwriteDigits(std::string& image, int32_t digitPosition, const std::string& digits,

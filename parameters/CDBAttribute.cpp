@@ -14,6 +14,23 @@ namespace zerbin {
 
 CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
 
+std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> owner,
+                                                    bool shareRecord) const {
+    auto copy = std::make_shared<CDBAttribute>(*this);
+    copy->callbacks_.Clear();
+    copy->editor_.reset();
+    copy->interceptor_.reset();
+    copy->parent_ = std::move(owner);
+    copy->sharedType_ = shareRecord && snvtType_;
+    if (snvtType_ && !shareRecord) {
+        copy->snvtType_ = snvtType_->Copy();
+    }
+    if (fields_) {
+        copy->fields_ = fields_->CopyFor(copy);
+    }
+    return copy;
+}
+
 IMemberOwner& CDBAttribute::Owner() const {
     return Need(std::dynamic_pointer_cast<IMemberOwner>(parent_));
 }
@@ -53,7 +70,18 @@ std::string CDBAttribute::IAttribute_GlobalKey() {
 }
 
 std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
+    if (snvtType_) {
+        OwnType();  // the host may change what it is handed
+    }
     return snvtType_;
+}
+
+CDBSNVTType& CDBAttribute::OwnType() const {
+    if (sharedType_) {
+        snvtType_ = Need(snvtType_).Copy();
+        sharedType_ = false;
+    }
+    return Need(snvtType_);
 }
 
 std::string CDBAttribute::IAttribute_DefaultValue() {
@@ -156,22 +184,22 @@ void CDBAttribute::CreateEditor() {
     SkipStep([&] { editor_ = CreateValueEditor(editorName); });
 }
 
-void CDBAttribute::SetGlobalKey(const std::string& key) {
-    globalKey_ = key;
+void CDBAttribute::SetGlobalKey(std::string key) {
     if (fields_) {
         for (const auto& field : fields_->Fields()) {
             field->SetGlobalKey(key);
         }
     }
+    globalKey_ = std::move(key);
 }
 
-void CDBAttribute::SetExtendedKey(const std::string& key) {
-    extendedKey_ = key;
+void CDBAttribute::SetExtendedKey(std::string key) {
     if (fields_) {
         for (const auto& field : fields_->Fields()) {
             field->SetExtendedKey(key);
         }
     }
+    extendedKey_ = std::move(key);
 }
 
 void CDBAttribute::ClearLoadedValue() {
@@ -239,6 +267,9 @@ std::shared_ptr<IUnitConverter> CDBAttribute::UnitsManager() {
 }
 
 std::shared_ptr<CDBSNVTType> CDBAttribute::Type() const {
+    if (snvtType_) {
+        OwnType();
+    }
     return snvtType_;
 }
 

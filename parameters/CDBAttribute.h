@@ -82,11 +82,18 @@ public:
     void SetName(const std::string& name);
     // Fills the attribute from its definition element; no failure leaves it.
     void LoadDefinition(pugi::xml_node node);
+    // A copy of the attribute as its definition and the block's creation left it, with fields
+    // of its own, under owner, with no listener, editor or interceptor: the member of a block
+    // made from a compiled type. Units, which never change, are shared. With shareRecord the
+    // type record is shared with this attribute until the copy changes it or hands it out;
+    // only an attribute that never changes (a compiled type's) may be copied so.
+    std::shared_ptr<CDBAttribute> CopyFor(std::shared_ptr<IAppObject> owner,
+                                          bool shareRecord) const;
     // A new editor for the class of the type, through the editor port; none when headless.
     void CreateEditor();
     // Store the key, then hand it to every field.
-    void SetGlobalKey(const std::string& key);
-    void SetExtendedKey(const std::string& key);
+    void SetGlobalKey(std::string key);
+    void SetExtendedKey(std::string key);
     // Empties Value right before a project load writes the saved one.
     void ClearLoadedValue();
     // The value write for a value saved in a project. A saved value was divided by DivideBy
@@ -173,6 +180,9 @@ private:
     void DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit, const std::string& converterTypeId,
                         bool change);
 
+    // The type record to change or hand out: a shared one is copied first.
+    CDBSNVTType& OwnType() const;
+
     // Stream (CDBAttributeStream.cpp).
     std::string WriteImage(std::string image, bool intel);
 
@@ -203,7 +213,9 @@ private:
     std::string tag_;
     std::string description_;
     std::shared_ptr<CDBUnits> units_;
-    std::shared_ptr<CDBSNVTType> snvtType_;
+    // Mutable for the copy on first change: reads that hand the record out are const.
+    mutable std::shared_ptr<CDBSNVTType> snvtType_;
+    mutable bool sharedType_ = false;
     std::shared_ptr<CDBFields> fields_;
     std::shared_ptr<IAppObject> parent_;
     std::string min_;

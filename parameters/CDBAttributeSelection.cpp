@@ -211,6 +211,9 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
 
     if (change) {
         snvtType_ = std::make_shared<CDBSNVTType>();
+        sharedType_ = false;
+    } else {
+        OwnType();
     }
 
     SkipStep([&] {

@@ -75,9 +75,7 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
     const int16_t a = NarrowToInt16(snvtType_->ISNVType_ACoef());
     const int16_t b = NarrowToInt16(snvtType_->ISNVType_BCoef());
     const int16_t c = NarrowToInt16(snvtType_->ISNVType_CCoef());
-    std::string copy = value_;
-    const std::string digits = intel ? EncodeIntelStream(copy, typeClass, length, a, b, c)
-                                     : EncodeStream(copy, typeClass, length, a, b, c);
+    const std::string digits = EncodeDigits(value_, typeClass, length, a, b, c, intel);
     OverwriteDigits(image, place, digits, DigitsOf(length));
     return image;
 }
@@ -86,7 +84,7 @@ void CDBAttribute::ApplyShortFloat() {
     shortFloatManaged_ = true;
     SkipStep([&] {
         if (ClassOf(*snvtType_) == TypeClass::Float && !isKeepFloatStandard_) {
-            snvtType_->SetLength(2);
+            OwnType().SetLength(2);
         }
     });
 }

@@ -66,6 +66,9 @@ std::string CDBAttribute::StructToken(const std::string& text, int32_t index) co
 }
 
 void CDBAttribute::RaiseAttributeChanged(bool absorb) {
+    if (callbacks_.size() == 0) {
+        return;  // a project load writes every value of every block, mostly unheard
+    }
     const std::string key = globalKey_;
     callbacks_.Raise([&](IcbkAppObject& listener) {
         RunStep(absorb, [&] { listener.IcbkAppObject_AttributeChanged(key); });

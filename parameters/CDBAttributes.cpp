@@ -1,5 +1,7 @@
 #include "parameters/CDBAttributes.h"
 
+#include "base/MMain.h"
+
 namespace zerbin {
 
 CDBAttributes::~CDBAttributes() {
@@ -14,6 +16,10 @@ int32_t CDBAttributes::IAttributes_Count() {
 
 std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& Key) {
     return items_.Item(Key);
+}
+
+std::shared_ptr<CDBAttribute> CDBAttributes::Item(const std::string& key) const {
+    return items_.Item(key);
 }
 
 std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
@@ -53,15 +59,24 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
 void CDBAttributes::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     for (const auto& attribute : items_.Items()) {
-        attribute->SetGlobalKey(key + "\\" + attribute->IAttribute_Name());
+        attribute->SetGlobalKey(JoinKey(key, attribute->IAttribute_Name()));
     }
 }
 
 void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     for (const auto& attribute : items_.Items()) {
-        attribute->SetExtendedKey(key + "\\" + attribute->IAttribute_Name());
+        attribute->SetExtendedKey(JoinKey(key, attribute->IAttribute_Name()));
     }
+}
+
+std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(const std::shared_ptr<IAppObject>& owner,
+                                                      bool shareRecords) const {
+    auto copy = std::make_shared<CDBAttributes>();
+    copy->items_ = items_.Copied([&](const std::shared_ptr<CDBAttribute>& attribute) {
+        return attribute->CopyFor(owner, shareRecords);
+    });
+    return copy;
 }
 
 const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::Members() const {

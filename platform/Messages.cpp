@@ -33,13 +33,29 @@ std::shared_ptr<MessageSink>& SinkSlot() {
     return ProcessState::Get<InstalledSink>().sink;
 }
 
+// The innermost capture in force; each one links to the one it was opened in.
+ScopedMessageCapture* innermostCapture = nullptr;
+
 }  // namespace
 
 int ShowMessage(const std::string& text, const std::string& title, MessageIcon icon,
                 MessageButtons buttons) {
+    Message message{text, title, icon, buttons};
+    for (ScopedMessageCapture* capture = innermostCapture; capture != nullptr;
+         capture = capture->outer_) {
+        capture->messages_.push_back(message);
+    }
     // Hold the sink for the call: showing may run code that installs another one.
     const std::shared_ptr<MessageSink> sink = SinkSlot();
-    return sink->Show(Message{text, title, icon, buttons});
+    return sink->Show(message);
+}
+
+ScopedMessageCapture::ScopedMessageCapture() : outer_(innermostCapture) {
+    innermostCapture = this;
+}
+
+ScopedMessageCapture::~ScopedMessageCapture() {
+    innermostCapture = outer_;
 }
 
 void SetMessageSink(std::shared_ptr<MessageSink> sink) {

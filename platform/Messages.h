@@ -45,6 +45,26 @@ void SetMessageSink(std::shared_ptr<MessageSink> sink);
 // The sink in force; never nullptr.
 std::shared_ptr<MessageSink> CurrentMessageSink();
 
+// Keeps a copy of every message shown while it lives, the sink showing it all the same: what
+// the creation of a block type told the user, to be told again for each block made from it.
+// Captures nest; each one in force keeps the message.
+class ScopedMessageCapture {
+public:
+    ScopedMessageCapture();
+    ~ScopedMessageCapture();
+    ScopedMessageCapture(const ScopedMessageCapture&) = delete;
+    ScopedMessageCapture& operator=(const ScopedMessageCapture&) = delete;
+
+    const std::vector<Message>& Messages() const { return messages_; }
+    // Hands the messages kept so far to the caller.
+    std::vector<Message> Take() { return std::move(messages_); }
+
+private:
+    friend int ShowMessage(const std::string&, const std::string&, MessageIcon, MessageButtons);
+    std::vector<Message> messages_;
+    ScopedMessageCapture* outer_;
+};
+
 // Keeps every message shown and answers with a fixed button.
 class MessageRecorder : public MessageSink {
 public:

@@ -1,0 +1,43 @@
+#include "app_object/CompiledBlockType.h"
+
+#include <map>
+#include <tuple>
+#include <utility>
+
+#include "base/ProcessState.h"
+
+namespace zerbin {
+namespace {
+
+struct CompiledTypes {
+    std::map<CompiledTypeKey, std::shared_ptr<const CompiledBlockType>> types;
+};
+
+}  // namespace
+
+bool CompiledTypeKey::operator<(const CompiledTypeKey& other) const {
+    return std::tie(type, name, definition, ownerDevice, dictionary, decimalSeparator, unitSystem,
+                    manageShortFloat) <
+           std::tie(other.type, other.name, other.definition, other.ownerDevice, other.dictionary,
+                    other.decimalSeparator, other.unitSystem, other.manageShortFloat);
+}
+
+std::shared_ptr<const CompiledBlockType> FindCompiledType(const CompiledTypeKey& key) {
+    auto& types = ProcessState::Get<CompiledTypes>().types;
+    const auto found = types.find(key);
+    if (found == types.end()) {
+        return nullptr;
+    }
+    // A document freed and another made at the same address must not pass for it.
+    if (key.ownerDevice != nullptr && found->second->ownerDevice.expired()) {
+        types.erase(found);
+        return nullptr;
+    }
+    return found->second;
+}
+
+void AddCompiledType(CompiledTypeKey key, std::shared_ptr<const CompiledBlockType> type) {
+    ProcessState::Get<CompiledTypes>().types.insert_or_assign(std::move(key), std::move(type));
+}
+
+}  // namespace zerbin

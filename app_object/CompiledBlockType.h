@@ -1,0 +1,61 @@
+// A block type compiled once: the members that its definition, the dictionary and the
+// block's settings make, kept without an owner, the layout figures, and the messages their
+// making showed. Every later block of the same type under the same circumstances is made by
+// copying these members instead of reading the definition again, and its host hears the
+// same messages in the same order.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <pugixml.hpp>
+
+#include "platform/Messages.h"
+
+namespace zerbin {
+
+class CDBAttributes;
+class CDBInputs;
+class CDBOutputs;
+
+// Everything a creation reads besides the definition's own text. The documents are told apart
+// by identity: the compiled type holds the definition, and only a weak hold on the owner
+// device document, which is the host's.
+struct CompiledTypeKey {
+    std::string type;
+    std::string name;
+    const void* definition = nullptr;
+    const void* ownerDevice = nullptr;
+    uint64_t dictionary = 0;
+    std::string decimalSeparator;
+    int unitSystem = 0;
+    bool manageShortFloat = false;
+
+    bool operator<(const CompiledTypeKey& other) const;
+};
+
+struct CompiledBlockType {
+    std::shared_ptr<const pugi::xml_document> definition;
+    std::weak_ptr<const pugi::xml_document> ownerDevice;
+    // nullptr where the type has no member of that kind.
+    std::shared_ptr<CDBAttributes> attributes;
+    std::shared_ptr<CDBInputs> inputs;
+    std::shared_ptr<CDBOutputs> outputs;
+    std::vector<Message> messages;
+    int32_t cdbDimension = 0;
+    int32_t inputWidth = 0;
+    int32_t baseWidth = 0;
+    // A type selector's first value asks the block's host container about wires, so a block
+    // that has a container at creation is made from its definition.
+    bool hasTypeSelector = false;
+    // Unit-dependent attributes get a second editor once their unit is known.
+    bool hasUnitSelector = false;
+};
+
+// The compiled type for key, or nullptr; one whose owner device document has gone is dropped.
+std::shared_ptr<const CompiledBlockType> FindCompiledType(const CompiledTypeKey& key);
+void AddCompiledType(CompiledTypeKey key, std::shared_ptr<const CompiledBlockType> type);
+
+}  // namespace zerbin
