@@ -1,13 +1,8 @@
 // How the host shows a block: colour words and numbers, the icon of a type and the datasheet
 // viewer with its failure messages.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cstdint>
-#include <filesystem>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "platform/Messages.h"

@@ -1,13 +1,9 @@
 #include "base/MMain.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <memory>
 #include <new>
-#include <string>
 
 #include "base/SkipMode.h"
 #include "interfaces/Error.h"

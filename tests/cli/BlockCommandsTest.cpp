@@ -1,10 +1,5 @@
 // image, save, export and load on the shipped library: images checked against bytes worked
 // out by hand from the dictionary's scaling, and projects that go out and come back.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 

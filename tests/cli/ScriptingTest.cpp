@@ -1,12 +1,7 @@
 // The command as scripts use it: every failure ends in a message naming what failed and an
 // exit status, a failing block type does not end the run, and load prints one line a block.
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 

@@ -1,12 +1,7 @@
 // What a whole run does around the commands: the documents it reads, where it finds the
 // shipped data, and how the messages of the blocks reach the user.
-#include <gtest/gtest.h>
 
 #include <locale.h>
-#include <clocale>
-
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 

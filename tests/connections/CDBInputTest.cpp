@@ -1,12 +1,6 @@
 #include "connections/CDBInput.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"

@@ -1,10 +1,7 @@
 #include "datatypes/SNVTDataConversion.h"
 
-#include <gtest/gtest.h>
-
 #include <optional>
 #include <ostream>
-#include <string>
 #include <tuple>
 
 #include "interfaces/Error.h"

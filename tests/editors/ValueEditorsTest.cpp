@@ -1,6 +1,5 @@
 // The text, enumeration and bit field editors, what all editors do on Cancel, bad input in
 // every editor, and the Qt message box adapter.
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLabel>

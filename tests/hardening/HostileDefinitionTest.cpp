@@ -1,12 +1,6 @@
 // Definitions written by others, at their worst: nested beyond any call stack, with member
 // names that are no XML names, and type names that try to reach outside the block library.
 // Each ends with a defined outcome and leaves the host running.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "base/ProcessState.h"
 #include "interfaces/Error.h"

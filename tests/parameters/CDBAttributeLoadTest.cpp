@@ -1,7 +1,6 @@
 // Loading an attribute from its definition element: keys, elements, warnings, and the
 // branches for selectors, device lists, numbers and structures.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "connections/CDBInput.h"
 #include "connections/CDBOutput.h"

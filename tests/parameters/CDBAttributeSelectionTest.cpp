@@ -1,7 +1,6 @@
 // Type and unit selectors: the connection check in the macro view, what a change of type or
 // of unit sets off, and the derivation of unit-dependent attributes.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "datatypes/CDBSNVTType.h"
 #include "platform/Messages.h"

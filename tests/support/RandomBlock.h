@@ -2,19 +2,12 @@
 // save-then-load tests.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <ostream>
 #include <random>
-#include <string>
-#include <vector>
-
-#include <pugixml.hpp>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
