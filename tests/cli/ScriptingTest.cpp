@@ -20,6 +20,9 @@ void ExpectRows(const std::vector<Row>& rows) {
         const ProgramResult result = RunProgram(row.args);
         EXPECT_EQ(result.status, row.status);
         EXPECT_NE(result.err.find(row.err + "\n"), std::string::npos) << result.err;
+        if (row.status == 3) {
+            EXPECT_EQ(result.out, "");
+        }
     }
 }
 
@@ -36,7 +39,21 @@ TEST(Scripting, EveryUnreadableFileExitsThreeWithItsNameAndTheReason) {
     const std::string project =
         folder.Write("p.xml", "<Project><PIPE/><THERMOSTAT/></Project>").string();
     const std::string readPipe = "cannot read definition '" + pipe + "': is a named pipe";
+    const std::string broken =
+        folder.Write("broken.xml", "<SNVTS>\n  <SNVT_105>\n</SNVTS>\n").string();
+    const std::string missing = (dir / "missing.xml").string();
+    const std::string mismatch = "': start-end tags mismatch at line 3, column 3";
     ExpectRows({
+        {{"--dictionary", broken, "types"},
+         3,
+         "zerbin: error: cannot read dictionary '" + broken + mismatch},
+        {{"load", broken}, 3, "zerbin: error: cannot read project '" + broken + mismatch},
+        {{"--device", missing, "check"},
+         3,
+         "zerbin: error: cannot read device document '" + missing + "': no such file or directory"},
+        {{"--library", missing, "types"},
+         3,
+         "zerbin: error: cannot read library '" + missing + "': no such file or directory"},
         {{"load", dir.string()},
          3,
          "zerbin: error: cannot read project '" + dir.string() + "': is a directory"},
