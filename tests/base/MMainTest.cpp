@@ -38,38 +38,32 @@ TEST(NthToken, PicksTokensByTheirSeparatorCount) {
 
 // ---- Hexadecimal digits ------------------------------------------------------------------
 
-TEST(HexByte, FormatsTheLowByteAndClampsTheCallersVariable) {
+// The byte form clamps only from above and formats the low byte; the word form clamps at
+// 65535. Both write the clamped value back into the caller's variable.
+TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
     struct Row {
+        bool word;
         int32_t value;
         const char* expected;
         int32_t afterwards;
     };
     const Row rows[] = {
-        {10, "0A", 10},
-        {256, "FF", 255},
-        {-1, "FF", -1},
-        {-44, "D4", -44},
-        {std::numeric_limits<int32_t>::min(), "00", std::numeric_limits<int32_t>::min()},
+        {false, 10, "0A", 10},
+        {false, 256, "FF", 255},
+        {false, -1, "FF", -1},
+        {false, -44, "D4", -44},
+        {false, std::numeric_limits<int32_t>::min(), "00", std::numeric_limits<int32_t>::min()},
+        {true, 65535, "FFFF", 65535},
+        {true, 65536, "FFFF", 65535},
+        {true, 258, "0102", 258},
     };
     for (const Row& row : rows) {
         int32_t value = row.value;
-        EXPECT_EQ(HexByte(value), row.expected) << row.value;
+        EXPECT_EQ(row.word ? HexWord(value) : HexByte(value), row.expected) << row.value;
         EXPECT_EQ(value, row.afterwards) << row.value;
-        EXPECT_EQ(HexByteOf(row.value), row.expected) << row.value;
-    }
-}
-
-TEST(HexWord, FormatsBothBytesAndClampsAbove65535) {
-    struct Row {
-        int32_t value;
-        const char* expected;
-        int32_t afterwards;
-    };
-    const Row rows[] = {{65535, "FFFF", 65535}, {65536, "FFFF", 65535}, {258, "0102", 258}};
-    for (const Row& row : rows) {
-        int32_t value = row.value;
-        EXPECT_EQ(HexWord(value), row.expected) << row.value;
-        EXPECT_EQ(value, row.afterwards) << row.value;
+        if (!row.word) {
+            EXPECT_EQ(HexByteOf(row.value), row.expected) << row.value;
+        }
     }
 }
 
