@@ -69,14 +69,12 @@ TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
 
 // ---- Reference codes -----------------------------------------------------------------------
 
-TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwo) {
+TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_EQ(NvReferenceCode(3, 2), 2 * 256 + 16384 + 3);
     EXPECT_EQ(HexWordOf(NvReferenceCode(3, 2)), "4203");
     EXPECT_EQ(NvReferenceCode(256, 0), 0x4100);  // an export index past 255 carries over
     EXPECT_EQ(NvReferenceCode(0, -64), 0);
-}
-
-TEST(NvReferenceCode, ThrowsWhenAnyStepLeavesTheInt32Range) {
+    // Each step is checked against the 32-bit range, not only the result.
     EXPECT_THROW(NvReferenceCode(0, 8388608), OverflowError);       // the product
     EXPECT_THROW(NvReferenceCode(-20000, 8388607), OverflowError);  // late recovery is no help
     EXPECT_EQ(NvReferenceCode(255, 8388543), std::numeric_limits<int32_t>::max());
