@@ -1,11 +1,6 @@
 // Creating the members from the definition's three sections and laying them out in the CDB:
 // each fixture block type is one row with the messages, the length and the positions it gives.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <map>
-#include <string>
-#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "connections/CDBInputs.h"

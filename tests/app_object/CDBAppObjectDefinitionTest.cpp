@@ -1,11 +1,6 @@
 // Finding, parsing and sharing the definition document of a block type, reading its header,
 // and looking for a datasheet.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "platform/Messages.h"

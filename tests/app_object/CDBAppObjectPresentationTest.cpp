@@ -1,13 +1,8 @@
 // How the host shows a block: colour words and numbers, the icon of a type and the datasheet
 // viewer with its failure messages.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <cstdint>
-#include <filesystem>
 #include <optional>
-#include <string>
-#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "platform/Messages.h"
@@ -50,37 +45,28 @@ TEST(Colour, WordsAndNumbersOfTheTableReadAsNumbersAndOthersAsZero) {
 // The smallest file that reads as an icon: the directory header of one image.
 const std::string kIconBytes = std::string("\0\0\1\0\1\0icon body", 15);
 
-TEST(Icon, FallsBackToTheComponentsOwnIcon) {
+TEST(Icon, IsTheTypesOwnOrTheComponentsAndIsReadOnce) {
     TempLibrary library;
     ScopedMessageRecorder messages;  // Broken and the escaping name have no definition
     const std::string plain = "Plain";
     const std::string broken = "Broken";
+    const std::string pictured = "Pictured";
     library.WriteDefinition(plain, HeaderOnlyDefinition(""));
+    library.WriteDefinition(pictured, HeaderOnlyDefinition(""));
     library.WriteFile(std::filesystem::path(broken) / (broken + ".ico"), "not an icon");
-
+    library.WriteFile(std::filesystem::path(pictured) / (pictured + ".ico"), kIconBytes);
     const auto icon = InitBlock(plain)->IAppObject_Icon();
     // A later .ico changes nothing: the type's icon is in the store.
     library.WriteFile(std::filesystem::path(plain) / (plain + ".ico"), kIconBytes);
-
     ASSERT_NE(icon, nullptr);
     EXPECT_EQ(icon->source, "TESSRA");
     EXPECT_EQ(InitBlock(plain)->IAppObject_Icon(), icon);
     EXPECT_EQ(InitBlock(broken)->IAppObject_Icon()->source, "TESSRA");
     EXPECT_EQ(InitBlock("../" + plain)->IAppObject_Icon()->source, "TESSRA");
-}
-
-TEST(Icon, ATypesOwnIconIsReadOnceAndShared) {
-    TempLibrary library;
-    const std::string type = "Pictured";
-    library.WriteDefinition(type, HeaderOnlyDefinition(""));
-    const std::filesystem::path file = std::filesystem::path(type) / (type + ".ico");
-    library.WriteFile(file, kIconBytes);
-
-    const auto icon = InitBlock(type)->IAppObject_Icon();
-    ASSERT_NE(icon, nullptr);
-    EXPECT_EQ(std::string(icon->bytes.begin(), icon->bytes.end()), kIconBytes);
-    std::filesystem::remove(library.Folder() / file);
-    EXPECT_EQ(InitBlock(type)->IAppObject_Icon(), icon);
+    const auto own = InitBlock(pictured)->IAppObject_Icon();
+    ASSERT_NE(own, nullptr);
+    EXPECT_EQ(std::string(own->bytes.begin(), own->bytes.end()), kIconBytes);
+    EXPECT_EQ(InitBlock(pictured)->IAppObject_Icon(), own);
 }
 
 // ---- Datasheet ------------------------------------------------------------------------------

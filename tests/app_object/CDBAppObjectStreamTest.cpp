@@ -1,9 +1,6 @@
 // The image of the CDB in both byte orders: golden images of the fixture blocks, the header
 // rules of the object ID, the 255-byte limit and the two failure reactions.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
 
 #include "app_object/CDBAppObject.h"
 #include "interfaces/Error.h"

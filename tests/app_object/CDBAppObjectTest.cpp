@@ -1,11 +1,6 @@
 // The frame of the application object: what it keeps for the host, the key scheme, the walks
 // that hand host state to the members, and taking a block apart.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <clocale>
-#include <memory>
-#include <string>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"

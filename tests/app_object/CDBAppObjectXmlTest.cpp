@@ -1,12 +1,6 @@
 // The block's subtree in project XML and in the lean form of other tools: the exact text
 // written, the reader's leniency, and save then load giving back the same block.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <sstream>
-#include <string>
-#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"

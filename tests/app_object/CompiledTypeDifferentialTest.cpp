@@ -2,37 +2,25 @@
 // that changes what a creation makes: short floats, the unit system, an owner device document
 // or none. The compiled types of the other settings are made first in the same process, so a
 // block that took one of them instead of its own shows here.
-#include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "app_object/CDBAppObject.h"
-#include "app_object/HostOrder.h"
 #include "base/ProcessState.h"
-#include "base/Xml.h"
 #include "datatypes/UnitConverter.h"
-#include "platform/Files.h"
-#include "platform/Messages.h"
+#include "tests/support/Blocks.h"
 #include "tests/support/RandomBlock.h"
 
 namespace zerbin {
 namespace {
 
-namespace fs = std::filesystem;
+using namespace testing;
 
 struct Library {
-    fs::path folder;
-    fs::path dictionary;
+    std::filesystem::path folder;
+    std::filesystem::path dictionary;
 };
 
 const Library kLibraries[] = {
-    {fs::path(ZERBIN_DATA_DIR) / "library", fs::path(ZERBIN_DATA_DIR) / "snvts.xml"},
-    {fs::path(ZERBIN_FIXTURES_DIR) / "app_object" / "library",
-     fs::path(ZERBIN_FIXTURES_DIR) / "app_object" / "snvt.xml"},
+    {DataDir() / "library", DataDir() / "snvts.xml"},
+    {FixturesDir() / "app_object" / "library", FixturesDir() / "app_object" / "snvt.xml"},
 };
 
 struct Setting {
@@ -64,7 +52,7 @@ void PrintTo(const Observed& o, std::ostream* out) {
 
 std::string Members(CDBAppObject& block) {
     std::string members;
-    for (const auto& attribute : testing::AttributesOf(block)) {
+    for (const auto& attribute : AttributesOf(block)) {
         const auto type = attribute->IAttribute_SNVTType();
         members +=
             attribute->IAttribute_Name() + " " +
@@ -82,45 +70,31 @@ std::string Members(CDBAppObject& block) {
 
 Observed Observe(const std::string& type, const Setting& setting,
                  const std::shared_ptr<const pugi::xml_document>& dictionary) {
-    static const auto device =
-        xml::LoadFile(fs::path(ZERBIN_DATA_DIR) / "devices" / "Controller.xml", nullptr);
+    static const auto device = Document(DataDir() / "devices" / "Controller.xml");
     SetUnitSystem(setting.units);
     Observed observed;
     ScopedMessageRecorder messages;
     const auto block = NewBlock(
         type, {dictionary, setting.device ? device : nullptr, setting.shortFloat, {}, {}, {}});
     observed.members = Members(*block);
-    testing::RandomValues values(20261125u);
-    testing::Randomize(*block, values);
-    observed.randomized = testing::Take(*block);
+    RandomValues values(20261125u);
+    Randomize(*block, values);
+    observed.randomized = Take(*block);
     block->IAppObject_Destroy();
-    observed.messages = testing::MessageTexts(messages);
+    observed.messages = MessageTexts(messages);
     SetUnitSystem(UnitSystem::SI);
     return observed;
-}
-
-std::vector<std::string> TypesOf(const fs::path& library) {
-    std::vector<std::string> types;
-    for (const auto& entry : fs::directory_iterator(library)) {
-        const std::string name = entry.path().filename().string();
-        if (fs::exists(entry.path() / (name + ".xml"))) {
-            types.push_back(name);
-        }
-    }
-    std::sort(types.begin(), types.end());
-    return types;
 }
 
 // A process as it starts, with the library set.
 void Restart(const Library& library) {
     ProcessState::Reset();
-    SetComponentFolder(library.folder / "component");
+    UseLibrary(library.folder);
 }
 
 TEST(CompiledType, EachSettingMakesTheBlocksAFreshCompilationMakes) {
     for (const Library& library : kLibraries) {
-        const auto dictionary = xml::LoadFile(library.dictionary, nullptr);
-        ASSERT_TRUE(dictionary);
+        const auto dictionary = Document(library.dictionary);
         for (const std::string& type : TypesOf(library.folder)) {
             SCOPED_TRACE(type);
             std::vector<Observed> fresh;

@@ -1,13 +1,9 @@
 #include "base/MMain.h"
 
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <memory>
 #include <new>
-#include <string>
 
 #include "base/SkipMode.h"
 #include "interfaces/Error.h"
@@ -42,51 +38,43 @@ TEST(NthToken, PicksTokensByTheirSeparatorCount) {
 
 // ---- Hexadecimal digits ------------------------------------------------------------------
 
-TEST(HexByte, FormatsTheLowByteAndClampsTheCallersVariable) {
+// The byte form clamps only from above and formats the low byte; the word form clamps at
+// 65535. Both write the clamped value back into the caller's variable.
+TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
     struct Row {
+        bool word;
         int32_t value;
         const char* expected;
         int32_t afterwards;
     };
     const Row rows[] = {
-        {10, "0A", 10},
-        {256, "FF", 255},
-        {-1, "FF", -1},
-        {-44, "D4", -44},
-        {std::numeric_limits<int32_t>::min(), "00", std::numeric_limits<int32_t>::min()},
+        {false, 10, "0A", 10},
+        {false, 256, "FF", 255},
+        {false, -1, "FF", -1},
+        {false, -44, "D4", -44},
+        {false, std::numeric_limits<int32_t>::min(), "00", std::numeric_limits<int32_t>::min()},
+        {true, 65535, "FFFF", 65535},
+        {true, 65536, "FFFF", 65535},
+        {true, 258, "0102", 258},
     };
     for (const Row& row : rows) {
         int32_t value = row.value;
-        EXPECT_EQ(HexByte(value), row.expected) << row.value;
+        EXPECT_EQ(row.word ? HexWord(value) : HexByte(value), row.expected) << row.value;
         EXPECT_EQ(value, row.afterwards) << row.value;
-        EXPECT_EQ(HexByteOf(row.value), row.expected) << row.value;
-    }
-}
-
-TEST(HexWord, FormatsBothBytesAndClampsAbove65535) {
-    struct Row {
-        int32_t value;
-        const char* expected;
-        int32_t afterwards;
-    };
-    const Row rows[] = {{65535, "FFFF", 65535}, {65536, "FFFF", 65535}, {258, "0102", 258}};
-    for (const Row& row : rows) {
-        int32_t value = row.value;
-        EXPECT_EQ(HexWord(value), row.expected) << row.value;
-        EXPECT_EQ(value, row.afterwards) << row.value;
+        if (!row.word) {
+            EXPECT_EQ(HexByteOf(row.value), row.expected) << row.value;
+        }
     }
 }
 
 // ---- Reference codes -----------------------------------------------------------------------
 
-TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwo) {
+TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_EQ(NvReferenceCode(3, 2), 2 * 256 + 16384 + 3);
     EXPECT_EQ(HexWordOf(NvReferenceCode(3, 2)), "4203");
     EXPECT_EQ(NvReferenceCode(256, 0), 0x4100);  // an export index past 255 carries over
     EXPECT_EQ(NvReferenceCode(0, -64), 0);
-}
-
-TEST(NvReferenceCode, ThrowsWhenAnyStepLeavesTheInt32Range) {
+    // Each step is checked against the 32-bit range, not only the result.
     EXPECT_THROW(NvReferenceCode(0, 8388608), OverflowError);       // the product
     EXPECT_THROW(NvReferenceCode(-20000, 8388607), OverflowError);  // late recovery is no help
     EXPECT_EQ(NvReferenceCode(255, 8388543), std::numeric_limits<int32_t>::max());

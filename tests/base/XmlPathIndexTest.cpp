@@ -1,10 +1,7 @@
 #include "base/XmlPathIndex.h"
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
 #include <new>
-#include <string>
 
 #include "base/Xml.h"
 #include "tests/support/TestSupport.h"

@@ -1,13 +1,6 @@
 #include "base/Xml.h"
 
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <string>
 
 #include "interfaces/Error.h"
 #include "tests/support/TestSupport.h"

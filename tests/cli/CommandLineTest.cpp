@@ -1,9 +1,5 @@
 // The shape of the command line, through the real program: every usage error ends with
 // status 2 and exactly one line on stderr, and nothing on stdout.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 

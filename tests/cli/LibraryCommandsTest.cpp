@@ -1,8 +1,4 @@
 // types and check on a library the test writes.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 

@@ -1,12 +1,7 @@
 // The command as scripts use it: every failure ends in a message naming what failed and an
 // exit status, a failing block type does not end the run, and load prints one line a block.
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
-
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 
@@ -41,14 +36,21 @@ TEST(Scripting, EveryUnreadableFileExitsThreeWithItsNameAndTheReason) {
     const std::string project =
         folder.Write("p.xml", "<Project><PIPE/><THERMOSTAT/></Project>").string();
     const std::string readPipe = "cannot read definition '" + pipe + "': is a named pipe";
+    const std::string broken =
+        folder.Write("broken.xml", "<SNVTS>\n  <SNVT_105>\n</SNVTS>\n").string();
+    const std::string missing = (dir / "missing.xml").string();
+    const std::string mismatch = "': start-end tags mismatch at line 3, column 3";
     ExpectRows({
-        {{"load", dir.string()},
+        {{"--dictionary", broken, "types"},
          3,
-         "zerbin: error: cannot read project '" + dir.string() + "': is a directory"},
-        {{"load", pipe}, 3, "zerbin: error: cannot read project '" + pipe + "': is a named pipe"},
-        {{"--dictionary", "/dev/zero", "types"},
+         "zerbin: error: cannot read dictionary '" + broken + mismatch},
+        {{"load", broken}, 3, "zerbin: error: cannot read project '" + broken + mismatch},
+        {{"--device", missing, "check"},
          3,
-         "zerbin: error: cannot read dictionary '/dev/zero': is a device"},
+         "zerbin: error: cannot read device document '" + missing + "': no such file or directory"},
+        {{"--library", missing, "types"},
+         3,
+         "zerbin: error: cannot read library '" + missing + "': no such file or directory"},
         {{"--library", lib, "image", "PIPE"}, 3, "zerbin: error: " + readPipe},
         {{"--library", lib, "check"},
          3,

@@ -1,8 +1,4 @@
 // show: the header, the members in the order of the CDB and the outputs of a new block.
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 

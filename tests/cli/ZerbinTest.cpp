@@ -1,46 +1,12 @@
-// What a whole run does around the commands: the documents it reads, where it finds the
-// shipped data, and how the messages of the blocks reach the user.
-#include <gtest/gtest.h>
+// What a whole run does around the commands: how the messages of the blocks reach the user,
+// and the user's locale.
 
 #include <locale.h>
-#include <clocale>
-
-#include <string>
-#include <vector>
 
 #include "tests/support/ProgramRunner.h"
 
 namespace zerbin::testing {
 namespace {
-
-constexpr const char* kBrokenXml = "<SNVTS>\n  <SNVT_105>\n</SNVTS>\n";
-
-TEST(Zerbin, UnreadableDocumentsExitThreeNamingFileAndReason) {
-    TempFolder folder;
-    const std::string broken = folder.Write("broken.xml", kBrokenXml).string();
-    const std::string missing = (folder.Path() / "missing.xml").string();
-    const std::string mismatch = "start-end tags mismatch at line 3, column 3";
-
-    struct Row {
-        std::vector<std::string> args;
-        std::string error;
-    };
-    const std::vector<Row> rows{
-        {{"--dictionary", broken, "types"}, "cannot read dictionary '" + broken + "': " + mismatch},
-        {{"--device", missing, "check"},
-         "cannot read device document '" + missing + "': no such file or directory"},
-        {{"load", broken}, "cannot read project '" + broken + "': " + mismatch},
-        {{"--library", missing, "types"},
-         "cannot read library '" + missing + "': no such file or directory"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(::testing::PrintToString(row.args));
-        const ProgramResult result = RunProgram(row.args);
-        EXPECT_EQ(result.status, 3);
-        EXPECT_EQ(result.err, "zerbin: error: " + row.error + "\n");
-        EXPECT_EQ(result.out, "");
-    }
-}
 
 TEST(Zerbin, MessagesOfTheBlocksGoToStderrAsTitleAndText) {
     // 999 is no type of the dictionary: the selector's write and the image both look it up.

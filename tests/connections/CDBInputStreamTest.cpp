@@ -1,10 +1,6 @@
 // The bytes an input contributes to the image, in both byte orders.
-#include <gtest/gtest.h>
 
-#include <cstdint>
 #include <limits>
-#include <memory>
-#include <string>
 
 #include "connections/CDBInput.h"
 #include "interfaces/Error.h"

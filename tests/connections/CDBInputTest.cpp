@@ -1,12 +1,6 @@
 #include "connections/CDBInput.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
@@ -164,22 +158,12 @@ TEST_F(InputTest, TypeChangeReplacesTheSetAndTellsEachListenerInPairs) {
 
 // ---- Connection and the length hand-over -----------------------------------------------------
 
-// Public, so that the rows of a table can arrange the fixture.
-class LengthHandOverTest : public InputTest {
-public:
-    LengthHandOverTest() {
-        attributes = std::make_shared<FakeAttributes>();
-        length = attributes->Add("Length");
-        block->attributes = attributes;
-        type31->SetLength(31);
-    }
-
-    std::shared_ptr<FakeAttributes> attributes;
-    std::shared_ptr<FakeAttribute> length;
-    std::shared_ptr<CDBSNVTType> type31 = std::make_shared<CDBSNVTType>();
-};
-
-TEST_F(LengthHandOverTest, ConnectingAndDisconnectingWriteTheLengthToTheNamedAttribute) {
+TEST_F(InputTest, ConnectingAndDisconnectingWriteTheLengthToTheNamedAttribute) {
+    auto attributes = std::make_shared<FakeAttributes>();
+    auto length = attributes->Add("Length");
+    block->attributes = attributes;
+    auto type31 = std::make_shared<CDBSNVTType>();
+    type31->SetLength(31);
     auto input = Load(R"(<In SENDLENGTHTO="length"/>)");
 
     input->ISubItemConnable_ConnectedType(type31);

@@ -3,11 +3,6 @@
 #include "connections/CDBInputs.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"

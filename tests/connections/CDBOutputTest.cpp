@@ -1,13 +1,6 @@
 #include "connections/CDBOutput.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "interfaces/Error.h"
 #include "platform/Messages.h"

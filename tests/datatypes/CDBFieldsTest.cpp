@@ -1,11 +1,5 @@
 #include "datatypes/CDBFields.h"
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "datatypes/CDBField.h"
 #include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"

@@ -1,11 +1,5 @@
 #include "datatypes/CDBSNVTType.h"
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "platform/Messages.h"
 #include "tests/support/TestSupport.h"
 

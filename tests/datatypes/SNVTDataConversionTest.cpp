@@ -1,10 +1,7 @@
 #include "datatypes/SNVTDataConversion.h"
 
-#include <gtest/gtest.h>
-
 #include <optional>
 #include <ostream>
-#include <string>
 #include <tuple>
 
 #include "interfaces/Error.h"
@@ -183,7 +180,7 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
     }
 }
 
-TEST(FormatDisplayValue, FindsTheLabelOfAValue) {
+TEST(FormatDisplayValue, FindsTheLabelOfAValueOrFailsOnABadEntry) {
     struct Row {
         const char* key;
         const char* desc;
@@ -197,15 +194,13 @@ TEST(FormatDisplayValue, FindsTheLabelOfAValue) {
         EXPECT_EQ(FormatDisplayValue(row.key, row.desc), row.label)
             << row.key << " in " << row.desc;
     }
-}
-
-TEST(FormatDisplayValue, AnEntryWithoutACommaFails) {
+    // An entry without a comma fails once the search reaches it.
     EXPECT_THROW(FormatDisplayValue("1", "0,OFF;junk"), Error);
     EXPECT_THROW(FormatDisplayValue("1", "junk;"), Error);
     EXPECT_EQ(FormatDisplayValue("0", "0,OFF;junk"), "OFF") << "found before the bad entry";
 }
 
-TEST(OverwriteDigits, ReplacesInPlaceAndNeverGrows) {
+TEST(OverwriteDigits, ReplacesInPlaceNeverGrowsAndThrowsPastTheEnd) {
     struct Row {
         const char* image;
         int32_t position;
@@ -223,9 +218,7 @@ TEST(OverwriteDigits, ReplacesInPlaceAndNeverGrows) {
         OverwriteDigits(image, row.position, row.digits, row.maxDigits);
         EXPECT_EQ(image, row.result) << row.position << " " << row.digits;
     }
-}
-
-TEST(OverwriteDigits, APlaceAtOrPastTheEndThrows) {
+    // A place at or past the end throws and leaves the image.
     std::string image = "0000";
     EXPECT_THROW(OverwriteDigits(image, 4, "AB", 2), Error);
     EXPECT_THROW(OverwriteDigits(image, -1, "AB", 2), Error);

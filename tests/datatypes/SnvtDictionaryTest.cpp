@@ -1,9 +1,5 @@
 #include "datatypes/SnvtDictionary.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 #include "base/Xml.h"
 #include "tests/support/TestSupport.h"
 

@@ -1,12 +1,8 @@
 #include "datatypes/UnitConverter.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <optional>
-#include <string>
 
 #include "base/MMain.h"
 #include "base/Xml.h"

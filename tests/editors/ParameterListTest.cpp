@@ -1,6 +1,5 @@
 // The parameter list on blocks of the shipped library, and the editor port that opens the
 // right window from IAttribute_SetValue.
-#include <QApplication>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>

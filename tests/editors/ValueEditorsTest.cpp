@@ -1,6 +1,5 @@
 // The text, enumeration and bit field editors, what all editors do on Cancel, bad input in
 // every editor, and the Qt message box adapter.
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
@@ -213,15 +212,13 @@ TEST(BitEditorFlip, ADoubleClickOrSpaceFlipsABitAndOkWritesEveryPoint) {
 
 // ---- Every value editor ------------------------------------------------------------------
 
-struct CancelRow {
-    const char* typeClass;
-    bool calledFromStructure;
-};
-
-class EditorCancel : public ::testing::TestWithParam<CancelRow> {};
+class EditorCancel : public ::testing::TestWithParam<std::tuple<const char*, bool>> {};
 
 TEST_P(EditorCancel, CancelPutsTheOldValueBackOnlyForTheStructureEditor) {
-    const CancelRow& row = GetParam();
+    const struct {
+        const char* typeClass;
+        bool calledFromStructure;
+    } row{std::get<0>(GetParam()), std::get<1>(GetParam())};
     ScopedDictionary dictionary(ShippedDictionary());
     auto point = std::make_shared<TestPoint>("Point", ShippedType("105"), "7");
     std::dynamic_pointer_cast<CDBSNVTType>(point->type)->SetGenType(row.typeClass);
@@ -236,12 +233,9 @@ TEST_P(EditorCancel, CancelPutsTheOldValueBackOnlyForTheStructureEditor) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Editors, EditorCancel,
-                         ::testing::Values(CancelRow{"SignedNumeric", false},
-                                           CancelRow{"SignedNumeric", true},
-                                           CancelRow{"Textual", false}, CancelRow{"Textual", true},
-                                           CancelRow{"Enum", false}, CancelRow{"Enum", true},
-                                           CancelRow{"Bitfield", false},
-                                           CancelRow{"Bitfield", true}));
+                         ::testing::Combine(::testing::Values("SignedNumeric", "Textual", "Enum",
+                                                              "Bitfield"),
+                                            ::testing::Bool()));
 
 struct BadRow {
     const char* typeClass;

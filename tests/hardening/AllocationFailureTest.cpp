@@ -5,13 +5,9 @@
 // run gives. This executable replaces the global operator new for that; the sanitizer build
 // checks that nothing leaks or is read after a failure. The XML documents allocate through
 // pugixml's own functions, which are left alone: their nodes are not failed here.
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
-#include <memory>
 #include <new>
-#include <string>
 
 #include "base/KeyedCollection.h"
 #include "base/ProcessState.h"

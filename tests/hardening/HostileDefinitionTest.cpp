@@ -1,12 +1,6 @@
 // Definitions written by others, at their worst: nested beyond any call stack, with member
 // names that are no XML names, and type names that try to reach outside the block library.
 // Each ends with a defined outcome and leaves the host running.
-#include <gtest/gtest.h>
-
-#include <cstdint>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "base/ProcessState.h"
 #include "interfaces/Error.h"
@@ -126,7 +120,8 @@ TEST(HostileDefinitionTest, InvalidXmlNameStopsTheSaveWithAnError) {
 
 // Each type name below would reach a definition file that the test planted outside the
 // library (or, for the names the file system can't hold, nothing at all). The block must
-// behave as for a type that does not exist and read none of them.
+// behave as for a type that does not exist and read none of them. Which names are unsafe is
+// the file layer's rule; here one of each way out.
 TEST(HostileDefinitionTest, TypeNameOutsideTheLibraryIsNotAvailable) {
     TempFolder tree;
     const std::filesystem::path root = tree.Path();
@@ -136,23 +131,14 @@ TEST(HostileDefinitionTest, TypeNameOutsideTheLibraryIsNotAvailable) {
         "</A></Attributes></AppObject>";
     const std::string absolute = (root / "ABS").string();
     // Where each name, taken as a path, would lead: library/<name>/<name>.xml, cut at a NUL.
-    tree.Write("TRAP.xml", trap);                       // "../TRAP"
-    tree.Write("TRAP/manual.pdf", "%PDF");              // "../TRAP", its datasheet
-    tree.Write("...xml", trap);                         // ".."
-    tree.Write("library/sub/TRAP/sub/TRAP.xml", trap);  // "sub/TRAP"
-    tree.Write("library/..\\TRAP/..\\TRAP.xml", trap);  // a backslash is a letter here
-    tree.Write("library/TRAP.xml", trap);               // "TRAP.xml", NUL, ...
-    tree.Write("ABS.xml", trap);                        // an absolute name
+    tree.Write("TRAP.xml", trap);           // "../TRAP"
+    tree.Write("TRAP/manual.pdf", "%PDF");  // "../TRAP", its datasheet
+    tree.Write("library/TRAP.xml", trap);   // "TRAP.xml", NUL, ...
+    tree.Write("ABS.xml", trap);            // an absolute name
 
     const std::string names[] = {
-        "../TRAP",
-        "..",
-        "sub/TRAP",
-        "..\\TRAP",
-        std::string("TRAP.xml\0/x", 11),
-        std::string("TRAP\0", 5),
-        absolute,
-        std::string(10000, 'A'),
+        "../TRAP", std::string("TRAP.xml\0/x", 11), std::string("TRAP\0", 5),
+        absolute,  std::string(10000, 'A'),
     };
     UseLibrary(root / "library");
     for (const std::string& name : names) {

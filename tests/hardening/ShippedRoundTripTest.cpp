@@ -2,15 +2,9 @@
 // alone or at either end, tabs, CR LF, empty structure fields), saved to project XML and
 // loaded into a new block, comes back with the same values, the same images and the same
 // XML, under either unit system.
-#include <gtest/gtest.h>
 
-#include <cstdint>
 #include <functional>
-#include <memory>
-#include <sstream>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "datatypes/UnitConverter.h"
 #include "tests/support/Blocks.h"

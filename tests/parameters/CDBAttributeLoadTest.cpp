@@ -1,7 +1,6 @@
 // Loading an attribute from its definition element: keys, elements, warnings, and the
 // branches for selectors, device lists, numbers and structures.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "connections/CDBInput.h"
 #include "connections/CDBOutput.h"
@@ -116,8 +115,19 @@ TEST_F(ParameterTest, AUnitSelectorListsItsChoicesAndTakesTheFirst) {
     EXPECT_EQ(units->SelectableUnits()->Item("celsius")->DifferentialTypeID, "120");
 }
 
-TEST_F(ParameterTest, ADefaultValueBeforeOrAfterASelectorOverridesItsFirstChoice) {
+// The block's own selector gives its first choice to the type-dependent members only; a
+// default before or after a selector's choices overrides that first choice.
+TEST_F(ParameterTest, ASelectorsFirstChoiceReachesTheTypeDependentMembersUnlessADefaultOverrides) {
     TestBlock block("PrmTypes");
+    auto type = block.Attribute("Type");
+    EXPECT_TRUE(type->IAttribute_IsType());
+    EXPECT_EQ(type->IAttribute_SNVTType()->ISNVType_EnumDesc(),
+              "105,Temperature;106,Mode;107,Percent;");
+    EXPECT_EQ(type->IAttribute_Value(), "105");
+    EXPECT_EQ(InputTypes(block, "In2"), "108");
+    auto outputs = block->IAppObject_Outputs();
+    EXPECT_EQ(outputs->IOutputs_Item("Out1")->IOutput_SNVTType()->ISNVType_ID(), "105");
+    EXPECT_EQ(outputs->IOutputs_Item("Out2")->IOutput_SNVTType()->ISNVType_ID(), "108");
     auto unitsBefore =
         Load(block, "<U1><DEFAULTVALUE>122</DEFAULTVALUE><UNITS><A>105</A><B>122</B></UNITS></U1>");
     auto unitsAfter =
@@ -136,20 +146,6 @@ TEST_F(ParameterTest, ADefaultValueBeforeOrAfterASelectorOverridesItsFirstChoice
     EXPECT_EQ(typesAfter->IAttribute_Value(), "107");
     EXPECT_EQ(typesAfter->IAttribute_DefaultValue(), "107");
     EXPECT_EQ(typesBefore->IAttribute_Value(), "107");
-}
-
-TEST_F(ParameterTest, ATypeSelectorsFirstChoiceReachesItsTypeDependentMembersOnly) {
-    TestBlock block("PrmTypes");
-    auto type = block.Attribute("Type");
-    EXPECT_TRUE(type->IAttribute_IsType());
-    EXPECT_EQ(type->IAttribute_SNVTType()->ISNVType_EnumDesc(),
-              "105,Temperature;106,Mode;107,Percent;");
-    EXPECT_EQ(type->IAttribute_Value(), "105");
-    EXPECT_EQ(InputTypes(block, "In1"), "105");
-    EXPECT_EQ(InputTypes(block, "In2"), "108");
-    auto outputs = block->IAppObject_Outputs();
-    EXPECT_EQ(outputs->IOutputs_Item("Out1")->IOutput_SNVTType()->ISNVType_ID(), "105");
-    EXPECT_EQ(outputs->IOutputs_Item("Out2")->IOutput_SNVTType()->ISNVType_ID(), "108");
 }
 
 TEST_F(ParameterTest, ADeviceDependentListComesFromTheOwnerDeviceDocument) {

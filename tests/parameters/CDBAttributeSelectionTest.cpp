@@ -1,7 +1,6 @@
 // Type and unit selectors: the connection check in the macro view, what a change of type or
 // of unit sets off, and the derivation of unit-dependent attributes.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "datatypes/CDBSNVTType.h"
 #include "platform/Messages.h"
@@ -165,6 +164,7 @@ TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners
     units->IAttribute_Value("122");
     EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_ID(), "122");
     EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_GenType(), "Float");
+    EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_Length(), 2) << "a managed short float";
     EXPECT_EQ(supply->IAttribute_Value(), "68");
     EXPECT_EQ(supply->IAttribute_Min(), NormalizeDecimal(converter->MinimumFor("122")));
     EXPECT_EQ(offset->IAttribute_SNVTType()->ISNVType_ID(), "123");
@@ -176,6 +176,9 @@ TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners
     EXPECT_THAT(interceptor->calls,
                 ElementsAre("DependentAttributeChanged(Supply)",
                             "DependentAttributeChanged(Offset)", "AttributeValueChanged(Units)"));
+    units->IAttribute_BackToDefault();
+    EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_ID(), "105");
+    EXPECT_EQ(supply->IAttribute_Value(), "20.5");
 
     units->IAttribute_Value("124");
     EXPECT_EQ(offset->IAttribute_SNVTType()->ISNVType_ID(), "124") << "Kelvin has no differential";
@@ -196,18 +199,6 @@ TEST_F(ParameterTest, OfSeveralUnitsOfTheSelectedTypeTheLastOneCounts) {
     auto supply = block.Attribute("Supply");
     EXPECT_EQ(supply->IAttribute_Value(), "20.5") << "the default of Celsius, not of Fahrenheit";
     EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_ID(), "105");
-}
-
-TEST_F(ParameterTest, AManagedShortFloatStaysShortAfterAChangeOfUnit) {
-    TestBlock block("PrmUnits", WithShortFloat(true));
-    auto units = block.Attribute("Units");
-    auto supply = block.Attribute("Supply");
-    units->IAttribute_Value("122");
-    EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_GenType(), "Float");
-    EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_Length(), 2);
-    units->IAttribute_BackToDefault();
-    EXPECT_EQ(supply->IAttribute_SNVTType()->ISNVType_ID(), "105");
-    EXPECT_EQ(supply->IAttribute_Value(), "20.5");
 }
 
 }  // namespace

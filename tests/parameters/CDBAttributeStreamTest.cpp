@@ -1,5 +1,4 @@
 // The bytes of each kind of attribute in the image, in both byte orders.
-#include <gtest/gtest.h>
 
 #include "interfaces/Error.h"
 #include "platform/Messages.h"

@@ -1,7 +1,6 @@
 // The value of an attribute: what a write stores, what the reads and the display forms give,
 // the return to the default, the macro terminal test, and bad input of every kind.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "datatypes/CDBField.h"
 #include "datatypes/CDBFields.h"

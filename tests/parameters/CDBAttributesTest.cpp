@@ -1,7 +1,6 @@
 // The collection of attributes and the model of one: keys, listeners, visibility,
 // the interceptor's place in the load, and the editor by class.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "datatypes/CDBField.h"
 #include "datatypes/CDBFields.h"

@@ -1,10 +1,5 @@
 #include "platform/Files.h"
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
-#include <string>
-
 #include "tests/support/TestSupport.h"
 
 namespace zerbin {

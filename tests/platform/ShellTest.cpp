@@ -1,12 +1,5 @@
 #include "platform/Shell.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
-
 #include "tests/support/TestSupport.h"
 
 namespace zerbin {

@@ -78,12 +78,13 @@ std::string Reference(StudioWindow& window, const std::string& key, const std::s
     return item->IDisplayItem_Reference();
 }
 
-std::string Value(StudioWindow& window, const std::string& key, const std::string& attribute) {
-    return window.Project()
-        .Block(key)
-        ->IAppObject_Attributes()
-        ->IAttributes_Item(attribute)
-        ->IAttribute_Value();
+std::shared_ptr<IAttribute> Attribute(StudioWindow& window, const std::string& key,
+                                      const std::string& name) {
+    return window.Project().Block(key)->IAppObject_Attributes()->IAttributes_Item(name);
+}
+
+std::string Value(StudioWindow& window, const std::string& key, const std::string& name) {
+    return Attribute(window, key, name)->IAttribute_Value();
 }
 
 }  // namespace
@@ -255,9 +256,8 @@ private slots:
         const std::shared_ptr<IAppObject> block = window_->Project().Block(thermostat);
         QCOMPARE(window_->Bytes().Image(false).toStdString(), block->IAppObject_Stream());
         QCOMPARE(window_->Bytes().Image(true).toStdString(), block->IAppObject_IntelStream());
-        const int position = block->IAppObject_Attributes()
-                                 ->IAttributes_Item("HeatSetpoint")
-                                 ->IAttribute_CDBPosition();
+        const int position =
+            Attribute(*window_, thermostat, "HeatSetpoint")->IAttribute_CDBPosition();
         QVERIFY(window_->Bytes().ToolTipAt(false, position).startsWith("HeatSetpoint"));
         // A value write shows at once.
         window_->Parameters().Edit("HeatSetpoint", "19");
@@ -284,11 +284,7 @@ private slots:
         QCOMPARE(list->parentWidget(), static_cast<QWidget*>(window_.get()));
         const int steps = window_->UndoStack().count();
         // What an editor does when the user confirms a value.
-        window_->Project()
-            .Block(thermostat)
-            ->IAppObject_Attributes()
-            ->IAttributes_Item("HeatSetpoint")
-            ->IAttribute_Value("18");
+        Attribute(*window_, thermostat, "HeatSetpoint")->IAttribute_Value("18");
         QTest::qWait(0);
         QCOMPARE(window_->UndoStack().count(), steps + 1);
         window_->UndoStack().undo();
@@ -302,13 +298,8 @@ private slots:
     // The unit system is a project setting: it shows in the values, is saved, and undoes.
     void usUnitsAreAProjectSettingThatUndoes() {
         const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
-        auto shown = [&] {
-            return window_->Project()
-                .Block(thermostat)
-                ->IAppObject_Attributes()
-                ->IAttributes_Item("HeatSetpoint")
-                ->IAttribute_DispValue();
-        };
+        const auto setpoint = Attribute(*window_, thermostat, "HeatSetpoint");
+        auto shown = [&] { return setpoint->IAttribute_DispValue(); };
         const std::string si = shown();
         window_->findChild<QAction*>("actionUsUnits")->trigger();
         QVERIFY(shown() != si);

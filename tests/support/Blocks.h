@@ -3,18 +3,10 @@
 // documents they read, each parsed once for the whole program.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <filesystem>
 #include <map>
-#include <memory>
-#include <string>
 #include <utility>
-#include <vector>
-
-#include <pugixml.hpp>
 
 #include "app_object/CDBAppObject.h"
 #include "app_object/HostOrder.h"

@@ -2,16 +2,11 @@
 // structure with fields of any class, and the modal window that a call opens.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QTimer>
 #include <QWidget>
 
 #include <functional>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "base/KeyedCollection.h"
 #include "datatypes/CDBSNVTType.h"

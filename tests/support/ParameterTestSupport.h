@@ -3,14 +3,6 @@
 // interceptor and the editors.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
-#include <pugixml.hpp>
-
 #include "base/Xml.h"
 #include "interfaces/IEditors.h"
 #include "interfaces/IHostServices.h"

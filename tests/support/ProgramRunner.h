@@ -6,14 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <sstream>
-#include <stdexcept>
-#include <string>
-#include <vector>
 
 #include "tests/support/TestSupport.h"
 

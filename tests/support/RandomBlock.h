@@ -2,19 +2,12 @@
 // save-then-load tests.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <ostream>
 #include <random>
-#include <string>
-#include <vector>
-
-#include <pugixml.hpp>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
@@ -59,17 +52,11 @@ inline SavedBlock Save(CDBAppObject& block) {
 // The codes of an enum description "0,OFF;1,ON;".
 inline std::vector<std::string> EnumCodes(const std::string& description) {
     std::vector<std::string> codes;
-    std::size_t at = 0;
-    while (at < description.size()) {
-        const std::size_t end = description.find(';', at);
-        const std::string entry = description.substr(at, end - at);
+    std::istringstream entries(description);
+    for (std::string entry; std::getline(entries, entry, ';');) {
         if (!entry.empty()) {
             codes.push_back(entry.substr(0, entry.find(',')));
         }
-        if (end == std::string::npos) {
-            break;
-        }
-        at = end + 1;
     }
     return codes;
 }
@@ -77,9 +64,7 @@ inline std::vector<std::string> EnumCodes(const std::string& description) {
 // A limit in stored form, with either separator, as a number; fallback when it has none.
 inline double Limit(const std::string& text, double fallback) {
     std::string point = text;
-    for (char& c : point) {
-        c = c == ',' ? '.' : c;
-    }
+    std::replace(point.begin(), point.end(), ',', '.');
     return point.empty() ? fallback : LeadingNumber(point);
 }
 
