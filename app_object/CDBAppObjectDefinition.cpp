@@ -8,6 +8,7 @@
 #include <string_view>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
@@ -53,39 +54,62 @@ std::string ExtensionWildcard(const std::string& extension) {
     return pattern;
 }
 
-// The first file matching stem + ".pdf", else stem + ".doc".
-std::optional<std::string> FirstDocument(const std::filesystem::path& folder,
-                                         const std::string& stem) {
-    if (auto pdf = FirstMatch(folder, stem + ExtensionWildcard("pdf"))) {
+// The first file that match finds for stem + ".pdf", else for stem + ".doc".
+template <typename Match>
+std::optional<std::string> FirstDocument(const Match& match, const std::string& stem) {
+    if (auto pdf = match(stem + ExtensionWildcard("pdf"))) {
         return pdf;
     }
-    return FirstMatch(folder, stem + ExtensionWildcard("doc"));
+    return match(stem + ExtensionWildcard("doc"));
+}
+
+// The shared datasheet folder, listed once per process: every type with an ID searches it,
+// and listing it again for each new type made the first block of a type cost more the larger
+// the library's datasheet collection grew.
+const std::vector<std::string>& SharedListing(const std::filesystem::path& shared) {
+    struct Listings {
+        std::map<std::string, std::vector<std::string>> byFolder;
+    };
+    auto& listings = ProcessState::Get<Listings>().byFolder;
+    auto listing = listings.find(shared.string());
+    if (listing == listings.end()) {
+        listing = listings.emplace(shared.string(), RegularFiles(shared)).first;
+    }
+    return listing->second;
 }
 
 // The full path of a type's datasheet, searched in its order: the type's folder, then, when
-// the type has an ID, the shared folder.
+// the type has an ID, the shared folder (from its one listing when listOnce).
 std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
-                                         const std::string& type, const std::string& id) {
+                                         const std::string& type, const std::string& id,
+                                         bool listOnce) {
     if (IsSafeTypeName(type)) {
-        if (auto file = FirstDocument(library / type, "*")) {
-            return (library / type / *file).string();
+        const std::filesystem::path own = library / type;
+        const auto inOwn = [&](const std::string& wildcard) { return FirstMatch(own, wildcard); };
+        if (auto file = FirstDocument(inOwn, "*")) {
+            return (own / *file).string();
         }
     }
     if (id.empty()) {
         return std::nullopt;
     }
     const std::filesystem::path shared = library / "DataSheets";
-    if (auto file = FirstDocument(shared, "pb_" + LiteralWildcard(id) + "_*")) {
+    const auto inShared = [&](const std::string& wildcard) {
+        return listOnce ? FirstMatch(SharedListing(shared), wildcard)
+                        : FirstMatch(shared, wildcard);
+    };
+    if (auto file = FirstDocument(inShared, "pb_" + LiteralWildcard(id) + "_*")) {
         return (shared / *file).string();
     }
     return std::nullopt;
 }
 
-// The folders of a type whose definition is in the store are listed once per process, as that
-// definition was parsed once: listing them again for every block of the type was most of the
-// cost of placing one. A type that did not load is searched each time, as it is loaded each
-// time. Keyed by the library as well, so that a host that points the component elsewhere is
-// searched afresh, and by the ID, which the header of a later type name may leave standing.
+// The folders of a type whose definition is in the store are searched once per process, as
+// that definition was parsed once: listing them again for every block of the type was most of
+// the cost of placing one. A type that did not load is searched afresh each time, as it is
+// loaded each time. Keyed by the library as well, so that a host that points the component
+// elsewhere is searched afresh, and by the ID, which the header of a later type name may leave
+// standing.
 const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& library,
                                                   const std::string& type, const std::string& id) {
     using Key = std::tuple<std::string, std::string, std::string>;
@@ -97,7 +121,7 @@ const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& l
     if (const auto known = found.find(key); known != found.end()) {
         return known->second;
     }
-    return found.emplace(std::move(key), FindDatasheet(library, type, id)).first->second;
+    return found.emplace(std::move(key), FindDatasheet(library, type, id, true)).first->second;
 }
 
 // What the header of a definition sets: an element that is absent, or whose text can't be
@@ -238,8 +262,9 @@ void CDBAppObject::LoadDefinitionHeader() {
 void CDBAppObject::SearchDatasheet() {
     const std::filesystem::path library = LibraryFolder();
     const bool known = definitionCache_->Store()->FindDocument(uniqueIdString_) != nullptr;
-    const std::optional<std::string> path = known ? CachedDatasheet(library, uniqueIdString_, id_)
-                                                  : FindDatasheet(library, uniqueIdString_, id_);
+    const std::optional<std::string> path =
+        known ? CachedDatasheet(library, uniqueIdString_, id_)
+              : FindDatasheet(library, uniqueIdString_, id_, false);
     if (path) {
         datasheetAvailable_ = true;
         datasheetPath_ = *path;

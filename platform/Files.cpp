@@ -8,6 +8,7 @@
 #include <memory>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 #include "base/ProcessState.h"
 
@@ -67,27 +68,57 @@ bool IsSharedObject(const std::filesystem::path& file) {
            file.extension() == ".dylib";
 }
 
-}  // namespace
-
-std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
-                                      const std::string& wildcard) {
-    // readdir rather than std::filesystem::directory_iterator: libstdc++ allocates inside a
-    // noexcept frame there, so running out of memory would end the process instead of
-    // reaching the caller.
+// Calls take(name) for each regular file of folder whose name matches wildcard (every one when
+// it is null), in listing order, while take answers true. readdir rather than
+// std::filesystem::directory_iterator: libstdc++ allocates inside a noexcept frame there, so
+// running out of memory would end the process instead of reaching the caller.
+template <typename Take>
+void EachRegularFile(const std::filesystem::path& folder, const char* wildcard, const Take& take) {
     struct CloseDir {
         void operator()(DIR* dir) const { closedir(dir); }
     };
     const std::unique_ptr<DIR, CloseDir> dir(opendir(folder.c_str()));
     if (!dir) {
-        return std::nullopt;
+        return;
     }
     while (const dirent* entry = readdir(dir.get())) {
-        if (fnmatch(wildcard.c_str(), entry->d_name, 0) != 0) {
+        if (wildcard != nullptr && fnmatch(wildcard, entry->d_name, 0) != 0) {
             continue;
         }
         std::string name = entry->d_name;
         struct stat status {};
-        if (stat((folder / name).c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+        if (stat((folder / name).c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+            !take(std::move(name))) {
+            return;
+        }
+    }
+}
+
+}  // namespace
+
+std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
+                                      const std::string& wildcard) {
+    std::optional<std::string> match;
+    EachRegularFile(folder, wildcard.c_str(), [&](std::string name) {
+        match = std::move(name);
+        return false;
+    });
+    return match;
+}
+
+std::vector<std::string> RegularFiles(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    EachRegularFile(folder, nullptr, [&](std::string name) {
+        names.push_back(std::move(name));
+        return true;
+    });
+    return names;
+}
+
+std::optional<std::string> FirstMatch(const std::vector<std::string>& names,
+                                      const std::string& wildcard) {
+    for (const std::string& name : names) {
+        if (fnmatch(wildcard.c_str(), name.c_str(), 0) == 0) {
             return name;
         }
     }

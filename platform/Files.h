@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zerbin {
 
@@ -14,6 +15,13 @@ namespace zerbin {
 // matches the wildcard by fnmatch rules ("*", "?", "[...]"). nullopt when none matches or the
 // folder cannot be read; never throws.
 std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
+                                      const std::string& wildcard);
+
+// The names of the regular files in a folder, in the order the directory listing gives; empty
+// when the folder cannot be read. Throws only std::bad_alloc.
+std::vector<std::string> RegularFiles(const std::filesystem::path& folder);
+// The first of names that matches the wildcard by the same rules as above.
+std::optional<std::string> FirstMatch(const std::vector<std::string>& names,
                                       const std::string& wildcard);
 
 // The folder of the component's own file (the shared library, or the program it is linked

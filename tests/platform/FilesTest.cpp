@@ -30,6 +30,7 @@ TEST_F(FirstMatchTest, MatchesRegularFilesByWildcard) {
         {"Folder.pdf", nullptr},  // a folder is not a file
         {"[Rr]eadme.*", "readme.txt"}, {"Pump", nullptr},
     };
+    const std::vector<std::string> listing = RegularFiles(dir_);
     for (const Row& row : rows) {
         const auto match = FirstMatch(dir_, row.wildcard);
         if (row.expected == nullptr) {
@@ -37,6 +38,8 @@ TEST_F(FirstMatchTest, MatchesRegularFilesByWildcard) {
         } else {
             EXPECT_EQ(match.value_or("<none>"), row.expected) << row.wildcard;
         }
+        // The folder listed once answers as the folder searched each time.
+        EXPECT_EQ(FirstMatch(listing, row.wildcard), match) << row.wildcard;
     }
 }
 
