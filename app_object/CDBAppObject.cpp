@@ -403,6 +403,7 @@ void CDBAppObject::IAppObject_Destroy() {
     inputs_.reset();
     outputs_.reset();
     attributes_.reset();
+    compiled_.reset();
     callbackList_.Clear();
 }
 

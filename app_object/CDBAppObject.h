@@ -196,6 +196,8 @@ private:
     std::shared_ptr<CDBAttributes> attributes_;
     std::shared_ptr<CDBInputs> inputs_;
     std::shared_ptr<CDBOutputs> outputs_;
+    // The type the members were copied from, whose image the block's image starts from.
+    std::shared_ptr<const CompiledBlockType> compiled_;
     std::string userName_;
     std::string key_;
     std::string uniqueId_;

@@ -78,6 +78,7 @@ void CDBAppObject::IAppObject_Create() {
     if (const auto compiled = FindCompiledType(key);
         compiled && !(compiled->hasTypeSelector && parent_)) {
         CreateFromCompiled(*compiled);
+        compiled_ = compiled;
         return;
     }
     ScopedMessageCapture capture;

@@ -5,15 +5,13 @@
 #include <utility>
 
 #include "app_object/CDBAppObject.h"
+#include "app_object/CompiledBlockType.h"
+#include "app_object/ImageSkeleton.h"
 #include "base/MMain.h"
-#include "connections/CDBInputs.h"
-#include "parameters/CDBAttributes.h"
 #include "platform/Messages.h"
 
 namespace zerbin {
 namespace {
-
-constexpr int32_t kHeaderBytes = 3;
 
 // The object ID as the image holds it: an ID beyond 32 bits throws OverflowError, which
 // goes to the caller of the image.
@@ -33,31 +31,13 @@ std::string CDBAppObject::ImageHeader(bool intelOrder) {
 }
 
 std::string CDBAppObject::ImageBody(std::string image, bool intelOrder) {
-    for (int32_t offset = 4; offset <= cdbDimension_; ++offset) {
-        image += "00";
+    if (const ImageSkeleton* skeleton = compiled_ ? compiled_->Skeleton(intelOrder) : nullptr;
+        skeleton && skeleton->Write(image, cdbDimension_, inputs_.get(), attributes_.get(),
+                                    compiled_->inputs.get(), compiled_->attributes.get())) {
+        return image;
     }
-    // Inputs before attributes: where positions overlap, the later writer wins. A member the
-    // layout passed by (no ordering number, or one the layout never reached) has no place
-    // and writes nothing: its position 0 would put its bytes over the header.
-    if (inputs_) {
-        for (const auto& input : inputs_->Members()) {
-            if (input->IInput_CDBPosition() < kHeaderBytes) {
-                continue;
-            }
-            image = intelOrder ? input->WriteIntelStream(std::move(image))
-                               : input->WriteStream(std::move(image));
-        }
-    }
-    if (attributes_) {
-        for (const auto& attribute : attributes_->Members()) {
-            if (attribute->IAttribute_CDBPosition() < kHeaderBytes) {
-                continue;
-            }
-            image = intelOrder ? attribute->WriteIntelStream(std::move(image))
-                               : attribute->WriteStream(std::move(image));
-        }
-    }
-    return image;
+    return ImageSkeleton::WriteMembers(std::move(image), cdbDimension_, inputs_.get(),
+                                       attributes_.get(), intelOrder);
 }
 
 std::string CDBAppObject::IAppObject_Stream() {

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "base/ProcessState.h"
+#include "connections/CDBInputs.h"
+#include "parameters/CDBAttributes.h"
 
 namespace zerbin {
 namespace {
@@ -20,6 +22,15 @@ bool CompiledTypeKey::operator<(const CompiledTypeKey& other) const {
                     manageShortFloat) <
            std::tie(other.type, other.name, other.definition, other.ownerDevice, other.dictionary,
                     other.decimalSeparator, other.unitSystem, other.manageShortFloat);
+}
+
+const ImageSkeleton* CompiledBlockType::Skeleton(bool intel) const {
+    SkeletonSlot& slot = skeletons_[intel ? 1 : 0];
+    if (!slot.built) {
+        slot.skeleton = ImageSkeleton::Build(cdbDimension, inputs.get(), attributes.get(), intel);
+        slot.built = true;
+    }
+    return slot.skeleton ? &*slot.skeleton : nullptr;
 }
 
 std::shared_ptr<const CompiledBlockType> FindCompiledType(const CompiledTypeKey& key) {

@@ -5,13 +5,16 @@
 // same messages in the same order.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <pugixml.hpp>
 
+#include "app_object/ImageSkeleton.h"
 #include "platform/Messages.h"
 
 namespace zerbin {
@@ -52,6 +55,19 @@ struct CompiledBlockType {
     bool hasTypeSelector = false;
     // Unit-dependent attributes get a second editor once their unit is known.
     bool hasUnitSelector = false;
+
+    // The type's image in that byte order (Intel when intel), built at the first image of a
+    // block of the type; nullptr where the type's members can't share one.
+    const ImageSkeleton* Skeleton(bool intel) const;
+
+private:
+    // Filled once, on first use, in an object that is otherwise never changed once shared:
+    // a type that is only placed, never imaged, does not pay for it.
+    struct SkeletonSlot {
+        bool built = false;
+        std::optional<ImageSkeleton> skeleton;
+    };
+    mutable std::array<SkeletonSlot, 2> skeletons_;
 };
 
 // The compiled type for key, or nullptr; one whose owner device document has gone is dropped.

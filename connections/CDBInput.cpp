@@ -324,6 +324,18 @@ std::string CDBInput::WriteIntelStream(std::string image) {
     return image;
 }
 
+DigitRange CDBInput::ImageRange() const {
+    const int64_t first = static_cast<int64_t>(cdbPosition_) * 2;
+    return {first, first + ReferenceDigits()};
+}
+
+ImageChange CDBInput::ImageChangeFrom(const CDBInput& prototype) const {
+    if (cdbPosition_ != prototype.cdbPosition_ || extended_ != prototype.extended_) {
+        return ImageChange::Other;
+    }
+    return value_ == prototype.value_ ? ImageChange::Same : ImageChange::SamePlace;
+}
+
 // ---- Private -------------------------------------------------------------------------------
 
 void CDBInput::HandOverLength(const std::string& text) {

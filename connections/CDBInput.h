@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "base/CallbackList.h"
+#include "datatypes/ImageDigits.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/ICanvasElement.h"
 #include "interfaces/IInput.h"
@@ -73,6 +74,10 @@ public:
     // a reference that is not hexadecimal.
     std::string WriteStream(std::string image);
     std::string WriteIntelStream(std::string image);
+    // The digits the reference may take in an image, and how this input's writing compares
+    // with that of the prototype it was copied from.
+    DigitRange ImageRange() const;
+    ImageChange ImageChangeFrom(const CDBInput& prototype) const;
 
 private:
     // Writes text to the attribute that SendLengthTo names; throws when there is none.

@@ -257,4 +257,14 @@ std::string CDBField::Write(std::string image, int32_t position, bool intel) {
     return image;
 }
 
+DigitRange CDBField::ImageRange(int32_t position) const {
+    const int64_t first = (static_cast<int64_t>(offset_) + position) * 2;
+    return {first, first + static_cast<int64_t>(Need(snvtType_).ISNVType_Length()) * 2};
+}
+
+bool CDBField::SameImageAs(const CDBField& prototype) const {
+    return offset_ == prototype.offset_ && value_ == prototype.value_ && snvtType_ &&
+           prototype.snvtType_ && SameEncoding(*snvtType_, *prototype.snvtType_);
+}
+
 }  // namespace zerbin

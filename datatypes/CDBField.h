@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "datatypes/ImageDigits.h"
 #include "interfaces/IField.h"
 #include "interfaces/IHostServices.h"
 #include "interfaces/IUnitsProvider.h"
@@ -77,6 +78,10 @@ public:
     // coefficient does not fit 16 bits or the place starts past the end of the image.
     std::string WriteStream(std::string image, int32_t position);
     std::string WriteIntelStream(std::string image, int32_t position);
+    // The digits this field may write for a structure at position, and whether it writes
+    // what prototype writes there.
+    DigitRange ImageRange(int32_t position) const;
+    bool SameImageAs(const CDBField& prototype) const;
 
 private:
     std::string Write(std::string image, int32_t position, bool intel);

@@ -12,6 +12,7 @@
 #include "base/MMain.h"
 #include "base/SkipMode.h"
 #include "base/Utf8.h"
+#include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
 
 namespace zerbin {
@@ -254,6 +255,14 @@ std::string EncodeDigits(const std::string& value, TypeClass typeClass, int32_t 
     std::string copy = value;
     return Encode(copy, typeClass, length, a, b, c, intel ? ByteOrder::Intel : ByteOrder::BigEndian,
                   false);
+}
+
+bool SameEncoding(CDBSNVTType& one, CDBSNVTType& other) {
+    return &one == &other ||
+           (one.ISNVType_Length() == other.ISNVType_Length() &&
+            one.ISNVType_ACoef() == other.ISNVType_ACoef() &&
+            one.ISNVType_BCoef() == other.ISNVType_BCoef() &&
+            one.ISNVType_CCoef() == other.ISNVType_CCoef() && ClassOf(one) == ClassOf(other));
 }
 
 void OverwriteDigits(std::string& image, int32_t digitPosition, const std::string& digits,

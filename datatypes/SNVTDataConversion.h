@@ -9,6 +9,8 @@
 
 namespace zerbin {
 
+class CDBSNVTType;
+
 // The label of key in an enum description "value,label;value,label;"; empty when not found.
 // Throws on an entry without ",".
 std::string FormatDisplayValue(const std::string& key, const std::string& enumDesc);
@@ -26,6 +28,9 @@ std::string EncodeIntelStream(std::string& value, TypeClass typeClass, int32_t l
 // an image needs, without the text of the scaled number.
 std::string EncodeDigits(const std::string& value, TypeClass typeClass, int32_t length, int16_t a,
                          int16_t b, int16_t c, bool intel);
+
+// True when the two records give every value the same digits: class, length, coefficients.
+bool SameEncoding(CDBSNVTType& one, CDBSNVTType& other);
 
 // Overwrites image in place from the 0-based digit position, with at most maxDigits digits,
 // never growing the text. Throws zerbin::Error when position lies at or past the end.

@@ -11,6 +11,7 @@
 
 #include "base/CallbackList.h"
 #include "base/SkipMode.h"
+#include "datatypes/ImageDigits.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"
 #include "interfaces/ICanvasElement.h"
@@ -115,6 +116,10 @@ public:
     // coefficient does not fit 16 bits or the place starts past the end of the image.
     std::string WriteStream(std::string image);
     std::string WriteIntelStream(std::string image);
+    // The digits this attribute may write in an image, and how its writing compares with that
+    // of the prototype it was copied from.
+    DigitRange ImageRange(bool intel) const;
+    ImageChange ImageChangeFrom(const CDBAttribute& prototype) const;
     // Internal. Cuts the references that would keep this attribute alive by themselves: the
     // fields' references back to it and the editor, which may hold it as its point. The
     // collection calls it when it goes; the attribute has no editor afterwards.

@@ -80,6 +80,56 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
     return image;
 }
 
+DigitRange CDBAttribute::ImageRange(bool intel) const {
+    if (toolOnly_) {
+        return {};
+    }
+    if (fields_) {
+        DigitRange hull;
+        for (const auto& field : fields_->Fields()) {
+            const DigitRange range = field->ImageRange(position_);
+            hull = hull.first == hull.last ? range
+                                           : DigitRange{std::min(hull.first, range.first),
+                                                        std::max(hull.last, range.last)};
+        }
+        return hull;
+    }
+    const int64_t first = DigitsOf(position_);
+    const bool standardFloat = !isUnit_ && !isType_ && isKeepFloatStandard_ && !intel;
+    return {first, first + (standardFloat ? 8 : DigitsOf(Need(snvtType_).ISNVType_Length()))};
+}
+
+ImageChange CDBAttribute::ImageChangeFrom(const CDBAttribute& prototype) const {
+    if (position_ != prototype.position_ || placeLength_ != prototype.placeLength_ ||
+        toolOnly_ != prototype.toolOnly_ ||
+        isKeepFloatStandard_ != prototype.isKeepFloatStandard_ || isUnit_ != prototype.isUnit_ ||
+        isType_ != prototype.isType_ || !fields_ != !prototype.fields_ || !snvtType_ ||
+        !prototype.snvtType_) {
+        return ImageChange::Other;
+    }
+    if (toolOnly_) {
+        return ImageChange::Same;
+    }
+    const bool sameRecord = SameEncoding(*snvtType_, *prototype.snvtType_);
+    if (fields_) {
+        // A structure is written field by field, each at a place of its own: only one that
+        // is exactly as the prototype's is taken from the type's image.
+        const auto& fields = fields_->Fields();
+        const auto& others = prototype.fields_->Fields();
+        bool same = sameRecord && fields.size() == others.size();
+        for (std::size_t i = 0; same && i < fields.size(); ++i) {
+            same = fields[i]->SameImageAs(*others[i]);
+        }
+        return same ? ImageChange::Same : ImageChange::Other;
+    }
+    if (sameRecord && value_ == prototype.value_) {
+        return ImageChange::Same;
+    }
+    return snvtType_->ISNVType_Length() == prototype.snvtType_->ISNVType_Length()
+               ? ImageChange::SamePlace
+               : ImageChange::Other;
+}
+
 void CDBAttribute::ApplyShortFloat() {
     shortFloatManaged_ = true;
     SkipStep([&] {

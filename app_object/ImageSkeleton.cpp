@@ -1,0 +1,176 @@
+#include "app_object/ImageSkeleton.h"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <utility>
+#include <vector>
+
+#include "base/MMain.h"
+#include "connections/CDBInput.h"
+#include "connections/CDBInputs.h"
+#include "datatypes/ImageDigits.h"
+#include "datatypes/SnvtDictionary.h"
+#include "parameters/CDBAttribute.h"
+#include "parameters/CDBAttributes.h"
+
+namespace zerbin {
+namespace {
+
+constexpr int32_t kHeaderBytes = 3;
+constexpr std::size_t kHeaderDigits = 2 * kHeaderBytes;
+
+template <class Member>
+const std::vector<std::shared_ptr<Member>>& MembersOf(const auto* collection) {
+    static const std::vector<std::shared_ptr<Member>> none;
+    return collection ? collection->Members() : none;
+}
+
+bool HasPlace(CDBInput& input) {
+    return input.IInput_CDBPosition() >= kHeaderBytes;
+}
+
+bool HasPlace(CDBAttribute& attribute) {
+    return attribute.IAttribute_CDBPosition() >= kHeaderBytes;
+}
+
+std::string Written(CDBInput& input, std::string image, bool intel) {
+    return intel ? input.WriteIntelStream(std::move(image)) : input.WriteStream(std::move(image));
+}
+
+std::string Written(CDBAttribute& attribute, std::string image, bool intel) {
+    return intel ? attribute.WriteIntelStream(std::move(image))
+                 : attribute.WriteStream(std::move(image));
+}
+
+DigitRange RangeOf(const CDBInput& input, bool) {
+    return input.ImageRange();
+}
+
+DigitRange RangeOf(const CDBAttribute& attribute, bool intel) {
+    return attribute.ImageRange(intel);
+}
+
+// Whether every member has one of the prototypes' places (true), and whether any has other
+// digits there (rewrite).
+template <class Member>
+bool Comparable(const std::vector<std::shared_ptr<Member>>& members,
+                const std::vector<std::shared_ptr<Member>>& prototypes, bool& rewrite) {
+    if (members.size() != prototypes.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        switch (members[i]->ImageChangeFrom(*prototypes[i])) {
+            case ImageChange::Same:
+                break;
+            case ImageChange::SamePlace:
+                rewrite = true;
+                break;
+            case ImageChange::Other:
+                return false;
+        }
+    }
+    return true;
+}
+
+// Back to the zero fill, then the member's digits: what the plain writing leaves there, as no
+// other member writes in its range.
+template <class Member>
+void Rewrite(std::string& image, const std::vector<std::shared_ptr<Member>>& members,
+             const std::vector<std::shared_ptr<Member>>& prototypes, bool intel) {
+    for (std::size_t i = 0; i < members.size(); ++i) {
+        Member& member = *members[i];
+        if (!HasPlace(member) || member.ImageChangeFrom(*prototypes[i]) != ImageChange::SamePlace) {
+            continue;
+        }
+        const DigitRange range = RangeOf(member, intel);
+        const auto size = static_cast<int64_t>(image.size());
+        const int64_t first = std::clamp<int64_t>(range.first, 0, size);
+        const int64_t last = std::clamp<int64_t>(range.last, first, size);
+        std::fill(image.begin() + first, image.begin() + last, '0');
+        image = Written(member, std::move(image), intel);
+    }
+}
+
+}  // namespace
+
+std::string ImageSkeleton::WriteMembers(std::string image, int32_t dimension,
+                                        const CDBInputs* inputs, const CDBAttributes* attributes,
+                                        bool intel) {
+    for (int32_t offset = 4; offset <= dimension; ++offset) {
+        image += "00";
+    }
+    for (const auto& input : MembersOf<CDBInput>(inputs)) {
+        if (HasPlace(*input)) {
+            image = Written(*input, std::move(image), intel);
+        }
+    }
+    for (const auto& attribute : MembersOf<CDBAttribute>(attributes)) {
+        if (HasPlace(*attribute)) {
+            image = Written(*attribute, std::move(image), intel);
+        }
+    }
+    return image;
+}
+
+std::optional<ImageSkeleton> ImageSkeleton::Build(int32_t dimension, const CDBInputs* inputs,
+                                                  const CDBAttributes* attributes, bool intel) {
+    ImageSkeleton skeleton;
+    std::vector<DigitRange> ranges;
+    try {
+        skeleton.digits_ =
+            WriteMembers(std::string(kHeaderDigits, '0'), dimension, inputs, attributes, intel);
+        const auto add = [&](const auto& members) {
+            for (const auto& member : members) {
+                if (HasPlace(*member)) {
+                    ranges.push_back(RangeOf(*member, intel));
+                }
+            }
+        };
+        add(MembersOf<CDBInput>(inputs));
+        add(MembersOf<CDBAttribute>(attributes));
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        return std::nullopt;  // the plain writing tells the user, block by block
+    }
+    std::erase_if(ranges, [](const DigitRange& range) { return range.first >= range.last; });
+    std::sort(ranges.begin(), ranges.end(),
+              [](const DigitRange& a, const DigitRange& b) { return a.first < b.first; });
+    for (std::size_t i = 1; i < ranges.size(); ++i) {
+        if (ranges[i].first < ranges[i - 1].last) {
+            return std::nullopt;
+        }
+    }
+    skeleton.dimension_ = dimension;
+    skeleton.intel_ = intel;
+    skeleton.dictionary_ = SnvtIndexGeneration();
+    skeleton.separator_ = DecimalSeparator();
+    return skeleton;
+}
+
+bool ImageSkeleton::Write(std::string& image, int32_t dimension, const CDBInputs* inputs,
+                          const CDBAttributes* attributes, const CDBInputs* prototypeInputs,
+                          const CDBAttributes* prototypeAttributes) const {
+    if (image.size() != kHeaderDigits || dimension != dimension_ ||
+        SnvtIndexGeneration() != dictionary_ || DecimalSeparator() != separator_) {
+        return false;
+    }
+    const auto& ownInputs = MembersOf<CDBInput>(inputs);
+    const auto& ownAttributes = MembersOf<CDBAttribute>(attributes);
+    const auto& inputPrototypes = MembersOf<CDBInput>(prototypeInputs);
+    const auto& attributePrototypes = MembersOf<CDBAttribute>(prototypeAttributes);
+    bool rewrite = false;
+    if (!Comparable(ownInputs, inputPrototypes, rewrite) ||
+        !Comparable(ownAttributes, attributePrototypes, rewrite)) {
+        return false;
+    }
+    image.append(digits_, kHeaderDigits);
+    if (rewrite) {
+        Rewrite(image, ownInputs, inputPrototypes, intel_);
+        Rewrite(image, ownAttributes, attributePrototypes, intel_);
+    }
+    return true;
+}
+
+}  // namespace zerbin
