@@ -71,6 +71,40 @@ INSTANTIATE_TEST_SUITE_P(
                       ImageRow{"NoMembers", "OnlyOutputs", false, "03004D", "034D00"}),
     [](const ::testing::TestParamInfo<ImageRow>& info) { return info.param.label; });
 
+// A later block of a type starts from the type's image: what it changed must read as it does
+// on the first block, which is made from the definition.
+TEST(Stream, ALaterBlockOfATypeShowsWhatItChanged) {
+    struct Change {
+        const char* type;
+        const char* member;
+        const char* value;
+        bool input;
+    };
+    const Change changes[] = {
+        {"LABEL", "Text", "Hall", false},
+        {"TYPE_MUX", "DataLength", "70000", false},  // no digits: its place is zero again
+        {"THERMOSTAT", "SpaceTemp", "4203", true},
+        {"TYPE_MUX", "DataType", "81", false},  // the members' lengths change
+    };
+    testing::UseLibrary(testing::DataDir() / "library");
+    for (const Change& change : changes) {
+        SCOPED_TRACE(std::string(change.type) + " " + change.member);
+        std::string images[2];
+        for (std::string& image : images) {
+            TestBlock block(change.type, testing::Shipped());
+            if (change.input) {
+                block->IAppObject_Inputs()->IInputs_Item(change.member)->IInput_Value(change.value);
+            } else {
+                block->IAppObject_Attributes()
+                    ->IAttributes_Item(change.member)
+                    ->IAttribute_Value(change.value);
+            }
+            image = block->IAppObject_Stream() + " " + block->IAppObject_IntelStream();
+        }
+        EXPECT_EQ(images[1], images[0]);
+    }
+}
+
 TEST(Stream, ABlockLongerThan255BytesIsCutAndItsLengthClamped) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     ScopedMessageRecorder messages;
