@@ -68,9 +68,10 @@ void CDBInput::IInput_changeType(const std::string& NewType) {
     snvtCompatibles_ = std::move(replacement);
     // Deliberately pair by pair rather than two rounds over the list: each listener hears of
     // the retyping as one event before the next listener is served.
-    callBacks_.Raise([this](IcbkAppObject& listener) {
-        listener.IcbkAppObject_ConnectionToBeDeleted(globalKey_);
-        listener.IcbkAppObject_RefInTypeChanged(globalKey_);
+    const std::string key = globalKey_.Of(name_);
+    callBacks_.Raise([&key](IcbkAppObject& listener) {
+        listener.IcbkAppObject_ConnectionToBeDeleted(key);
+        listener.IcbkAppObject_RefInTypeChanged(key);
     });
 }
 
@@ -111,7 +112,7 @@ std::string CDBInput::IInput_Name() {
 }
 
 std::string CDBInput::IInput_GlobalKey() {
-    return globalKey_;
+    return globalKey_.Of(name_);
 }
 
 bool CDBInput::IInput_Extended() {
@@ -135,7 +136,7 @@ std::shared_ptr<IAppObject> CDBInput::Iinput_Parent() {
 }
 
 std::string CDBInput::IInput_ExtendedKey() {
-    return extendedKey_;
+    return extendedKey_.Of(name_);
 }
 
 bool CDBInput::IInput_IsMacroConnected() {
@@ -152,7 +153,7 @@ bool CDBInput::IInput_IsMacroConnected() {
     for (const auto& group : groups) {
         std::shared_ptr<IMacroTerminals> terminals;
         SkipStep([&] { terminals = Need(group).Terminals(); });
-        if (TerminalsExpose(terminals, globalKey_)) {
+        if (TerminalsExpose(terminals, globalKey_.Of(name_))) {
             return true;
         }
         bool hasFields = false;
@@ -169,7 +170,7 @@ bool CDBInput::IInput_IsMacroConnected() {
                 fieldTerminals =
                     Need(std::dynamic_pointer_cast<IMacroFieldGroup>(entry)).Terminals();
             });
-            if (TerminalsExpose(fieldTerminals, globalKey_)) {
+            if (TerminalsExpose(fieldTerminals, globalKey_.Of(name_))) {
                 return true;
             }
         }
@@ -220,7 +221,7 @@ int32_t CDBInput::ISubItemConnable_ItemType() {
 }
 
 std::string CDBInput::ISubItemConnable_GlobalKey() {
-    return globalKey_;
+    return globalKey_.Of(name_);
 }
 
 std::string CDBInput::ISubItemConnable_Name() {
@@ -240,11 +241,11 @@ bool CDBInput::ISubItemConnable_IsSNVTCompatible(const std::string& sId) {
 
 // ---- Internal ------------------------------------------------------------------------------
 
-void CDBInput::SetGlobalKey(std::string v) {
+void CDBInput::SetGlobalKey(MemberKey v) {
     globalKey_ = std::move(v);
 }
 
-void CDBInput::SetExtendedKey(std::string v) {
+void CDBInput::SetExtendedKey(MemberKey v) {
     extendedKey_ = std::move(v);
 }
 

@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "base/CallbackList.h"
+#include "base/MemberKey.h"
 #include "datatypes/ImageDigits.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/ICanvasElement.h"
@@ -58,8 +59,8 @@ public:
     bool ISubItemConnable_IsSNVTCompatible(const std::string& sId) override;
 
     // Internal.
-    void SetGlobalKey(std::string v);
-    void SetExtendedKey(std::string v);
+    void SetGlobalKey(MemberKey v);
+    void SetExtendedKey(MemberKey v);
     void SetName(const std::string& v);
     // Reads the input's element; throws on a child without text, so that creation reports it.
     void LoadDefinition(pugi::xml_node node);
@@ -91,7 +92,7 @@ private:
     std::shared_ptr<ISNVType> connectedType_;
     bool isConnected_ = false;
     int32_t index_ = 0;
-    std::string globalKey_;
+    MemberKey globalKey_;
     std::string name_;
     bool visible_ = false;
     bool isTypeDependent_ = false;
@@ -104,7 +105,7 @@ private:
     std::shared_ptr<CDBCompatibleSNVTs> snvtCompatibles_;
     CallbackList<IcbkAppObject> callBacks_;
     std::string sendLengthTo_;
-    std::string extendedKey_;
+    MemberKey extendedKey_;
 };
 
 }  // namespace zerbin

@@ -57,15 +57,17 @@ int32_t CDBInputs::MaxNameLength() const {
 
 void CDBInputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
+    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
     for (const auto& input : items_.Items()) {
-        input->SetGlobalKey(JoinKey(key, input->IInput_Name()));
+        input->SetGlobalKey(under);
     }
 }
 
 void CDBInputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
+    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
     for (const auto& input : items_.Items()) {
-        input->SetExtendedKey(JoinKey(key, input->IInput_Name()));
+        input->SetExtendedKey(under);
     }
 }
 

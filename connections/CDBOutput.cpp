@@ -68,9 +68,10 @@ void CDBOutput::IOutput_changeType(const std::string& NewType) {
     type->ResolveByID(NewType);
     snvtType_ = std::move(type);
     // Each listener gets its pair before the next one hears anything, as for an input.
-    callBacks_.Raise([this](IcbkAppObject& listener) {
-        listener.IcbkAppObject_ConnectionToBeDeleted(globalKey_);
-        listener.IcbkAppObject_RefOutTypeChanged(globalKey_);
+    const std::string key = globalKey_.Of(name_);
+    callBacks_.Raise([&key](IcbkAppObject& listener) {
+        listener.IcbkAppObject_ConnectionToBeDeleted(key);
+        listener.IcbkAppObject_RefOutTypeChanged(key);
     });
 }
 
@@ -87,7 +88,7 @@ std::string CDBOutput::IOutput_Name() {
 }
 
 std::string CDBOutput::IOutput_GlobalKey() {
-    return globalKey_;
+    return globalKey_.Of(name_);
 }
 
 int32_t CDBOutput::IOutput_Index() {
@@ -117,7 +118,7 @@ bool CDBOutput::IOutput_IsTypeDependent() {
 }
 
 std::string CDBOutput::IOutput_ExtendedKey() {
-    return extendedKey_;
+    return extendedKey_.Of(name_);
 }
 
 bool CDBOutput::IOutput_IsMacroConnected() {
@@ -135,7 +136,7 @@ bool CDBOutput::IOutput_IsMacroConnected() {
         bool match = false;
         SkipStep([&] {
             auto terminal = Need(group).Terminal();
-            match = terminal && terminal->ItemKey() == globalKey_;
+            match = terminal && terminal->ItemKey() == globalKey_.Of(name_);
         });
         if (match) {
             return true;
@@ -165,7 +166,7 @@ void CDBOutput::IDisplayItem_DisplayText(const std::string& v) {
 }
 
 std::string CDBOutput::IDisplayItem_Key() {
-    return extendedKey_;
+    return extendedKey_.Of(name_);
 }
 
 int32_t CDBOutput::IDisplayItem_itemType() {
@@ -241,7 +242,7 @@ int32_t CDBOutput::ISubItemConnable_ItemType() {
 }
 
 std::string CDBOutput::ISubItemConnable_GlobalKey() {
-    return globalKey_;
+    return globalKey_.Of(name_);
 }
 
 std::string CDBOutput::ISubItemConnable_Name() {
@@ -259,7 +260,7 @@ bool CDBOutput::ISubItemConnable_IsSNVTCompatible(const std::string& sId) {
 
 // ---- Internal ------------------------------------------------------------------------------
 
-void CDBOutput::SetGlobalKey(std::string v) {
+void CDBOutput::SetGlobalKey(MemberKey v) {
     globalKey_ = std::move(v);
 }
 
@@ -300,7 +301,7 @@ void CDBOutput::SetParent(std::shared_ptr<IAppObject> parent) {
     parent_ = std::move(parent);
 }
 
-void CDBOutput::SetExtendedKey(std::string v) {
+void CDBOutput::SetExtendedKey(MemberKey v) {
     extendedKey_ = std::move(v);
 }
 

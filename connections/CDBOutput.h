@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "base/CallbackList.h"
+#include "base/MemberKey.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/ICanvasElement.h"
 #include "interfaces/IOutput.h"
@@ -72,13 +73,13 @@ public:
     bool ISubItemConnable_IsSNVTCompatible(const std::string& sId) override;
 
     // Internal.
-    void SetGlobalKey(std::string v);
+    void SetGlobalKey(MemberKey v);
     void SetName(const std::string& v);
     // Reads the output's element; throws on a child without text.
     void LoadDefinition(pugi::xml_node node);
     void SetIndex(int32_t v);
     void SetParent(std::shared_ptr<IAppObject> parent);
-    void SetExtendedKey(std::string v);
+    void SetExtendedKey(MemberKey v);
     int32_t ConnectionCount() const;
 
     // A copy of the output as its definition left it, under parent and with no listener: the
@@ -97,7 +98,7 @@ private:
 
     bool isConnected_ = false;
     int32_t connectionCount_ = 0;
-    std::string globalKey_;
+    MemberKey globalKey_;
     bool isTypeDependent_ = false;
     std::string name_;
     std::shared_ptr<CDBCompatibleSNVT> snvtCompatible_;
@@ -110,7 +111,7 @@ private:
     CallbackList<IcbkAppObject> callBacks_;
     bool isDisplayable_ = false;
     std::string displayText_;
-    std::string extendedKey_;
+    MemberKey extendedKey_;
 };
 
 }  // namespace zerbin

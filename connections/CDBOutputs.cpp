@@ -60,15 +60,17 @@ int32_t CDBOutputs::MaxNameLength() const {
 
 void CDBOutputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
+    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
     for (const auto& output : items_.Items()) {
-        output->SetGlobalKey(JoinKey(key, output->IOutput_Name()));
+        output->SetGlobalKey(under);
     }
 }
 
 void CDBOutputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
+    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
     for (const auto& output : items_.Items()) {
-        output->SetExtendedKey(JoinKey(key, output->IOutput_Name()));
+        output->SetExtendedKey(under);
     }
 }
 

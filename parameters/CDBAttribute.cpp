@@ -66,7 +66,7 @@ int32_t CDBAttribute::IAttribute_NodeType() {
 }
 
 std::string CDBAttribute::IAttribute_GlobalKey() {
-    return globalKey_;
+    return globalKey_.Of(name_);
 }
 
 std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
@@ -146,7 +146,7 @@ std::string CDBAttribute::IAttribute_Max() {
 }
 
 std::string CDBAttribute::IAttribute_ExtendedKey() {
-    return extendedKey_;
+    return extendedKey_.Of(name_);
 }
 
 // ---- ICanvasElement, IInterceptableAttribute -----------------------------------------------
@@ -184,22 +184,24 @@ void CDBAttribute::CreateEditor() {
     SkipStep([&] { editor_ = CreateValueEditor(editorName); });
 }
 
-void CDBAttribute::SetGlobalKey(std::string key) {
+void CDBAttribute::SetGlobalKey(MemberKey key) {
+    globalKey_ = std::move(key);
     if (fields_) {
+        const std::string own = globalKey_.Of(name_);
         for (const auto& field : fields_->Fields()) {
-            field->SetGlobalKey(key);
+            field->SetGlobalKey(own);
         }
     }
-    globalKey_ = std::move(key);
 }
 
-void CDBAttribute::SetExtendedKey(std::string key) {
+void CDBAttribute::SetExtendedKey(MemberKey key) {
+    extendedKey_ = std::move(key);
     if (fields_) {
+        const std::string own = extendedKey_.Of(name_);
         for (const auto& field : fields_->Fields()) {
-            field->SetExtendedKey(key);
+            field->SetExtendedKey(own);
         }
     }
-    extendedKey_ = std::move(key);
 }
 
 void CDBAttribute::ClearLoadedValue() {

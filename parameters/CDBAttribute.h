@@ -10,6 +10,7 @@
 #include <pugixml.hpp>
 
 #include "base/CallbackList.h"
+#include "base/MemberKey.h"
 #include "base/SkipMode.h"
 #include "datatypes/ImageDigits.h"
 #include "interfaces/IAppObject.h"
@@ -93,8 +94,8 @@ public:
     // A new editor for the class of the type, through the editor port; none when headless.
     void CreateEditor();
     // Store the key, then hand it to every field.
-    void SetGlobalKey(std::string key);
-    void SetExtendedKey(std::string key);
+    void SetGlobalKey(MemberKey key);
+    void SetExtendedKey(MemberKey key);
     // Empties Value right before a project load writes the saved one.
     void ClearLoadedValue();
     // The value write for a value saved in a project. A saved value was divided by DivideBy
@@ -214,7 +215,7 @@ private:
     int32_t placeLength_ = 0;
     std::string value_;
     std::string defaultValue_;
-    std::string globalKey_;
+    MemberKey globalKey_;
     std::string tag_;
     std::string description_;
     std::shared_ptr<CDBUnits> units_;
@@ -228,7 +229,7 @@ private:
     int32_t divideBy_ = 1;
     CallbackList<IcbkAppObject> callbacks_;
     std::shared_ptr<IValueEditor> editor_;
-    std::string extendedKey_;
+    MemberKey extendedKey_;
     std::shared_ptr<AttributeInterceptor> interceptor_;
 };
 

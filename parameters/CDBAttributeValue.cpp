@@ -69,7 +69,7 @@ void CDBAttribute::RaiseAttributeChanged(bool absorb) {
     if (callbacks_.size() == 0) {
         return;  // a project load writes every value of every block, mostly unheard
     }
-    const std::string key = globalKey_;
+    const std::string key = globalKey_.Of(name_);
     callbacks_.Raise([&](IcbkAppObject& listener) {
         RunStep(absorb, [&] { listener.IcbkAppObject_AttributeChanged(key); });
     });
@@ -304,6 +304,7 @@ bool CDBAttribute::IAttribute_IsMacroConnected() {
     }
     std::vector<std::shared_ptr<IMacroAttributeGroup>> groups;
     SkipStep([&] { groups = macro->AttributeGroups(); });
+    const std::string key = globalKey_.Of(name_);
     for (const auto& group : groups) {
         std::shared_ptr<IMacroTerminals> terminals;
         int32_t count = 0;
@@ -313,7 +314,7 @@ bool CDBAttribute::IAttribute_IsMacroConnected() {
         });
         for (int32_t position = 1; position <= count; ++position) {
             bool match = false;
-            SkipStep([&] { match = Need(terminals->Item(position)).ItemKey() == globalKey_; });
+            SkipStep([&] { match = Need(terminals->Item(position)).ItemKey() == key; });
             if (match) {
                 return true;
             }

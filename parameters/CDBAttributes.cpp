@@ -58,15 +58,17 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
 
 void CDBAttributes::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
+    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
     for (const auto& attribute : items_.Items()) {
-        attribute->SetGlobalKey(JoinKey(key, attribute->IAttribute_Name()));
+        attribute->SetGlobalKey(under);
     }
 }
 
 void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
+    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
     for (const auto& attribute : items_.Items()) {
-        attribute->SetExtendedKey(JoinKey(key, attribute->IAttribute_Name()));
+        attribute->SetExtendedKey(under);
     }
 }
 
