@@ -114,14 +114,17 @@ const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& l
                                                   const std::string& type, const std::string& id) {
     using Key = std::tuple<std::string, std::string, std::string>;
     struct Datasheets {
-        std::map<Key, std::optional<std::string>> found;
+        std::map<Key, std::optional<std::string>, std::less<>> found;
     };
     auto& found = ProcessState::Get<Datasheets>().found;
-    Key key{library.string(), type, id};
-    if (const auto known = found.find(key); known != found.end()) {
+    // Looked up without copying: every block of a type asks.
+    const std::tuple<std::string_view, std::string_view, std::string_view> asked{library.native(),
+                                                                                 type, id};
+    if (const auto known = found.find(asked); known != found.end()) {
         return known->second;
     }
-    return found.emplace(std::move(key), FindDatasheet(library, type, id, true)).first->second;
+    return found.emplace(Key{library.string(), type, id}, FindDatasheet(library, type, id, true))
+        .first->second;
 }
 
 // What the header of a definition sets: an element that is absent, or whose text can't be
@@ -260,7 +263,7 @@ void CDBAppObject::LoadDefinitionHeader() {
 }
 
 void CDBAppObject::SearchDatasheet() {
-    const std::filesystem::path library = LibraryFolder();
+    const std::filesystem::path& library = LibraryFolder();
     const bool known = definitionCache_->Store()->FindDocument(uniqueIdString_) != nullptr;
     const std::optional<std::string> path =
         known ? CachedDatasheet(library, uniqueIdString_, id_)

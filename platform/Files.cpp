@@ -162,10 +162,15 @@ void SetComponentBaseName(std::string baseName) {
     BaseNameOverride() = std::move(baseName);
 }
 
-std::filesystem::path LibraryFolder() {
-    // Every block asks; the answer changes only with the component folder.
-    const std::filesystem::path component = ComponentFolder();
+const std::filesystem::path& LibraryFolder() {
+    // Every block asks; the answer changes only with the component folder, which a host that
+    // sets it need not have copied to find out.
     FileSettings& settings = ProcessState::Get<FileSettings>();
+    if (settings.libraryKnown && !settings.folder.empty() &&
+        settings.folder.native() == settings.lastComponent.native()) {
+        return settings.lastLibrary;
+    }
+    const std::filesystem::path component = ComponentFolder();
     if (!settings.libraryKnown || component.native() != settings.lastComponent.native()) {
         settings.lastLibrary = NormalisedParent(component);
         settings.lastComponent = component;

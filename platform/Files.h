@@ -37,8 +37,9 @@ std::string ComponentBaseName();
 void SetComponentBaseName(std::string baseName);
 
 // The block library: the parent of ComponentFolder(), lexically normalised so that it works
-// for a folder that does not exist. Block type T is the folder LibraryFolder() / T.
-std::filesystem::path LibraryFolder();
+// for a folder that does not exist. Block type T is the folder LibraryFolder() / T. Valid until
+// the next call or the next change of the component folder.
+const std::filesystem::path& LibraryFolder();
 
 // Far above any real definition: a larger definition file is refused unread, as one that does
 // not load.
