@@ -54,7 +54,7 @@ bool CDBAttribute::IAttribute_IsUnit() {
 }
 
 std::string CDBAttribute::IAttribute_Description() {
-    return description_;
+    return description_ ? *description_ : std::string();
 }
 
 std::string CDBAttribute::IAttribute_Name() {

@@ -217,7 +217,8 @@ private:
     std::string defaultValue_;
     MemberKey globalKey_;
     std::string tag_;
-    std::string description_;
+    // The definition's text, which every block of the type shares.
+    std::shared_ptr<const std::string> description_;
     std::shared_ptr<CDBUnits> units_;
     // Mutable for the copy on first change: reads that hand the record out are const.
     mutable std::shared_ptr<CDBSNVTType> snvtType_;

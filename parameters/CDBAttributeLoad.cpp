@@ -171,7 +171,9 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
     auto readText = [&] { SkipStep([&] { text = xml::FirstChildText(child); }); };
 
     if (EqualsNoCase(element, "DESCRIPTION")) {
-        SkipStep([&] { description_ = xml::FirstChildText(child); });
+        SkipStep([&] {
+            description_ = std::make_shared<const std::string>(xml::FirstChildText(child));
+        });
     } else if (EqualsNoCase(element, "CDBORDERINPOSITION")) {
         readText();
         SkipStep([&] { orderInPosition_ = ToInt32(LeadingNumber(text)); });
