@@ -10,6 +10,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
 #include "base/Xml.h"
 #include "connections/CDBOutputs.h"
@@ -258,6 +259,9 @@ pugi::xml_node CDBAppObject::KeptSection(const char* section) const {
 
 std::vector<std::string> CDBAppObject::KeptProjectEntries() const {
     std::vector<std::string> names;
+    if (!keptEntries_) {
+        return names;  // nearly every block: its project held nothing unknown
+    }
     for (const char* section : {kKeptBlock, kKeptAttributes, kKeptOutputs}) {
         const std::string prefix =
             std::string_view(section) == kKeptBlock ? std::string() : std::string(section) + "/";
@@ -274,8 +278,10 @@ void CDBAppObject::TellOfKeptEntries() {
         return;
     }
     // Once per type and process: a project with many blocks of a changed type is one fault.
-    static std::set<std::string> told;
-    if (!told.insert(UpperCase(uniqueIdString_)).second) {
+    struct Told {
+        std::set<std::string> types;
+    };
+    if (!ProcessState::Get<Told>().types.insert(UpperCase(uniqueIdString_)).second) {
         return;
     }
     std::string names;
