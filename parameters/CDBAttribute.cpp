@@ -176,6 +176,9 @@ void CDBAttribute::SetName(const std::string& name) {
 
 void CDBAttribute::CreateEditor() {
     editor_ = nullptr;
+    if (!HasEditorFactory()) {
+        return;
+    }
     const std::string editorName = ValueEditorName(ClassOf(*snvtType_));
     if (editorName.empty()) {
         return;

@@ -20,6 +20,10 @@ std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName) {
     return factory ? factory->CreateValueEditor(editorName) : nullptr;
 }
 
+bool HasEditorFactory() {
+    return Factory() != nullptr;
+}
+
 void ShowParameterList(std::shared_ptr<IAppObject> appObject, std::shared_ptr<IObject> owner) {
     // Held for the call: the window may run code that installs another factory.
     if (const std::shared_ptr<IEditorFactory> factory = Factory()) {

@@ -12,6 +12,8 @@ namespace zerbin {
 
 // nullptr when no factory is installed or it makes no editor of that name.
 std::shared_ptr<IValueEditor> CreateValueEditor(const std::string& editorName);
+// Whether a factory is installed: a headless host has none, and its blocks make no editors.
+bool HasEditorFactory();
 // Does nothing when no factory is installed.
 void ShowParameterList(std::shared_ptr<IAppObject> appObject, std::shared_ptr<IObject> owner);
 // nullptr removes the factory.
