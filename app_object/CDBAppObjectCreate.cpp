@@ -131,7 +131,7 @@ std::shared_ptr<CompiledBlockType> CDBAppObject::Compile(std::vector<Message> me
         }
     }
     if (inputs_) {
-        compiled->inputs = inputs_->CopyFor(nullptr);
+        compiled->inputs = inputs_->CopyFor(nullptr, false);
     }
     if (outputs_) {
         compiled->outputs = outputs_->CopyFor(nullptr, false);
@@ -147,7 +147,8 @@ void CDBAppObject::CreateFromCompiled(const CompiledBlockType& compiled) {
     const std::shared_ptr<IAppObject> self = shared_from_this();
     // Made aside and put in place together: running out of memory half-way leaves the block
     // without members, as a failed creation from the definition would.
-    std::shared_ptr<CDBInputs> inputs = compiled.inputs ? compiled.inputs->CopyFor(self) : nullptr;
+    std::shared_ptr<CDBInputs> inputs =
+        compiled.inputs ? compiled.inputs->CopyFor(self, true) : nullptr;
     std::shared_ptr<CDBOutputs> outputs =
         compiled.outputs ? compiled.outputs->CopyFor(self, true) : nullptr;
     std::shared_ptr<CDBAttributes> attributes =

@@ -47,14 +47,24 @@ bool TerminalsExpose(const std::shared_ptr<IMacroTerminals>& terminals, const st
 
 CDBInput::CDBInput() : snvtCompatibles_(std::make_shared<CDBCompatibleSNVTs>()) {}
 
-std::shared_ptr<CDBInput> CDBInput::CopyFor(std::shared_ptr<IAppObject> parent) const {
+std::shared_ptr<CDBInput> CDBInput::CopyFor(std::shared_ptr<IAppObject> parent,
+                                            bool shareCompatibles) const {
     auto copy = std::make_shared<CDBInput>(*this);
     copy->callBacks_.Clear();
     copy->parent_ = std::move(parent);
-    if (snvtCompatibles_) {
+    copy->sharedCompatibles_ = shareCompatibles && snvtCompatibles_;
+    if (snvtCompatibles_ && !shareCompatibles) {
         copy->snvtCompatibles_ = snvtCompatibles_->Copy();
     }
     return copy;
+}
+
+CDBCompatibleSNVTs& CDBInput::OwnCompatibles() {
+    if (sharedCompatibles_) {
+        snvtCompatibles_ = snvtCompatibles_->Copy();
+        sharedCompatibles_ = false;
+    }
+    return *snvtCompatibles_;
 }
 
 // ---- IInput --------------------------------------------------------------------------------
@@ -66,6 +76,7 @@ void CDBInput::IInput_changeType(const std::string& NewType) {
     auto replacement = std::make_shared<CDBCompatibleSNVTs>();
     replacement->AddList(NewType);
     snvtCompatibles_ = std::move(replacement);
+    sharedCompatibles_ = false;
     // Deliberately pair by pair rather than two rounds over the list: each listener hears of
     // the retyping as one event before the next listener is served.
     const std::string key = globalKey_.Of(name_);
@@ -128,6 +139,10 @@ int32_t CDBInput::IInput_CDBPosition() {
 }
 
 std::shared_ptr<ICompatibleSNVTs> CDBInput::Iinput_SNVTCompatibles() {
+    // Whoever holds the set may change it: it must be this input's alone.
+    if (snvtCompatibles_) {
+        OwnCompatibles();
+    }
     return snvtCompatibles_;
 }
 
@@ -284,7 +299,7 @@ void CDBInput::LoadDefinition(pugi::xml_node node) {
             visible_ = LeadingNumber(xml::FirstChildText(child)) != 0;
         } else if (EqualsNoCase(key, "SNVTCOMPATIBILITYLIST")) {
             const std::string text = xml::FirstChildText(child);
-            snvtCompatibles_->AddList(text);
+            OwnCompatibles().AddList(text);
             if (text.empty()) {
                 Warn(": SNVT Compatibility list not defined into the XML file of the object ");
             }

@@ -65,9 +65,11 @@ public:
     // Reads the input's element; throws on a child without text, so that creation reports it.
     void LoadDefinition(pugi::xml_node node);
     void SetParent(std::shared_ptr<IAppObject> parent);
-    // A copy of the input as its definition left it, with a compatible set of its own, under
-    // parent and with no listener: the member of a block made from a compiled type.
-    std::shared_ptr<CDBInput> CopyFor(std::shared_ptr<IAppObject> parent) const;
+    // A copy of the input as its definition left it, under parent and with no listener: the
+    // member of a block made from a compiled type. With shareCompatibles the copy shares the
+    // compatible set until it changes it or hands it out; without, it has a set of its own.
+    std::shared_ptr<CDBInput> CopyFor(std::shared_ptr<IAppObject> parent,
+                                      bool shareCompatibles) const;
     int32_t CDBOrderInPosition() const;
     void CDBPosition(int32_t v);
     void SetIndex(int32_t v);
@@ -81,6 +83,8 @@ public:
     ImageChange ImageChangeFrom(const CDBInput& prototype) const;
 
 private:
+    // The compatible set, copied first when it is shared with other inputs.
+    CDBCompatibleSNVTs& OwnCompatibles();
     // Writes text to the attribute that SendLengthTo names; throws when there is none.
     void HandOverLength(const std::string& text);
     // The definition warning: name, middle, the block's name and a full stop.
@@ -103,6 +107,7 @@ private:
     int32_t cdbPosition_ = 0;
     std::string value_;
     std::shared_ptr<CDBCompatibleSNVTs> snvtCompatibles_;
+    bool sharedCompatibles_ = false;
     CallbackList<IcbkAppObject> callBacks_;
     std::string sendLengthTo_;
     MemberKey extendedKey_;

@@ -43,11 +43,13 @@ std::shared_ptr<CDBInput> CDBInputs::AddFromDefinition(const std::string& name, 
     return input;
 }
 
-std::shared_ptr<CDBInputs> CDBInputs::CopyFor(const std::shared_ptr<IAppObject>& parent) const {
+std::shared_ptr<CDBInputs> CDBInputs::CopyFor(const std::shared_ptr<IAppObject>& parent,
+                                              bool shareCompatibles) const {
     auto copy = std::make_shared<CDBInputs>();
     copy->maxNameLength_ = maxNameLength_;
-    copy->items_ = items_.Copied(
-        [&](const std::shared_ptr<CDBInput>& input) { return input->CopyFor(parent); });
+    copy->items_ = items_.Copied([&](const std::shared_ptr<CDBInput>& input) {
+        return input->CopyFor(parent, shareCompatibles);
+    });
     return copy;
 }
 

@@ -34,7 +34,8 @@ public:
     void Destroy();
     const std::vector<std::shared_ptr<CDBInput>>& Members() const;
     // Every member copied (CDBInput::CopyFor) under parent; no key, no listener.
-    std::shared_ptr<CDBInputs> CopyFor(const std::shared_ptr<IAppObject>& parent) const;
+    std::shared_ptr<CDBInputs> CopyFor(const std::shared_ptr<IAppObject>& parent,
+                                       bool shareCompatibles) const;
 
 private:
     std::string globalKey_;

@@ -114,5 +114,21 @@ TEST(CompiledType, EachSettingMakesTheBlocksAFreshCompilationMakes) {
     ProcessState::Reset();
 }
 
+// Blocks of a type share what none of them changed; what a host changes through one block's
+// compatible set stays with that block, whether it was made first or from the compiled type.
+TEST(CompiledType, ABlockChangesOnlyItsOwnCompatibleSet) {
+    UseLibrary(DataDir() / "library");
+    const auto compatibles = [](TestBlock& block) {
+        return block->IAppObject_Inputs()->IInputs_Item("SpaceTemp")->Iinput_SNVTCompatibles();
+    };
+    TestBlock first("THERMOSTAT", Shipped());
+    TestBlock second("THERMOSTAT", Shipped());
+    const std::string before = compatibles(second)->ICompatibleSNVTs_ToString();
+    compatibles(first)->ICompatibleSNVTs_Add("8");
+    compatibles(second)->ICompatibleSNVTs_Remove("105");
+    TestBlock third("THERMOSTAT", Shipped());
+    EXPECT_EQ(compatibles(third)->ICompatibleSNVTs_ToString(), before);
+}
+
 }  // namespace
 }  // namespace zerbin
