@@ -81,6 +81,17 @@ bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) 
 }
 
 pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
+    if (const auto known = answers_.find(slashPath); known != answers_.end()) {
+        return known->second;
+    }
+    const pugi::xml_node found = Search(slashPath);
+    if (answers_.size() < kMaxAnswers) {
+        answers_.emplace(slashPath, found);
+    }
+    return found;
+}
+
+pugi::xml_node PathIndex::Search(std::string_view slashPath) const {
     if (!root_ || HasEmptySegment(slashPath)) {
         return {};
     }

@@ -4,7 +4,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -42,8 +44,21 @@ private:
     // last one backwards, all of them below the root.
     bool AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const;
 
+    pugi::xml_node Search(std::string_view slashPath) const;
+
+    struct PathHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view path) const {
+            return std::hash<std::string_view>{}(path);
+        }
+    };
+    // A bound on the answers kept, whatever asks.
+    static constexpr std::size_t kMaxAnswers = 4096;
+
     pugi::xml_node root_;
     std::unordered_map<NamePair, std::vector<pugi::xml_node>, NamePairHash> byParentAndName_;
+    // Every block of a type asks the same paths of its definition: each is answered once.
+    mutable std::unordered_map<std::string, pugi::xml_node, PathHash, std::equal_to<>> answers_;
 };
 
 // The index of a read-only document, built on the first call for that document and kept for
