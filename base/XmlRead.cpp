@@ -217,6 +217,12 @@ class TextChecker {
 public:
     explicit TextChecker(std::string_view text) : text_(text) {}
 
+    // Whether the text alone shows that the tree below the top holds nothing to refuse: every
+    // start tag's name is a plain ASCII XML name, no tag carries an attribute (its value
+    // would need quotes), and no processing instruction stands anywhere but at the very
+    // start. Most documents are such, and walking their trees again was a third of a read.
+    bool TreeIsPlain() const { return plainTree_; }
+
     void Run() {
         while (i_ < text_.size()) {
             SkipPlainRun();
@@ -334,6 +340,9 @@ private:
         const char next = i_ + 1 < text_.size() ? text_[i_ + 1] : '\0';
         if (c == '<' && next != '!' && next != '?') {
             // An element's tag, start or end: by far the most common way out of text.
+            if (next != '/') {
+                NotePlainName(i_ + 1);
+            }
             state_ = State::Tag;
             quote_ = 0;
             endTag_ = next == '/';
@@ -349,6 +358,7 @@ private:
             state_ = State::CData;
             i_ += 9;
         } else if (At("<?")) {
+            plainTree_ = plainTree_ && i_ == 0;
             state_ = State::Instruction;
             i_ += 2;
         } else if (At("<!DOCTYPE")) {
@@ -358,6 +368,7 @@ private:
             i_ += 9;
         } else {
             if (c == '<') {
+                plainTree_ = false;
                 state_ = State::Tag;
                 quote_ = 0;
                 endTag_ = At("</");
@@ -366,11 +377,46 @@ private:
         }
     }
 
+    // Clears plainTree_ unless the name from start is plain ASCII, ending where pugixml's does.
+    void NotePlainName(std::size_t start) {
+        if (!plainTree_) {
+            return;
+        }
+        const std::size_t size = text_.size();
+        std::size_t j = start;
+        if (j >= size || !kName.start[static_cast<unsigned char>(text_[j])]) {
+            plainTree_ = false;
+            return;
+        }
+        do {
+            ++j;
+        } while (j < size && kName.inside[static_cast<unsigned char>(text_[j])]);
+        const char end = j < size ? text_[j] : '\0';
+        plainTree_ =
+            end == ' ' || end == '\t' || end == '\n' || end == '\r' || end == '/' || end == '>';
+    }
+
+    struct NameBytes {
+        std::array<bool, 256> start{};
+        std::array<bool, 256> inside{};
+
+        NameBytes() {
+            for (int byte = 0; byte < 128; ++byte) {
+                const bool letter = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+                start[byte] = letter || byte == '_' || byte == ':';
+                inside[byte] =
+                    start[byte] || (byte >= '0' && byte <= '9') || byte == '-' || byte == '.';
+            }
+        }
+    };
+    static inline const NameBytes kName{};
+
     void Tag() {
         const char c = text_[i_];
         if (quote_ == 0) {
             if (c == '"' || c == '\'') {
                 quote_ = c;
+                plainTree_ = false;
             } else if (c == '>') {
                 state_ = State::Content;
                 // Counted for the text outside the document element, which pugixml drops.
@@ -481,6 +527,7 @@ private:
     char quote_ = 0;
     int depth_ = 0;
     bool endTag_ = false;
+    bool plainTree_ = true;
     std::ptrdiff_t elements_ = 0;  // open elements
 };
 
@@ -545,7 +592,7 @@ void CheckAttributes(pugi::xml_node element) {
 // documents nest deeper than any call stack.
 void CheckNode(pugi::xml_node node, const pugi::xml_document& document);
 
-void CheckTree(const pugi::xml_document& document) {
+void CheckTree(const pugi::xml_document& document, bool plainText) {
     int elements = 0;
     for (pugi::xml_node top : document.children()) {
         switch (top.type()) {
@@ -561,6 +608,13 @@ void CheckTree(const pugi::xml_document& document) {
             default:
                 break;
         }
+    }
+    if (plainText) {
+        // Below the top there is nothing that the text did not show to be fine.
+        for (pugi::xml_node top : document.children()) {
+            CheckNode(top, document);
+        }
+        return;
     }
     // pugixml's own walk: iterative, so any depth is fine, and it steps through the tree
     // without a library call per step.
@@ -645,9 +699,12 @@ void FillError(ParseError* error, std::string_view text, const Failure& failure)
 std::shared_ptr<pugi::xml_document> Load(FileBytes raw, ParseError* error,
                                          const std::function<FileBytes()>& original) {
     std::optional<FileBytes> text;
+    bool plainTree = false;
     try {
         text.emplace(ToUtf8(std::move(raw)));
-        TextChecker(std::string_view(text->Data(), text->Size())).Run();
+        TextChecker checker(std::string_view(text->Data(), text->Size()));
+        checker.Run();
+        plainTree = checker.TreeIsPlain();
     } catch (const Refused& refused) {
         FillError(error, text ? std::string_view(text->Data(), text->Size()) : std::string_view(),
                   refused.What());
@@ -666,7 +723,7 @@ std::shared_ptr<pugi::xml_document> Load(FileBytes raw, ParseError* error,
         failure = Failure{result.description(), result.offset};
     } else {
         try {
-            CheckTree(*document);
+            CheckTree(*document, plainTree);
         } catch (const Refused& refused) {
             failure = refused.What();
         }

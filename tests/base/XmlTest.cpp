@@ -86,10 +86,13 @@ TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
         {"<A x='a<b'/>", "'<' is not allowed", false},
         {"<A>]]></A>", "']]>'", false},
         {"<A><!-- a -- b --></A>", "'--'", false},
-        {"<\xC2\xB7"
-         "A/>",
+        {"<A><\xC2\xB7"
+         "B/></A>",
          "not a valid XML name", false},
-        {"<A x='1' x='2'/>", "given twice", false},
+        {"<A><B x='1' x='2'/></A>", "given twice", false},
+        {"<A><?\xC2\xB7"
+         "x y?></A>",
+         "not allowed as a processing instruction target", false},
         {"<A/><B/>", "second document element", false},
         {"<A/>text", "text outside", false},
         {"<A/><?xml version='1.0'?>", "declaration", false},
