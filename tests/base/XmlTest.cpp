@@ -190,9 +190,10 @@ TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
 // ---- Names and creation ------------------------------------------------------------------
 
 TEST(IsValidName, FollowsTheXmlNameProduction) {
-    for (const char* good : {"a", "_x", "Name-1.2", "x:y", "\xC3\xA4rger", "\xE4\xB8\xAD",
-                             "a\xC2\xB7"
-                             "b"}) {
+    for (const char* good :
+         {"a", "_x", "Name-1.2", "x:y", "\xC3\xA4rger", "\xE4\xB8\xAD", "\xE2\x80\x8D",
+          "a\xC2\xB7"
+          "b"}) {
         EXPECT_TRUE(IsValidName(good)) << good;
     }
     for (const char* bad : {"", "1a", "-a", ".a", "a b", "a<b", "a&b", "a/b",

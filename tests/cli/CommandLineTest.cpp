@@ -22,7 +22,7 @@ TEST(CommandLine, UsageErrorsExitTwoWithOneHintLine) {
          "unknown option '--library' for 'image' (try 'zerbin image --help')"},
         {{"--library"}, "option '--library' expects an argument"},
         {{"image", "THERMOSTAT", "--intel=1"}, "option '--intel' takes no argument"},
-        {{"image"}, "'image' expects a block type (try 'zerbin image --help')"},
+        {{"show"}, "'show' expects a block type (try 'zerbin show --help')"},
         {{"image", "THERMOSTAT", "PID_LOOP"},
          "unexpected argument 'PID_LOOP' (try 'zerbin image --help')"},
         {{"image", "THERMOSTAT", "--set", "Mode"}, "--set expects NAME=VALUE, found 'Mode'"},

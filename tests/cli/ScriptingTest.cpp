@@ -98,6 +98,8 @@ TEST(Scripting, SetTakesEnumLabelsAndReportsWhatTheEditorsWouldRefuse) {
     const ProgramResult byLabel = RunProgram({"image", "THERMOSTAT", "--set", "Mode=HVAC_HEAT"});
     EXPECT_EQ(byLabel.status, 0) << byLabel.err;
     EXPECT_EQ(byLabel.out, heat);
+    EXPECT_EQ(RunProgram({"image", "THERMOSTAT", "--set", "CoolSetpoint=35"}).err,
+              "");  // the limit
     const std::string written = "; written as given";
     ExpectRows({
         {{"image", "THERMOSTAT", "--set", "Mode=42"},

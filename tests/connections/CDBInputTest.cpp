@@ -87,7 +87,6 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         EXPECT_EQ(input->IInput_Extended(), row.extended);
         EXPECT_EQ(input->IInput_Mandatory(), row.mandatory);
         EXPECT_EQ(input->IInput_Visible(), row.visible);
-        EXPECT_EQ(input->ICanvasElement_Visible(), row.visible);
         EXPECT_EQ(input->CDBOrderInPosition(), row.order);
         EXPECT_EQ(CompatibleIds(*input), row.compatibles);
         // Type dependence shows only in what a type change does; without it, nothing at all.

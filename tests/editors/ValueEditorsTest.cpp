@@ -61,16 +61,7 @@ TEST_P(TextKeys, TypedKeysKeepLengthBlanksAndCodePage) {
     } else {
         box.setCursorPosition(row.caret);
     }
-    for (const QChar key : QString::fromUtf8(row.keys)) {
-        if (key == QChar(8)) {
-            QTest::keyClick(&box, Qt::Key_Backspace);
-        } else if (key.unicode() < 0x80) {
-            QTest::keyClicks(&box, QString(key));
-        } else {
-            // QTest knows key codes for ASCII only; the box reads the event's text.
-            QTest::sendKeyEvent(QTest::Click, &box, Qt::Key_unknown, QString(key), {});
-        }
-    }
+    TypeKeys(box, QString::fromUtf8(row.keys));
     EXPECT_EQ(box.text().toStdString(), row.expected);
     ASSERT_EQ(messages.Messages().size(), static_cast<std::size_t>(row.messages));
     if (row.messages > 0) {

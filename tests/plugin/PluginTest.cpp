@@ -44,31 +44,27 @@ const Plugin& Loaded() {
     return plugin;
 }
 
+// An environment variable, put back as it was when the test ends.
+struct SavedVariable {
+    explicit SavedVariable(const char* variable) : name(variable) {
+        if (const char* set = std::getenv(name)) {
+            value = set;
+        }
+    }
+    ~SavedVariable() { value ? setenv(name, value->c_str(), 1) : unsetenv(name); }
+    const char* name;
+    std::optional<std::string> value;
+};
+
 class PluginTest : public ::testing::Test {
 protected:
     void SetUp() override {
         std::string pattern = (fs::temp_directory_path() / "zerbin-plugin-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         dir_ = pattern;
-        Remember("XDG_DATA_HOME");
-        Remember("HOME");
         setenv("XDG_DATA_HOME", dir_.c_str(), 1);
     }
-    void TearDown() override {
-        for (const auto& [name, value] : saved_) {
-            if (value) {
-                setenv(name.c_str(), value->c_str(), 1);
-            } else {
-                unsetenv(name.c_str());
-            }
-        }
-        fs::remove_all(dir_);
-    }
-    void Remember(const std::string& name) {
-        const char* value = std::getenv(name.c_str());
-        saved_.emplace_back(name,
-                            value != nullptr ? std::optional<std::string>(value) : std::nullopt);
-    }
+    void TearDown() override { fs::remove_all(dir_); }
 
     std::shared_ptr<zerbin::IObject> Make(const char* progId, int* result = nullptr) {
         ZerbinObject* handle = reinterpret_cast<ZerbinObject*>(1);
@@ -79,8 +75,9 @@ protected:
         return zerbin::TakeObject(handle, release);
     }
 
+    SavedVariable home_{"HOME"};
+    SavedVariable dataHome_{"XDG_DATA_HOME"};
     fs::path dir_;
-    std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
     const Plugin& plugin_ = Loaded();
     ZerbinRegisterServerFn registerServer =
         plugin_.Get<ZerbinRegisterServerFn>("ZerbinRegisterServer");
