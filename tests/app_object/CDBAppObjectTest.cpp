@@ -3,10 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "app_object/CDBAppObject.h"
-#include "base/MMain.h"
-#include "connections/CDBInputs.h"
-#include "platform/Files.h"
-#include "platform/Messages.h"
 #include "tests/support/Blocks.h"
 #include "tests/support/RecordingListener.h"
 

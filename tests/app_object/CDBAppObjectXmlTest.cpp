@@ -3,12 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "app_object/CDBAppObject.h"
-#include "base/MMain.h"
 #include "base/Xml.h"
-#include "connections/CDBOutputs.h"
-#include "interfaces/Error.h"
-#include "parameters/CDBAttributes.h"
-#include "platform/Messages.h"
 #include "tests/support/Blocks.h"
 #include "tests/support/RandomBlock.h"
 

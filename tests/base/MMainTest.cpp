@@ -1,11 +1,8 @@
 #include "base/MMain.h"
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
-#include <new>
 
-#include "base/SkipMode.h"
 #include "interfaces/Error.h"
 #include "tests/support/TestSupport.h"
 

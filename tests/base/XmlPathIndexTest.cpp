@@ -1,8 +1,5 @@
 #include "base/XmlPathIndex.h"
 
-#include <cstddef>
-#include <new>
-
 #include "base/Xml.h"
 #include "tests/support/TestSupport.h"
 

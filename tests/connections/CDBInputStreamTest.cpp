@@ -1,10 +1,7 @@
 // The bytes an input contributes to the image, in both byte orders.
 
-#include <limits>
-
 #include "connections/CDBInput.h"
 #include "interfaces/Error.h"
-#include "platform/Messages.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/TestSupport.h"
 

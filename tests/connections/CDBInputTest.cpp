@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "datatypes/CDBSNVTType.h"
-#include "interfaces/Error.h"
 #include "platform/Messages.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/FakeAttributes.h"

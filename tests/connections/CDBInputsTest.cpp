@@ -6,7 +6,6 @@
 
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
-#include "platform/Messages.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/TestSupport.h"
 

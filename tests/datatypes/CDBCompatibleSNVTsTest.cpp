@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "interfaces/Error.h"
-#include "platform/Events.h"
 
 namespace zerbin {
 namespace {

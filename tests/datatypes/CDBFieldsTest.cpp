@@ -1,7 +1,6 @@
 #include "datatypes/CDBFields.h"
 
 #include "datatypes/CDBField.h"
-#include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
 #include "tests/support/TestSupport.h"

@@ -2,12 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
-#include "base/MMain.h"
-#include "base/Xml.h"
 #include "datatypes/CDBSNVTType.h"
-#include "datatypes/SnvtDictionary.h"
 #include "datatypes/TypeClass.h"
 #include "platform/Messages.h"
 #include "tests/support/TestSupport.h"

@@ -3,7 +3,6 @@
 // loaded into a new block, comes back with the same values, the same images and the same
 // XML, under either unit system.
 
-#include <functional>
 #include <tuple>
 
 #include "datatypes/UnitConverter.h"

@@ -2,11 +2,7 @@
 // branches for selectors, device lists, numbers and structures.
 #include <gmock/gmock.h>
 
-#include "connections/CDBInput.h"
-#include "connections/CDBOutput.h"
-#include "datatypes/CDBField.h"
 #include "datatypes/CDBFields.h"
-#include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "platform/Messages.h"
 #include "tests/support/ParameterTestSupport.h"

@@ -2,7 +2,6 @@
 // of unit sets off, and the derivation of unit-dependent attributes.
 #include <gmock/gmock.h>
 
-#include "datatypes/CDBSNVTType.h"
 #include "platform/Messages.h"
 #include "tests/support/MacroDoubles.h"
 #include "tests/support/ParameterTestSupport.h"

@@ -2,12 +2,7 @@
 // the interceptor's place in the load, and the editor by class.
 #include <gmock/gmock.h>
 
-#include "datatypes/CDBField.h"
-#include "datatypes/CDBFields.h"
-#include "interfaces/Error.h"
-#include "platform/Messages.h"
 #include "tests/support/ParameterTestSupport.h"
-#include "tests/support/RecordingListener.h"
 
 namespace zerbin::testing {
 namespace {

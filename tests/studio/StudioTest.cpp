@@ -14,8 +14,6 @@
 #include "interfaces/IOutput.h"
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
-#include "studio/CanvasScene.h"
-#include "studio/MessageLog.h"
 #include "studio/ParametersDock.h"
 #include "studio/StudioWindow.h"
 
