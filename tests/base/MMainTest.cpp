@@ -2,7 +2,11 @@
 
 #include <cstdint>
 #include <limits>
+#include <new>
+#include <stdexcept>
 
+#include "base/ProcessState.h"
+#include "base/SkipMode.h"
 #include "interfaces/Error.h"
 #include "tests/support/TestSupport.h"
 
@@ -241,6 +245,33 @@ TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
     for (const Row& row : rows) {
         EXPECT_EQ(FormatDouble(row.value), row.withComma) << row.value;
     }
+}
+
+// ---- Process state and skip mode ------------------------------------------------------------
+
+struct Counter {
+    int value = 7;
+};
+
+TEST(ProcessStateTest, APartLivesUntilResetAndThenStartsAgain) {
+    ProcessState::Get<Counter>().value = 1;
+    EXPECT_EQ(ProcessState::Get<Counter>().value, 1);
+
+    SetSnvtDictionary(std::make_shared<pugi::xml_document>());
+    ProcessState::Reset();
+    EXPECT_EQ(ProcessState::Get<Counter>().value, 7);
+    EXPECT_EQ(DecimalSeparator(), ".");
+    EXPECT_EQ(SnvtDictionary(), nullptr);
+}
+
+// A failing step is dropped; running out of memory and a file that cannot be read are not
+// failing steps but failures the user must hear of.
+TEST(SkipStep, DropsFailuresButNotOutOfMemoryOrUnreadableFiles) {
+    EXPECT_TRUE(SkipStep([] {}));
+    EXPECT_FALSE(SkipStep([] { throw Error("step failed"); }));
+    EXPECT_FALSE(SkipStep([] { throw std::runtime_error("anything else"); }));
+    EXPECT_THROW(SkipStep([] { throw std::bad_alloc(); }), std::bad_alloc);
+    EXPECT_THROW(SkipStep([] { throw IoError("T.xml", "input/output error", 5); }), IoError);
 }
 
 }  // namespace

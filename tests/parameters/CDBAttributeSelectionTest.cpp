@@ -35,11 +35,6 @@ protected:
         inner_->members = {sink_->Object(), source_->Object()};
         root_->members = {std::make_shared<FakeMacro>(), inner_};
     }
-    void TearDown() override {
-        sink_.reset();
-        source_.reset();
-        ParameterTest::TearDown();
-    }
 
     void Connect(const std::string& output, const std::string& input) {
         if (!inner_->connections) {
