@@ -24,11 +24,6 @@ std::string Repeat(const std::string& digits, int times) {
     return text;
 }
 
-void GiveReferences(TestBlock& block) {
-    block->IAppObject_Inputs()->IInputs_Item("Flow")->IInput_Value("4203");
-    block->IAppObject_Inputs()->IInputs_Item("Level")->IInput_Value("234501");
-}
-
 struct ImageRow {
     const char* label;
     const char* type;
@@ -45,7 +40,8 @@ TEST_P(Image, IsBuiltFromTheHeaderAndTheMembers) {
     ScopedMessageRecorder messages;  // the layout messages of the variants
     TestBlock block(row.type, fixtures);
     if (row.withReferences) {
-        GiveReferences(block);
+        block->IAppObject_Inputs()->IInputs_Item("Flow")->IInput_Value("4203");
+        block->IAppObject_Inputs()->IInputs_Item("Level")->IInput_Value("234501");
     }
     messages.recorder().Clear();
 

@@ -106,11 +106,6 @@ protected:
     }
 };
 
-std::string ReadFile(const fs::path& file) {
-    std::ifstream in(file);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 TEST_F(PluginTest, ShowsTheEntryPointsAndHidesTheCore) {
     for (const char* name :
          {"ZerbinRegisterServer", "ZerbinUnregisterServer", "ZerbinGetClassObject",
@@ -146,7 +141,8 @@ TEST_F(PluginTest, RegistrationFileLivesInTheUsersDataFolder) {
         const fs::path file = base / "zerbin" / "plugins" / "Zerbin.CDBAppObject.plugin";
 
         ASSERT_EQ(registerServer(), ZERBIN_OK);
-        const std::string text = ReadFile(file);
+        std::ifstream in(file);
+        const std::string text(std::istreambuf_iterator<char>(in), {});
         EXPECT_NE(text.find("ProgID=Zerbin.CDBAppObject\n"), std::string::npos) << text;
         EXPECT_NE(text.find("Path=" + fs::canonical(ZERBIN_PLUGIN_FILE).string() + "\n"),
                   std::string::npos)
