@@ -9,10 +9,7 @@
 namespace zerbin {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::Fixtures;
-using ::testing::IsEmpty;
-using testing::MessageTexts;
 using testing::RecordingListener;
 using testing::TestBlock;
 

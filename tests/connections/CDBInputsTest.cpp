@@ -13,7 +13,6 @@ namespace zerbin {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using namespace zerbin::testing;
 
 // What the typed tests need to know of each collection.

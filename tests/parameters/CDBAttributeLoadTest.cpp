@@ -11,7 +11,6 @@ namespace zerbin::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 std::string InputTypes(const TestBlock& block, const std::string& input) {
     return block->IAppObject_Inputs()

@@ -12,7 +12,6 @@ namespace zerbin::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 TEST_F(ParameterTest, AWriteStoresByClass) {
     const struct {
