@@ -18,20 +18,19 @@ using zerbin::testing::ScopedLocale;
 // ---- Tokens ----------------------------------------------------------------------------------
 
 TEST(NthToken, PicksTokensByTheirSeparatorCount) {
-    struct Row {
+    const struct {
         const char* text;
         int32_t index;
         const char* separator;
         const char* expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"a;b;c", 2, ";", "c"},      {"a;b;c", 3, ";", ""},
         {"abc", 0, ";", ""},  // no separator: not the whole text
         {"a;b", -1, ";", ""},        {"a;;c", 2, ";", "c"},
         {"0,OFF;1,ON;", 2, ";", ""},  // the trailing separator ends the list
         {"0,OFF", 1, ",", "OFF"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(NthToken(row.text, row.index, row.separator), row.expected)
             << '"' << row.text << "\" index " << row.index;
     }
@@ -42,13 +41,12 @@ TEST(NthToken, PicksTokensByTheirSeparatorCount) {
 // The byte form clamps only from above and formats the low byte; the word form clamps at
 // 65535. Both write the clamped value back into the caller's variable.
 TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
-    struct Row {
+    const struct {
         bool word;
         int32_t value;
         const char* expected;
         int32_t afterwards;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {false, 10, "0A", 10},
         {false, 256, "FF", 255},
         {false, -1, "FF", -1},
@@ -58,7 +56,7 @@ TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
         {true, 65536, "FFFF", 65535},
         {true, 258, "0102", 258},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         int32_t value = row.value;
         EXPECT_EQ(row.word ? HexWord(value) : HexByte(value), row.expected) << row.value;
         EXPECT_EQ(value, row.afterwards) << row.value;
@@ -103,17 +101,6 @@ TEST(AppendElement, AddsTextUnlessGivenTheExactMarker) {
 
 // ---- Decimal separator -------------------------------------------------------------------
 
-TEST(DecimalSeparator, FollowsTheNumericLocaleOnDetection) {
-    DetectDecimalSeparator();
-    EXPECT_EQ(DecimalSeparator(), ".");
-    {
-        ScopedLocale comma;
-        ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-        EXPECT_EQ(DecimalSeparator(), ",");
-    }
-    EXPECT_EQ(DecimalSeparator(), ".");
-}
-
 struct DecimalRow {
     const char* text;
     const char* withPoint;
@@ -143,16 +130,15 @@ TEST(NormalizeDecimal, ReplacesOneSeparatorUnderEitherLocale) {
 // ---- Reading numbers -----------------------------------------------------------------------
 
 TEST(LeadingNumber, ReadsTheLongestLeadingNumber) {
-    struct Row {
+    const struct {
         const char* text;
         double expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"12abc", 12},      {"abc", 0},     {"&hff", 255}, {"&O18", 1},    {"1,5", 1},
         {" -1.5e2x", -150}, {"1d-2", 0.01}, {"+.5", 0.5},  {"1.2.3", 1.2}, {"1 2", 12},
         {"1e+", 1},         {"--1", 0},     {"1\r2", 1},   {"& h 1F", 31}, {"1e-400", 0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_DOUBLE_EQ(LeadingNumber(row.text), row.expected) << '"' << row.text << '"';
     }
 }
@@ -166,12 +152,11 @@ TEST(LeadingNumber, IgnoresTheLocaleAndSaturatesBeyondTheDoubleRange) {
 }
 
 TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
-    struct Row {
+    const struct {
         const char* text;
         float expected;
-    };
-    const Row withPoint[] = {{"1.5", 1.5F}, {" -2 ", -2.0F}, {"2.5e-1", 0.25F}, {".5", 0.5F}};
-    for (const Row& row : withPoint) {
+    } withPoint[] = {{"1.5", 1.5F}, {" -2 ", -2.0F}, {"2.5e-1", 0.25F}, {".5", 0.5F}};
+    for (const auto& row : withPoint) {
         EXPECT_FLOAT_EQ(LocaleNumber(row.text), row.expected) << row.text;
     }
     for (const char* bad : {"", "1,5", "1.5x", "1e", "1 2", "&H10"}) {
@@ -189,13 +174,11 @@ TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
 // ---- Rounding ----------------------------------------------------------------------------
 
 TEST(Rounding, GoesHalfToEven) {
-    struct Row {
+    const struct {
         double value;
         double expected;
-    };
-    const Row rows[] = {
-        {2.5, 2}, {3.5, 4}, {-2.5, -2}, {2.6, 3}, {4503599627370497.0, 4503599627370497.0}};
-    for (const Row& row : rows) {
+    } rows[] = {{2.5, 2}, {3.5, 4}, {-2.5, -2}, {2.6, 3}, {4503599627370497.0, 4503599627370497.0}};
+    for (const auto& row : rows) {
         EXPECT_EQ(RoundHalfEven(row.value), row.expected) << row.value;
     }
     EXPECT_EQ(ToInt32(2147483647.4), 2147483647);
@@ -221,12 +204,11 @@ TEST(Rounding, ThrowsOverflowOutsideTheTarget) {
 // ---- Writing numbers -----------------------------------------------------------------------
 
 TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
-    struct Row {
+    const struct {
         double value;
         const char* withPoint;
         const char* withComma;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {120.5, "120.5", "120,5"},
         {-0.0, "0", "0"},
         {1.0 / 3.0, "0.333333333333333", "0,333333333333333"},
@@ -237,12 +219,12 @@ TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
         {-1.25e-7, "-1.25E-07", "-1,25E-07"},
         {0.1 + 0.2, "0.3", "0,3"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(FormatDouble(row.value), row.withPoint) << row.value;
     }
     ScopedLocale comma;
     ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(FormatDouble(row.value), row.withComma) << row.value;
     }
 }

@@ -42,16 +42,15 @@ TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
     const testing::TempFolder folder;
     const auto& dir = folder.Path();
     const std::string expected = "\xE2\x82\xAC \xC3\xA4";  // "€ ä"
-    struct Row {
+    const struct {
         const char* name;
         std::string bytes;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"cp1252.xml", "<?xml version=\"1.0\" encoding=\"windows-1252\"?><A>\x80 \xE4</A>"},
         {"utf8bom.xml", "\xEF\xBB\xBF<A>" + expected + "</A>"},
         {"utf16le.xml", std::string("\xFF\xFE<\0A\0>\0\xAC\x20 \0\xE4\0<\0/\0A\0>\0", 22)},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         std::ofstream(dir / row.name, std::ios::binary) << row.bytes;
         ParseError error;
         auto doc = LoadFile(dir / row.name, &error);
@@ -66,12 +65,11 @@ TEST(XmlLoad, ReadsSingleByteAndUtf16Files) {
 // Each row is a document that pugixml alone takes but XML 1.0 does not, or that must be
 // decoded by its declaration; the reason must say what is wrong.
 TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
-    struct Row {
+    const struct {
         std::string text;
         const char* reasonOrText;  // a part of the reason, or the text of A when it loads
         bool loads;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"<A>caf\xE9</A>", "not UTF-8", false},
         {"<?xml version='1.0' encoding='ISO-8859-15'?><A>\xA4</A>", "\xE2\x82\xAC", true},
         {"<?xml version='1.0' encoding='us-ascii'?><A>\xE9</A>", "encoding 'us-ascii'", false},
@@ -94,7 +92,7 @@ TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
         {"<A/>text", "text outside", false},
         {"<A/><?xml version='1.0'?>", "declaration", false},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
         ParseError error;
         const auto doc = LoadString(row.text, &error);
@@ -116,16 +114,15 @@ TEST(XmlLoad, ReadsRegularFilesOnly) {
     std::filesystem::create_symlink("/dev/zero", dir / "zero.xml");
     std::filesystem::create_directory(dir / "folder.xml");
     folder.Write("big.xml", "<A>" + std::string(100, 'x') + "</A>");
-    struct Row {
+    const struct {
         std::filesystem::path file;
         const char* reason;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {dir / "fifo.xml", "is a named pipe"},  {dir / "zero.xml", "is a device"},
         {dir / "folder.xml", "is a directory"}, {dir / "missing.xml", "no such file or directory"},
         {dir / "big.xml", "file too large"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         ParseError error;
         EXPECT_EQ(LoadFile(row.file, &error, 64), nullptr) << row.file;
         EXPECT_EQ(error.reason, row.reason) << row.file;

@@ -25,14 +25,13 @@ std::shared_ptr<CDBInput> MakeInput(bool extended, int32_t position, const std::
 }
 
 TEST(InputStream, WritesTheReferenceInBothByteOrders) {
-    struct Row {
+    const struct {
         const char* value;
         bool extended;
         int32_t position;
         const char* stream;  // expected image, most significant byte first, blanks aside
         const char* intel;   // expected image of the Intel form; nullptr: raises
-    };
-    const Row rows[] = {
+    } rows[] = {
         // A reference to an output (selector 2): only the first byte turns.
         {"4203", false, 5, "00 01 02 03 04 42 03 07 08 09 0A 0B",
          "00 01 02 03 04 12 03 07 08 09 0A 0B"},
@@ -62,7 +61,7 @@ TEST(InputStream, WritesTheReferenceInBothByteOrders) {
         {"234501", true, 10, "00 01 02 03 04 05 06 07 08 09 23 45",
          "00 01 02 03 04 05 06 07 08 09 19 15"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(std::string(row.value) + " at " + std::to_string(row.position) +
                      (row.extended ? " extended" : ""));
         auto strip = [](std::string text) {
@@ -78,16 +77,15 @@ TEST(InputStream, WritesTheReferenceInBothByteOrders) {
 }
 
 TEST(InputStream, TheIntelFormRaisesOnAReferenceItCannotRead) {
-    struct Row {
+    const struct {
         const char* value;
         bool extended;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"ZZ03", false},  {"4G03", false}, {" 4203", false},
         {"-103", false},  {"23ZZ", false},  // selector 1: the last byte is rotated, so it is read
         {"23ZZ01", true},                   // selector 1: the second byte is rotated
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.value);
         auto input = MakeInput(row.extended, 2, row.value);
         EXPECT_THROW(input->WriteIntelStream(kImage), Error);

@@ -49,7 +49,7 @@ public:
 // ---- Definition ------------------------------------------------------------------------------
 
 TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
-    struct Row {
+    const struct {
         const char* xml;
         bool extended;
         bool typeDependent;
@@ -57,8 +57,7 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         bool visible;
         int32_t order;
         const char* compatibles = "";
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"<In/>", false, false, false, false, 0},
         // Flags by presence: the value is never read.
         {R"(<In ISEXTENDED="0" TYPEDEPENDENT="false"/>)", true, true, false, false, 0},
@@ -80,7 +79,7 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         {"<In><!--<VISIBLE>1</VISIBLE>--><Other/><Note>x</Note></In>", false, false, false, false,
          0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.xml);
         auto input = Load(row.xml);
         EXPECT_EQ(input->IInput_Extended(), row.extended);
@@ -99,11 +98,10 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
 }
 
 TEST_F(InputTest, WarnsAboutAnEmptyOrderOrCompatibilityListAndGoesOn) {
-    struct Row {
+    const struct {
         const char* xml;
         const char* warning;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"<Setpoint><CDBORDERINPOSITION><![CDATA[]]></CDBORDERINPOSITION>"
          "<VISIBLE>1</VISIBLE></Setpoint>",
          "Setpoint: CDBOrderingPosition not defined into the XML file of the object Loop."},
@@ -111,7 +109,7 @@ TEST_F(InputTest, WarnsAboutAnEmptyOrderOrCompatibilityListAndGoesOn) {
          "<VISIBLE>1</VISIBLE></Setpoint>",
          "Setpoint: SNVT Compatibility list not defined into the XML file of the object Loop."},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.xml);
         messages.recorder().Clear();
         auto input = Load(row.xml);

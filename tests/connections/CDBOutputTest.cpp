@@ -41,15 +41,14 @@ protected:
 // ---- Definition ------------------------------------------------------------------------------
 
 TEST_F(OutputTest, ReadsTheFlagsAndChildrenOfItsElement) {
-    struct Row {
+    const struct {
         const char* xml;
         bool writable;
         bool typeDependent;
         bool visible;
         const char* typeId = nullptr;    // nullptr: no type
         const char* typeName = nullptr;  // as the dictionary names it
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"<Out/>", false, false, false},
         {R"(<Out DISPLAYWRITABLE="0" typeDependent="no"/>)", true, true, false},
         {"<Out><VISIBLE>1</VISIBLE><Visible>0</Visible></Out>", false, false, false},
@@ -60,7 +59,7 @@ TEST_F(OutputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         {"<Out ISEXTENDED=\"\"><CDBORDERINPOSITION/><SNVTCOMPATIBILITYLIST/><!-- x --></Out>",
          false, false, false},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.xml);
         auto output = Load(row.xml);
         EXPECT_EQ(output->IOutput_DisplayWritable(), row.writable);
@@ -182,12 +181,11 @@ TEST_F(OutputTest, IsMacroConnectedLooksAtTheOneTerminalOfEachOutputGroup) {
         macro->outputGroups = std::move(groups);
         return FakeMacroHost::Holding(macro);
     };
-    struct Row {
+    const struct {
         const char* name;
         std::function<std::shared_ptr<IObject>()> owner;
         bool expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"no owner", [] { return nullptr; }, false},
         {"the second group",
          [&] {
@@ -206,7 +204,7 @@ TEST_F(OutputTest, IsMacroConnectedLooksAtTheOneTerminalOfEachOutputGroup) {
          true},
     };
     auto output = Load("<Out/>");
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         block->parent = row.owner();
         EXPECT_EQ(output->IOutput_IsMacroConnected(), row.expected);

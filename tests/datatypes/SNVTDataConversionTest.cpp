@@ -153,15 +153,14 @@ TEST(Encode, ReadingANumberDependsOnTheSeparator) {
 }
 
 TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
-    struct Row {
+    const struct {
         const char* typeClass;
         int32_t length;
         int16_t a, b;
         const char* value;
         const char* withPoint;
         const char* withComma;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"SignedNumeric", 2, 1, -2, "20.5", "2050", "2050"},
         {"UnsignedNumeric", 4, 1, 0, "12345678", "12345680", "12345680"},
         {"UnsignedNumeric", 2, 1, 1, "5", "0.5", "0,5"},
@@ -171,7 +170,7 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
     };
     for (const bool comma : {false, true}) {
         ZERBIN_SEPARATOR(comma, locale);
-        for (const Row& row : rows) {
+        for (const auto& row : rows) {
             std::string value = row.value;
             EncodeIntelStream(value, ParseTypeClass(row.typeClass), row.length, row.a, row.b, 0);
             if (row.length <= 255) {
@@ -208,16 +207,15 @@ TEST(EncodeDigits, GivesTheDigitsOfTheEncoderThatWritesTheText) {
 }
 
 TEST(FormatDisplayValue, FindsTheLabelOfAValueOrFailsOnABadEntry) {
-    struct Row {
+    const struct {
         const char* key;
         const char* desc;
         const char* label;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"1", "0,OFF;1,ON;", "ON"},    {"2", "0,OFF;1,ON;", ""},  {"1.0", "1,ON;", ""},
         {"1", "10,TEN;1,ONE;", "ONE"}, {"1", "0,OFF;1,ON", "ON"}, {"1", "0,OFF;junk;1,ON;", "ON"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(FormatDisplayValue(row.key, row.desc), row.label)
             << row.key << " in " << row.desc;
     }
@@ -228,19 +226,18 @@ TEST(FormatDisplayValue, FindsTheLabelOfAValueOrFailsOnABadEntry) {
 }
 
 TEST(OverwriteDigits, ReplacesInPlaceNeverGrowsAndThrowsPastTheEnd) {
-    struct Row {
+    const struct {
         const char* image;
         int32_t position;
         const char* digits;
         int32_t maxDigits;
         const char* result;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"000000", 2, "ABCD", 2, "00AB00"},
         {"000000", 5, "ABCD", 4, "00000A"},
         {"000000", 2, "ABCD", -2, "000000"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         std::string image = row.image;
         OverwriteDigits(image, row.position, row.digits, row.maxDigits);
         EXPECT_EQ(image, row.result) << row.position << " " << row.digits;
