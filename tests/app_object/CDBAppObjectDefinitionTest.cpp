@@ -68,9 +68,6 @@ TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
     EXPECT_EQ(second->IAppObject_Name(), "Shared");
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
-
-// ---- Header -----------------------------------------------------------------------------------
-
 TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     TempLibrary library;
     ScopedMessageRecorder messages;
@@ -93,9 +90,6 @@ TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     EXPECT_TRUE(block->IAppObject_UsesDeviceClock());
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
-
-// ---- Datasheet ----------------------------------------------------------------------------------
-
 struct DatasheetRow {
     const char* label;
     std::vector<std::string> typeFolderFiles;

@@ -17,9 +17,6 @@ using testing::HeaderOnlyDefinition;
 using testing::InitBlock;
 using testing::MessageTexts;
 using testing::TempLibrary;
-
-// ---- Colour ---------------------------------------------------------------------------------
-
 TEST(Colour, WordsAndNumbersOfTheTableReadAsNumbersAndOthersAsZero) {
     const struct {
         const char* word;
@@ -37,9 +34,6 @@ TEST(Colour, WordsAndNumbersOfTheTableReadAsNumbersAndOthersAsZero) {
     block->IAppObject_Color(12345);
     EXPECT_EQ(block->IAppObject_Color(), 0);
 }
-
-// ---- Icon -----------------------------------------------------------------------------------
-
 // The smallest file that reads as an icon: the directory header of one image.
 const std::string kIconBytes = std::string("\0\0\1\0\1\0icon body", 15);
 
@@ -66,9 +60,6 @@ TEST(Icon, IsTheTypesOwnOrTheComponentsAndIsReadOnce) {
     EXPECT_EQ(std::string(own->bytes.begin(), own->bytes.end()), kIconBytes);
     EXPECT_EQ(InitBlock(pictured)->IAppObject_Icon(), own);
 }
-
-// ---- Datasheet ------------------------------------------------------------------------------
-
 // Replaces the shell while it lives and records what it was asked.
 class ScopedShell {
 public:

@@ -12,9 +12,6 @@ namespace {
 using testing::Fixtures;
 using testing::RecordingListener;
 using testing::TestBlock;
-
-// ---- Width ----------------------------------------------------------------------------------
-
 TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     const struct {
@@ -35,8 +32,6 @@ TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
     }
     EXPECT_EQ(TestBlock("Widths", fixtures)->IAppObject_Width(), 0) << "no user name, no width";
 }
-// ---- Keys -------------------------------------------------------------------------------------
-
 TEST(AppObjectKeys, ReachEveryMemberThatExists) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock bare("OnlyOutputs", fixtures);  // no attributes, no inputs
@@ -56,9 +51,6 @@ TEST(AppObjectKeys, ReachEveryMemberThatExists) {
     EXPECT_EQ(block->IAppObject_Outputs()->IOutputs_Item("Out1")->IOutput_ExtendedKey(),
               "E\\ROU\\Out1");
 }
-
-// ---- Walks over the members ---------------------------------------------------------------------
-
 TEST(AppObjectMembers, ClearReferencesZeroesEveryInputInItsWidth) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock block("InputsOnly", fixtures);
@@ -77,9 +69,6 @@ TEST(AppObjectMembers, IsDeviceDependentWhenAnyAttributeIs) {
     EXPECT_TRUE(TestBlock("Widths", fixtures)->IAppObject_IsDeviceDependent());
     EXPECT_FALSE(TestBlock("Worked", fixtures)->IAppObject_IsDeviceDependent());
 }
-
-// ---- Teardown ---------------------------------------------------------------------------------
-
 TEST(AppObjectLifecycle, DestroyTakesTheBlockApartAndLetsItGo) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     auto block = TestBlock("Widths", fixtures).Release();

@@ -42,9 +42,6 @@ void Load(CDBAppObject& block, const std::string& text) {
     ASSERT_TRUE(document);
     block.IAppObject_XmlLoad(document->document_element());
 }
-
-// ---- Writing ---------------------------------------------------------------------------------
-
 TEST(ProjectXml, SaveWritesTheBlockSubtree) {
     TestBlock block = WorkedFan();
 
@@ -84,9 +81,6 @@ TEST(LeanXml, BothFormsWriteTheKeyAndNoCanvasOrImage) {
     EXPECT_EQ(XmlText(sim.first_child()), lean(""));
     EXPECT_EQ(XmlText(interop.first_child()), lean("E\\7"));
 }
-
-// ---- Reading ---------------------------------------------------------------------------------
-
 TEST(ProjectXmlLoad, TheImageIsRebuiltFromTheRestoredValues) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock block("Worked", fixtures);
@@ -120,9 +114,6 @@ TEST(ProjectXmlLoad, PositionsReadEitherSeparator) {
         EXPECT_EQ(block->IAppObject_YPosition(), row.expected) << row.text;
     }
 }
-
-// ---- Nothing lost on reopening -------------------------------------------------------------
-
 // Saved to text and read back, as a project file is.
 TestBlock Reopened(CDBAppObject& block, const std::string& type) {
     std::ostringstream text;

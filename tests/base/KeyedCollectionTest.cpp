@@ -68,9 +68,6 @@ TEST(KeyedCollection, RemoveReindexesTheMembersAfterTheRemovedOne) {
     EXPECT_EQ(NameOf(collection.Item("3")), "d");
     EXPECT_THROW(collection.Remove("b"), Error);
 }
-
-// ---- Listener lists ------------------------------------------------------------------------
-
 struct Listener {
     std::vector<std::string>* log;
     std::string name;

@@ -14,9 +14,6 @@ namespace zerbin {
 namespace {
 
 using zerbin::testing::ScopedLocale;
-
-// ---- Tokens ----------------------------------------------------------------------------------
-
 TEST(NthToken, PicksTokensByTheirSeparatorCount) {
     const struct {
         const char* text;
@@ -35,9 +32,6 @@ TEST(NthToken, PicksTokensByTheirSeparatorCount) {
             << '"' << row.text << "\" index " << row.index;
     }
 }
-
-// ---- Hexadecimal digits ------------------------------------------------------------------
-
 // The byte form clamps only from above and formats the low byte; the word form clamps at
 // 65535. Both write the clamped value back into the caller's variable.
 TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
@@ -65,9 +59,6 @@ TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
         }
     }
 }
-
-// ---- Reference codes -----------------------------------------------------------------------
-
 TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_EQ(NvReferenceCode(3, 2), 2 * 256 + 16384 + 3);
     EXPECT_EQ(HexWordOf(NvReferenceCode(3, 2)), "4203");
@@ -78,9 +69,6 @@ TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_THROW(NvReferenceCode(-20000, 8388607), OverflowError);  // late recovery is no help
     EXPECT_EQ(NvReferenceCode(255, 8388543), std::numeric_limits<int32_t>::max());
 }
-
-// ---- XML -----------------------------------------------------------------------------------
-
 TEST(AppendElement, AddsTextUnlessGivenTheExactMarker) {
     pugi::xml_document doc;
     pugi::xml_node root = doc.append_child("Root");
@@ -98,9 +86,6 @@ TEST(AppendElement, AddsTextUnlessGivenTheExactMarker) {
     EXPECT_FALSE(bare.first_child());
     EXPECT_STREQ(lower.first_child().value(), "notextfield");
 }
-
-// ---- Decimal separator -------------------------------------------------------------------
-
 struct DecimalRow {
     const char* text;
     const char* withPoint;
@@ -126,9 +111,6 @@ TEST(NormalizeDecimal, ReplacesOneSeparatorUnderEitherLocale) {
         EXPECT_EQ(DecimalToDisplay(row.text), row.withComma) << row.text;
     }
 }
-
-// ---- Reading numbers -----------------------------------------------------------------------
-
 TEST(LeadingNumber, ReadsTheLongestLeadingNumber) {
     const struct {
         const char* text;
@@ -170,9 +152,6 @@ TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
     EXPECT_FLOAT_EQ(LocaleNumber("1,5"), 1.5F);
     EXPECT_THROW(LocaleNumber("1.5"), Error);
 }
-
-// ---- Rounding ----------------------------------------------------------------------------
-
 TEST(Rounding, GoesHalfToEven) {
     const struct {
         double value;
@@ -200,9 +179,6 @@ TEST(Rounding, ThrowsOverflowOutsideTheTarget) {
     EXPECT_EQ(NarrowToInt16(-32768), -32768);
     EXPECT_THROW(NarrowToInt16(32768), OverflowError);
 }
-
-// ---- Writing numbers -----------------------------------------------------------------------
-
 TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
     const struct {
         double value;
@@ -228,9 +204,6 @@ TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
         EXPECT_EQ(FormatDouble(row.value), row.withComma) << row.value;
     }
 }
-
-// ---- Process state and skip mode ------------------------------------------------------------
-
 struct Counter {
     int value = 7;
 };

@@ -61,9 +61,6 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
     }
     EXPECT_EQ(Tag(FindFirst(pugi::xml_node(), "A")), "-");
 }
-
-// ---- The cache of indexes ------------------------------------------------------------------
-
 TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
     alignas(pugi::xml_document) std::byte place[sizeof(pugi::xml_document)];
     for (int round = 0; round < 3; ++round) {

@@ -8,15 +8,7 @@
 namespace zerbin::xml {
 namespace {
 
-std::shared_ptr<pugi::xml_document> Load(std::string_view text) {
-    ParseError error;
-    auto doc = LoadString(text, &error);
-    EXPECT_NE(doc, nullptr) << error.reason;
-    return doc;
-}
-
-// ---- Loading -------------------------------------------------------------------------------
-
+using testing::ParseXml;
 TEST(XmlLoad, ReportsTheOffendingLineAndItsPlace) {
     ParseError error;
     EXPECT_EQ(LoadString("<A>\n  <B>x</C>\n</A>", &error), nullptr);
@@ -31,7 +23,7 @@ TEST(XmlLoad, ReportsTheOffendingLineAndItsPlace) {
 }
 
 TEST(XmlLoad, KeepsCommentsAndDropsBlankText) {
-    auto doc = Load("<A>\n  <!-- note -->\n  <B>1</B>\n</A>");
+    auto doc = ParseXml("<A>\n  <!-- note -->\n  <B>1</B>\n</A>");
     const pugi::xml_node a = doc->child("A");
     EXPECT_EQ(NodeType(a.first_child()), kNodeComment);
     EXPECT_EQ(a.first_child().next_sibling(), a.child("B"));
@@ -129,9 +121,6 @@ TEST(XmlLoad, ReadsRegularFilesOnly) {
         EXPECT_TRUE(error.unreadable) << row.file;
     }
 }
-
-// ---- Writing -------------------------------------------------------------------------------
-
 TEST(XmlSave, TextComesBackExactlyThroughAnyParser) {
     const std::string texts[] = {"a\rb", "a\r\nb", "\tx ", "   ", " lead", "trail\n", "a  b", ""};
     pugi::xml_document doc;
@@ -171,11 +160,8 @@ TEST(XmlSave, RefusesWhatXmlOneCannotCarry) {
     EXPECT_THROW(Save(doc, out), Error);
     EXPECT_EQ(out.str(), "");
 }
-
-// ---- Node kinds, names, text ---------------------------------------------------------------
-
 TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
-    auto doc = Load("<r><t>12</t><e/><nested><x>1</x></nested><c><!--note--></c></r>");
+    auto doc = ParseXml("<r><t>12</t><e/><nested><x>1</x></nested><c><!--note--></c></r>");
     const pugi::xml_node r = doc->child("r");
     EXPECT_EQ(FirstChildText(r.child("t")), "12");
     EXPECT_EQ(FirstChildText(r.child("c")), "note");  // a comment has a value
@@ -183,9 +169,6 @@ TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
     EXPECT_THROW(FirstChildText(r.child("nested")), Error);
     EXPECT_THROW(FirstChildText(r.child("missing")), Error);
 }
-
-// ---- Names and creation ------------------------------------------------------------------
-
 TEST(IsValidName, FollowsTheXmlNameProduction) {
     for (const char* good :
          {"a", "_x", "Name-1.2", "x:y", "\xC3\xA4rger", "\xE4\xB8\xAD", "\xE2\x80\x8D",

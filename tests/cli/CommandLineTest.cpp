@@ -44,7 +44,7 @@ TEST(CommandLine, UsageErrorsExitTwoWithOneHintLine) {
          "TYPE_MUX has no attribute Nope"},
         {{"image", "THERMOSTAT", "--ref", "Flow=4000"}, "THERMOSTAT has no input Flow"},
         {{"image", "NO_SUCH_TYPE"},
-         "no block type 'NO_SUCH_TYPE' in library '" + (ShippedData() / "library").string() + "'"},
+         "no block type 'NO_SUCH_TYPE' in library '" ZERBIN_SHIPPED_DATA "/library'"},
         {{"image", "../THERMOSTAT"}, "invalid block type name '../THERMOSTAT'"},
     };
     for (const UsageRow& row : rows) {

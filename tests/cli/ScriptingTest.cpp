@@ -2,6 +2,7 @@
 // exit status, a failing block type does not end the run, load prints one line a block, the
 // blocks' messages reach stderr and numbers follow the user's locale.
 
+#include <gmock/gmock.h>
 #include <locale.h>
 #include <sys/stat.h>
 
@@ -128,11 +129,7 @@ TEST(Zerbin, MessagesOfTheBlocksGoToStderrAsTitleAndText) {
     EXPECT_EQ(result.status, 0);
     // The image is still built; the selector's byte is the factor of an unknown type, 0.
     EXPECT_EQ(result.out, "0C0134000000000000000002\n");
-    const std::vector<std::string> lines = Lines(result.err);
-    ASSERT_FALSE(lines.empty());
-    for (const std::string& line : lines) {
-        EXPECT_EQ(line, "Zerbin: Error: SNVT_999 is not defined");
-    }
+    EXPECT_THAT(result.err, ::testing::MatchesRegex("(Zerbin: Error: SNVT_999 is not defined\n)+"));
 }
 
 TEST(Zerbin, NumbersFollowTheUsersLocale) {

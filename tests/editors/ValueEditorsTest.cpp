@@ -31,9 +31,6 @@ std::shared_ptr<TestPoint> PointOf(const std::string& typeClass, const std::stri
 void Click(QDialog& dialog, const char* button) {
     QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
 }
-
-// ---- Text --------------------------------------------------------------------------------
-
 struct TextRow {
     int32_t length;
     const char* start;
@@ -111,9 +108,6 @@ TEST(TextEditor, EscRestoresEnterWritesEvenEmpty) {
     EXPECT_EQ(point->writes, std::vector<std::string>{""});
     EXPECT_FALSE(dialog.isVisible());
 }
-
-// ---- Enumeration -------------------------------------------------------------------------
-
 struct EnumRow {
     const char* description;
     const char* value;
@@ -147,9 +141,6 @@ INSTANTIATE_TEST_SUITE_P(Codes, EnumEditor,
                                            EnumRow{"0,A;40000,B;1,C;", "1", 1, "A", "0"},
                                            EnumRow{"5;", "0", 1, "", "0"},
                                            EnumRow{"", "3", 0, "", "-1"}));
-
-// ---- Bit field ---------------------------------------------------------------------------
-
 struct BitRow {
     int32_t length;
     const char* value;
@@ -200,9 +191,6 @@ TEST(BitEditorFlip, ADoubleClickOrSpaceFlipsABitAndOkWritesEveryPoint) {
     EXPECT_EQ(first->writes, std::vector<std::string>{"32776"});
     EXPECT_EQ(second->writes, std::vector<std::string>{"32776"});
 }
-
-// ---- Every value editor ------------------------------------------------------------------
-
 class EditorCancel : public ::testing::TestWithParam<std::tuple<const char*, bool>> {};
 
 TEST_P(EditorCancel, CancelPutsTheOldValueBackOnlyForTheStructureEditor) {
@@ -269,9 +257,6 @@ INSTANTIATE_TEST_SUITE_P(
                       BadRow{"Bitfield", "", 0, "1", "", ""},
                       BadRow{"Textual", "", 4, "\x01\xff\xfe", "", ""},
                       BadRow{"Bitfield", "", 32, "4294967295", "", ""}));
-
-// ---- Message box adapter -----------------------------------------------------------------
-
 TEST(QtMessages, TitleIconAndButtonsReachTheBoxAndTheAnswerComesBack) {
     InstallQtAdapters();
     int answer = 0;

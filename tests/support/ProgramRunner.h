@@ -20,10 +20,6 @@ struct ProgramResult {
     std::string err;
 };
 
-inline std::filesystem::path ShippedData() {
-    return ZERBIN_SHIPPED_DATA;
-}
-
 inline std::string ReadWhole(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
@@ -93,16 +89,6 @@ inline ProgramResult RunProgram(const std::vector<std::string>& args,
     result.out = stdoutFile.empty() ? ReadWhole(outFile) : std::string();
     result.err = ReadWhole(errFile);
     return result;
-}
-
-// The lines of a text, without their line feeds; a last line without one counts too.
-inline std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
-    }
-    return lines;
 }
 
 }  // namespace zerbin::testing
