@@ -68,6 +68,7 @@ TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
     EXPECT_EQ(second->IAppObject_Name(), "Shared");
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
+
 TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     TempLibrary library;
     ScopedMessageRecorder messages;
@@ -90,6 +91,7 @@ TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     EXPECT_TRUE(block->IAppObject_UsesDeviceClock());
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
+
 struct DatasheetRow {
     const char* label;
     std::vector<std::string> typeFolderFiles;

@@ -17,6 +17,7 @@ using testing::HeaderOnlyDefinition;
 using testing::InitBlock;
 using testing::MessageTexts;
 using testing::TempLibrary;
+
 TEST(Colour, WordsAndNumbersOfTheTableReadAsNumbersAndOthersAsZero) {
     const struct {
         const char* word;
@@ -34,6 +35,7 @@ TEST(Colour, WordsAndNumbersOfTheTableReadAsNumbersAndOthersAsZero) {
     block->IAppObject_Color(12345);
     EXPECT_EQ(block->IAppObject_Color(), 0);
 }
+
 // The smallest file that reads as an icon: the directory header of one image.
 const std::string kIconBytes = std::string("\0\0\1\0\1\0icon body", 15);
 
@@ -60,6 +62,7 @@ TEST(Icon, IsTheTypesOwnOrTheComponentsAndIsReadOnce) {
     EXPECT_EQ(std::string(own->bytes.begin(), own->bytes.end()), kIconBytes);
     EXPECT_EQ(InitBlock(pictured)->IAppObject_Icon(), own);
 }
+
 // Replaces the shell while it lives and records what it was asked.
 class ScopedShell {
 public:

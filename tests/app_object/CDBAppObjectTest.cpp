@@ -12,6 +12,7 @@ namespace {
 using testing::Fixtures;
 using testing::RecordingListener;
 using testing::TestBlock;
+
 TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     const struct {
@@ -32,6 +33,7 @@ TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
     }
     EXPECT_EQ(TestBlock("Widths", fixtures)->IAppObject_Width(), 0) << "no user name, no width";
 }
+
 TEST(AppObjectKeys, ReachEveryMemberThatExists) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock bare("OnlyOutputs", fixtures);  // no attributes, no inputs
@@ -51,6 +53,7 @@ TEST(AppObjectKeys, ReachEveryMemberThatExists) {
     EXPECT_EQ(block->IAppObject_Outputs()->IOutputs_Item("Out1")->IOutput_ExtendedKey(),
               "E\\ROU\\Out1");
 }
+
 TEST(AppObjectMembers, ClearReferencesZeroesEveryInputInItsWidth) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock block("InputsOnly", fixtures);
@@ -69,6 +72,7 @@ TEST(AppObjectMembers, IsDeviceDependentWhenAnyAttributeIs) {
     EXPECT_TRUE(TestBlock("Widths", fixtures)->IAppObject_IsDeviceDependent());
     EXPECT_FALSE(TestBlock("Worked", fixtures)->IAppObject_IsDeviceDependent());
 }
+
 TEST(AppObjectLifecycle, DestroyTakesTheBlockApartAndLetsItGo) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     auto block = TestBlock("Widths", fixtures).Release();

@@ -42,6 +42,7 @@ void Load(CDBAppObject& block, const std::string& text) {
     ASSERT_TRUE(document);
     block.IAppObject_XmlLoad(document->document_element());
 }
+
 TEST(ProjectXml, SaveWritesTheBlockSubtree) {
     TestBlock block = WorkedFan();
 
@@ -81,6 +82,7 @@ TEST(LeanXml, BothFormsWriteTheKeyAndNoCanvasOrImage) {
     EXPECT_EQ(XmlText(sim.first_child()), lean(""));
     EXPECT_EQ(XmlText(interop.first_child()), lean("E\\7"));
 }
+
 TEST(ProjectXmlLoad, TheImageIsRebuiltFromTheRestoredValues) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock block("Worked", fixtures);
@@ -114,6 +116,7 @@ TEST(ProjectXmlLoad, PositionsReadEitherSeparator) {
         EXPECT_EQ(block->IAppObject_YPosition(), row.expected) << row.text;
     }
 }
+
 // Saved to text and read back, as a project file is.
 TestBlock Reopened(CDBAppObject& block, const std::string& type) {
     std::ostringstream text;

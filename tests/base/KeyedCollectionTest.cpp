@@ -68,6 +68,7 @@ TEST(KeyedCollection, RemoveReindexesTheMembersAfterTheRemovedOne) {
     EXPECT_EQ(NameOf(collection.Item("3")), "d");
     EXPECT_THROW(collection.Remove("b"), Error);
 }
+
 struct Listener {
     std::vector<std::string>* log;
     std::string name;

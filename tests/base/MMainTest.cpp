@@ -14,6 +14,7 @@ namespace zerbin {
 namespace {
 
 using zerbin::testing::ScopedLocale;
+
 TEST(NthToken, PicksTokensByTheirSeparatorCount) {
     const struct {
         const char* text;
@@ -32,6 +33,7 @@ TEST(NthToken, PicksTokensByTheirSeparatorCount) {
             << '"' << row.text << "\" index " << row.index;
     }
 }
+
 // The byte form clamps only from above and formats the low byte; the word form clamps at
 // 65535. Both write the clamped value back into the caller's variable.
 TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
@@ -59,6 +61,7 @@ TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
         }
     }
 }
+
 TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_EQ(NvReferenceCode(3, 2), 2 * 256 + 16384 + 3);
     EXPECT_EQ(HexWordOf(NvReferenceCode(3, 2)), "4203");
@@ -69,6 +72,7 @@ TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_THROW(NvReferenceCode(-20000, 8388607), OverflowError);  // late recovery is no help
     EXPECT_EQ(NvReferenceCode(255, 8388543), std::numeric_limits<int32_t>::max());
 }
+
 TEST(AppendElement, AddsTextUnlessGivenTheExactMarker) {
     pugi::xml_document doc;
     pugi::xml_node root = doc.append_child("Root");
@@ -86,6 +90,7 @@ TEST(AppendElement, AddsTextUnlessGivenTheExactMarker) {
     EXPECT_FALSE(bare.first_child());
     EXPECT_STREQ(lower.first_child().value(), "notextfield");
 }
+
 struct DecimalRow {
     const char* text;
     const char* withPoint;
@@ -111,6 +116,7 @@ TEST(NormalizeDecimal, ReplacesOneSeparatorUnderEitherLocale) {
         EXPECT_EQ(DecimalToDisplay(row.text), row.withComma) << row.text;
     }
 }
+
 TEST(LeadingNumber, ReadsTheLongestLeadingNumber) {
     const struct {
         const char* text;
@@ -152,6 +158,7 @@ TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
     EXPECT_FLOAT_EQ(LocaleNumber("1,5"), 1.5F);
     EXPECT_THROW(LocaleNumber("1.5"), Error);
 }
+
 TEST(Rounding, GoesHalfToEven) {
     const struct {
         double value;
@@ -179,6 +186,7 @@ TEST(Rounding, ThrowsOverflowOutsideTheTarget) {
     EXPECT_EQ(NarrowToInt16(-32768), -32768);
     EXPECT_THROW(NarrowToInt16(32768), OverflowError);
 }
+
 TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
     const struct {
         double value;
@@ -204,6 +212,7 @@ TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
         EXPECT_EQ(FormatDouble(row.value), row.withComma) << row.value;
     }
 }
+
 struct Counter {
     int value = 7;
 };

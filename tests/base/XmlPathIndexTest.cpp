@@ -61,6 +61,7 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
     }
     EXPECT_EQ(Tag(FindFirst(pugi::xml_node(), "A")), "-");
 }
+
 TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
     alignas(pugi::xml_document) std::byte place[sizeof(pugi::xml_document)];
     for (int round = 0; round < 3; ++round) {

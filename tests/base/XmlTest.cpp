@@ -9,6 +9,7 @@ namespace zerbin::xml {
 namespace {
 
 using testing::ParseXml;
+
 TEST(XmlLoad, ReportsTheOffendingLineAndItsPlace) {
     ParseError error;
     EXPECT_EQ(LoadString("<A>\n  <B>x</C>\n</A>", &error), nullptr);
@@ -121,6 +122,7 @@ TEST(XmlLoad, ReadsRegularFilesOnly) {
         EXPECT_TRUE(error.unreadable) << row.file;
     }
 }
+
 TEST(XmlSave, TextComesBackExactlyThroughAnyParser) {
     const std::string texts[] = {"a\rb", "a\r\nb", "\tx ", "   ", " lead", "trail\n", "a  b", ""};
     pugi::xml_document doc;
@@ -160,6 +162,7 @@ TEST(XmlSave, RefusesWhatXmlOneCannotCarry) {
     EXPECT_THROW(Save(doc, out), Error);
     EXPECT_EQ(out.str(), "");
 }
+
 TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
     auto doc = ParseXml("<r><t>12</t><e/><nested><x>1</x></nested><c><!--note--></c></r>");
     const pugi::xml_node r = doc->child("r");
@@ -169,6 +172,7 @@ TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
     EXPECT_THROW(FirstChildText(r.child("nested")), Error);
     EXPECT_THROW(FirstChildText(r.child("missing")), Error);
 }
+
 TEST(IsValidName, FollowsTheXmlNameProduction) {
     for (const char* good :
          {"a", "_x", "Name-1.2", "x:y", "\xC3\xA4rger", "\xE4\xB8\xAD", "\xE2\x80\x8D",

@@ -127,6 +127,7 @@ TYPED_TEST(ReferenceCollectionTest, KeysReachEveryMemberBehindABackslashAndItsNa
     EXPECT_EQ(TypeParam::GlobalKey(setpoint), "K2\\Setpoint");
     EXPECT_EQ(TypeParam::ExtendedKey(setpoint), "E\\RIN\\Setpoint");
 }
+
 TEST(Inputs, DestroyCutsTheWayBackToTheBlockAndKeepsTheMembers) {
     auto block = std::make_shared<FakeAppObject>();
     CDBInputs inputs;

@@ -31,6 +31,7 @@ std::shared_ptr<TestPoint> PointOf(const std::string& typeClass, const std::stri
 void Click(QDialog& dialog, const char* button) {
     QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
 }
+
 struct TextRow {
     int32_t length;
     const char* start;
@@ -108,6 +109,7 @@ TEST(TextEditor, EscRestoresEnterWritesEvenEmpty) {
     EXPECT_EQ(point->writes, std::vector<std::string>{""});
     EXPECT_FALSE(dialog.isVisible());
 }
+
 struct EnumRow {
     const char* description;
     const char* value;
@@ -141,6 +143,7 @@ INSTANTIATE_TEST_SUITE_P(Codes, EnumEditor,
                                            EnumRow{"0,A;40000,B;1,C;", "1", 1, "A", "0"},
                                            EnumRow{"5;", "0", 1, "", "0"},
                                            EnumRow{"", "3", 0, "", "-1"}));
+
 struct BitRow {
     int32_t length;
     const char* value;
@@ -191,6 +194,7 @@ TEST(BitEditorFlip, ADoubleClickOrSpaceFlipsABitAndOkWritesEveryPoint) {
     EXPECT_EQ(first->writes, std::vector<std::string>{"32776"});
     EXPECT_EQ(second->writes, std::vector<std::string>{"32776"});
 }
+
 class EditorCancel : public ::testing::TestWithParam<std::tuple<const char*, bool>> {};
 
 TEST_P(EditorCancel, CancelPutsTheOldValueBackOnlyForTheStructureEditor) {
@@ -257,6 +261,7 @@ INSTANTIATE_TEST_SUITE_P(
                       BadRow{"Bitfield", "", 0, "1", "", ""},
                       BadRow{"Textual", "", 4, "\x01\xff\xfe", "", ""},
                       BadRow{"Bitfield", "", 32, "4294967295", "", ""}));
+
 TEST(QtMessages, TitleIconAndButtonsReachTheBoxAndTheAnswerComesBack) {
     InstallQtAdapters();
     int answer = 0;
