@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "datatypes/CDBSNVTType.h"
+#include "interfaces/Error.h"
 #include "platform/Messages.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/FakeAttributes.h"
