@@ -69,8 +69,6 @@ TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 
-// ---- Header -----------------------------------------------------------------------------------
-
 TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     TempLibrary library;
     ScopedMessageRecorder messages;
@@ -93,8 +91,6 @@ TEST(DefinitionHeader, KeysAreMatchedInAnyLetterCaseAndCommentsAreSkipped) {
     EXPECT_TRUE(block->IAppObject_UsesDeviceClock());
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
-
-// ---- Datasheet ----------------------------------------------------------------------------------
 
 struct DatasheetRow {
     const char* label;

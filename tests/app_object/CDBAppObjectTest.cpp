@@ -3,24 +3,15 @@
 #include <gmock/gmock.h>
 
 #include "app_object/CDBAppObject.h"
-#include "base/MMain.h"
-#include "connections/CDBInputs.h"
-#include "platform/Files.h"
-#include "platform/Messages.h"
 #include "tests/support/Blocks.h"
 #include "tests/support/RecordingListener.h"
 
 namespace zerbin {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::Fixtures;
-using ::testing::IsEmpty;
-using testing::MessageTexts;
 using testing::RecordingListener;
 using testing::TestBlock;
-
-// ---- Width ----------------------------------------------------------------------------------
 
 TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
@@ -42,7 +33,6 @@ TEST(AppObjectWidth, IsTheUserNamePlusFiveOrTheBaseWidth) {
     }
     EXPECT_EQ(TestBlock("Widths", fixtures)->IAppObject_Width(), 0) << "no user name, no width";
 }
-// ---- Keys -------------------------------------------------------------------------------------
 
 TEST(AppObjectKeys, ReachEveryMemberThatExists) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
@@ -64,8 +54,6 @@ TEST(AppObjectKeys, ReachEveryMemberThatExists) {
               "E\\ROU\\Out1");
 }
 
-// ---- Walks over the members ---------------------------------------------------------------------
-
 TEST(AppObjectMembers, ClearReferencesZeroesEveryInputInItsWidth) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock block("InputsOnly", fixtures);
@@ -84,8 +72,6 @@ TEST(AppObjectMembers, IsDeviceDependentWhenAnyAttributeIs) {
     EXPECT_TRUE(TestBlock("Widths", fixtures)->IAppObject_IsDeviceDependent());
     EXPECT_FALSE(TestBlock("Worked", fixtures)->IAppObject_IsDeviceDependent());
 }
-
-// ---- Teardown ---------------------------------------------------------------------------------
 
 TEST(AppObjectLifecycle, DestroyTakesTheBlockApartAndLetsItGo) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");

@@ -44,18 +44,17 @@ TEST(KeyedCollection, KeepsInsertionOrderAndFindsKeysInAnyCase) {
 
 TEST(KeyedCollection, ItemLooksUpTheKeyFirstThenThePosition) {
     const auto collection = Collection({"a", "b", "2", "c"});
-    struct Row {
+    const struct {
         const char* key;
         const char* expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"2", "2"},  // the key wins over position 2
         {"B", "b"},       {"1", "a"},          {"4", "c"},        {"3abc", "2"},
         {" 4", "c"},      {"4.0", "c"},        {"&H1", "a"},      {"0", "<none>"},
         {"", "<none>"},   {"abc", "<none>"},   {"1.5", "<none>"}, {"5", "<none>"},
         {"-1", "<none>"}, {"1e400", "<none>"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(NameOf(collection.Item(row.key)), row.expected) << '"' << row.key << '"';
     }
 }
@@ -69,8 +68,6 @@ TEST(KeyedCollection, RemoveReindexesTheMembersAfterTheRemovedOne) {
     EXPECT_EQ(NameOf(collection.Item("3")), "d");
     EXPECT_THROW(collection.Remove("b"), Error);
 }
-
-// ---- Listener lists ------------------------------------------------------------------------
 
 struct Listener {
     std::vector<std::string>* log;

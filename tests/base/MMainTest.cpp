@@ -1,10 +1,11 @@
 #include "base/MMain.h"
 
-#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <stdexcept>
 
+#include "base/ProcessState.h"
 #include "base/SkipMode.h"
 #include "interfaces/Error.h"
 #include "tests/support/TestSupport.h"
@@ -14,40 +15,34 @@ namespace {
 
 using zerbin::testing::ScopedLocale;
 
-// ---- Tokens ----------------------------------------------------------------------------------
-
 TEST(NthToken, PicksTokensByTheirSeparatorCount) {
-    struct Row {
+    const struct {
         const char* text;
         int32_t index;
         const char* separator;
         const char* expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"a;b;c", 2, ";", "c"},      {"a;b;c", 3, ";", ""},
         {"abc", 0, ";", ""},  // no separator: not the whole text
         {"a;b", -1, ";", ""},        {"a;;c", 2, ";", "c"},
         {"0,OFF;1,ON;", 2, ";", ""},  // the trailing separator ends the list
         {"0,OFF", 1, ",", "OFF"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(NthToken(row.text, row.index, row.separator), row.expected)
             << '"' << row.text << "\" index " << row.index;
     }
 }
 
-// ---- Hexadecimal digits ------------------------------------------------------------------
-
 // The byte form clamps only from above and formats the low byte; the word form clamps at
 // 65535. Both write the clamped value back into the caller's variable.
 TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
-    struct Row {
+    const struct {
         bool word;
         int32_t value;
         const char* expected;
         int32_t afterwards;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {false, 10, "0A", 10},
         {false, 256, "FF", 255},
         {false, -1, "FF", -1},
@@ -57,7 +52,7 @@ TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
         {true, 65536, "FFFF", 65535},
         {true, 258, "0102", 258},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         int32_t value = row.value;
         EXPECT_EQ(row.word ? HexWord(value) : HexByte(value), row.expected) << row.value;
         EXPECT_EQ(value, row.afterwards) << row.value;
@@ -66,8 +61,6 @@ TEST(HexDigits, FormatTheLowBytesAndClampTheCallersVariable) {
         }
     }
 }
-
-// ---- Reference codes -----------------------------------------------------------------------
 
 TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_EQ(NvReferenceCode(3, 2), 2 * 256 + 16384 + 3);
@@ -79,8 +72,6 @@ TEST(NvReferenceCode, CombinesIndexAndExportIndexUnderSelectorTwoWithinInt32) {
     EXPECT_THROW(NvReferenceCode(-20000, 8388607), OverflowError);  // late recovery is no help
     EXPECT_EQ(NvReferenceCode(255, 8388543), std::numeric_limits<int32_t>::max());
 }
-
-// ---- XML -----------------------------------------------------------------------------------
 
 TEST(AppendElement, AddsTextUnlessGivenTheExactMarker) {
     pugi::xml_document doc;
@@ -98,19 +89,6 @@ TEST(AppendElement, AddsTextUnlessGivenTheExactMarker) {
     EXPECT_STREQ(empty.first_child().value(), "");
     EXPECT_FALSE(bare.first_child());
     EXPECT_STREQ(lower.first_child().value(), "notextfield");
-}
-
-// ---- Decimal separator -------------------------------------------------------------------
-
-TEST(DecimalSeparator, FollowsTheNumericLocaleOnDetection) {
-    DetectDecimalSeparator();
-    EXPECT_EQ(DecimalSeparator(), ".");
-    {
-        ScopedLocale comma;
-        ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-        EXPECT_EQ(DecimalSeparator(), ",");
-    }
-    EXPECT_EQ(DecimalSeparator(), ".");
 }
 
 struct DecimalRow {
@@ -139,19 +117,16 @@ TEST(NormalizeDecimal, ReplacesOneSeparatorUnderEitherLocale) {
     }
 }
 
-// ---- Reading numbers -----------------------------------------------------------------------
-
 TEST(LeadingNumber, ReadsTheLongestLeadingNumber) {
-    struct Row {
+    const struct {
         const char* text;
         double expected;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"12abc", 12},      {"abc", 0},     {"&hff", 255}, {"&O18", 1},    {"1,5", 1},
         {" -1.5e2x", -150}, {"1d-2", 0.01}, {"+.5", 0.5},  {"1.2.3", 1.2}, {"1 2", 12},
         {"1e+", 1},         {"--1", 0},     {"1\r2", 1},   {"& h 1F", 31}, {"1e-400", 0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_DOUBLE_EQ(LeadingNumber(row.text), row.expected) << '"' << row.text << '"';
     }
 }
@@ -165,12 +140,11 @@ TEST(LeadingNumber, IgnoresTheLocaleAndSaturatesBeyondTheDoubleRange) {
 }
 
 TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
-    struct Row {
+    const struct {
         const char* text;
         float expected;
-    };
-    const Row withPoint[] = {{"1.5", 1.5F}, {" -2 ", -2.0F}, {"2.5e-1", 0.25F}, {".5", 0.5F}};
-    for (const Row& row : withPoint) {
+    } withPoint[] = {{"1.5", 1.5F}, {" -2 ", -2.0F}, {"2.5e-1", 0.25F}, {".5", 0.5F}};
+    for (const auto& row : withPoint) {
         EXPECT_FLOAT_EQ(LocaleNumber(row.text), row.expected) << row.text;
     }
     for (const char* bad : {"", "1,5", "1.5x", "1e", "1 2", "&H10"}) {
@@ -185,16 +159,12 @@ TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
     EXPECT_THROW(LocaleNumber("1.5"), Error);
 }
 
-// ---- Rounding ----------------------------------------------------------------------------
-
 TEST(Rounding, GoesHalfToEven) {
-    struct Row {
+    const struct {
         double value;
         double expected;
-    };
-    const Row rows[] = {
-        {2.5, 2}, {3.5, 4}, {-2.5, -2}, {2.6, 3}, {4503599627370497.0, 4503599627370497.0}};
-    for (const Row& row : rows) {
+    } rows[] = {{2.5, 2}, {3.5, 4}, {-2.5, -2}, {2.6, 3}, {4503599627370497.0, 4503599627370497.0}};
+    for (const auto& row : rows) {
         EXPECT_EQ(RoundHalfEven(row.value), row.expected) << row.value;
     }
     EXPECT_EQ(ToInt32(2147483647.4), 2147483647);
@@ -217,15 +187,12 @@ TEST(Rounding, ThrowsOverflowOutsideTheTarget) {
     EXPECT_THROW(NarrowToInt16(32768), OverflowError);
 }
 
-// ---- Writing numbers -----------------------------------------------------------------------
-
 TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
-    struct Row {
+    const struct {
         double value;
         const char* withPoint;
         const char* withComma;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {120.5, "120.5", "120,5"},
         {-0.0, "0", "0"},
         {1.0 / 3.0, "0.333333333333333", "0,333333333333333"},
@@ -236,14 +203,39 @@ TEST(FormatDouble, WritesTheGeneralFormWithFifteenDigits) {
         {-1.25e-7, "-1.25E-07", "-1,25E-07"},
         {0.1 + 0.2, "0.3", "0,3"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(FormatDouble(row.value), row.withPoint) << row.value;
     }
     ScopedLocale comma;
     ZERBIN_REQUIRE_COMMA_LOCALE(comma);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(FormatDouble(row.value), row.withComma) << row.value;
     }
+}
+
+struct Counter {
+    int value = 7;
+};
+
+TEST(ProcessStateTest, APartLivesUntilResetAndThenStartsAgain) {
+    ProcessState::Get<Counter>().value = 1;
+    EXPECT_EQ(ProcessState::Get<Counter>().value, 1);
+
+    SetSnvtDictionary(std::make_shared<pugi::xml_document>());
+    ProcessState::Reset();
+    EXPECT_EQ(ProcessState::Get<Counter>().value, 7);
+    EXPECT_EQ(DecimalSeparator(), ".");
+    EXPECT_EQ(SnvtDictionary(), nullptr);
+}
+
+// A failing step is dropped; running out of memory and a file that cannot be read are not
+// failing steps but failures the user must hear of.
+TEST(SkipStep, DropsFailuresButNotOutOfMemoryOrUnreadableFiles) {
+    EXPECT_TRUE(SkipStep([] {}));
+    EXPECT_FALSE(SkipStep([] { throw Error("step failed"); }));
+    EXPECT_FALSE(SkipStep([] { throw std::runtime_error("anything else"); }));
+    EXPECT_THROW(SkipStep([] { throw std::bad_alloc(); }), std::bad_alloc);
+    EXPECT_THROW(SkipStep([] { throw IoError("T.xml", "input/output error", 5); }), IoError);
 }
 
 }  // namespace

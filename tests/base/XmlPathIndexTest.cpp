@@ -1,8 +1,5 @@
 #include "base/XmlPathIndex.h"
 
-#include <cstddef>
-#include <new>
-
 #include "base/Xml.h"
 #include "tests/support/TestSupport.h"
 
@@ -64,8 +61,6 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
     }
     EXPECT_EQ(Tag(FindFirst(pugi::xml_node(), "A")), "-");
 }
-
-// ---- The cache of indexes ------------------------------------------------------------------
 
 TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
     alignas(pugi::xml_document) std::byte place[sizeof(pugi::xml_document)];

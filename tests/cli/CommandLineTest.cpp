@@ -22,7 +22,7 @@ TEST(CommandLine, UsageErrorsExitTwoWithOneHintLine) {
          "unknown option '--library' for 'image' (try 'zerbin image --help')"},
         {{"--library"}, "option '--library' expects an argument"},
         {{"image", "THERMOSTAT", "--intel=1"}, "option '--intel' takes no argument"},
-        {{"image"}, "'image' expects a block type (try 'zerbin image --help')"},
+        {{"show"}, "'show' expects a block type (try 'zerbin show --help')"},
         {{"image", "THERMOSTAT", "PID_LOOP"},
          "unexpected argument 'PID_LOOP' (try 'zerbin image --help')"},
         {{"image", "THERMOSTAT", "--set", "Mode"}, "--set expects NAME=VALUE, found 'Mode'"},
@@ -44,7 +44,7 @@ TEST(CommandLine, UsageErrorsExitTwoWithOneHintLine) {
          "TYPE_MUX has no attribute Nope"},
         {{"image", "THERMOSTAT", "--ref", "Flow=4000"}, "THERMOSTAT has no input Flow"},
         {{"image", "NO_SUCH_TYPE"},
-         "no block type 'NO_SUCH_TYPE' in library '" + (ShippedData() / "library").string() + "'"},
+         "no block type 'NO_SUCH_TYPE' in library '" ZERBIN_SHIPPED_DATA "/library'"},
         {{"image", "../THERMOSTAT"}, "invalid block type name '../THERMOSTAT'"},
     };
     for (const UsageRow& row : rows) {

@@ -1,6 +1,9 @@
 // The command as scripts use it: every failure ends in a message naming what failed and an
-// exit status, a failing block type does not end the run, and load prints one line a block.
+// exit status, a failing block type does not end the run, load prints one line a block, the
+// blocks' messages reach stderr and numbers follow the user's locale.
 
+#include <gmock/gmock.h>
+#include <locale.h>
 #include <sys/stat.h>
 
 #include "tests/support/ProgramRunner.h"
@@ -98,6 +101,8 @@ TEST(Scripting, SetTakesEnumLabelsAndReportsWhatTheEditorsWouldRefuse) {
     const ProgramResult byLabel = RunProgram({"image", "THERMOSTAT", "--set", "Mode=HVAC_HEAT"});
     EXPECT_EQ(byLabel.status, 0) << byLabel.err;
     EXPECT_EQ(byLabel.out, heat);
+    EXPECT_EQ(RunProgram({"image", "THERMOSTAT", "--set", "CoolSetpoint=35"}).err,
+              "");  // the limit
     const std::string written = "; written as given";
     ExpectRows({
         {{"image", "THERMOSTAT", "--set", "Mode=42"},
@@ -116,6 +121,36 @@ TEST(Scripting, OutputThatCannotBeWrittenIsAFailure) {
     const ProgramResult result = RunProgram({"save", "THERMOSTAT"}, {}, "C", "/dev/full");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err, "zerbin: error: cannot write the output: no space left on device\n");
+}
+
+TEST(Zerbin, MessagesOfTheBlocksGoToStderrAsTitleAndText) {
+    // 999 is no type of the dictionary: the selector's write and the image both look it up.
+    const ProgramResult result = RunProgram({"image", "TYPE_MUX", "--set", "DataType=999"});
+    EXPECT_EQ(result.status, 0);
+    // The image is still built; the selector's byte is the factor of an unknown type, 0.
+    EXPECT_EQ(result.out, "0C0134000000000000000002\n");
+    EXPECT_THAT(result.err, ::testing::MatchesRegex("(Zerbin: Error: SNVT_999 is not defined\n)+"));
+}
+
+TEST(Zerbin, NumbersFollowTheUsersLocale) {
+    locale_t comma = newlocale(LC_NUMERIC_MASK, "de_DE.UTF-8", static_cast<locale_t>(nullptr));
+    if (comma == static_cast<locale_t>(nullptr)) {
+        GTEST_SKIP() << "locale de_DE.UTF-8 is not installed (.ci/install makes it)";
+    }
+    freelocale(comma);
+    TempFolder folder;
+    const std::vector<std::string> save{"save",  "THERMOSTAT", "--x",
+                                        "120.5", "--set",      "HeatSetpoint=20.5"};
+    const ProgramResult german = RunProgram(save, {}, "de_DE.UTF-8");
+    EXPECT_EQ(german.status, 0) << german.err;
+    EXPECT_NE(german.out.find("<X_Position>120,5</X_Position>"), std::string::npos);
+    EXPECT_NE(german.out.find("<HeatSetpoint>20,5</HeatSetpoint>"), std::string::npos);
+    // A project written with a comma loads to the same image on a machine with a point.
+    const std::string project = folder.Write("project.xml", german.out).string();
+    const ProgramResult loaded = RunProgram({"load", project});
+    EXPECT_EQ(
+        loaded.out,
+        "\tTHERMOSTAT\t" + RunProgram({"image", "THERMOSTAT", "--set", "HeatSetpoint=20.5"}).out);
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ public:
 // ---- Definition ------------------------------------------------------------------------------
 
 TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
-    struct Row {
+    const struct {
         const char* xml;
         bool extended;
         bool typeDependent;
@@ -58,8 +58,7 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         bool visible;
         int32_t order;
         const char* compatibles = "";
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"<In/>", false, false, false, false, 0},
         // Flags by presence: the value is never read.
         {R"(<In ISEXTENDED="0" TYPEDEPENDENT="false"/>)", true, true, false, false, 0},
@@ -81,13 +80,12 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
         {"<In><!--<VISIBLE>1</VISIBLE>--><Other/><Note>x</Note></In>", false, false, false, false,
          0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.xml);
         auto input = Load(row.xml);
         EXPECT_EQ(input->IInput_Extended(), row.extended);
         EXPECT_EQ(input->IInput_Mandatory(), row.mandatory);
         EXPECT_EQ(input->IInput_Visible(), row.visible);
-        EXPECT_EQ(input->ICanvasElement_Visible(), row.visible);
         EXPECT_EQ(input->CDBOrderInPosition(), row.order);
         EXPECT_EQ(CompatibleIds(*input), row.compatibles);
         // Type dependence shows only in what a type change does; without it, nothing at all.
@@ -101,11 +99,10 @@ TEST_F(InputTest, ReadsTheFlagsAndChildrenOfItsElement) {
 }
 
 TEST_F(InputTest, WarnsAboutAnEmptyOrderOrCompatibilityListAndGoesOn) {
-    struct Row {
+    const struct {
         const char* xml;
         const char* warning;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"<Setpoint><CDBORDERINPOSITION><![CDATA[]]></CDBORDERINPOSITION>"
          "<VISIBLE>1</VISIBLE></Setpoint>",
          "Setpoint: CDBOrderingPosition not defined into the XML file of the object Loop."},
@@ -113,7 +110,7 @@ TEST_F(InputTest, WarnsAboutAnEmptyOrderOrCompatibilityListAndGoesOn) {
          "<VISIBLE>1</VISIBLE></Setpoint>",
          "Setpoint: SNVT Compatibility list not defined into the XML file of the object Loop."},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.xml);
         messages.recorder().Clear();
         auto input = Load(row.xml);
@@ -154,6 +151,84 @@ TEST_F(InputTest, TypeChangeReplacesTheSetAndTellsEachListenerInPairs) {
     EXPECT_EQ(oldSet->ICompatibleSNVTs_Count(), 2);
     EXPECT_EQ(input->IInput_ConnectedType(), type);
     EXPECT_TRUE(input->IInput_IsConnected());
+}
+
+// ---- Bytes in the image ----------------------------------------------------------------------
+
+// Twelve bytes whose digits tell their offset: byte P is "0P".
+constexpr const char* kImage = "000102030405060708090A0B";
+
+TEST_F(InputTest, WritesTheReferenceInBothByteOrders) {
+    const struct {
+        const char* value;
+        bool extended;
+        int32_t position;
+        const char* stream;  // expected image, most significant byte first, blanks aside
+        const char* intel;   // expected image of the Intel form; nullptr: raises
+    } rows[] = {
+        // A reference to an output (selector 2): only the first byte turns.
+        {"4203", false, 5, "00 01 02 03 04 42 03 07 08 09 0A 0B",
+         "00 01 02 03 04 12 03 07 08 09 0A 0B"},
+        // Any other selector: the last byte turns by two places as well.
+        {"2345", false, 5, "00 01 02 03 04 23 45 07 08 09 0A 0B",
+         "00 01 02 03 04 19 15 07 08 09 0A 0B"},
+        {"234501", true, 5, "00 01 02 03 04 23 45 01 08 09 0A 0B",
+         "00 01 02 03 04 19 15 01 08 09 0A 0B"},
+        {"E1FF", false, 0, "E1 FF 02 03 04 05 06 07 08 09 0A 0B",
+         "0F FF 02 03 04 05 06 07 08 09 0A 0B"},
+        // Never given a reference: the image keeps what it held, in both forms.
+        {"", false, 5, "00 01 02 03 04 05 06 07 08 09 0A 0B",
+         "00 01 02 03 04 05 06 07 08 09 0A 0B"},
+        // A longer value gives only the reference's width; a shorter one only its own length.
+        {"423456", false, 2, "00 01 42 34 04 05 06 07 08 09 0A 0B",
+         "00 01 12 56 04 05 06 07 08 09 0A 0B"},
+        {"4203", true, 2, "00 01 42 03 04 05 06 07 08 09 0A 0B",
+         "00 01 12 03 03 05 06 07 08 09 0A 0B"},
+        // The plain form parses nothing; the Intel form writes upper-case digits for what it
+        // rotates and copies the rest as it stands.
+        {"4a0b", false, 2, "00 01 4a 0b 04 05 06 07 08 09 0A 0B",
+         "00 01 52 0b 04 05 06 07 08 09 0A 0B"},
+        {"ZZ!?", false, 2, "00 01 ZZ !? 04 05 06 07 08 09 0A 0B", nullptr},
+        // At the end of the image the reference is cut, never appended.
+        {"4203", false, 11, "00 01 02 03 04 05 06 07 08 09 0A 42",
+         "00 01 02 03 04 05 06 07 08 09 0A 12"},
+        {"234501", true, 10, "00 01 02 03 04 05 06 07 08 09 23 45",
+         "00 01 02 03 04 05 06 07 08 09 19 15"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.value) + " at " + std::to_string(row.position) +
+                     (row.extended ? " extended" : ""));
+        auto strip = [](std::string text) {
+            std::erase(text, ' ');
+            return text;
+        };
+        auto input = Load(row.extended ? R"(<In ISEXTENDED=""/>)" : "<In/>");
+        input->CDBPosition(row.position);
+        input->IInput_Value(row.value);
+        EXPECT_EQ(input->WriteStream(kImage), strip(row.stream));
+        if (row.intel != nullptr) {
+            EXPECT_EQ(input->WriteIntelStream(kImage), strip(row.intel));
+        }
+    }
+}
+
+TEST_F(InputTest, TheIntelFormRaisesOnAReferenceItCannotRead) {
+    const struct {
+        const char* value;
+        bool extended;
+    } rows[] = {
+        {"ZZ03", false},  {"4G03", false}, {" 4203", false},
+        {"-103", false},  {"23ZZ", false},  // selector 1: the last byte is rotated, so it is read
+        {"23ZZ01", true},                   // selector 1: the second byte is rotated
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.value);
+        auto input = Load(row.extended ? R"(<In ISEXTENDED=""/>)" : "<In/>");
+        input->CDBPosition(2);
+        input->IInput_Value(row.value);
+        EXPECT_THROW(input->WriteIntelStream(kImage), Error);
+        EXPECT_NO_THROW(input->WriteStream(kImage));
+    }
 }
 
 // ---- Connection and the length hand-over -----------------------------------------------------

@@ -6,7 +6,6 @@
 
 #include "connections/CDBOutputs.h"
 #include "interfaces/Error.h"
-#include "platform/Messages.h"
 #include "tests/support/FakeAppObject.h"
 #include "tests/support/TestSupport.h"
 
@@ -14,24 +13,16 @@ namespace zerbin {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 using namespace zerbin::testing;
 
 // What the typed tests need to know of each collection.
 struct InputsTraits {
     using Collection = CDBInputs;
-    static std::string Name(const std::shared_ptr<IInput>& m) { return m->IInput_Name(); }
-    static std::string Name(const std::shared_ptr<CDBInput>& m) { return m->IInput_Name(); }
-    static int32_t Index(const std::shared_ptr<CDBInput>& m) { return m->IInput_Index(); }
-    static std::shared_ptr<IAppObject> Parent(const std::shared_ptr<CDBInput>& m) {
-        return m->Iinput_Parent();
-    }
-    static std::string GlobalKey(const std::shared_ptr<CDBInput>& m) {
-        return m->IInput_GlobalKey();
-    }
-    static std::string ExtendedKey(const std::shared_ptr<CDBInput>& m) {
-        return m->IInput_ExtendedKey();
-    }
+    static std::string Name(const auto& m) { return m->IInput_Name(); }
+    static int32_t Index(const auto& m) { return m->IInput_Index(); }
+    static auto Parent(const auto& m) { return m->Iinput_Parent(); }
+    static std::string GlobalKey(const auto& m) { return m->IInput_GlobalKey(); }
+    static std::string ExtendedKey(const auto& m) { return m->IInput_ExtendedKey(); }
     static auto Item(CDBInputs& c, const std::string& key) { return c.IInputs_Item(key); }
     static int32_t Count(CDBInputs& c) { return c.IInputs_Count(); }
     static auto NewEnum(CDBInputs& c) { return c.IInputs_NewEnum(); }
@@ -41,18 +32,11 @@ struct InputsTraits {
 
 struct OutputsTraits {
     using Collection = CDBOutputs;
-    static std::string Name(const std::shared_ptr<IOutput>& m) { return m->IOutput_Name(); }
-    static std::string Name(const std::shared_ptr<CDBOutput>& m) { return m->IOutput_Name(); }
-    static int32_t Index(const std::shared_ptr<CDBOutput>& m) { return m->IOutput_Index(); }
-    static std::shared_ptr<IAppObject> Parent(const std::shared_ptr<CDBOutput>& m) {
-        return m->IOutput_Parent();
-    }
-    static std::string GlobalKey(const std::shared_ptr<CDBOutput>& m) {
-        return m->IOutput_GlobalKey();
-    }
-    static std::string ExtendedKey(const std::shared_ptr<CDBOutput>& m) {
-        return m->IOutput_ExtendedKey();
-    }
+    static std::string Name(const auto& m) { return m->IOutput_Name(); }
+    static int32_t Index(const auto& m) { return m->IOutput_Index(); }
+    static auto Parent(const auto& m) { return m->IOutput_Parent(); }
+    static std::string GlobalKey(const auto& m) { return m->IOutput_GlobalKey(); }
+    static std::string ExtendedKey(const auto& m) { return m->IOutput_ExtendedKey(); }
     static auto Item(CDBOutputs& c, const std::string& key) { return c.IOutputs_Item(key); }
     static int32_t Count(CDBOutputs& c) { return c.IOutputs_Count(); }
     static auto NewEnum(CDBOutputs& c) { return c.IOutputs_NewEnum(); }
@@ -143,8 +127,6 @@ TYPED_TEST(ReferenceCollectionTest, KeysReachEveryMemberBehindABackslashAndItsNa
     EXPECT_EQ(TypeParam::GlobalKey(setpoint), "K2\\Setpoint");
     EXPECT_EQ(TypeParam::ExtendedKey(setpoint), "E\\RIN\\Setpoint");
 }
-
-// ---- Inputs only -----------------------------------------------------------------------------
 
 TEST(Inputs, DestroyCutsTheWayBackToTheBlockAndKeepsTheMembers) {
     auto block = std::make_shared<FakeAppObject>();

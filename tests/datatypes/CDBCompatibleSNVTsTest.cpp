@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "interfaces/Error.h"
-#include "platform/Events.h"
 
 namespace zerbin {
 namespace {
@@ -29,11 +28,10 @@ std::vector<std::string> Ids(ICompatibleSNVTs& set) {
 using Ids_t = std::vector<std::string>;
 
 TEST(CDBCompatibleSNVTs, AddListTakesTokensUpToTheFirstEmptyOne) {
-    struct Row {
+    const struct {
         const char* list;
         Ids_t ids;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"", {}},
         {"105", {"105"}},
         {"105,106,107", {"105", "106", "107"}},
@@ -45,7 +43,7 @@ TEST(CDBCompatibleSNVTs, AddListTakesTokensUpToTheFirstEmptyOne) {
         {" 12,12", {" 12", "12"}},
         {"a b", {"a b"}},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(Ids(*SetOf(row.list)), row.ids) << "list \"" << row.list << "\"";
     }
 }
@@ -67,18 +65,17 @@ TEST(CDBCompatibleSNVTs, RepeatedAddsMakeOneSetThatAnswersByPositionOrId) {
 }
 
 TEST(CDBCompatibleSNVTs, MergeIsTheIntersectionInTheGivenOrder) {
-    struct Row {
+    const struct {
         const char* self;
         const char* given;
         Ids_t ids;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"1,2,3", "3,4,1", {"3", "1"}},
         {"", "1,2", {}},
         {"1,2", "", {}},
         {"abc,2", "2,ABC", {"2", "ABC"}},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         auto self = SetOf(row.self);
         auto given = SetOf(row.given);
         auto merged = self->ICompatibleSNVTs_Merge(given);

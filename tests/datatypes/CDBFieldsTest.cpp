@@ -1,7 +1,6 @@
 #include "datatypes/CDBFields.h"
 
 #include "datatypes/CDBField.h"
-#include "datatypes/CDBSNVTType.h"
 #include "interfaces/Error.h"
 #include "platform/Messages.h"
 #include "tests/support/TestSupport.h"
@@ -104,17 +103,16 @@ TEST_F(CDBFieldsTest, AStructureFieldHoldsNoFieldsOfItsOwn) {
 }
 
 TEST_F(CDBFieldsTest, AFailedLoadThrowsAndKeepsTheFieldsBefore) {
-    struct Row {
+    const struct {
         const char* id;
         std::vector<std::string> kept;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"999", {}},       // no entry
         {"203", {}},       // no Fields element
         {"202", {"A"}},    // a repeated name, in another case
         {"205", {"Pre"}},  // names are base names; an empty field has no type id
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         CDBFields fields;
         EXPECT_THROW(fields.LoadFields(row.id, 10), Error) << row.id;
         std::vector<std::string> names;
@@ -128,7 +126,7 @@ TEST_F(CDBFieldsTest, AFailedLoadThrowsAndKeepsTheFieldsBefore) {
 TEST_F(CDBFieldsTest, DisplayTextsDependOnTheClass) {
     auto all = Load("200");
     auto bits = Load("204");
-    struct Row {
+    const struct {
         std::shared_ptr<CDBField> field;
         const char* value;
         const char* defaultValue;
@@ -138,8 +136,7 @@ TEST_F(CDBFieldsTest, DisplayTextsDependOnTheClass) {
         const char* dispDefault;
         const char* dispMin;
         const char* dispMax;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {all->Item("Setpoint"), "20.5", "21", "-10", "40", "<105:20.5> unit105", "21 degC",
          "-10 degC", "40 degC"},
         {all->Item("Gain"), "1,5", "2", "", "", "<63:1.5> unit63", "2 degC", " degC", " degC"},
@@ -147,7 +144,7 @@ TEST_F(CDBFieldsTest, DisplayTextsDependOnTheClass) {
         {bits->Item("Bits"), " 5 ", " 6 ", "0", "255", "5", "6", "0", "255"},
         {bits->Item("Name"), " ab ", "x ", "1.5", "", "ab", "x", "1.5", ""},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         row.field->DefaultValue(row.defaultValue);
         row.field->IField_Value(row.value);
         row.field->SetFieldMin(row.min);

@@ -119,11 +119,10 @@ TEST(CDBSNVTType, AFailingStepIsReportedAndTheWalkGoesOn) {
 }
 
 TEST(CDBSNVTType, EnumerationsListTheirChildrenInDocumentOrder) {
-    struct Row {
+    const struct {
         const char* enums;
         const char* desc;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"<Enums><ON>1</ON><OFF>0</OFF></Enums>", "1,ON;0,OFF;"},
         {"<Enums><A>5</A><B/><C>7</C></Enums>", "5,A;5,B;7,C;"},
         {"<Enums><A/><B>2</B></Enums>", ",A;2,B;"},
@@ -132,7 +131,7 @@ TEST(CDBSNVTType, EnumerationsListTheirChildrenInDocumentOrder) {
         // A later entry of the same id may supply the list.
         {"</SNVT_106><SNVT_106><TYPE>Float</TYPE><Enums><X>4</X></Enums>", "4,X;"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const Resolved r =
             Resolve(std::string("<SNVT_106><TYPE>Enum</TYPE>") + row.enums + "</SNVT_106>", "106");
         EXPECT_EQ(r.type->ISNVType_EnumDesc(), row.desc) << row.enums;

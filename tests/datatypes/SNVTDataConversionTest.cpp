@@ -1,7 +1,8 @@
 #include "datatypes/SNVTDataConversion.h"
 
-#include <optional>
+#include <cmath>
 #include <ostream>
+#include <random>
 #include <tuple>
 
 #include "interfaces/Error.h"
@@ -152,15 +153,14 @@ TEST(Encode, ReadingANumberDependsOnTheSeparator) {
 }
 
 TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
-    struct Row {
+    const struct {
         const char* typeClass;
         int32_t length;
         int16_t a, b;
         const char* value;
         const char* withPoint;
         const char* withComma;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"SignedNumeric", 2, 1, -2, "20.5", "2050", "2050"},
         {"UnsignedNumeric", 4, 1, 0, "12345678", "12345680", "12345680"},
         {"UnsignedNumeric", 2, 1, 1, "5", "0.5", "0,5"},
@@ -170,7 +170,7 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
     };
     for (const bool comma : {false, true}) {
         ZERBIN_SEPARATOR(comma, locale);
-        for (const Row& row : rows) {
+        for (const auto& row : rows) {
             std::string value = row.value;
             EncodeIntelStream(value, ParseTypeClass(row.typeClass), row.length, row.a, row.b, 0);
             if (row.length <= 255) {
@@ -180,17 +180,42 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
     }
 }
 
+// The image's digits are made without the text of the scaled number; they must equal what the
+// encoder that writes and reads back that text gives, for random whole-number shapes.
+TEST(EncodeDigits, GivesTheDigitsOfTheEncoderThatWritesTheText) {
+    DetectDecimalSeparator();
+    std::mt19937 random(20261125u);
+    std::uniform_real_distribution<double> magnitude(-8.0, 8.0);
+    std::uniform_int_distribution<int> coefficient(-4, 4);
+    for (int n = 0; n < 20000; ++n) {
+        const double number = (n % 2 == 0 ? 1 : -1) * std::pow(10.0, magnitude(random));
+        const std::string value = n % 7 == 0 ? std::to_string(n / 7) : FormatDouble(number);
+        const TypeClass typeClass =
+            n % 2 == 0 ? TypeClass::SignedNumeric : TypeClass::UnsignedNumeric;
+        const int32_t length = 1 << ((n / 2) % 3);
+        const auto a = static_cast<int16_t>(coefficient(random) == 0 ? 1 : coefficient(random));
+        const auto b = static_cast<int16_t>(coefficient(random));
+        const auto c = static_cast<int16_t>(n % 5 == 0 ? coefficient(random) : 0);
+        std::string big = value;
+        std::string intel = value;
+        ASSERT_EQ(EncodeDigits(value, typeClass, length, a, b, c, false) + " " +
+                      EncodeDigits(value, typeClass, length, a, b, c, true),
+                  EncodeStream(big, typeClass, length, a, b, c) + " " +
+                      EncodeIntelStream(intel, typeClass, length, a, b, c))
+            << value << " length " << length << " a " << a << " b " << b << " c " << c;
+    }
+}
+
 TEST(FormatDisplayValue, FindsTheLabelOfAValueOrFailsOnABadEntry) {
-    struct Row {
+    const struct {
         const char* key;
         const char* desc;
         const char* label;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"1", "0,OFF;1,ON;", "ON"},    {"2", "0,OFF;1,ON;", ""},  {"1.0", "1,ON;", ""},
         {"1", "10,TEN;1,ONE;", "ONE"}, {"1", "0,OFF;1,ON", "ON"}, {"1", "0,OFF;junk;1,ON;", "ON"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(FormatDisplayValue(row.key, row.desc), row.label)
             << row.key << " in " << row.desc;
     }
@@ -201,19 +226,18 @@ TEST(FormatDisplayValue, FindsTheLabelOfAValueOrFailsOnABadEntry) {
 }
 
 TEST(OverwriteDigits, ReplacesInPlaceNeverGrowsAndThrowsPastTheEnd) {
-    struct Row {
+    const struct {
         const char* image;
         int32_t position;
         const char* digits;
         int32_t maxDigits;
         const char* result;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"000000", 2, "ABCD", 2, "00AB00"},
         {"000000", 5, "ABCD", 4, "00000A"},
         {"000000", 2, "ABCD", -2, "000000"},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         std::string image = row.image;
         OverwriteDigits(image, row.position, row.digits, row.maxDigits);
         EXPECT_EQ(image, row.result) << row.position << " " << row.digits;

@@ -2,12 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
-#include "base/MMain.h"
-#include "base/Xml.h"
 #include "datatypes/CDBSNVTType.h"
-#include "datatypes/SnvtDictionary.h"
 #include "datatypes/TypeClass.h"
 #include "platform/Messages.h"
 #include "tests/support/TestSupport.h"
@@ -148,14 +144,13 @@ TEST_F(UnitConverterTest, ScaledTypesRoundTripThroughTheirDisplayForm) {
 }
 
 TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
-    struct Row {
+    const struct {
         const char* typeId;
         const char* siMin;
         const char* siMax;
         const char* usMin;
         const char* usMax;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"105", "-273.17", "327.66", "-459.71", "621.79"},  // as the values themselves show
         {"63", "-273.17", "1E38", "-459.706", "1.8E+38"},
         {"15", "0", "65534", "0", "1038735"},
@@ -163,7 +158,7 @@ TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
         {"903", "abc", "", "abc", ""},
         {"999", "", "", "", ""},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         EXPECT_EQ(si_.MinimumFor(row.typeId), row.siMin) << row.typeId;
         EXPECT_EQ(si_.MaximumFor(row.typeId), row.siMax) << row.typeId;
         EXPECT_EQ(us_.MinimumFor(row.typeId), row.usMin) << row.typeId;

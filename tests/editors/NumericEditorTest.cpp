@@ -16,25 +16,6 @@
 namespace zerbin::testing {
 namespace {
 
-// Types the characters of keys into the box: "\b" Backspace, "\x1b" Esc, "\r" Enter.
-void Type(QLineEdit& box, const std::string& keys) {
-    for (const QChar key : QString::fromStdString(keys)) {
-        switch (key.unicode()) {
-            case 8:
-                QTest::keyClick(&box, Qt::Key_Backspace);
-                break;
-            case 27:
-                QTest::keyClick(&box, Qt::Key_Escape);
-                break;
-            case 13:
-                QTest::keyClick(&box, Qt::Key_Return);
-                break;
-            default:
-                QTest::keyClicks(&box, QString(key));
-        }
-    }
-}
-
 // An open numeric editor on a point of type typeId.
 struct OpenEditor {
     OpenEditor(const std::string& typeId, const std::string& value)
@@ -79,7 +60,7 @@ TEST_P(NumericKeys, TypedKeysGiveTextAndOk) {
     } else {
         box.setCursorPosition(row.caret);
     }
-    Type(box, row.keys);
+    TypeKeys(box, row.keys);
     EXPECT_EQ(box.text().toStdString(), row.expected);
     EXPECT_EQ(editor.Ok().isEnabled(), row.okEnabled);
     EXPECT_TRUE(editor.dialog.isVisible());
@@ -145,7 +126,7 @@ TEST(NumericEditor, OkTakesTheValueInUserUnits) {
     SetUnitSystem(UnitSystem::US);
     OpenEditor editor("105", "20");
     editor.Show();
-    Type(editor.Box(), "212\r");
+    TypeKeys(editor.Box(), "212\r");
     SetUnitSystem(UnitSystem::SI);
     EXPECT_EQ(editor.point->writes, std::vector<std::string>{"100"});
     EXPECT_FALSE(editor.dialog.isVisible());
@@ -170,7 +151,7 @@ TEST_P(NumericRange, OkChecksTheLimitsOfTheLoad) {
     editor.point->min = row.min;
     editor.point->max = row.max;
     editor.Show();
-    Type(editor.Box(), row.typed);
+    TypeKeys(editor.Box(), row.typed);
     QTest::mouseClick(&editor.Ok(), Qt::LeftButton);
     if (*row.written != '\0') {
         EXPECT_EQ(editor.point->writes, std::vector<std::string>{row.written});
@@ -206,7 +187,7 @@ TEST(NumericEditor, EscRestoresTheLoadedTextAndStaysOpen) {
     editor.Show();
     const QString loaded = editor.Box().text();
     editor.Box().end(false);
-    Type(editor.Box(), "\b\b9\x1b");
+    TypeKeys(editor.Box(), "\b\b9\x1b");
     EXPECT_EQ(editor.Box().text(), loaded);
     EXPECT_TRUE(editor.dialog.isVisible());
 }

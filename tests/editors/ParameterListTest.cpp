@@ -53,12 +53,6 @@ protected:
         return windows;
     }
 
-    static QTreeWidgetItem* Row(frmMain& window, const std::string& name) {
-        auto* list = window.findChild<QTreeWidget*>("lvAttr");
-        const auto found = list->findItems(QString::fromStdString(name), Qt::MatchExactly, 0);
-        return found.isEmpty() ? nullptr : found.front();
-    }
-
     ScopedMessageRecorder messages_;
     std::vector<std::shared_ptr<CDBAppObject>> blocks_;
 };
@@ -98,14 +92,14 @@ TEST_F(ParameterList, ValuesWrittenAnywhereShowInTheRowCancelLeavesIt) {
     const auto attribute = block->IAppObject_Attributes()->IAttributes_Item("HeatSetpoint");
     ASSERT_NE(attribute, nullptr);
     block->IAppObject_Show(nullptr);
-    frmMain& window = *Windows().front();
-    QTreeWidgetItem* row = Row(window, "HeatSetpoint");
-    ASSERT_NE(row, nullptr);
+    auto* list = Windows().front()->findChild<QTreeWidget*>("lvAttr");
+    const auto found = list->findItems(QStringLiteral("HeatSetpoint"), Qt::MatchExactly, 0);
+    ASSERT_EQ(found.size(), 1);
+    QTreeWidgetItem* row = found.front();
 
     attribute->IAttribute_Value("19");
     EXPECT_EQ(row->text(1).toStdString(), attribute->IAttribute_Value());
 
-    auto* list = window.findChild<QTreeWidget*>("lvAttr");
     const QPoint where = list->visualItemRect(row).center();
     const auto edit = [&](const char* typed, const char* button) {
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, where);

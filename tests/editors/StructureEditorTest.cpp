@@ -61,14 +61,12 @@ protected:
     QTreeWidget* list_ = nullptr;
 };
 
-TEST_F(StructureEditor, RowsShowNameAndDisplayValueInFieldOrder) {
+// The rows show name and display value in field order; each field class opens its editor.
+TEST_F(StructureEditor, EachFieldClassOpensItsEditorCalledFromTheStructure) {
     ASSERT_EQ(list_->topLevelItemCount(), 6);
     EXPECT_EQ(list_->topLevelItem(2)->text(0), QStringLiteral("mode"));
     EXPECT_EQ(RowValue(2), QStringLiteral("0!"));
     EXPECT_EQ(list_->headerItem()->text(0), QStringLiteral("Field"));
-}
-
-TEST_F(StructureEditor, EachFieldClassOpensItsEditorCalledFromTheStructure) {
     const std::vector<std::string> expected = {"frmCPModif1", "frmCPModif2", "frmCPModif3",
                                                "frmCPModif5", "frmCPModif4"};
     for (int i = 0; i < 5; ++i) {

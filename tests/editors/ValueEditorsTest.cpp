@@ -32,8 +32,6 @@ void Click(QDialog& dialog, const char* button) {
     QTest::mouseClick(dialog.findChild<QPushButton*>(button), Qt::LeftButton);
 }
 
-// ---- Text --------------------------------------------------------------------------------
-
 struct TextRow {
     int32_t length;
     const char* start;
@@ -61,16 +59,7 @@ TEST_P(TextKeys, TypedKeysKeepLengthBlanksAndCodePage) {
     } else {
         box.setCursorPosition(row.caret);
     }
-    for (const QChar key : QString::fromUtf8(row.keys)) {
-        if (key == QChar(8)) {
-            QTest::keyClick(&box, Qt::Key_Backspace);
-        } else if (key.unicode() < 0x80) {
-            QTest::keyClicks(&box, QString(key));
-        } else {
-            // QTest knows key codes for ASCII only; the box reads the event's text.
-            QTest::sendKeyEvent(QTest::Click, &box, Qt::Key_unknown, QString(key), {});
-        }
-    }
+    TypeKeys(box, QString::fromUtf8(row.keys));
     EXPECT_EQ(box.text().toStdString(), row.expected);
     ASSERT_EQ(messages.Messages().size(), static_cast<std::size_t>(row.messages));
     if (row.messages > 0) {
@@ -121,8 +110,6 @@ TEST(TextEditor, EscRestoresEnterWritesEvenEmpty) {
     EXPECT_FALSE(dialog.isVisible());
 }
 
-// ---- Enumeration -------------------------------------------------------------------------
-
 struct EnumRow {
     const char* description;
     const char* value;
@@ -156,8 +143,6 @@ INSTANTIATE_TEST_SUITE_P(Codes, EnumEditor,
                                            EnumRow{"0,A;40000,B;1,C;", "1", 1, "A", "0"},
                                            EnumRow{"5;", "0", 1, "", "0"},
                                            EnumRow{"", "3", 0, "", "-1"}));
-
-// ---- Bit field ---------------------------------------------------------------------------
 
 struct BitRow {
     int32_t length;
@@ -209,8 +194,6 @@ TEST(BitEditorFlip, ADoubleClickOrSpaceFlipsABitAndOkWritesEveryPoint) {
     EXPECT_EQ(first->writes, std::vector<std::string>{"32776"});
     EXPECT_EQ(second->writes, std::vector<std::string>{"32776"});
 }
-
-// ---- Every value editor ------------------------------------------------------------------
 
 class EditorCancel : public ::testing::TestWithParam<std::tuple<const char*, bool>> {};
 
@@ -278,8 +261,6 @@ INSTANTIATE_TEST_SUITE_P(
                       BadRow{"Bitfield", "", 0, "1", "", ""},
                       BadRow{"Textual", "", 4, "\x01\xff\xfe", "", ""},
                       BadRow{"Bitfield", "", 32, "4294967295", "", ""}));
-
-// ---- Message box adapter -----------------------------------------------------------------
 
 TEST(QtMessages, TitleIconAndButtonsReachTheBoxAndTheAnswerComesBack) {
     InstallQtAdapters();

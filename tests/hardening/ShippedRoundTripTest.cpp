@@ -3,7 +3,6 @@
 // loaded into a new block, comes back with the same values, the same images and the same
 // XML, under either unit system.
 
-#include <functional>
 #include <tuple>
 
 #include "datatypes/UnitConverter.h"
@@ -25,13 +24,6 @@ protected:
     }
 };
 
-// The project element read back from the text of its document.
-std::shared_ptr<pugi::xml_document> ThroughText(const SavedBlock& saved) {
-    std::ostringstream text;
-    saved.document->save(text);
-    return xml::LoadString(text.str(), nullptr);
-}
-
 TEST_P(ShippedRoundTripTest, RandomValuesComeBackFromTheProject) {
     const std::string& type = std::get<0>(GetParam());
     ScopedMessageRecorder recorder;
@@ -48,7 +40,9 @@ TEST_P(ShippedRoundTripTest, RandomValuesComeBackFromTheProject) {
 
         TestBlock copy(type, Shipped());
         const SavedBlock saved = Save(*block);
-        const auto document = throughText ? ThroughText(saved) : saved.document;
+        std::ostringstream text;
+        saved.document->save(text);
+        const auto document = throughText ? xml::LoadString(text.str(), nullptr) : saved.document;
         ASSERT_NE(document, nullptr);
         copy->IAppObject_XmlLoad(document->document_element().first_child());
         EXPECT_EQ(Take(*copy), before);

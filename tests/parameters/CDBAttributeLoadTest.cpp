@@ -1,12 +1,9 @@
-// Loading an attribute from its definition element: keys, elements, warnings, and the
-// branches for selectors, device lists, numbers and structures.
+// Loading an attribute from its definition element: keys, elements, warnings, the branches
+// for selectors, device lists, numbers and structures, the global keys the block hands down
+// and the editor of each class.
 #include <gmock/gmock.h>
 
-#include "connections/CDBInput.h"
-#include "connections/CDBOutput.h"
-#include "datatypes/CDBField.h"
 #include "datatypes/CDBFields.h"
-#include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "platform/Messages.h"
 #include "tests/support/ParameterTestSupport.h"
@@ -15,7 +12,6 @@ namespace zerbin::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 std::string InputTypes(const TestBlock& block, const std::string& input) {
     return block->IAppObject_Inputs()
@@ -208,6 +204,39 @@ TEST_F(ParameterTest, AStructureTakesItsFieldDefaultsAndLimitsByPath) {
               "PrmStruct; 0 assumed.");
     EXPECT_EQ(messages.Messages()[0].title, "Warning");
     EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Critical);
+}
+
+TEST_F(ParameterTest, KeysReachTheAttributesAndTheirFieldsEachTimeTheBlockSetsThem) {
+    TestBlock block("PrmStruct");
+    for (const std::string key : {"P\\B1", "P\\B2"}) {
+        block->IAppObject_GlobalKey(key);
+        block->IAppObject_ExtendedKey(key + "x");
+        auto setting = block.Attribute("Setting");
+        EXPECT_EQ(block->IAppObject_Attributes()->IAttributes_GlobalKey(), key + "\\ATT");
+        EXPECT_EQ(setting->IAttribute_GlobalKey(), key + "\\ATT\\Setting");
+        EXPECT_EQ(setting->IAttribute_ExtendedKey(), key + "x\\ATT\\Setting");
+        auto temp = setting->IAttribute_Fields()->IFields_Item("Temp");
+        EXPECT_EQ(temp->IField_GlobalKey(), key + "\\ATT\\Setting\\Temp");
+        EXPECT_EQ(temp->IField_ExtendedKey(), key + "x\\ATT\\Setting\\Temp");
+    }
+}
+
+TEST_F(ParameterTest, EachClassGetsItsEditorAndSetValueHandsItTheAttribute) {
+    auto factory = std::make_shared<RecordingEditorFactory>();
+    SetEditorFactory(factory);
+    TestBlock values("PrmValues");
+    EXPECT_THAT(factory->names, ElementsAre("frmCPModif1", "frmCPModif1", "frmCPModif1",
+                                            "frmCPModif1", "frmCPModif2", "frmCPModif5",
+                                            "frmCPModif3", "frmCPModif2", "frmCPModif1"));
+    TestBlock structures("PrmStruct");
+    EXPECT_EQ(factory->names.back(), "frmCPModif4");
+
+    auto mode = values.Attribute("Mode");
+    mode->IAttribute_SetValue();
+    auto editor = std::dynamic_pointer_cast<RecordingEditor>(mode->Editor());
+    ASSERT_NE(editor, nullptr);
+    EXPECT_EQ(editor->point, std::static_pointer_cast<IObject>(mode));
+    EXPECT_EQ(editor->shown, 1);
 }
 
 }  // namespace

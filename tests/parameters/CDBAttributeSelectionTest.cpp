@@ -2,7 +2,6 @@
 // of unit sets off, and the derivation of unit-dependent attributes.
 #include <gmock/gmock.h>
 
-#include "datatypes/CDBSNVTType.h"
 #include "platform/Messages.h"
 #include "tests/support/MacroDoubles.h"
 #include "tests/support/ParameterTestSupport.h"
@@ -35,11 +34,6 @@ protected:
         (*source_)->IAppObject_Parent(host);
         inner_->members = {sink_->Object(), source_->Object()};
         root_->members = {std::make_shared<FakeMacro>(), inner_};
-    }
-    void TearDown() override {
-        sink_.reset();
-        source_.reset();
-        ParameterTest::TearDown();
     }
 
     void Connect(const std::string& output, const std::string& input) {

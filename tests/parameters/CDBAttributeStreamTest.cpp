@@ -7,18 +7,6 @@
 namespace zerbin::testing {
 namespace {
 
-// The image of the block with only this attribute written over bytes of "AA": what changed
-// stands at the attribute's place and nowhere else.
-struct Written {
-    std::string bigEndian;
-    std::string intel;
-};
-
-Written WriteOver(CDBAttribute& attribute, int32_t dimension) {
-    const std::string blank(static_cast<std::size_t>(2 * dimension), 'A');
-    return {attribute.WriteStream(blank), attribute.WriteIntelStream(blank)};
-}
-
 // The digits from the attribute's place on, as far as they differ from the blank image
 // plus the place itself.
 std::string AtPlace(const std::string& image, CDBAttribute& attribute, std::size_t bytes) {
@@ -63,12 +51,16 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
         if (row.value != nullptr) {
             attribute->IAttribute_Value(row.value);
         }
-        const Written written = WriteOver(*attribute, block->IAppObject_CDBDimension());
+        // Written over bytes of "AA": what changed stands at the place and nowhere else.
+        const std::string blank(2 * static_cast<std::size_t>(block->IAppObject_CDBDimension()),
+                                'A');
+        const std::string bigEndian = attribute->WriteStream(blank);
+        const std::string intel = attribute->WriteIntelStream(blank);
         const std::string context = std::string(row.attribute) + " " + (row.value ? row.value : "");
-        EXPECT_EQ(AtPlace(written.bigEndian, *attribute, row.bytes), row.bigEndian) << context;
-        EXPECT_EQ(AtPlace(written.intel, *attribute, row.bytes), row.intel) << context;
-        for (const std::string* image : {&written.bigEndian, &written.intel}) {
-            std::string outside = *image;
+        EXPECT_EQ(AtPlace(bigEndian, *attribute, row.bytes), row.bigEndian) << context;
+        EXPECT_EQ(AtPlace(intel, *attribute, row.bytes), row.intel) << context;
+        for (const std::string& image : {bigEndian, intel}) {
+            std::string outside = image;
             outside.erase(static_cast<std::size_t>(2 * attribute->IAttribute_CDBPosition()),
                           2 * row.bytes);
             EXPECT_EQ(outside.find_first_not_of('A'), std::string::npos) << context;

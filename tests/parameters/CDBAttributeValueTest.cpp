@@ -2,11 +2,8 @@
 // the return to the default, the macro terminal test, and bad input of every kind.
 #include <gmock/gmock.h>
 
-#include "datatypes/CDBField.h"
 #include "datatypes/CDBFields.h"
 #include "datatypes/UnitConverter.h"
-#include "interfaces/Error.h"
-#include "platform/Messages.h"
 #include "tests/support/MacroDoubles.h"
 #include "tests/support/ParameterTestSupport.h"
 #include "tests/support/RecordingListener.h"
@@ -15,7 +12,6 @@ namespace zerbin::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 TEST_F(ParameterTest, AWriteStoresByClass) {
     const struct {

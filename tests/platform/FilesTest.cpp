@@ -20,18 +20,17 @@ TEST_F(FirstMatchTest, MatchesRegularFilesByWildcard) {
     Touch("Pump.xml");
     Touch("Pump_DS.pdf");
     Touch("readme.txt");
-    struct Row {
+    const struct {
         const char* wildcard;
         const char* expected;  // nullptr: no match
-    };
-    const Row rows[] = {
+    } rows[] = {
         {"*.xml", "Pump.xml"},         {"Pump_*.pdf", "Pump_DS.pdf"},
         {"????.xml", "Pump.xml"},      {"*.PDF", nullptr},
         {"Folder.pdf", nullptr},  // a folder is not a file
         {"[Rr]eadme.*", "readme.txt"}, {"Pump", nullptr},
     };
     const std::vector<std::string> listing = RegularFiles(dir_);
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const auto match = FirstMatch(dir_, row.wildcard);
         if (row.expected == nullptr) {
             EXPECT_FALSE(match.has_value()) << row.wildcard << " gave " << match.value_or("");

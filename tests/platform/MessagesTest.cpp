@@ -2,10 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
-#include "platform/Events.h"
-
 namespace zerbin {
 namespace {
 

@@ -22,10 +22,6 @@ protected:
         fs::permissions(script, fs::perms::owner_all);
         setenv("PATH", ((dir_ / "bin").string() + ":" + oldPath_).c_str(), 1);
     }
-    std::string Opened() const {
-        std::ifstream in(dir_ / "opened");
-        return std::string(std::istreambuf_iterator<char>(in), {});
-    }
 
     testing::TempFolder folder_;
     fs::path dir_ = folder_.Path();
@@ -35,7 +31,9 @@ protected:
 TEST_F(ShellTest, SpawnsXdgOpenWithTheFileResolvedInTheFolder) {
     InstallFakeOpener("printf '%s|%s' \"$#\" \"$1\" > \"" + (dir_ / "opened").string() + "\"");
     EXPECT_EQ(OpenDocument(0, "open", "sheet.pdf", "0", dir_.string(), 3), kShellOpened);
-    EXPECT_EQ(Opened(), "1|" + (dir_ / "sheet.pdf").string());
+    std::ifstream opened(dir_ / "opened");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(opened), {}),
+              "1|" + (dir_ / "sheet.pdf").string());
 }
 
 // Each way xdg-open can fail, and the result number callers tell them apart by.

@@ -44,31 +44,27 @@ const Plugin& Loaded() {
     return plugin;
 }
 
+// An environment variable, put back as it was when the test ends.
+struct SavedVariable {
+    explicit SavedVariable(const char* variable) : name(variable) {
+        if (const char* set = std::getenv(name)) {
+            value = set;
+        }
+    }
+    ~SavedVariable() { value ? setenv(name, value->c_str(), 1) : unsetenv(name); }
+    const char* name;
+    std::optional<std::string> value;
+};
+
 class PluginTest : public ::testing::Test {
 protected:
     void SetUp() override {
         std::string pattern = (fs::temp_directory_path() / "zerbin-plugin-XXXXXX").string();
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         dir_ = pattern;
-        Remember("XDG_DATA_HOME");
-        Remember("HOME");
         setenv("XDG_DATA_HOME", dir_.c_str(), 1);
     }
-    void TearDown() override {
-        for (const auto& [name, value] : saved_) {
-            if (value) {
-                setenv(name.c_str(), value->c_str(), 1);
-            } else {
-                unsetenv(name.c_str());
-            }
-        }
-        fs::remove_all(dir_);
-    }
-    void Remember(const std::string& name) {
-        const char* value = std::getenv(name.c_str());
-        saved_.emplace_back(name,
-                            value != nullptr ? std::optional<std::string>(value) : std::nullopt);
-    }
+    void TearDown() override { fs::remove_all(dir_); }
 
     std::shared_ptr<zerbin::IObject> Make(const char* progId, int* result = nullptr) {
         ZerbinObject* handle = reinterpret_cast<ZerbinObject*>(1);
@@ -79,8 +75,9 @@ protected:
         return zerbin::TakeObject(handle, release);
     }
 
+    SavedVariable home_{"HOME"};
+    SavedVariable dataHome_{"XDG_DATA_HOME"};
     fs::path dir_;
-    std::vector<std::pair<std::string, std::optional<std::string>>> saved_;
     const Plugin& plugin_ = Loaded();
     ZerbinRegisterServerFn registerServer =
         plugin_.Get<ZerbinRegisterServerFn>("ZerbinRegisterServer");
@@ -108,11 +105,6 @@ protected:
         return block;
     }
 };
-
-std::string ReadFile(const fs::path& file) {
-    std::ifstream in(file);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 TEST_F(PluginTest, ShowsTheEntryPointsAndHidesTheCore) {
     for (const char* name :
@@ -149,7 +141,8 @@ TEST_F(PluginTest, RegistrationFileLivesInTheUsersDataFolder) {
         const fs::path file = base / "zerbin" / "plugins" / "Zerbin.CDBAppObject.plugin";
 
         ASSERT_EQ(registerServer(), ZERBIN_OK);
-        const std::string text = ReadFile(file);
+        std::ifstream in(file);
+        const std::string text(std::istreambuf_iterator<char>(in), {});
         EXPECT_NE(text.find("ProgID=Zerbin.CDBAppObject\n"), std::string::npos) << text;
         EXPECT_NE(text.find("Path=" + fs::canonical(ZERBIN_PLUGIN_FILE).string() + "\n"),
                   std::string::npos)

@@ -14,8 +14,6 @@
 #include "interfaces/IOutput.h"
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
-#include "studio/CanvasScene.h"
-#include "studio/MessageLog.h"
 #include "studio/ParametersDock.h"
 #include "studio/StudioWindow.h"
 
@@ -111,23 +109,19 @@ private slots:
     void cleanup() { window_.reset(); }
 
     void wiresAreCheckedAgainstTheInputsTypes_data() {
-        QTest::addColumn<QString>("output");
         QTest::addColumn<QString>("input");
         QTest::addColumn<bool>("accepted");
-        QTest::newRow("105 to a 105 input") << "Value"
-                                            << "In1" << true;
-        QTest::newRow("105 to a 95,22 input") << "Value"
-                                              << "Select" << false;
+        QTest::newRow("105 to a 105 input") << QString("In1") << true;
+        QTest::newRow("105 to a 95,22 input") << QString("Select") << false;
     }
 
-    // Block 1 is an input channel (Value: 105), block 2 a multiplexer (In1: 105, Select: 95,22).
+    // An input channel's Value (105) wired to a multiplexer (In1: 105, Select: 95,22).
     void wiresAreCheckedAgainstTheInputsTypes() {
-        QFETCH(QString, output);
         QFETCH(QString, input);
         QFETCH(bool, accepted);
         const std::string sensor = Drop(*window_, "IO_CHANNEL", QPoint(120, 120));
         const std::string mux = Drop(*window_, "TYPE_MUX", QPoint(450, 120));
-        const Wire wire{sensor, output.toStdString(), mux, input.toStdString()};
+        const Wire wire{sensor, "Value", mux, input.toStdString()};
         DrawWire(*window_, wire);
         const auto& wires = window_->Project().Wires();
         QCOMPARE(std::find(wires.begin(), wires.end(), wire) != wires.end(), accepted);
@@ -320,11 +314,7 @@ private slots:
         QCOMPARE(window_->Project().MissingBlocks(), 1);
         QVERIFY(LogHas(*window_, "no block type 'GONE_TYPE'"));
         QVERIFY(window_->Project().Text().find("<UserName>Old</UserName>") != std::string::npos);
-    }
-
-    void aFileThatIsNoProjectIsRefused() {
-        QTemporaryDir folder;
-        const QString file = folder.filePath("bad.xml");
+        // A file that is no project is refused.
         std::ofstream(file.toStdString()) << "<Project><unclosed></Project>";
         QVERIFY(!window_->OpenProject(file));
         QVERIFY(LogHas(*window_, "Cannot open the project"));

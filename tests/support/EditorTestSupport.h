@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QTest>
 #include <QTimer>
 #include <QWidget>
 
@@ -86,6 +87,23 @@ struct TestFields : IFields {
     int32_t IFields_Length() override { return 0; }
     KeyedCollection<TestField> items;
 };
+
+// Types keys into a box: "\b" Backspace, "\r" Enter, "\x1b" Esc. QTest knows key codes for
+// ASCII only; other characters reach the box as the text of an unknown key.
+inline void TypeKeys(QWidget& box, const QString& keys) {
+    for (const QChar key : keys) {
+        const char16_t code = key.unicode();
+        if (code == 8 || code == 13 || code == 27) {
+            QTest::keyClick(&box, code == 8    ? Qt::Key_Backspace
+                                  : code == 13 ? Qt::Key_Return
+                                               : Qt::Key_Escape);
+        } else if (code < 0x80) {
+            QTest::keyClicks(&box, QString(key));
+        } else {
+            QTest::sendKeyEvent(QTest::Click, &box, Qt::Key_unknown, QString(key), {});
+        }
+    }
+}
 
 // Runs open(), which opens a modal window, and act on that window once it shows; a second
 // timer closes whatever is still open so that a failing test cannot hang.

@@ -34,9 +34,7 @@ struct FakeAppObject : IAppObject {
     std::string IAppObject_UserName() override { return {}; }
     std::string IAppObject_UniqueIDString() override { return name; }
     void IAppObject_OwnerDeviceXML(std::shared_ptr<const pugi::xml_document>) override {}
-    std::shared_ptr<const pugi::xml_document> IAppObject_OwnerDeviceXML() override {
-        return nullptr;
-    }
+    std::shared_ptr<const pugi::xml_document> IAppObject_OwnerDeviceXML() override { return {}; }
     void IAppObject_UserName(const std::string&) override {}
     std::string IAppObject_Name() override { return name; }
     int32_t IAppObject_NodeType() override { return 0; }

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "base/KeyedCollection.h"
-#include "interfaces/Error.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"
 
@@ -29,13 +28,9 @@ struct FakeAttribute : IAttribute {
     std::string IAttribute_DispMin() override { return {}; }
     std::string IAttribute_DispMax() override { return {}; }
     std::string IAttribute_DispDefault() override { return {}; }
-    // Records the text, then throws when failsOnWrite is set (the value stays written).
     void IAttribute_Value(std::string Text) override {
         writes.push_back(Text);
         value = std::move(Text);
-        if (failsOnWrite) {
-            throw Error("attribute write failed");
-        }
     }
     std::string IAttribute_Name() override { return name; }
     int32_t IAttribute_NodeType() override { return 9; }
@@ -63,7 +58,6 @@ struct FakeAttribute : IAttribute {
     std::string name;
     std::string value;
     std::vector<std::string> writes;  // every text written through IAttribute_Value
-    bool failsOnWrite = false;
 };
 
 // Looks members up as the real collection does: by key without regard to case, then by
@@ -78,7 +72,6 @@ struct FakeAttributes : IAttributes {
 
     int32_t IAttributes_Count() override { return items.Count(); }
     std::shared_ptr<IAttribute> IAttributes_Item(const std::string& Key) override {
-        asked.push_back(Key);
         return items.Item(Key);
     }
     std::vector<std::shared_ptr<IAttribute>> IAttributes_NewEnum() override {
@@ -88,7 +81,6 @@ struct FakeAttributes : IAttributes {
     std::string IAttributes_ExtendedKey() override { return {}; }
 
     KeyedCollection<FakeAttribute> items;
-    std::vector<std::string> asked;  // every key given to IAttributes_Item
 };
 
 }  // namespace zerbin::testing

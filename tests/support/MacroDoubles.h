@@ -42,9 +42,8 @@ struct FakeMacroTerminals : IMacroTerminals {
         return list;
     }
     int32_t Count() override { return Answer(fails, static_cast<int32_t>(terminals.size())); }
-    // nullptr outside 1 to Count(); positions asked for are kept in `asked`.
+    // nullptr outside 1 to Count().
     std::shared_ptr<IMacroTerminal> Item(int32_t position) override {
-        asked.push_back(position);
         Answer(fails);
         if (position < 1 || position > static_cast<int32_t>(terminals.size())) {
             return nullptr;
@@ -52,7 +51,6 @@ struct FakeMacroTerminals : IMacroTerminals {
         return terminals[static_cast<std::size_t>(position) - 1];
     }
     std::vector<std::shared_ptr<FakeMacroTerminal>> terminals;
-    std::vector<int32_t> asked;
     bool fails = false;
 };
 

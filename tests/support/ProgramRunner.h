@@ -20,10 +20,6 @@ struct ProgramResult {
     std::string err;
 };
 
-inline std::filesystem::path ShippedData() {
-    return ZERBIN_SHIPPED_DATA;
-}
-
 inline std::string ReadWhole(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
@@ -65,19 +61,19 @@ inline ProgramResult RunProgram(const std::vector<std::string>& args,
         posix_spawn_file_actions_addchdir_np(&actions, workingFolder.c_str());
     }
 
+    const auto pointers = [](std::vector<std::string>& texts) {
+        std::vector<char*> list;
+        for (std::string& text : texts) {
+            list.push_back(text.data());
+        }
+        list.push_back(nullptr);
+        return list;
+    };
     std::vector<std::string> argvText{ZERBIN_PROGRAM};
     argvText.insert(argvText.end(), args.begin(), args.end());
-    std::vector<char*> argv;
-    for (std::string& arg : argvText) {
-        argv.push_back(arg.data());
-    }
-    argv.push_back(nullptr);
     std::vector<std::string> environmentText = EnvironmentWithLocale(locale);
-    std::vector<char*> environment;
-    for (std::string& variable : environmentText) {
-        environment.push_back(variable.data());
-    }
-    environment.push_back(nullptr);
+    const std::vector<char*> argv = pointers(argvText);
+    const std::vector<char*> environment = pointers(environmentText);
 
     ProgramResult result;
     pid_t pid = 0;
@@ -93,16 +89,6 @@ inline ProgramResult RunProgram(const std::vector<std::string>& args,
     result.out = stdoutFile.empty() ? ReadWhole(outFile) : std::string();
     result.err = ReadWhole(errFile);
     return result;
-}
-
-// The lines of a text, without their line feeds; a last line without one counts too.
-inline std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        lines.push_back(line);
-    }
-    return lines;
 }
 
 }  // namespace zerbin::testing

@@ -33,7 +33,6 @@ public:
         : name_(std::move(name)), journal_(std::move(journal)) {}
 
     const std::vector<std::string>& Lines() const { return lines_; }
-    void Clear() { lines_.clear(); }
 
     // Runs after each call has been recorded, inside the raising operation: a test may call
     // back into the block from here.
