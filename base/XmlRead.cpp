@@ -280,10 +280,14 @@ private:
         } else {
             return;
         }
+        // A local index: through a char pointer the compiler would store i_ at every byte.
+        const char* const data = text_.data();
         const std::size_t size = text_.size();
-        while (i_ < size && (*plain)[static_cast<unsigned char>(text_[i_])]) {
-            ++i_;
+        std::size_t i = i_;
+        while (i < size && (*plain)[static_cast<unsigned char>(data[i])]) {
+            ++i;
         }
+        i_ = i;
     }
 
     struct PlainBytes {
