@@ -104,6 +104,21 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
     return std::nullopt;
 }
 
+using DatasheetKey = std::tuple<std::string, std::string, std::string>;
+using DatasheetViews = std::tuple<std::string_view, std::string_view, std::string_view>;
+
+struct DatasheetKeyLess {
+    using is_transparent = void;
+    static DatasheetViews Of(const DatasheetViews& views) { return views; }
+    static DatasheetViews Of(const DatasheetKey& key) {
+        return {std::get<0>(key), std::get<1>(key), std::get<2>(key)};
+    }
+    template <class A, class B>
+    bool operator()(const A& a, const B& b) const {
+        return Of(a) < Of(b);
+    }
+};
+
 // The folders of a type whose definition is in the store are searched once per process, as
 // that definition was parsed once: listing them again for every block of the type was most of
 // the cost of placing one. A type that did not load is searched afresh each time, as it is
@@ -112,18 +127,17 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
 // standing.
 const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& library,
                                                   const std::string& type, const std::string& id) {
-    using Key = std::tuple<std::string, std::string, std::string>;
     struct Datasheets {
-        std::map<Key, std::optional<std::string>, std::less<>> found;
+        std::map<DatasheetKey, std::optional<std::string>, DatasheetKeyLess> found;
     };
     auto& found = ProcessState::Get<Datasheets>().found;
-    // Looked up without copying: every block of a type asks.
-    const std::tuple<std::string_view, std::string_view, std::string_view> asked{library.native(),
-                                                                                 type, id};
+    // Looked up by views, without copying: every block of a type asks.
+    const DatasheetViews asked{library.native(), type, id};
     if (const auto known = found.find(asked); known != found.end()) {
         return known->second;
     }
-    return found.emplace(Key{library.string(), type, id}, FindDatasheet(library, type, id, true))
+    return found
+        .emplace(DatasheetKey{library.string(), type, id}, FindDatasheet(library, type, id, true))
         .first->second;
 }
 
