@@ -12,7 +12,8 @@
 
 namespace zerbin {
 
-CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
+CDBAttribute::CDBAttribute()
+    : def_(std::make_shared<Definition>()), snvtType_(std::make_shared<CDBSNVTType>()) {}
 
 std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> owner,
                                                     bool shareRecord) const {
@@ -50,15 +51,15 @@ bool CDBAttribute::IAttribute_Visible() {
 }
 
 bool CDBAttribute::IAttribute_IsUnit() {
-    return isUnit_;
+    return def_->isUnit;
 }
 
 std::string CDBAttribute::IAttribute_Description() {
-    return description_ ? *description_ : std::string();
+    return def_->description;
 }
 
 std::string CDBAttribute::IAttribute_Name() {
-    return name_;
+    return def_->name;
 }
 
 int32_t CDBAttribute::IAttribute_NodeType() {
@@ -66,7 +67,7 @@ int32_t CDBAttribute::IAttribute_NodeType() {
 }
 
 std::string CDBAttribute::IAttribute_GlobalKey() {
-    return globalKey_.Of(name_);
+    return globalKey_.Of(def_->name);
 }
 
 std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
@@ -74,6 +75,15 @@ std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
         OwnType();  // the host may change what it is handed
     }
     return snvtType_;
+}
+
+CDBAttribute::Definition& CDBAttribute::Own() {
+    if (def_.use_count() != 1) {
+        def_ = std::make_shared<Definition>(*def_);
+    }
+    // Every Definition is made non-const (above and in the constructor); the pointer is to
+    // const only so that a write cannot reach a shared one without passing here.
+    return const_cast<Definition&>(*def_);
 }
 
 CDBSNVTType& CDBAttribute::OwnType() const {
@@ -109,32 +119,32 @@ int32_t CDBAttribute::IAttribute_CDBPosition() {
 }
 
 bool CDBAttribute::IAttribute_ToolOnly() {
-    return toolOnly_;
+    return def_->toolOnly;
 }
 
 bool CDBAttribute::IAttribute_IsDeviceDependent() {
-    return isDeviceDependent_;
+    return def_->isDeviceDependent;
 }
 
 bool CDBAttribute::IAttribute_IsUnitDependent() {
-    return isUnitDependent_;
+    return def_->isUnitDependent;
 }
 
 std::string CDBAttribute::IAttribute_DeviceKey() {
-    return deviceKey_;
+    return def_->deviceKey;
 }
 
 bool CDBAttribute::IAttribute_IsKeepFloatStandard() {
-    return isKeepFloatStandard_;
+    return def_->isKeepFloatStandard;
 }
 
 // The divisor itself: a host that reads it can make sense of the quotients it finds in Value.
 int32_t CDBAttribute::IAttribute_DividedBy() {
-    return divideBy_;
+    return def_->divideBy;
 }
 
 bool CDBAttribute::IAttribute_IsType() {
-    return isType_;
+    return def_->isType;
 }
 
 std::string CDBAttribute::IAttribute_Min() {
@@ -146,7 +156,7 @@ std::string CDBAttribute::IAttribute_Max() {
 }
 
 std::string CDBAttribute::IAttribute_ExtendedKey() {
-    return extendedKey_.Of(name_);
+    return extendedKey_.Of(def_->name);
 }
 
 // ---- ICanvasElement, IInterceptableAttribute -----------------------------------------------
@@ -171,7 +181,7 @@ void CDBAttribute::SetParent(std::shared_ptr<IAppObject> owner) {
 }
 
 void CDBAttribute::SetName(const std::string& name) {
-    name_ = name;
+    Own().name = name;
 }
 
 void CDBAttribute::CreateEditor() {
@@ -190,7 +200,7 @@ void CDBAttribute::CreateEditor() {
 void CDBAttribute::SetGlobalKey(MemberKey key) {
     globalKey_ = std::move(key);
     if (fields_) {
-        const std::string own = globalKey_.Of(name_);
+        const std::string own = globalKey_.Of(def_->name);
         for (const auto& field : fields_->Fields()) {
             field->SetGlobalKey(own);
         }
@@ -200,7 +210,7 @@ void CDBAttribute::SetGlobalKey(MemberKey key) {
 void CDBAttribute::SetExtendedKey(MemberKey key) {
     extendedKey_ = std::move(key);
     if (fields_) {
-        const std::string own = extendedKey_.Of(name_);
+        const std::string own = extendedKey_.Of(def_->name);
         for (const auto& field : fields_->Fields()) {
             field->SetExtendedKey(own);
         }
@@ -232,19 +242,19 @@ void CDBAttribute::RestoreSavedValue(const std::string& text) {
 }
 
 bool CDBAttribute::IsUnitDependent() const {
-    return isUnitDependent_;
+    return def_->isUnitDependent;
 }
 
 bool CDBAttribute::IsUnitSelector() const {
-    return isUnit_;
+    return def_->isUnit;
 }
 
 std::shared_ptr<CDBUnits> CDBAttribute::SelectableUnits() const {
-    return units_;
+    return def_->units;
 }
 
 int32_t CDBAttribute::CDBOrderInPosition() const {
-    return orderInPosition_;
+    return def_->orderInPosition;
 }
 
 void CDBAttribute::CDBPosition(int32_t v) {
@@ -255,7 +265,7 @@ void CDBAttribute::CDBPosition(int32_t v) {
 }
 
 int32_t CDBAttribute::LengthInCdb() const {
-    return isKeepFloatStandard_ ? 4 : Need(snvtType_).ISNVType_Length();
+    return def_->isKeepFloatStandard ? 4 : Need(snvtType_).ISNVType_Length();
 }
 
 void CDBAttribute::Release() {

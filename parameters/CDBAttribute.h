@@ -189,6 +189,28 @@ private:
     // The type record to change or hand out: a shared one is copied first.
     CDBSNVTType& OwnType() const;
 
+    // What the definition says of the attribute, which nothing changes once it is loaded: the
+    // members of every block of a type share their prototype's. Written only through Own(),
+    // which copies a shared one first.
+    struct Definition {
+        std::string name;
+        std::string snvtTypeId;
+        std::string deviceKey;
+        std::string description;
+        // The choices of a unit selector, which never change.
+        std::shared_ptr<CDBUnits> units;
+        int32_t orderInPosition = 0;
+        int32_t divideBy = 1;
+        bool isDeviceDependent = false;
+        bool isKeepFloatStandard = false;
+        bool isUnitDependent = false;
+        bool differential = false;
+        bool isType = false;
+        bool isUnit = false;
+        bool toolOnly = false;
+    };
+    Definition& Own();
+
     // Stream (CDBAttributeStream.cpp).
     std::string WriteImage(std::string image, bool intel);
 
@@ -198,18 +220,8 @@ private:
     // the short length that the layout gave this attribute.
     bool shortFloatManaged_ = false;
 
-    bool isDeviceDependent_ = false;
+    std::shared_ptr<const Definition> def_;
     bool visible_ = false;
-    bool isKeepFloatStandard_ = false;
-    bool isUnitDependent_ = false;
-    bool differential_ = false;
-    bool isType_ = false;
-    bool isUnit_ = false;
-    bool toolOnly_ = false;
-    std::string snvtTypeId_;
-    std::string name_;
-    std::string deviceKey_;
-    int32_t orderInPosition_ = 0;
     int32_t position_ = 0;
     // Bytes the layout reserved at position_; 0 while the attribute has no place.
     int32_t placeLength_ = 0;
@@ -217,9 +229,6 @@ private:
     std::string defaultValue_;
     MemberKey globalKey_;
     std::string tag_;
-    // The definition's text, which every block of the type shares.
-    std::shared_ptr<const std::string> description_;
-    std::shared_ptr<CDBUnits> units_;
     // Mutable for the copy on first change: reads that hand the record out are const.
     mutable std::shared_ptr<CDBSNVTType> snvtType_;
     mutable bool sharedType_ = false;
@@ -227,7 +236,6 @@ private:
     std::shared_ptr<IAppObject> parent_;
     std::string min_;
     std::string max_;
-    int32_t divideBy_ = 1;
     CallbackList<IcbkAppObject> callbacks_;
     std::shared_ptr<IValueEditor> editor_;
     MemberKey extendedKey_;

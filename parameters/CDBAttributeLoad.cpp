@@ -86,7 +86,7 @@ void CDBAttribute::ShowLoadWarning(const std::string& lead, const std::string& t
 }
 
 void CDBAttribute::LoadDefinition(pugi::xml_node node) {
-    isUnit_ = false;
+    Own().isUnit = false;
 
     for (pugi::xml_attribute key : node.attributes()) {
         SkipStep([&] { LoadKey(key); });
@@ -95,11 +95,11 @@ void CDBAttribute::LoadDefinition(pugi::xml_node node) {
     if (interceptor_) {
         SkipStep([&] {
             auto self = Self();
-            interceptor_->InterceptUnitDependent(self, isUnitDependent_);
+            interceptor_->InterceptUnitDependent(self, Own().isUnitDependent);
         });
         SkipStep([&] {
             auto self = Self();
-            interceptor_->InterceptDifferential(self, differential_);
+            interceptor_->InterceptDifferential(self, Own().differential);
         });
     }
 
@@ -110,18 +110,18 @@ void CDBAttribute::LoadDefinition(pugi::xml_node node) {
         SkipStep([&] { LoadElement(child); });
     }
 
-    if (isUnit_) {
+    if (def_->isUnit) {
         return;
     }
-    if (isDeviceDependent_) {
-        SkipStep([&] { LoadDeviceDependent(deviceKey_); });
+    if (def_->isDeviceDependent) {
+        SkipStep([&] { LoadDeviceDependent(def_->deviceKey); });
         return;
     }
-    if (isUnitDependent_) {
+    if (def_->isUnitDependent) {
         return;  // the type waits for the unit selector (ApplyFirstUnit)
     }
-    if (!isType_) {
-        SkipStep([&] { snvtType_->ResolveByID(snvtTypeId_); });
+    if (!def_->isType) {
+        SkipStep([&] { snvtType_->ResolveByID(def_->snvtTypeId); });
     }
 
     // Held for the branches below: the node handles point into it.
@@ -135,7 +135,7 @@ void CDBAttribute::LoadDefinition(pugi::xml_node node) {
     // A type selector's record came from its choices, not from the dictionary: its class word
     // is not asked, so neither branch below applies to it.
     TypeClass typeClass = TypeClass::Other;
-    if (!isType_) {
+    if (!def_->isType) {
         typeClass = ClassOf(*snvtType_);
     }
     if (typeClass == TypeClass::Struct) {
@@ -149,18 +149,18 @@ void CDBAttribute::LoadKey(pugi::xml_attribute key) {
     const std::string_view keyName = xml::BaseNameView(key);
     const std::string text = key.value();
     if (EqualsNoCase(keyName, "KEEPFLOATSTANDARD")) {
-        isKeepFloatStandard_ = true;  // presence alone: "0" asks for it as well
+        Own().isKeepFloatStandard = true;  // presence alone: "0" asks for it as well
     } else if (EqualsNoCase(keyName, "DIVIDEBY")) {
-        divideBy_ = ToInt32(LeadingNumber(text));
+        Own().divideBy = ToInt32(LeadingNumber(text));
     } else if (EqualsNoCase(keyName, "DEVICEDEPENDENT")) {
-        isDeviceDependent_ = true;
-        deviceKey_ = text;
+        Own().isDeviceDependent = true;
+        Own().deviceKey = text;
     } else if (EqualsNoCase(keyName, "UNITDEPENDENT")) {
-        isUnitDependent_ = LeadingNumber(text) != 0;
+        Own().isUnitDependent = LeadingNumber(text) != 0;
     } else if (EqualsNoCase(keyName, "DIFFERENTIAL")) {
-        differential_ = LeadingNumber(text) != 0;
+        Own().differential = LeadingNumber(text) != 0;
     } else if (EqualsNoCase(keyName, "TOOLONLY")) {
-        toolOnly_ = LeadingNumber(text) != 0;
+        Own().toolOnly = LeadingNumber(text) != 0;
     }
 }
 
@@ -171,32 +171,30 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
     auto readText = [&] { SkipStep([&] { text = xml::FirstChildText(child); }); };
 
     if (EqualsNoCase(element, "DESCRIPTION")) {
-        SkipStep([&] {
-            description_ = std::make_shared<const std::string>(xml::FirstChildText(child));
-        });
+        SkipStep([&] { Own().description = xml::FirstChildText(child); });
     } else if (EqualsNoCase(element, "CDBORDERINPOSITION")) {
         readText();
-        SkipStep([&] { orderInPosition_ = ToInt32(LeadingNumber(text)); });
+        SkipStep([&] { Own().orderInPosition = ToInt32(LeadingNumber(text)); });
         if (text.empty()) {
-            ShowLoadWarning(name_ + ": CDBOrderingPosition", ".");
+            ShowLoadWarning(def_->name + ": CDBOrderingPosition", ".");
         }
     } else if (EqualsNoCase(element, "VISIBLE")) {
         readText();
         visible_ = LeadingNumber(text) != 0;
     } else if (EqualsNoCase(element, "SNVTTYPE")) {
         readText();
-        snvtTypeId_ = text;
+        Own().snvtTypeId = text;
         if (text.empty()) {
-            ShowLoadWarning(name_ + ": SNVTType", ".");
+            ShowLoadWarning(def_->name + ": SNVTType", ".");
         }
     } else if (EqualsNoCase(element, "DEFAULTVALUE")) {
         readText();
         if (text.empty()) {
             text = "0";
-            ShowLoadWarning(name_ + ": Default value", "; 0 assumed.");
+            ShowLoadWarning(def_->name + ": Default value", "; 0 assumed.");
         }
         defaultValue_ = text;
-        if (isType_) {
+        if (def_->isType) {
             // TYPES came first and retyped the inputs and outputs to its first choice: the
             // full write makes them follow the default, as a project load would.
             IAttribute_Value(text);
@@ -211,11 +209,11 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
 }
 
 void CDBAttribute::LoadUnits(pugi::xml_node units) {
-    isUnit_ = true;
+    Own().isUnit = true;
     snvtType_->SetGenType("Enum");
     snvtType_->SetLength(1);
-    if (!units_) {
-        units_ = std::make_shared<CDBUnits>();
+    if (!def_->units) {
+        Own().units = std::make_shared<CDBUnits>();
     }
     const std::string description = ReadChoices(
         units, [&](pugi::xml_node choice, const std::string& unitName, const std::string& value) {
@@ -225,14 +223,14 @@ void CDBAttribute::LoadUnits(pugi::xml_node units) {
             }
             // A second unit of the same name is refused by the list; its pair is still offered.
             SkipStep([&] {
-                units_->AddUnit(value, unitName, choice.attribute("Differential").value());
+                Own().units->AddUnit(value, unitName, choice.attribute("Differential").value());
             });
         });
     snvtType_->SetEnumDesc(description);
 }
 
 void CDBAttribute::LoadTypes(pugi::xml_node types) {
-    isType_ = true;
+    Own().isType = true;
     snvtType_->SetGenType("Enum");
     snvtType_->SetLength(1);
     const std::string description =
@@ -278,12 +276,13 @@ void CDBAttribute::LoadNumeric(pugi::xml_node document) {
     // DefaultValue carries the separator in force; Value keeps the text as read, since every
     // read normalises it again.
     SkipStep([&] {
-        defaultValue_ = NormalizeDecimal(TextAt(document, AttributePath(name_, "DefaultValue")));
+        defaultValue_ =
+            NormalizeDecimal(TextAt(document, AttributePath(def_->name, "DefaultValue")));
     });
-    LoadBound(document, AttributePath(name_, "Min"),
+    LoadBound(document, AttributePath(def_->name, "Min"),
               [&](const std::string& text) { snvtType_->SetMin(text); });
     SkipStep([&] { min_ = snvtType_->ISNVType_Min(); });
-    LoadBound(document, AttributePath(name_, "Max"),
+    LoadBound(document, AttributePath(def_->name, "Max"),
               [&](const std::string& text) { snvtType_->SetMax(text); });
     SkipStep([&] { max_ = snvtType_->ISNVType_Max(); });
 }
@@ -310,12 +309,12 @@ void CDBAttribute::LoadStruct(pugi::xml_node document) {
 
             std::string fieldName;
             SkipStep([&] { fieldName = field->IField_Name(); });
-            const std::string fieldPath = AttributePath(name_, fieldName + "/");
+            const std::string fieldPath = AttributePath(def_->name, fieldName + "/");
             std::string text;
             SkipStep([&] { text = TextAt(document, fieldPath + "DefaultValue"); });
             if (text.empty()) {
                 text = "0";
-                ShowLoadWarning(name_ + "." + fieldName + ": Default value", "; 0 assumed.");
+                ShowLoadWarning(def_->name + "." + fieldName + ": Default value", "; 0 assumed.");
             }
             SkipStep([&] {
                 const bool textual = ClassOf(Need(field->IField_SNVTType())) == TypeClass::Textual;

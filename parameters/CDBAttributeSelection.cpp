@@ -111,8 +111,8 @@ std::shared_ptr<CDBUnit> CDBAttribute::SelectedUnit() const {
 
 std::shared_ptr<CDBUnit> CDBAttribute::UnitFor(const std::string& value) const {
     std::shared_ptr<CDBUnit> selected;
-    if (units_) {
-        for (const auto& unit : units_->NewEnum()) {
+    if (def_->units) {
+        for (const auto& unit : def_->units->NewEnum()) {
             if (unit && unit->UnitTypeID == value) {
                 selected = unit;
             }
@@ -122,10 +122,10 @@ std::shared_ptr<CDBUnit> CDBAttribute::UnitFor(const std::string& value) const {
 }
 
 int32_t CDBAttribute::LengthWithUnit(const CDBUnit& unit) const {
-    if (isKeepFloatStandard_) {
+    if (def_->isKeepFloatStandard) {
         return 4;
     }
-    const std::string id = differential_ && !unit.DifferentialTypeID.empty()
+    const std::string id = def_->differential && !unit.DifferentialTypeID.empty()
                                ? unit.DifferentialTypeID
                                : unit.UnitTypeID;
     if (!FindSnvtEntry(id)) {
@@ -154,7 +154,7 @@ bool CDBAttribute::UnitFitsDependents(const CDBUnit& unit) {
         }
         if (dependent->LengthWithUnit(unit) > dependent->placeLength_) {
             ShowMessage("Unit selected (ID: " + unit.UnitTypeID + ") does not fit the place of " +
-                            dependent->name_ + " in the CDB.\r\nThe unit is not changed.",
+                            dependent->def_->name + " in the CDB.\r\nThe unit is not changed.",
                         "Warning: Incompatible unit", MessageIcon::Information);
             return false;
         }
@@ -217,8 +217,8 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
     }
 
     SkipStep([&] {
-        const auto node =
-            xml::FindFirstIndexed(document, UnitPath(name_, "DefaultValues", Need(unit).UnitName));
+        const auto node = xml::FindFirstIndexed(
+            document, UnitPath(def_->name, "DefaultValues", Need(unit).UnitName));
         defaultValue_ = node ? NormalizeDecimal(xml::FirstChildText(node))
                              : NormalizeDecimal(Need(UnitsManager()).DefaultFor(converterTypeId));
     });
@@ -226,7 +226,7 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
 
     SkipStep([&] {
         const CDBUnit& chosen = Need(unit);
-        snvtType_->ResolveByID(differential_ && !chosen.DifferentialTypeID.empty()
+        snvtType_->ResolveByID(def_->differential && !chosen.DifferentialTypeID.empty()
                                    ? chosen.DifferentialTypeID
                                    : chosen.UnitTypeID);
     });
@@ -235,7 +235,7 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
         std::string limit;
         SkipStep([&] {
             const auto node =
-                xml::FindFirstIndexed(document, UnitPath(name_, list, Need(unit).UnitName));
+                xml::FindFirstIndexed(document, UnitPath(def_->name, list, Need(unit).UnitName));
             if (node) {
                 limit = NormalizeDecimal(xml::FirstChildText(node));
             } else {

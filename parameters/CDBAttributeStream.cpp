@@ -40,13 +40,13 @@ std::string CDBAttribute::WriteIntelStream(std::string image) {
 
 // Works on copies: neither Value nor the type record changes.
 std::string CDBAttribute::WriteImage(std::string image, bool intel) {
-    if (toolOnly_) {
+    if (def_->toolOnly) {
         return image;
     }
     const int32_t place = DigitsOf(position_);
     // Never past the room the layout gave: the bytes behind it belong to another member.
     if (placeLength_ > 0 && LengthInCdb() > placeLength_) {
-        throw Error("The attribute " + name_ + " is longer than its place in the CDB", 9);
+        throw Error("The attribute " + def_->name + " is longer than its place in the CDB", 9);
     }
 
     if (fields_) {
@@ -57,14 +57,14 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
         return image;
     }
 
-    if (isUnit_ || isType_) {
+    if (def_->isUnit || def_->isType) {
         // The selected type's FACTOR, not the enum code; one byte has no order.
         OverwriteDigits(image, place, HexByteOf(TypeFactor(value_)),
                         DigitsOf(snvtType_->ISNVType_Length()));
         return image;
     }
 
-    if (isKeepFloatStandard_ && !intel) {
+    if (def_->isKeepFloatStandard && !intel) {
         std::string copy = value_;
         OverwriteDigits(image, place, EncodeStream(copy, TypeClass::Float, 4, 1, 0, 0), 8);
         return image;
@@ -81,7 +81,7 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
 }
 
 DigitRange CDBAttribute::ImageRange(bool intel) const {
-    if (toolOnly_) {
+    if (def_->toolOnly) {
         return {};
     }
     if (fields_) {
@@ -95,19 +95,20 @@ DigitRange CDBAttribute::ImageRange(bool intel) const {
         return hull;
     }
     const int64_t first = DigitsOf(position_);
-    const bool standardFloat = !isUnit_ && !isType_ && isKeepFloatStandard_ && !intel;
+    const bool standardFloat =
+        !def_->isUnit && !def_->isType && def_->isKeepFloatStandard && !intel;
     return {first, first + (standardFloat ? 8 : DigitsOf(Need(snvtType_).ISNVType_Length()))};
 }
 
 ImageChange CDBAttribute::ImageChangeFrom(const CDBAttribute& prototype) const {
     if (position_ != prototype.position_ || placeLength_ != prototype.placeLength_ ||
-        toolOnly_ != prototype.toolOnly_ ||
-        isKeepFloatStandard_ != prototype.isKeepFloatStandard_ || isUnit_ != prototype.isUnit_ ||
-        isType_ != prototype.isType_ || !fields_ != !prototype.fields_ || !snvtType_ ||
-        !prototype.snvtType_) {
+        def_->toolOnly != prototype.def_->toolOnly ||
+        def_->isKeepFloatStandard != prototype.def_->isKeepFloatStandard ||
+        def_->isUnit != prototype.def_->isUnit || def_->isType != prototype.def_->isType ||
+        !fields_ != !prototype.fields_ || !snvtType_ || !prototype.snvtType_) {
         return ImageChange::Other;
     }
-    if (toolOnly_) {
+    if (def_->toolOnly) {
         return ImageChange::Same;
     }
     const bool sameRecord = SameEncoding(*snvtType_, *prototype.snvtType_);
@@ -133,7 +134,7 @@ ImageChange CDBAttribute::ImageChangeFrom(const CDBAttribute& prototype) const {
 void CDBAttribute::ApplyShortFloat() {
     shortFloatManaged_ = true;
     SkipStep([&] {
-        if (ClassOf(*snvtType_) == TypeClass::Float && !isKeepFloatStandard_) {
+        if (ClassOf(*snvtType_) == TypeClass::Float && !def_->isKeepFloatStandard) {
             OwnType().SetLength(2);
         }
     });

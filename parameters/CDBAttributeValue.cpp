@@ -69,7 +69,7 @@ void CDBAttribute::RaiseAttributeChanged(bool absorb) {
     if (callbacks_.size() == 0) {
         return;  // a project load writes every value of every block, mostly unheard
     }
-    const std::string key = globalKey_.Of(name_);
+    const std::string key = globalKey_.Of(def_->name);
     callbacks_.Raise([&](IcbkAppObject& listener) {
         RunStep(absorb, [&] { listener.IcbkAppObject_AttributeChanged(key); });
     });
@@ -101,7 +101,7 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
     }
     DepthGuard depth(writeDepth_);
 
-    if (isType_) {
+    if (def_->isType) {
         if (Text == value_) {
             return;
         }
@@ -116,7 +116,7 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
         }
     }
 
-    if (isUnit_) {
+    if (def_->isUnit) {
         const auto unit = UnitFor(NormalizeDecimal(Text));
         if (unit && !UnitFitsDependents(*unit)) {
             return;
@@ -125,7 +125,7 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
 
     SkipStep([&] { StoreValue(Text); });
 
-    if (isUnit_) {
+    if (def_->isUnit) {
         // A value that no unit has leaves the dependents as they are: there is nothing to
         // derive them from, and resetting them to an empty type would lose their values.
         if (const auto unit = SelectedUnit()) {
@@ -133,7 +133,7 @@ void CDBAttribute::IAttribute_Value(std::string Text) {
         }
     }
 
-    if (isType_) {
+    if (def_->isType) {
         ChangeTypeOfConnections(true);
         RaiseAttributeChanged(true);
     }
@@ -154,9 +154,9 @@ void CDBAttribute::StoreValue(const std::string& text) {
             return;
         }
         value_ = NormalizeDecimal(text);
-        if (divideBy_ > 1 && !restoringSaved_) {
+        if (def_->divideBy > 1 && !restoringSaved_) {
             // LeadingNumber reads the text as it came: "12,5" divides 12.
-            value_ = FormatDouble(LeadingNumber(text) / static_cast<double>(divideBy_));
+            value_ = FormatDouble(LeadingNumber(text) / static_cast<double>(def_->divideBy));
         }
         return;
     }
@@ -281,12 +281,12 @@ void CDBAttribute::IAttribute_BackToDefault() {
             field->IField_Value(StructToken(value_, index++));
         }
     }
-    if (isUnit_) {
+    if (def_->isUnit) {
         if (const auto unit = SelectedUnit()) {
             RederiveDependents(unit, false);
         }
     }
-    if (isType_) {
+    if (def_->isType) {
         ChangeTypeOfConnections(false);
         RaiseAttributeChanged(false);
     }
@@ -304,7 +304,7 @@ bool CDBAttribute::IAttribute_IsMacroConnected() {
     }
     std::vector<std::shared_ptr<IMacroAttributeGroup>> groups;
     SkipStep([&] { groups = macro->AttributeGroups(); });
-    const std::string key = globalKey_.Of(name_);
+    const std::string key = globalKey_.Of(def_->name);
     for (const auto& group : groups) {
         std::shared_ptr<IMacroTerminals> terminals;
         int32_t count = 0;
