@@ -87,6 +87,10 @@ public:
     // Stored form: 0 brought into the dictionary's limits; "" for a Textual type.
     std::string DefaultFor(const std::string& typeId) override;
 
+    // What the answers depend on besides the dictionary and the decimal separator.
+    UnitSystem EffectiveSystem() const { return system_.value_or(CurrentUnitSystem()); }
+    const UnitConversionTable* Table() const { return table_.get(); }
+
 private:
     struct TypeFacts;
     TypeFacts Facts(const std::string& typeId) const;

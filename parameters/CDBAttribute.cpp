@@ -83,7 +83,10 @@ CDBAttribute::Definition& CDBAttribute::Own() {
     }
     // Every Definition is made non-const (above and in the constructor); the pointer is to
     // const only so that a write cannot reach a shared one without passing here.
-    return const_cast<Definition&>(*def_);
+    auto& own = const_cast<Definition&>(*def_);
+    // What was derived from the definition before this change may not follow from it now.
+    own.unitDerivations.reset();
+    return own;
 }
 
 CDBSNVTType& CDBAttribute::OwnType() const {

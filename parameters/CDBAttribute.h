@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -27,6 +28,8 @@ class CDBSNVTType;
 class CDBFields;
 class CDBUnit;
 class CDBUnits;
+class UnitDerivationMemo;
+struct UnitDerivationKey;
 
 class CDBAttribute : public IAttribute,
                      public ICanvasElement,
@@ -185,6 +188,10 @@ private:
     void ApplySelectedUnit(const std::shared_ptr<CDBUnit>& unit);
     void DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit, const std::string& converterTypeId,
                         bool change);
+    // The key of a change of unit whose outcome may be kept; none when it depends on more
+    // than the key can hold (no definition, a converter of another kind).
+    std::optional<UnitDerivationKey> DerivationKey(
+        const CDBUnit& unit, const std::shared_ptr<const pugi::xml_document>& definition);
 
     // The type record to change or hand out: a shared one is copied first.
     CDBSNVTType& OwnType() const;
@@ -208,6 +215,9 @@ private:
         bool isType = false;
         bool isUnit = false;
         bool toolOnly = false;
+        // Filled by the blocks that share the definition; a copy made to be changed starts
+        // without one.
+        mutable std::shared_ptr<UnitDerivationMemo> unitDerivations;
     };
     Definition& Own();
 

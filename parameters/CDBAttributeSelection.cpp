@@ -2,6 +2,7 @@
 // connections, and the derivation of unit-dependent attributes from a chosen unit.
 #include <optional>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "base/MMain.h"
@@ -12,9 +13,11 @@
 #include "datatypes/CDBUnits.h"
 #include "datatypes/SnvtDictionary.h"
 #include "datatypes/TypeClass.h"
+#include "datatypes/UnitConverter.h"
 #include "interfaces/ICanvasElement.h"
 #include "interfaces/IMemberOwner.h"
 #include "parameters/CDBAttribute.h"
+#include "parameters/UnitDerivationMemo.h"
 #include "platform/Messages.h"
 
 namespace zerbin {
@@ -200,6 +203,25 @@ void CDBAttribute::ApplyFirstUnit(CDBAttribute& selector) {
 
 // The steps shared by the first derivation at creation and a later change of unit: a later
 // change starts from a new type record and tells the listeners.
+std::optional<UnitDerivationKey> CDBAttribute::DerivationKey(
+    const CDBUnit& unit, const std::shared_ptr<const pugi::xml_document>& definition) {
+    std::shared_ptr<IUnitConverter> converter;
+    SkipStep([&] { converter = UnitsManager(); });
+    const auto* plain = dynamic_cast<const UnitConverter*>(converter.get());
+    if (!definition || plain == nullptr || typeid(*plain) != typeid(UnitConverter)) {
+        return std::nullopt;
+    }
+    return UnitDerivationKey{definition,
+                             unit.UnitName,
+                             unit.UnitTypeID,
+                             unit.DifferentialTypeID,
+                             SnvtIndexGeneration(),
+                             DecimalSeparator(),
+                             plain->EffectiveSystem(),
+                             plain->Table(),
+                             shortFloatManaged_};
+}
+
 void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
                                   const std::string& converterTypeId, bool change) {
     std::shared_ptr<const pugi::xml_document> definition;
@@ -209,6 +231,34 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
         document = *definition;
     }
 
+    // A change of unit starts from a new record, so its outcome depends only on the key; the
+    // first derivation at creation keeps what the record had, and is not kept.
+    std::optional<UnitDerivationKey> key;
+    if (change && unit && unit->UnitTypeID == converterTypeId) {
+        key = DerivationKey(*unit, definition);
+    }
+    if (key && def_->unitDerivations) {
+        if (const UnitDerivation* known = def_->unitDerivations->Find(*key)) {
+            snvtType_ = known->record;
+            sharedType_ = true;
+            defaultValue_ = known->defaultValue;
+            value_ = defaultValue_;
+            if (known->min) {
+                min_ = *known->min;
+            }
+            if (known->max) {
+                max_ = *known->max;
+            }
+            RaiseAttributeChanged(true);
+            return;
+        }
+    }
+    // Only an outcome that showed nothing and had no step fail is kept: a message must be
+    // shown again by every block that meets it.
+    ScopedMessageCapture shown;
+    bool clean = true;
+    const auto step = [&](auto&& work) { clean = SkipStep(work) && clean; };
+
     if (change) {
         snvtType_ = std::make_shared<CDBSNVTType>();
         sharedType_ = false;
@@ -216,7 +266,7 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
         OwnType();
     }
 
-    SkipStep([&] {
+    step([&] {
         const auto node = xml::FindFirstIndexed(
             document, UnitPath(def_->name, "DefaultValues", Need(unit).UnitName));
         defaultValue_ = node ? NormalizeDecimal(xml::FirstChildText(node))
@@ -224,16 +274,18 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
     });
     value_ = defaultValue_;
 
-    SkipStep([&] {
+    step([&] {
         const CDBUnit& chosen = Need(unit);
         snvtType_->ResolveByID(def_->differential && !chosen.DifferentialTypeID.empty()
                                    ? chosen.DifferentialTypeID
                                    : chosen.UnitTypeID);
     });
 
+    std::optional<std::string> derivedMin;
+    std::optional<std::string> derivedMax;
     auto deriveLimit = [&](const char* list, bool lower) {
         std::string limit;
-        SkipStep([&] {
+        step([&] {
             const auto node =
                 xml::FindFirstIndexed(document, UnitPath(def_->name, list, Need(unit).UnitName));
             if (node) {
@@ -255,9 +307,11 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
         if (lower) {
             snvtType_->SetMin(limit);
             min_ = limit;
+            derivedMin = limit;
         } else {
             snvtType_->SetMax(limit);
             max_ = limit;
+            derivedMax = limit;
         }
     };
     deriveLimit("MinValues", true);
@@ -268,6 +322,14 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
         // claim more and overlap the next place.
         if (shortFloatManaged_) {
             ApplyShortFloat();
+        }
+        if (key && clean && shown.Messages().empty()) {
+            if (!def_->unitDerivations) {
+                def_->unitDerivations = std::make_shared<UnitDerivationMemo>();
+            }
+            def_->unitDerivations->Add(
+                UnitDerivation{std::move(*key), snvtType_, defaultValue_, derivedMin, derivedMax});
+            sharedType_ = true;  // the memo holds the record now
         }
         RaiseAttributeChanged(true);
     }
