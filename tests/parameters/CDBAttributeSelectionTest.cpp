@@ -1,7 +1,11 @@
 // Type and unit selectors: the connection check in the macro view, what a change of type or
 // of unit sets off, and the derivation of unit-dependent attributes.
+#include <string>
+#include <vector>
+
 #include <gmock/gmock.h>
 
+#include "datatypes/CDBSNVTType.h"
 #include "platform/Messages.h"
 #include "tests/support/MacroDoubles.h"
 #include "tests/support/ParameterTestSupport.h"
@@ -183,6 +187,48 @@ TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners
     EXPECT_EQ(units->IAttribute_Value(), "999");
     EXPECT_EQ(offset->IAttribute_SNVTType()->ISNVType_ID(), "124");
     EXPECT_THAT(journal->Lines(), ElementsAre("host AttributeChanged(K\\ATT\\Units)"));
+}
+
+// Blocks of one type share what a change of unit derived; each still hears every message.
+TEST_F(ParameterTest, ALaterBlockDerivesWhatTheFirstDidAndHearsTheSameMessages) {
+    struct Derived {
+        std::string id, min, max, recordMax, value, defaultValue, image;
+        int32_t length;
+        bool operator==(const Derived&) const = default;
+    };
+    const auto change = [](TestBlock& block) {
+        auto supply = block.Attribute("Supply");
+        supply->Type();  // handed out before: the record the change brings must be shared again
+        block.Attribute("Units")->IAttribute_Value("122");
+        auto record = supply->IAttribute_SNVTType();
+        Derived derived{record->ISNVType_ID(),      supply->IAttribute_Min(),
+                        supply->IAttribute_Max(),   record->ISNVType_Max(),
+                        supply->IAttribute_Value(), supply->IAttribute_DefaultValue(),
+                        block->IAppObject_Stream(), record->ISNVType_Length()};
+        // A record handed out may be changed; the next block must not see it.
+        supply->Type()->SetMax("1");
+        return derived;
+    };
+    std::vector<Derived> derived;
+    for (int i = 0; i < 3; ++i) {
+        TestBlock block("PrmUnits", WithShortFloat(true));
+        derived.push_back(change(block));
+    }
+    EXPECT_EQ(derived[1], derived[0]);
+    EXPECT_EQ(derived[2], derived[0]);
+    EXPECT_NE(derived[0].min, "-10") << "Fahrenheit's own limit, not Celsius's";
+
+    const auto messagesOfUnknownUnit = [this](TestBlock& block, const std::string& name) {
+        ScopedMessageRecorder messages;
+        Load(block, "<" + name + "><UNITS><Bogus>9999</Bogus></UNITS></" + name + ">")
+            ->IAttribute_Value("9999");
+        return messages.Messages().size();
+    };
+    TestBlock third("PrmUnits");
+    TestBlock fourth("PrmUnits");
+    const std::size_t firstTime = messagesOfUnknownUnit(third, "One");
+    EXPECT_GT(firstTime, 0U);
+    EXPECT_EQ(messagesOfUnknownUnit(fourth, "Two"), firstTime);
 }
 
 TEST_F(ParameterTest, OfSeveralUnitsOfTheSelectedTypeTheLastOneCounts) {
