@@ -160,7 +160,7 @@ std::shared_ptr<CDBAttribute> AttributeNamed(const std::shared_ptr<CDBAttributes
         return nullptr;
     }
     std::shared_ptr<CDBAttribute> found;
-    SkipStep([&] { found = attributes->Item(xml::BaseName(element)); });
+    SkipStep([&] { found = attributes->Item(xml::BaseNameView(element)); });
     return found;
 }
 

@@ -3,11 +3,14 @@
 // keys are compared without regard to ASCII letter case, and a key may be used once.
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -39,16 +42,20 @@ public:
     }
 
     // nullptr when no member has the key.
-    std::shared_ptr<T> FindKey(const std::string& key) const {
+    std::shared_ptr<T> FindKey(std::string_view key) const {
         if (!keys_) {
             return nullptr;
         }
-        auto it = keys_->index.find(UpperCase(key));
-        return it == keys_->index.end() ? nullptr : items_[it->second];
+        return WithFolded(key, [&](std::string_view folded) -> std::shared_ptr<T> {
+            auto it = keys_->index.find(folded);
+            return it == keys_->index.end() ? nullptr : items_[it->second];
+        });
     }
 
-    bool Contains(const std::string& key) const {
-        return keys_ && keys_->index.contains(UpperCase(key));
+    bool Contains(std::string_view key) const {
+        return keys_ && WithFolded(key, [&](std::string_view folded) {
+                   return keys_->index.contains(folded);
+               });
     }
 
     // By 1-based position; nullptr outside 1 to Count().
@@ -62,11 +69,11 @@ public:
     // The member with the key, else the member at the 1-based position LeadingNumber(key).
     // A key that is neither (not whole, out of range, no number) gives nullptr; never throws.
     // The key wins, so a member keyed "2" is found by "2" whatever stands at position 2.
-    std::shared_ptr<T> Item(const std::string& key) const {
+    std::shared_ptr<T> Item(std::string_view key) const {
         if (auto found = FindKey(key)) {
             return found;
         }
-        const double position = LeadingNumber(key);
+        const double position = LeadingNumber(std::string(key));
         if (!(position >= 1.0) || position > static_cast<double>(items_.size()) ||
             std::floor(position) != position) {
             return nullptr;
@@ -123,9 +130,33 @@ private:
         }
     }
 
+    // Looks keys up as views: a member name is folded into a buffer on the stack, not into a
+    // string of its own, on the path every restored value takes.
+    struct ViewHash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view key) const noexcept {
+            return std::hash<std::string_view>{}(key);
+        }
+    };
+
+    template <class Use>
+    static auto WithFolded(std::string_view key, Use&& use) {
+        constexpr std::size_t kShort = 64;
+        if (key.size() <= kShort) {
+            std::array<char, kShort> buffer{};
+            for (std::size_t i = 0; i < key.size(); ++i) {
+                buffer[i] = AsciiUpper(key[i]);
+            }
+            return use(std::string_view(buffer.data(), key.size()));
+        }
+        const std::string folded = UpperCase(std::string(key));
+        return use(std::string_view(folded));
+    }
+
     struct Keys {
         std::vector<std::string> folded;  // parallel to items_, for re-indexing on Remove
-        std::unordered_map<std::string, std::size_t> index;  // folded key -> position
+        // folded key -> position
+        std::unordered_map<std::string, std::size_t, ViewHash, std::equal_to<>> index;
     };
 
     // The keys this collection alone holds, copied first when they are shared.

@@ -18,7 +18,7 @@ std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& K
     return items_.Item(Key);
 }
 
-std::shared_ptr<CDBAttribute> CDBAttributes::Item(const std::string& key) const {
+std::shared_ptr<CDBAttribute> CDBAttributes::Item(std::string_view key) const {
     return items_.Item(key);
 }
 

@@ -37,7 +37,7 @@ public:
     void PropagateExtendedKey(const std::string& key);
     const std::vector<std::shared_ptr<CDBAttribute>>& Members() const;
     // IAttributes_Item without the interface: by key, else by 1-based position.
-    std::shared_ptr<CDBAttribute> Item(const std::string& key) const;
+    std::shared_ptr<CDBAttribute> Item(std::string_view key) const;
     // Every member copied (CDBAttribute::CopyFor) under owner; no key.
     std::shared_ptr<CDBAttributes> CopyFor(const std::shared_ptr<IAppObject>& owner,
                                            bool shareRecords) const;
