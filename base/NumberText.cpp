@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <limits>
 #include <string_view>
@@ -159,6 +160,24 @@ std::string DecimalToDisplay(const std::string& text) {
 }
 
 double LeadingNumber(const std::string& text) {
+    // Most texts are a plain integer ("120", "-5"): read them at once. Up to 15 digits the
+    // value is exact, as the general reading below would give it.
+    {
+        const std::size_t sign = !text.empty() && text[0] == '-' ? 1 : 0;
+        const std::size_t digits = text.size() - sign;
+        if (digits > 0 && digits <= 15) {
+            int64_t whole = 0;
+            std::size_t i = sign;
+            while (i < text.size() && text[i] >= '0' && text[i] <= '9') {
+                whole = whole * 10 + (text[i] - '0');
+                ++i;
+            }
+            if (i == text.size()) {
+                const auto value = static_cast<double>(whole);
+                return sign != 0 ? -value : value;
+            }
+        }
+    }
     auto skippable = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
     std::size_t i = 0;
     auto skip = [&] {
