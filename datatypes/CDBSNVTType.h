@@ -47,6 +47,7 @@ public:
     // Internal. The limits as held, before DecimalToDisplay.
     const std::string& StoredMin() const { return min_; }
     const std::string& StoredMax() const { return max_; }
+    const std::string& GenTypeWord() const { return genType_; }
     // Internal setters: each changes the one field named.
     void SetGenType(const std::string& v);
     void SetLength(int32_t v);

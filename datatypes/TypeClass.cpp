@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "datatypes/CDBSNVTType.h"
 #include "interfaces/ISNVType.h"
 
 namespace zerbin {
@@ -30,6 +31,10 @@ TypeClass ParseTypeClass(std::string_view word) {
 
 TypeClass ClassOf(ISNVType& type) {
     return ParseTypeClass(type.ISNVType_GenType());
+}
+
+TypeClass ClassOf(const CDBSNVTType& type) {
+    return ParseTypeClass(type.GenTypeWord());
 }
 
 bool IsNumericClass(TypeClass typeClass) {

@@ -7,6 +7,7 @@
 namespace zerbin {
 
 struct ISNVType;
+class CDBSNVTType;
 
 // Other is any word that names no class, the empty word included.
 enum class TypeClass {
@@ -24,6 +25,8 @@ enum class TypeClass {
 TypeClass ParseTypeClass(std::string_view word);
 // The class of a type record, from its class word.
 TypeClass ClassOf(ISNVType& type);
+// The same for a record of this component, read in place: most members ask it at every value.
+TypeClass ClassOf(const CDBSNVTType& type);
 
 // Float, SignedNumeric and UnsignedNumeric: they load limits and a default from the definition
 // and are shown as numbers in a unit. A Bitfield, though a number in the image, is not one.
