@@ -47,9 +47,9 @@ CDBField::CDBField() = default;
 
 std::shared_ptr<CDBField> CDBField::CopyFor(std::shared_ptr<IUnitsProvider> parent) const {
     auto copy = std::make_shared<CDBField>(*this);
-    if (snvtType_) {
-        copy->snvtType_ = snvtType_->Copy();
-    }
+    // Both hold the record now; whichever changes it or hands it out copies it first.
+    sharedType_ = snvtType_ != nullptr;
+    copy->sharedType_ = sharedType_;
     copy->parent_ = std::move(parent);
     return copy;
 }
@@ -122,7 +122,19 @@ void CDBField::IField_Value(const std::string& v) {
 void CDBField::IField_SetValue() {}
 
 std::shared_ptr<ISNVType> CDBField::IField_SNVTType() {
-    return snvtType_;
+    return Type();
+}
+
+const CDBSNVTType& CDBField::Record() const {
+    return Need(snvtType_);
+}
+
+CDBSNVTType& CDBField::OwnType() {
+    if (sharedType_) {
+        snvtType_ = Need(snvtType_).Copy();
+        sharedType_ = false;
+    }
+    return Need(snvtType_);
 }
 
 int32_t CDBField::IField_Index() {
@@ -186,6 +198,7 @@ void CDBField::SetName(const std::string& v) {
 
 void CDBField::LoadType(const std::string& typeId) {
     snvtType_ = std::make_shared<CDBSNVTType>();
+    sharedType_ = false;
     snvtType_->ResolveByID(typeId);
     min_ = snvtType_->ISNVType_Min();
     max_ = snvtType_->ISNVType_Max();
@@ -212,12 +225,12 @@ void CDBField::SetExtendedKey(const std::string& prefix) {
 }
 
 void CDBField::SetFieldMin(const std::string& v) {
-    Need(snvtType_).SetMin(v);
+    OwnType().SetMin(v);
     min_ = v;
 }
 
 void CDBField::SetFieldMax(const std::string& v) {
-    Need(snvtType_).SetMax(v);
+    OwnType().SetMax(v);
     max_ = v;
 }
 
@@ -230,6 +243,9 @@ std::string CDBField::FieldMax() {
 }
 
 std::shared_ptr<CDBSNVTType> CDBField::Type() {
+    if (snvtType_) {
+        OwnType();  // the caller may change what it is handed
+    }
     return snvtType_;
 }
 

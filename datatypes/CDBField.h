@@ -72,6 +72,8 @@ public:
     std::string FieldMax();
     // The concrete record, for the owning attribute.
     std::shared_ptr<CDBSNVTType> Type();
+    // The record for reading in place; unlike Type() it is not the field's own to change.
+    const CDBSNVTType& Record() const;
     // Internal. The field as its definition left it, with a record of its own, under parent.
     std::shared_ptr<CDBField> CopyFor(std::shared_ptr<IUnitsProvider> parent) const;
     // Writes this field's digits at Offset + position; the image never grows. Throws when a
@@ -85,6 +87,8 @@ public:
 
 private:
     std::string Write(std::string image, int32_t position, bool intel);
+    // The record to change or hand out: a shared one is copied first.
+    CDBSNVTType& OwnType();
 
     std::string globalKey_;
     std::string defaultValue_;
@@ -93,6 +97,9 @@ private:
     int32_t index_ = 0;
     int32_t offset_ = 0;
     std::shared_ptr<CDBSNVTType> snvtType_;
+    // Set while the record is shared with the field this one was copied from or to; mutable
+    // because copying marks the source as well.
+    mutable bool sharedType_ = false;
     int32_t nodeType_ = 0;
     std::shared_ptr<IUnitsProvider> parent_;
     std::string min_;

@@ -51,7 +51,7 @@ void CDBFields::LoadFields(const std::string& typeId, int32_t nodeType) {
         items_.Add(name, field);
         field->SetIndex(items_.Count());
         field->SetOffset(offset);
-        const int32_t length = field->Type()->ISNVType_Length();
+        const int32_t length = field->Record().StoredLength();
         offset = CheckedAdd(offset, length);
     }
 }

@@ -48,6 +48,7 @@ public:
     const std::string& StoredMin() const { return min_; }
     const std::string& StoredMax() const { return max_; }
     const std::string& GenTypeWord() const { return genType_; }
+    int32_t StoredLength() const { return length_; }
     // Internal setters: each changes the one field named.
     void SetGenType(const std::string& v);
     void SetLength(int32_t v);

@@ -298,8 +298,7 @@ void CDBAttribute::LoadStruct(pugi::xml_node document) {
         const std::shared_ptr<IUnitsProvider> self = shared_from_this();
         for (const auto& field : fields_->Fields()) {
             SkipStep([&] {
-                const int64_t sum =
-                    int64_t{total} + Need(field->IField_SNVTType()).ISNVType_Length();
+                const int64_t sum = int64_t{total} + field->Record().StoredLength();
                 if (sum > INT32_MAX || sum < INT32_MIN) {
                     throw OverflowError();
                 }
@@ -317,7 +316,7 @@ void CDBAttribute::LoadStruct(pugi::xml_node document) {
                 ShowLoadWarning(def_->name + "." + fieldName + ": Default value", "; 0 assumed.");
             }
             SkipStep([&] {
-                const bool textual = ClassOf(Need(field->IField_SNVTType())) == TypeClass::Textual;
+                const bool textual = ClassOf(field->Record()) == TypeClass::Textual;
                 field->DefaultValue(textual ? text : NormalizeDecimal(text));
             });
             SkipStep([&] { defaultValue_ += field->IField_DefaultValue() + " "; });

@@ -167,7 +167,7 @@ void CDBAttribute::StoreValue(const std::string& text) {
         SkipStep([&] {
             const std::string token = StructToken(text, index);
             field->IField_Value(token);
-            const bool textual = ClassOf(Need(field->IField_SNVTType())) == TypeClass::Textual;
+            const bool textual = ClassOf(field->Record()) == TypeClass::Textual;
             tokens.push_back(textual ? token : NormalizeDecimal(token));
         });
         ++index;

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include "datatypes/CDBFields.h"
+#include "datatypes/CDBSNVTType.h"
 #include "datatypes/CDBUnits.h"
 #include "platform/Messages.h"
 #include "tests/support/ParameterTestSupport.h"
@@ -204,6 +205,22 @@ TEST_F(ParameterTest, AStructureTakesItsFieldDefaultsAndLimitsByPath) {
               "PrmStruct; 0 assumed.");
     EXPECT_EQ(messages.Messages()[0].title, "Warning");
     EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Critical);
+}
+
+// Blocks of a type share their fields' records until one is handed out: what one block then
+// does to it, no other block sees.
+TEST_F(ParameterTest, AFieldRecordHandedOutIsItsBlocksOwn) {
+    const auto record = [](TestBlock& block) {
+        return std::dynamic_pointer_cast<CDBSNVTType>(
+            block.Attribute("Setting")->FieldsCollection()->Item("Temp")->IField_SNVTType());
+    };
+    TestBlock first("PrmStruct");
+    TestBlock second("PrmStruct");
+    const std::string before = record(second)->ISNVType_Max();
+    record(first)->SetMax("1");
+    record(second)->SetMax("2");
+    TestBlock third("PrmStruct");
+    EXPECT_EQ(record(third)->ISNVType_Max(), before);
 }
 
 TEST_F(ParameterTest, KeysReachTheAttributesAndTheirFieldsEachTimeTheBlockSetsThem) {
