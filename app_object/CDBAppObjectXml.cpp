@@ -176,22 +176,23 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
     // its first element; a second one is not read at all.
     // Each element is matched to its attribute once, for both passes.
     std::vector<std::pair<pugi::xml_node, std::shared_ptr<CDBAttribute>>> named;
+    named.reserve(attributes_ ? static_cast<std::size_t>(attributes_->IAttributes_Count()) : 0);
     for (pugi::xml_node child : element.children()) {
         if (!xml::IsComment(child)) {
             named.emplace_back(child, AttributeNamed(attributes_, child));
         }
     }
-    std::vector<std::shared_ptr<CDBAttribute>> restored;
+    std::vector<const CDBAttribute*> restored;
     // Named, not bound: a lambda may not capture a structured binding in every compiler.
     for (const auto& entry : named) {
         const pugi::xml_node child = entry.first;
         const std::shared_ptr<CDBAttribute>& selector = entry.second;
         ServePendingEvents();
         if (!selector || !IsSelector(*selector) ||
-            std::find(restored.begin(), restored.end(), selector) != restored.end()) {
+            std::find(restored.begin(), restored.end(), selector.get()) != restored.end()) {
             continue;
         }
-        restored.push_back(selector);
+        restored.push_back(selector.get());
         // No text is the empty value the selector was saved with, as for any attribute.
         std::string text;
         SkipStep([&] { text = xml::FirstChildText(child); });
