@@ -77,13 +77,17 @@ std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
     return snvtType_;
 }
 
-CDBAttribute::Definition& CDBAttribute::Own() {
+CDBAttribute::Definition& CDBAttribute::OwnLimits() {
     if (def_.use_count() != 1) {
         def_ = std::make_shared<Definition>(*def_);
     }
     // Every Definition is made non-const (above and in the constructor); the pointer is to
     // const only so that a write cannot reach a shared one without passing here.
-    auto& own = const_cast<Definition&>(*def_);
+    return const_cast<Definition&>(*def_);
+}
+
+CDBAttribute::Definition& CDBAttribute::Own() {
+    Definition& own = OwnLimits();
     // What was derived from the definition before this change may not follow from it now.
     own.unitDerivations.reset();
     return own;
@@ -98,7 +102,7 @@ CDBSNVTType& CDBAttribute::OwnType() const {
 }
 
 std::string CDBAttribute::IAttribute_DefaultValue() {
-    return defaultValue_;
+    return def_->defaultValue;
 }
 
 std::string CDBAttribute::IAttribute_Tag() {
@@ -151,11 +155,11 @@ bool CDBAttribute::IAttribute_IsType() {
 }
 
 std::string CDBAttribute::IAttribute_Min() {
-    return min_;
+    return def_->min;
 }
 
 std::string CDBAttribute::IAttribute_Max() {
-    return max_;
+    return def_->max;
 }
 
 std::string CDBAttribute::IAttribute_ExtendedKey() {

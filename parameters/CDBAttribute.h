@@ -204,6 +204,10 @@ private:
         std::string snvtTypeId;
         std::string deviceKey;
         std::string description;
+        // The default and limits change only with the unit a selector chooses.
+        std::string defaultValue;
+        std::string min;
+        std::string max;
         // The choices of a unit selector, which never change.
         std::shared_ptr<CDBUnits> units;
         int32_t orderInPosition = 0;
@@ -220,6 +224,9 @@ private:
         mutable std::shared_ptr<UnitDerivationMemo> unitDerivations;
     };
     Definition& Own();
+    // The same for a change of the default or the limits alone, which leaves what was derived
+    // from the definition as true as it was.
+    Definition& OwnLimits();
 
     // Stream (CDBAttributeStream.cpp).
     std::string WriteImage(std::string image, bool intel);
@@ -236,7 +243,6 @@ private:
     // Bytes the layout reserved at position_; 0 while the attribute has no place.
     int32_t placeLength_ = 0;
     std::string value_;
-    std::string defaultValue_;
     MemberKey globalKey_;
     std::string tag_;
     // Mutable for the copy on first change: reads that hand the record out are const.
@@ -244,8 +250,6 @@ private:
     mutable bool sharedType_ = false;
     std::shared_ptr<CDBFields> fields_;
     std::shared_ptr<IAppObject> parent_;
-    std::string min_;
-    std::string max_;
     CallbackList<IcbkAppObject> callbacks_;
     std::shared_ptr<IValueEditor> editor_;
     MemberKey extendedKey_;

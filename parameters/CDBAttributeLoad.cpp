@@ -193,7 +193,7 @@ void CDBAttribute::LoadElement(pugi::xml_node child) {
             text = "0";
             ShowLoadWarning(def_->name + ": Default value", "; 0 assumed.");
         }
-        defaultValue_ = text;
+        Own().defaultValue = text;
         if (def_->isType) {
             // TYPES came first and retyped the inputs and outputs to its first choice: the
             // full write makes them follow the default, as a project load would.
@@ -217,9 +217,9 @@ void CDBAttribute::LoadUnits(pugi::xml_node units) {
     }
     const std::string description = ReadChoices(
         units, [&](pugi::xml_node choice, const std::string& unitName, const std::string& value) {
-            if (defaultValue_.empty()) {
-                defaultValue_ = value;
-                value_ = defaultValue_;
+            if (def_->defaultValue.empty()) {
+                Own().defaultValue = value;
+                value_ = def_->defaultValue;
             }
             // A second unit of the same name is refused by the list; its pair is still offered.
             SkipStep([&] {
@@ -235,10 +235,10 @@ void CDBAttribute::LoadTypes(pugi::xml_node types) {
     snvtType_->SetLength(1);
     const std::string description =
         ReadChoices(types, [&](pugi::xml_node, const std::string&, const std::string& value) {
-            if (defaultValue_.empty()) {
-                defaultValue_ = value;
+            if (def_->defaultValue.empty()) {
+                Own().defaultValue = value;
                 // The full write, so that the inputs and outputs take the first type at once.
-                IAttribute_Value(defaultValue_);
+                IAttribute_Value(def_->defaultValue);
             }
         });
     snvtType_->SetEnumDesc(description);
@@ -263,8 +263,8 @@ void CDBAttribute::LoadDeviceDependent(const std::string& key) {
         }
         const std::string entryName = xml::BaseName(entry);
         const std::string value = ChoiceValue(NormalizeDecimal(xml::FirstChildText(entry)));
-        if (defaultValue_.empty()) {
-            defaultValue_ = value;
+        if (def_->defaultValue.empty()) {
+            Own().defaultValue = value;
             value_ = value;
         }
         description += value + "," + entryName + ";";
@@ -276,22 +276,22 @@ void CDBAttribute::LoadNumeric(pugi::xml_node document) {
     // DefaultValue carries the separator in force; Value keeps the text as read, since every
     // read normalises it again.
     SkipStep([&] {
-        defaultValue_ =
+        Own().defaultValue =
             NormalizeDecimal(TextAt(document, AttributePath(def_->name, "DefaultValue")));
     });
     LoadBound(document, AttributePath(def_->name, "Min"),
               [&](const std::string& text) { snvtType_->SetMin(text); });
-    SkipStep([&] { min_ = snvtType_->ISNVType_Min(); });
+    SkipStep([&] { Own().min = snvtType_->ISNVType_Min(); });
     LoadBound(document, AttributePath(def_->name, "Max"),
               [&](const std::string& text) { snvtType_->SetMax(text); });
-    SkipStep([&] { max_ = snvtType_->ISNVType_Max(); });
+    SkipStep([&] { Own().max = snvtType_->ISNVType_Max(); });
 }
 
 void CDBAttribute::LoadStruct(pugi::xml_node document) {
     SkipStep([&] { fields_ = std::make_shared<CDBFields>(); });
     SkipStep([&] { Need(fields_).LoadFields(snvtType_->ISNVType_ID(), kFieldNodeType); });
     value_.clear();
-    defaultValue_.clear();
+    Own().defaultValue.clear();
     int32_t total = 0;
 
     if (fields_) {
@@ -319,7 +319,7 @@ void CDBAttribute::LoadStruct(pugi::xml_node document) {
                 const bool textual = ClassOf(field->Record()) == TypeClass::Textual;
                 field->DefaultValue(textual ? text : NormalizeDecimal(text));
             });
-            SkipStep([&] { defaultValue_ += field->IField_DefaultValue() + " "; });
+            SkipStep([&] { Own().defaultValue += field->IField_DefaultValue() + " "; });
             LoadBound(document, fieldPath + "Min",
                       [&](const std::string& text) { field->SetFieldMin(text); });
             LoadBound(document, fieldPath + "Max",
@@ -327,8 +327,8 @@ void CDBAttribute::LoadStruct(pugi::xml_node document) {
         }
     }
 
-    defaultValue_ = Trim(defaultValue_);
-    value_ = defaultValue_;
+    Own().defaultValue = Trim(def_->defaultValue);
+    value_ = def_->defaultValue;
     snvtType_->SetLength(total);
 }
 

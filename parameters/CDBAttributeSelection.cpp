@@ -237,17 +237,26 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
     if (change && unit && unit->UnitTypeID == converterTypeId) {
         key = DerivationKey(*unit, definition);
     }
-    if (key && def_->unitDerivations) {
-        if (const UnitDerivation* known = def_->unitDerivations->Find(*key)) {
+    // Taken before anything is written: a write may give this attribute a definition of its
+    // own, and the outcome belongs with the one its type's blocks share.
+    std::shared_ptr<UnitDerivationMemo> memo;
+    if (key) {
+        if (!def_->unitDerivations) {
+            def_->unitDerivations = std::make_shared<UnitDerivationMemo>();
+        }
+        memo = def_->unitDerivations;
+    }
+    if (memo) {
+        if (const UnitDerivation* known = memo->Find(*key)) {
             snvtType_ = known->record;
             sharedType_ = true;
-            defaultValue_ = known->defaultValue;
-            value_ = defaultValue_;
+            OwnLimits().defaultValue = known->defaultValue;
+            value_ = def_->defaultValue;
             if (known->min) {
-                min_ = *known->min;
+                OwnLimits().min = *known->min;
             }
             if (known->max) {
-                max_ = *known->max;
+                OwnLimits().max = *known->max;
             }
             RaiseAttributeChanged(true);
             return;
@@ -269,10 +278,11 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
     step([&] {
         const auto node = xml::FindFirstIndexed(
             document, UnitPath(def_->name, "DefaultValues", Need(unit).UnitName));
-        defaultValue_ = node ? NormalizeDecimal(xml::FirstChildText(node))
-                             : NormalizeDecimal(Need(UnitsManager()).DefaultFor(converterTypeId));
+        OwnLimits().defaultValue =
+            node ? NormalizeDecimal(xml::FirstChildText(node))
+                 : NormalizeDecimal(Need(UnitsManager()).DefaultFor(converterTypeId));
     });
-    value_ = defaultValue_;
+    value_ = def_->defaultValue;
 
     step([&] {
         const CDBUnit& chosen = Need(unit);
@@ -306,11 +316,11 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
         }
         if (lower) {
             snvtType_->SetMin(limit);
-            min_ = limit;
+            OwnLimits().min = limit;
             derivedMin = limit;
         } else {
             snvtType_->SetMax(limit);
-            max_ = limit;
+            OwnLimits().max = limit;
             derivedMax = limit;
         }
     };
@@ -323,12 +333,9 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
         if (shortFloatManaged_) {
             ApplyShortFloat();
         }
-        if (key && clean && shown.Messages().empty()) {
-            if (!def_->unitDerivations) {
-                def_->unitDerivations = std::make_shared<UnitDerivationMemo>();
-            }
-            def_->unitDerivations->Add(
-                UnitDerivation{std::move(*key), snvtType_, defaultValue_, derivedMin, derivedMax});
+        if (memo && clean && shown.Messages().empty()) {
+            memo->Add(UnitDerivation{std::move(*key), snvtType_, def_->defaultValue, derivedMin,
+                                     derivedMax});
             sharedType_ = true;  // the memo holds the record now
         }
         RaiseAttributeChanged(true);

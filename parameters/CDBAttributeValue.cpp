@@ -223,41 +223,42 @@ std::string CDBAttribute::IAttribute_DispValue() {
 std::string CDBAttribute::IAttribute_DispDefault() {
     const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
-        return DecimalToDisplay(defaultValue_) + " " + snvtType_->ISNVType_Units();
+        return DecimalToDisplay(def_->defaultValue) + " " + snvtType_->ISNVType_Units();
     }
     if (typeClass == TypeClass::Enum) {
-        return FormatDisplayValue(DecimalToDisplay(defaultValue_), snvtType_->ISNVType_EnumDesc());
+        return FormatDisplayValue(DecimalToDisplay(def_->defaultValue),
+                                  snvtType_->ISNVType_EnumDesc());
     }
     if (typeClass == TypeClass::Bitfield || typeClass == TypeClass::Textual) {
-        return Trim(defaultValue_);
+        return Trim(def_->defaultValue);
     }
     if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_),
                           [](CDBField& field) { return field.IField_DispDefault(); });
     }
-    return DecimalToDisplay(defaultValue_);
+    return DecimalToDisplay(def_->defaultValue);
 }
 
 std::string CDBAttribute::IAttribute_DispMin() {
     const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
-        return DecimalToDisplay(min_) + " " + snvtType_->ISNVType_Units();
+        return DecimalToDisplay(def_->min) + " " + snvtType_->ISNVType_Units();
     }
     if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMin(); });
     }
-    return DecimalToDisplay(min_);
+    return DecimalToDisplay(def_->min);
 }
 
 std::string CDBAttribute::IAttribute_DispMax() {
     const TypeClass typeClass = ClassOf(*snvtType_);
     if (IsNumericClass(typeClass)) {
-        return DecimalToDisplay(max_) + " " + snvtType_->ISNVType_Units();
+        return DecimalToDisplay(def_->max) + " " + snvtType_->ISNVType_Units();
     }
     if (typeClass == TypeClass::Struct) {
         return JoinFields(Need(fields_), [](CDBField& field) { return field.IField_DispMax(); });
     }
-    return DecimalToDisplay(max_);
+    return DecimalToDisplay(def_->max);
 }
 
 // ---- Editor, default, macro ----------------------------------------------------------------
@@ -272,7 +273,7 @@ void CDBAttribute::IAttribute_SetValue() {
 }
 
 void CDBAttribute::IAttribute_BackToDefault() {
-    value_ = defaultValue_;
+    value_ = def_->defaultValue;
     if (fields_) {
         // The fields are the truth of a structure's value: they follow at once rather than
         // at the next display read.
