@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ class CDBOutputs;
 class DefinitionCache;
 struct CompiledBlockType;
 struct CompiledTypeKey;
+struct DefinitionHeader;
+struct StoredTypeFacts;
 struct Message;
 
 class CDBAppObject : public IAppObject,
@@ -157,7 +160,10 @@ private:
     // The members just created, without their owner, as a compiled type.
     std::shared_ptr<CompiledBlockType> Compile(std::vector<Message> messages) const;
     // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
+    void ApplyHeader(const DefinitionHeader& header);
     void SearchDatasheet();
+    void SearchStoredDatasheet(StoredTypeFacts& facts);
+    void TakeDatasheet(const std::optional<std::string>& path);
     void ComputeCDBLayout();
     // Length byte and object ID; an ID beyond 32 bits throws OverflowError.
     std::string ImageHeader(bool intelOrder);

@@ -77,11 +77,10 @@ std::shared_ptr<const pugi::xml_document> ReadDocument(const std::filesystem::pa
 }
 
 void ReadDefinition(const std::filesystem::path& library, const std::string& type) {
-    if (!IsSafeTypeName(type)) {
-        return;
-    }
+    // Every block of a project asks, and the answer is nearly always that the type is stored;
+    // a stored name that could not be a folder has nothing to read either.
     const std::shared_ptr<DefinitionStore> store = DefinitionCache().Store();
-    if (store->FindDocument(type)) {
+    if (store->FindEntry(type) || !IsSafeTypeName(type)) {
         return;
     }
     const std::filesystem::path file = DefinitionFile(library, type);
@@ -98,7 +97,12 @@ void ReadDefinition(const std::filesystem::path& library, const std::string& typ
 
 std::string EscapedLine(const std::string& text) {
     std::string escaped;
-    escaped.reserve(text.size());
+    AppendEscapedLine(escaped, text);
+    return escaped;
+}
+
+void AppendEscapedLine(std::string& escaped, const std::string& text) {
+    escaped.reserve(escaped.size() + text.size());
     for (const char c : text) {
         switch (c) {
             case '\\':
@@ -117,7 +121,6 @@ std::string EscapedLine(const std::string& text) {
                 escaped += c;
         }
     }
-    return escaped;
 }
 
 int ReportCurrentFailure(std::ostream& err, const std::string& where) {

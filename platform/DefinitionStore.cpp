@@ -8,7 +8,7 @@ namespace zerbin {
 
 void DefinitionStore::AddDocument(std::shared_ptr<const pugi::xml_document> document,
                                   const std::string& typeName) {
-    documents_[typeName] = std::move(document);
+    documents_[typeName] = Entry{std::move(document), nullptr};
 }
 
 void DefinitionStore::AddIcon(std::shared_ptr<const Picture> icon, const std::string& typeName) {
@@ -17,13 +17,26 @@ void DefinitionStore::AddIcon(std::shared_ptr<const Picture> icon, const std::st
 
 std::shared_ptr<const pugi::xml_document> DefinitionStore::FindDocument(
     const std::string& typeName) const {
-    const auto it = documents_.find(typeName);
-    return it == documents_.end() ? nullptr : it->second;
+    const Entry* entry = FindEntry(typeName);
+    return entry ? entry->document : nullptr;
 }
 
 std::shared_ptr<const Picture> DefinitionStore::FindIcon(const std::string& typeName) const {
     const auto it = icons_.find(typeName);
     return it == icons_.end() ? nullptr : it->second;
+}
+
+const DefinitionStore::Entry* DefinitionStore::FindEntry(const std::string& typeName) const {
+    const auto it = documents_.find(typeName);
+    return it == documents_.end() ? nullptr : &it->second;
+}
+
+void DefinitionStore::SetDerived(const std::string& typeName, const pugi::xml_document* document,
+                                 std::shared_ptr<Derived> derived) {
+    const auto it = documents_.find(typeName);
+    if (it != documents_.end() && it->second.document.get() == document) {
+        it->second.derived = std::move(derived);
+    }
 }
 
 namespace {
