@@ -18,10 +18,13 @@ struct CompiledTypes {
 }  // namespace
 
 bool CompiledTypeKey::operator<(const CompiledTypeKey& other) const {
-    return std::tie(type, name, definition, ownerDevice, dictionary, decimalSeparator, unitSystem,
-                    manageShortFloat) <
-           std::tie(other.type, other.name, other.definition, other.ownerDevice, other.dictionary,
-                    other.decimalSeparator, other.unitSystem, other.manageShortFloat);
+    // The definition first: it nearly always tells two types apart at the cost of comparing
+    // two addresses, where the type names would be compared as text on every step of the
+    // search that every block makes.
+    return std::tie(definition, ownerDevice, dictionary, unitSystem, manageShortFloat, type, name,
+                    decimalSeparator) <
+           std::tie(other.definition, other.ownerDevice, other.dictionary, other.unitSystem,
+                    other.manageShortFloat, other.type, other.name, other.decimalSeparator);
 }
 
 const ImageSkeleton* CompiledBlockType::Skeleton(bool intel) const {

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <new>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "app_object/HostOrder.h"
@@ -102,9 +103,14 @@ std::string EscapedLine(const std::string& text) {
 }
 
 void AppendEscapedLine(std::string& escaped, const std::string& text) {
-    escaped.reserve(escaped.size() + text.size());
-    for (const char c : text) {
-        switch (c) {
+    // Runs without a character to escape are copied whole: nearly every name is one such run.
+    static constexpr std::string_view kEscaped("\\\t\r\n", 4);
+    const std::string_view rest(text);
+    std::size_t start = 0;
+    for (std::size_t at = rest.find_first_of(kEscaped); at != std::string_view::npos;
+         at = rest.find_first_of(kEscaped, start)) {
+        escaped.append(rest, start, at - start);
+        switch (rest[at]) {
             case '\\':
                 escaped += "\\\\";
                 break;
@@ -114,13 +120,12 @@ void AppendEscapedLine(std::string& escaped, const std::string& text) {
             case '\r':
                 escaped += "\\r";
                 break;
-            case '\n':
-                escaped += "\\n";
-                break;
             default:
-                escaped += c;
+                escaped += "\\n";
         }
+        start = at + 1;
     }
+    escaped.append(rest, start);
 }
 
 int ReportCurrentFailure(std::ostream& err, const std::string& where) {
