@@ -69,7 +69,7 @@ std::string CDBAppObject::IAppObject_Stream() {
                     ",   A possible error is the lenght of the object.");
         return {};
     }
-    lastStream_ = image;
+    lastStream_ = std::move(image);
     return lastStream_;
 }
 

@@ -5,7 +5,6 @@
 #include <cerrno>
 #include <new>
 #include <optional>
-#include <string_view>
 #include <system_error>
 
 #include "app_object/HostOrder.h"
@@ -80,8 +79,8 @@ std::shared_ptr<const pugi::xml_document> ReadDocument(const std::filesystem::pa
 void ReadDefinition(const std::filesystem::path& library, const std::string& type) {
     // Every block of a project asks, and the answer is nearly always that the type is stored;
     // a stored name that could not be a folder has nothing to read either.
-    const std::shared_ptr<DefinitionStore> store = DefinitionCache().Store();
-    if (store->FindEntry(type) || !IsSafeTypeName(type)) {
+    DefinitionStore& store = DefinitionCache::Shared();
+    if (store.FindEntry(type) || !IsSafeTypeName(type)) {
         return;
     }
     const std::filesystem::path file = DefinitionFile(library, type);
@@ -89,7 +88,7 @@ void ReadDefinition(const std::filesystem::path& library, const std::string& typ
     std::shared_ptr<const pugi::xml_document> document =
         LoadOrExplain(file, "definition", kMaxDefinitionBytes, error);
     if (document) {
-        store->AddDocument(std::move(document), type);
+        store.AddDocument(std::move(document), type);
     } else if (error.unreadable && error.systemError != ENOENT) {
         throw UnreadableError("cannot read definition '" + file.string() +
                               "': " + LowerFirst(error.reason));
@@ -104,28 +103,29 @@ std::string EscapedLine(const std::string& text) {
 
 void AppendEscapedLine(std::string& escaped, const std::string& text) {
     // Runs without a character to escape are copied whole: nearly every name is one such run.
-    static constexpr std::string_view kEscaped("\\\t\r\n", 4);
-    const std::string_view rest(text);
     std::size_t start = 0;
-    for (std::size_t at = rest.find_first_of(kEscaped); at != std::string_view::npos;
-         at = rest.find_first_of(kEscaped, start)) {
-        escaped.append(rest, start, at - start);
-        switch (rest[at]) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char* escape = nullptr;
+        switch (text[at]) {
             case '\\':
-                escaped += "\\\\";
+                escape = "\\\\";
                 break;
             case '\t':
-                escaped += "\\t";
+                escape = "\\t";
                 break;
             case '\r':
-                escaped += "\\r";
+                escape = "\\r";
+                break;
+            case '\n':
+                escape = "\\n";
                 break;
             default:
-                escaped += "\\n";
+                continue;
         }
+        escaped.append(text, start, at - start).append(escape);
         start = at + 1;
     }
-    escaped.append(rest, start);
+    escaped.append(text, start);
 }
 
 int ReportCurrentFailure(std::ostream& err, const std::string& where) {

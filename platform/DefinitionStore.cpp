@@ -50,4 +50,8 @@ struct SharedStore {
 // The store lives for the process, past the last block: a type parsed once stays parsed.
 DefinitionCache::DefinitionCache() : store_(ProcessState::Get<SharedStore>().store) {}
 
+DefinitionStore& DefinitionCache::Shared() {
+    return *ProcessState::Get<SharedStore>().store;
+}
+
 }  // namespace zerbin

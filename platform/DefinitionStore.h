@@ -57,6 +57,9 @@ class DefinitionCache {
 public:
     DefinitionCache();
     std::shared_ptr<DefinitionStore> Store() const { return store_; }
+    // The same store, for a caller that uses it only for the moment: every block asks, and
+    // holding it costs more than the look-up.
+    static DefinitionStore& Shared();
 
 private:
     std::shared_ptr<DefinitionStore> store_;
