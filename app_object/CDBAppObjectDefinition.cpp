@@ -289,9 +289,10 @@ void CDBAppObject::LoadDefinitionHeader() {
             return;
         }
         const DefinitionHeader& header = CachedHeader(document, appObject);
+        // Made before the fields are written: running out of memory leaves them as they were.
+        auto facts = std::make_shared<StoredTypeFacts>(header);
         ApplyHeader(header);
-        store->SetDerived(uniqueIdString_, document.get(),
-                          std::make_shared<StoredTypeFacts>(header));
+        store->SetDerived(uniqueIdString_, document.get(), std::move(facts));
     });
     SkipStep([&] { SearchDatasheet(); });
 }
