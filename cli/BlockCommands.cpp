@@ -113,6 +113,8 @@ int RunLoad(const CommandContext& context) {
     const std::shared_ptr<const pugi::xml_document> project = ReadDocument(file, "project");
     int status = kExitOk;
     int index = 0;
+    // One buffer for every block's line: its room, once grown, is used again.
+    std::string line;
     for (pugi::xml_node element : project->document_element().children()) {
         if (element.type() != pugi::node_element) {
             continue;
@@ -126,8 +128,7 @@ int RunLoad(const CommandContext& context) {
             // The image first: a block whose image fails writes no part of its line.
             const std::string image = Image(*block, context.invocation.intel);
             const std::string userName = block->IAppObject_UserName();
-            std::string line;
-            line.reserve(userName.size() + type.size() + image.size() + 3);
+            line.clear();
             AppendEscapedLine(line, userName);
             line.append(1, '\t').append(type).append(1, '\t').append(image).append(1, '\n');
             context.out << line;
