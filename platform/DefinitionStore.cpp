@@ -54,4 +54,16 @@ DefinitionStore& DefinitionCache::Shared() {
     return *ProcessState::Get<SharedStore>().store;
 }
 
+std::shared_ptr<DefinitionCache> DefinitionCache::ForBlocks() {
+    // Apart from the store's part: made on first use, it asks that part for the store.
+    struct SharedAccess {
+        std::shared_ptr<DefinitionCache> cache;
+    };
+    std::shared_ptr<DefinitionCache>& cache = ProcessState::Get<SharedAccess>().cache;
+    if (!cache) {
+        cache = std::make_shared<DefinitionCache>();
+    }
+    return cache;
+}
+
 }  // namespace zerbin

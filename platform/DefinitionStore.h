@@ -60,6 +60,9 @@ public:
     // The same store, for a caller that uses it only for the moment: every block asks, and
     // holding it costs more than the look-up.
     static DefinitionStore& Shared();
+    // One access for all the blocks of the process: it reaches the same store as any other,
+    // and a block that made its own paid an allocation for it.
+    static std::shared_ptr<DefinitionCache> ForBlocks();
 
 private:
     std::shared_ptr<DefinitionStore> store_;
