@@ -36,7 +36,7 @@ struct CompiledTypeKey {
     int unitSystem = 0;
     bool manageShortFloat = false;
 
-    bool operator<(const CompiledTypeKey& other) const;
+    bool operator==(const CompiledTypeKey& other) const = default;
 };
 
 struct CompiledBlockType {
