@@ -159,9 +159,11 @@ private:
     bool CompiledKey(CompiledTypeKey& key) const;
     // The members just created, without their owner, as a compiled type.
     std::shared_ptr<CompiledBlockType> Compile(std::vector<Message> messages) const;
-    // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
+    // The header's fields that the definition sets; the others stay as they are.
     void ApplyHeader(const DefinitionHeader& header);
+    // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
     void SearchDatasheet();
+    // The same answer for a stored type, from what its first block worked out.
     void SearchStoredDatasheet(StoredTypeFacts& facts);
     void TakeDatasheet(const std::optional<std::string>& path);
     void ComputeCDBLayout();

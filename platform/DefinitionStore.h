@@ -52,7 +52,7 @@ private:
     std::unordered_map<std::string, std::shared_ptr<const Picture>> icons_;
 };
 
-// The access to the store that every block creates; all of them reach the same store.
+// An access to the process's store; every access reaches the same store.
 class DefinitionCache {
 public:
     DefinitionCache();
