@@ -37,7 +37,7 @@ CDBAppObject::CDBAppObject() {
         throw Error("ActiveX component can't create object", kErrCannotCreateObject);
     }
     ServePendingEvents();
-    definitionCache_ = std::make_shared<DefinitionCache>();
+    definitionCache_ = DefinitionCache::ForBlocks();
 }
 
 CDBAppObject::~CDBAppObject() {

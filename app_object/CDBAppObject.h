@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ class CDBOutputs;
 class DefinitionCache;
 struct CompiledBlockType;
 struct CompiledTypeKey;
+struct DefinitionHeader;
+struct StoredTypeFacts;
 struct Message;
 
 class CDBAppObject : public IAppObject,
@@ -156,8 +159,13 @@ private:
     bool CompiledKey(CompiledTypeKey& key) const;
     // The members just created, without their owner, as a compiled type.
     std::shared_ptr<CompiledBlockType> Compile(std::vector<Message> messages) const;
+    // The header's fields that the definition sets; the others stay as they are.
+    void ApplyHeader(const DefinitionHeader& header);
     // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
     void SearchDatasheet();
+    // The same answer for a stored type, from what its first block worked out.
+    void SearchStoredDatasheet(StoredTypeFacts& facts);
+    void TakeDatasheet(const std::optional<std::string>& path);
     void ComputeCDBLayout();
     // Length byte and object ID; an ID beyond 32 bits throws OverflowError.
     std::string ImageHeader(bool intelOrder);

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,36 @@
 #include "platform/Messages.h"
 
 namespace zerbin {
+
+// What the header of a definition sets: an element that is absent, or whose text can't be
+// read, leaves the block's field as it was.
+struct DefinitionHeader {
+    std::optional<std::string> name;
+    std::optional<std::string> id;
+    std::optional<std::string> description;
+    std::optional<std::string> category;
+    std::optional<int32_t> ddbDimension;
+    std::optional<int32_t> sdbDimension;
+    std::optional<int32_t> execTime;
+    std::optional<int32_t> maxInstances;
+    std::optional<bool> usesDeviceClock;
+};
+
+// What the first block of a stored type worked out, kept beside its document in the store, so
+// that every later block of the type gets the header and the datasheet from the one look-up
+// that finds the document. It repeats the answers of CachedHeader and CachedDatasheet, which
+// stay the truth: a type whose document is replaced is worked out again from them.
+struct StoredTypeFacts : DefinitionStore::Derived {
+    explicit StoredTypeFacts(const DefinitionHeader& read) : header(read) {}
+    DefinitionHeader header;
+    // The datasheet answer last handed out, for the library and ID it was asked with: the ID
+    // is the block's, which the header of an earlier type name may have left.
+    bool datasheetKnown = false;
+    std::string datasheetLibrary;
+    std::string datasheetId;
+    std::optional<std::string> datasheet;
+};
+
 namespace {
 
 // The header's number rule: the leading decimal number, rounded half to even.
@@ -141,20 +172,6 @@ const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& l
         .first->second;
 }
 
-// What the header of a definition sets: an element that is absent, or whose text can't be
-// read, leaves the block's field as it was.
-struct DefinitionHeader {
-    std::optional<std::string> name;
-    std::optional<std::string> id;
-    std::optional<std::string> description;
-    std::optional<std::string> category;
-    std::optional<int32_t> ddbDimension;
-    std::optional<int32_t> sdbDimension;
-    std::optional<int32_t> execTime;
-    std::optional<int32_t> maxInstances;
-    std::optional<bool> usesDeviceClock;
-};
-
 DefinitionHeader ReadHeader(pugi::xml_node appObject) {
     DefinitionHeader header;
     for (pugi::xml_node child : Need(appObject).children()) {
@@ -244,6 +261,20 @@ std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
 }
 
 void CDBAppObject::LoadDefinitionHeader() {
+    const std::shared_ptr<DefinitionStore> store = definitionCache_->Store();
+    if (const DefinitionStore::Entry* entry = store->FindEntry(uniqueIdString_)) {
+        // Compared by type rather than cast: only this file keeps facts of this kind, and
+        // the check is asked once per block.
+        if (DefinitionStore::Derived* derived = entry->derived.get();
+            derived && typeid(*derived) == typeid(StoredTypeFacts)) {
+            auto& facts = static_cast<StoredTypeFacts&>(*derived);
+            // What the walk below would find again: the same document, already indexed, and
+            // its header as CachedHeader keeps it.
+            ApplyHeader(facts.header);
+            SkipStep([&] { SearchStoredDatasheet(facts); });
+            return;
+        }
+    }
     // Held for the walk: a document that failed to load lives nowhere else.
     std::shared_ptr<const pugi::xml_document> document;
     pugi::xml_node appObject;
@@ -252,36 +283,61 @@ void CDBAppObject::LoadDefinitionHeader() {
         appObject = Need(xml::FindFirstIndexed(Need(document).root(), "AppObject"));
     });
     SkipStep([&] {
-        const bool stored = definitionCache_->Store()->FindDocument(uniqueIdString_) == document;
-        std::optional<DefinitionHeader> fresh;
+        const bool stored = store->FindDocument(uniqueIdString_) == document;
         if (!stored) {
-            fresh = ReadHeader(appObject);
+            ApplyHeader(ReadHeader(appObject));
+            return;
         }
-        const DefinitionHeader& header = stored ? CachedHeader(document, appObject) : *fresh;
-        const auto set = [](auto& field, const auto& value) {
-            if (value) {
-                field = *value;
-            }
-        };
-        set(name_, header.name);
-        set(id_, header.id);
-        set(description_, header.description);
-        set(category_, header.category);
-        set(ddbDimension_, header.ddbDimension);
-        set(sdbDimension_, header.sdbDimension);
-        set(execTime_, header.execTime);
-        set(maxInstances_, header.maxInstances);
-        set(usesDeviceClock_, header.usesDeviceClock);
+        const DefinitionHeader& header = CachedHeader(document, appObject);
+        // Made before the fields are written: running out of memory leaves them as they were.
+        auto facts = std::make_shared<StoredTypeFacts>(header);
+        ApplyHeader(header);
+        store->SetDerived(uniqueIdString_, document.get(), std::move(facts));
     });
     SkipStep([&] { SearchDatasheet(); });
+}
+
+void CDBAppObject::ApplyHeader(const DefinitionHeader& header) {
+    const auto set = [](auto& field, const auto& value) {
+        if (value) {
+            field = *value;
+        }
+    };
+    set(name_, header.name);
+    set(id_, header.id);
+    set(description_, header.description);
+    set(category_, header.category);
+    set(ddbDimension_, header.ddbDimension);
+    set(sdbDimension_, header.sdbDimension);
+    set(execTime_, header.execTime);
+    set(maxInstances_, header.maxInstances);
+    set(usesDeviceClock_, header.usesDeviceClock);
 }
 
 void CDBAppObject::SearchDatasheet() {
     const std::filesystem::path& library = LibraryFolder();
     const bool known = definitionCache_->Store()->FindDocument(uniqueIdString_) != nullptr;
-    const std::optional<std::string> path =
-        known ? CachedDatasheet(library, uniqueIdString_, id_)
-              : FindDatasheet(library, uniqueIdString_, id_, false);
+    if (known) {
+        TakeDatasheet(CachedDatasheet(library, uniqueIdString_, id_));
+    } else {
+        TakeDatasheet(FindDatasheet(library, uniqueIdString_, id_, false));
+    }
+}
+
+void CDBAppObject::SearchStoredDatasheet(StoredTypeFacts& facts) {
+    const std::filesystem::path& library = LibraryFolder();
+    if (!facts.datasheetKnown || facts.datasheetId != id_ ||
+        facts.datasheetLibrary != library.native()) {
+        facts.datasheetKnown = false;
+        facts.datasheet = CachedDatasheet(library, uniqueIdString_, id_);
+        facts.datasheetLibrary = library.native();
+        facts.datasheetId = id_;
+        facts.datasheetKnown = true;
+    }
+    TakeDatasheet(facts.datasheet);
+}
+
+void CDBAppObject::TakeDatasheet(const std::optional<std::string>& path) {
     if (path) {
         datasheetAvailable_ = true;
         datasheetPath_ = *path;

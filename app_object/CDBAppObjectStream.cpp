@@ -26,8 +26,26 @@ std::string CDBAppObject::ImageHeader(bool intelOrder) {
     // The field itself goes through HexByte: a block longer than 255 bytes reads 255 from
     // the first image on, which is what the image's length byte can say.
     std::string image = HexByte(cdbDimension_);
-    const std::string objectId = ObjectIdDigits(id_);
-    return image + (intelOrder ? objectId.substr(2, 2) + objectId.substr(0, 2) : objectId);
+    std::string ownDigits;
+    const std::string* objectId = &ownDigits;
+    if (compiled_ && compiled_->imageId.known && compiled_->imageId.id == id_) {
+        objectId = &compiled_->imageId.digits;
+    } else {
+        ownDigits = ObjectIdDigits(id_);
+        if (compiled_) {
+            CompiledBlockType::ImageId& known = compiled_->imageId;
+            known.known = false;
+            known.id = id_;
+            known.digits = ownDigits;
+            known.known = true;
+        }
+    }
+    if (intelOrder) {
+        image.append(*objectId, 2, 2).append(*objectId, 0, 2);
+    } else {
+        image += *objectId;
+    }
+    return image;
 }
 
 std::string CDBAppObject::ImageBody(std::string image, bool intelOrder) {
@@ -51,7 +69,7 @@ std::string CDBAppObject::IAppObject_Stream() {
                     ",   A possible error is the lenght of the object.");
         return {};
     }
-    lastStream_ = image;
+    lastStream_ = std::move(image);
     return lastStream_;
 }
 

@@ -1,7 +1,8 @@
 #include "app_object/CompiledBlockType.h"
 
-#include <map>
-#include <tuple>
+#include <cstddef>
+#include <functional>
+#include <unordered_map>
 #include <utility>
 
 #include "base/ProcessState.h"
@@ -11,18 +12,28 @@
 namespace zerbin {
 namespace {
 
+// Hashed by what tells types apart cheaply: the definition's address nearly always does on its
+// own, and the texts of the key are compared only with the one entry that matches.
+struct CompiledTypeKeyHash {
+    std::size_t operator()(const CompiledTypeKey& key) const {
+        std::size_t hash = std::hash<const void*>{}(key.definition);
+        const auto mix = [&hash](std::size_t value) {
+            hash ^= value + 0x9e3779b97f4a7c15ULL + (hash << 6) + (hash >> 2);
+        };
+        mix(std::hash<const void*>{}(key.ownerDevice));
+        mix(std::hash<uint64_t>{}(key.dictionary));
+        mix(static_cast<std::size_t>(key.unitSystem) * 2 + (key.manageShortFloat ? 1 : 0));
+        return hash;
+    }
+};
+
 struct CompiledTypes {
-    std::map<CompiledTypeKey, std::shared_ptr<const CompiledBlockType>> types;
+    std::unordered_map<CompiledTypeKey, std::shared_ptr<const CompiledBlockType>,
+                       CompiledTypeKeyHash>
+        types;
 };
 
 }  // namespace
-
-bool CompiledTypeKey::operator<(const CompiledTypeKey& other) const {
-    return std::tie(type, name, definition, ownerDevice, dictionary, decimalSeparator, unitSystem,
-                    manageShortFloat) <
-           std::tie(other.type, other.name, other.definition, other.ownerDevice, other.dictionary,
-                    other.decimalSeparator, other.unitSystem, other.manageShortFloat);
-}
 
 const ImageSkeleton* CompiledBlockType::Skeleton(bool intel) const {
     SkeletonSlot& slot = skeletons_[intel ? 1 : 0];

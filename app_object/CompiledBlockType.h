@@ -36,7 +36,7 @@ struct CompiledTypeKey {
     int unitSystem = 0;
     bool manageShortFloat = false;
 
-    bool operator<(const CompiledTypeKey& other) const;
+    bool operator==(const CompiledTypeKey& other) const = default;
 };
 
 struct CompiledBlockType {
@@ -55,6 +55,15 @@ struct CompiledBlockType {
     bool hasTypeSelector = false;
     // Unit-dependent attributes get a second editor once their unit is known.
     bool hasUnitSelector = false;
+
+    // The object ID as the image holds it, for the ID it was last worked out from: every block
+    // of the type takes its ID from the same header, so one block works it out for all.
+    struct ImageId {
+        bool known = false;
+        std::string id;
+        std::string digits;
+    };
+    mutable ImageId imageId;
 
     // The type's image in that byte order (Intel when intel), built at the first image of a
     // block of the type; nullptr where the type's members can't share one.

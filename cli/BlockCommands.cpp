@@ -113,21 +113,24 @@ int RunLoad(const CommandContext& context) {
     const std::shared_ptr<const pugi::xml_document> project = ReadDocument(file, "project");
     int status = kExitOk;
     int index = 0;
+    // One buffer for every block's line: its room, once grown, is used again.
+    std::string line;
     for (pugi::xml_node element : project->document_element().children()) {
         if (element.type() != pugi::node_element) {
             continue;
         }
         ++index;
         const std::string type = element.name();
-        // One block that fails is named and passed by: the rest of the project still loads.
-        const std::string where =
-            "element " + std::to_string(index) + " '" + type + "' of project '" + file + "': ";
         try {
             HostedBlock block(context.host, type,
                               BlockKeys{"Block" + std::to_string(index), {}, {}});
             block->IAppObject_XmlLoad(element);
-            const std::string line = EscapedLine(block->IAppObject_UserName()) + '\t' + type +
-                                     '\t' + Image(*block, context.invocation.intel) + '\n';
+            // The image first: a block whose image fails writes no part of its line.
+            const std::string image = Image(*block, context.invocation.intel);
+            const std::string userName = block->IAppObject_UserName();
+            line.clear();
+            AppendEscapedLine(line, userName);
+            line.append(1, '\t').append(type).append(1, '\t').append(image).append(1, '\n');
             context.out << line;
             // Entries its type does not define (a missing or changed type) are kept for a save.
             std::string kept;
@@ -139,6 +142,9 @@ int RunLoad(const CommandContext& context) {
                             << ") keeps what its type does not define: " << kept << '\n';
             }
         } catch (const std::exception&) {
+            // One block that fails is named and passed by: the rest of the project still loads.
+            const std::string where =
+                "element " + std::to_string(index) + " '" + type + "' of project '" + file + "': ";
             status = std::max(status, ReportCurrentFailure(context.err, where));
         }
     }

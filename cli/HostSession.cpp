@@ -77,11 +77,10 @@ std::shared_ptr<const pugi::xml_document> ReadDocument(const std::filesystem::pa
 }
 
 void ReadDefinition(const std::filesystem::path& library, const std::string& type) {
-    if (!IsSafeTypeName(type)) {
-        return;
-    }
-    const std::shared_ptr<DefinitionStore> store = DefinitionCache().Store();
-    if (store->FindDocument(type)) {
+    // Every block of a project asks, and the answer is nearly always that the type is stored;
+    // a stored name that could not be a folder has nothing to read either.
+    DefinitionStore& store = DefinitionCache::Shared();
+    if (store.FindEntry(type) || !IsSafeTypeName(type)) {
         return;
     }
     const std::filesystem::path file = DefinitionFile(library, type);
@@ -89,7 +88,7 @@ void ReadDefinition(const std::filesystem::path& library, const std::string& typ
     std::shared_ptr<const pugi::xml_document> document =
         LoadOrExplain(file, "definition", kMaxDefinitionBytes, error);
     if (document) {
-        store->AddDocument(std::move(document), type);
+        store.AddDocument(std::move(document), type);
     } else if (error.unreadable && error.systemError != ENOENT) {
         throw UnreadableError("cannot read definition '" + file.string() +
                               "': " + LowerFirst(error.reason));
@@ -98,26 +97,35 @@ void ReadDefinition(const std::filesystem::path& library, const std::string& typ
 
 std::string EscapedLine(const std::string& text) {
     std::string escaped;
-    escaped.reserve(text.size());
-    for (const char c : text) {
-        switch (c) {
+    AppendEscapedLine(escaped, text);
+    return escaped;
+}
+
+void AppendEscapedLine(std::string& escaped, const std::string& text) {
+    // Runs without a character to escape are copied whole: nearly every name is one such run.
+    std::size_t start = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char* escape = nullptr;
+        switch (text[at]) {
             case '\\':
-                escaped += "\\\\";
+                escape = "\\\\";
                 break;
             case '\t':
-                escaped += "\\t";
+                escape = "\\t";
                 break;
             case '\r':
-                escaped += "\\r";
+                escape = "\\r";
                 break;
             case '\n':
-                escaped += "\\n";
+                escape = "\\n";
                 break;
             default:
-                escaped += c;
+                continue;
         }
+        escaped.append(text, start, at - start).append(escape);
+        start = at + 1;
     }
-    return escaped;
+    escaped.append(text, start);
 }
 
 int ReportCurrentFailure(std::ostream& err, const std::string& where) {

@@ -53,6 +53,8 @@ void ReadDefinition(const std::filesystem::path& library, const std::string& typ
 // One line for a text that may hold line breaks: tab, carriage return, line feed and
 // backslash written as C writes them in a string ("\t", "\r", "\n", "\\").
 std::string EscapedLine(const std::string& text);
+// EscapedLine(text) appended to line.
+void AppendEscapedLine(std::string& line, const std::string& text);
 
 // Within a catch block: reports the exception being handled on err as "zerbin: error: "
 // where and the failure, and gives the exit status it calls for (3 for a file that cannot be

@@ -8,7 +8,7 @@ namespace zerbin {
 
 void DefinitionStore::AddDocument(std::shared_ptr<const pugi::xml_document> document,
                                   const std::string& typeName) {
-    documents_[typeName] = std::move(document);
+    documents_[typeName] = Entry{std::move(document), nullptr};
 }
 
 void DefinitionStore::AddIcon(std::shared_ptr<const Picture> icon, const std::string& typeName) {
@@ -17,13 +17,26 @@ void DefinitionStore::AddIcon(std::shared_ptr<const Picture> icon, const std::st
 
 std::shared_ptr<const pugi::xml_document> DefinitionStore::FindDocument(
     const std::string& typeName) const {
-    const auto it = documents_.find(typeName);
-    return it == documents_.end() ? nullptr : it->second;
+    const Entry* entry = FindEntry(typeName);
+    return entry ? entry->document : nullptr;
 }
 
 std::shared_ptr<const Picture> DefinitionStore::FindIcon(const std::string& typeName) const {
     const auto it = icons_.find(typeName);
     return it == icons_.end() ? nullptr : it->second;
+}
+
+const DefinitionStore::Entry* DefinitionStore::FindEntry(const std::string& typeName) const {
+    const auto it = documents_.find(typeName);
+    return it == documents_.end() ? nullptr : &it->second;
+}
+
+void DefinitionStore::SetDerived(const std::string& typeName, const pugi::xml_document* document,
+                                 std::shared_ptr<Derived> derived) {
+    const auto it = documents_.find(typeName);
+    if (it != documents_.end() && it->second.document.get() == document) {
+        it->second.derived = std::move(derived);
+    }
 }
 
 namespace {
@@ -36,5 +49,21 @@ struct SharedStore {
 
 // The store lives for the process, past the last block: a type parsed once stays parsed.
 DefinitionCache::DefinitionCache() : store_(ProcessState::Get<SharedStore>().store) {}
+
+DefinitionStore& DefinitionCache::Shared() {
+    return *ProcessState::Get<SharedStore>().store;
+}
+
+std::shared_ptr<DefinitionCache> DefinitionCache::ForBlocks() {
+    // Apart from the store's part: made on first use, it asks that part for the store.
+    struct SharedAccess {
+        std::shared_ptr<DefinitionCache> cache;
+    };
+    std::shared_ptr<DefinitionCache>& cache = ProcessState::Get<SharedAccess>().cache;
+    if (!cache) {
+        cache = std::make_shared<DefinitionCache>();
+    }
+    return cache;
+}
 
 }  // namespace zerbin

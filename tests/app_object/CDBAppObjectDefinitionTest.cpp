@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "app_object/CDBAppObject.h"
+#include "platform/DefinitionStore.h"
 #include "platform/Messages.h"
 #include "tests/support/Blocks.h"
 
@@ -66,6 +67,31 @@ TEST(DefinitionDocument, SecondBlockOfATypeReusesTheParsedDocument) {
 
     EXPECT_EQ(second->ObjectXML(), document);
     EXPECT_EQ(second->IAppObject_Name(), "Shared");
+    EXPECT_THAT(MessageTexts(messages), IsEmpty());
+}
+
+// Later blocks of a stored type take the header and the datasheet from what the first block
+// worked out; another library folder, or another document stored for the type, is not that.
+TEST(DefinitionDocument, LaterBlocksFollowTheLibraryAndTheStoredDocument) {
+    ScopedMessageRecorder messages;
+    const std::string type = "Kept";
+    TempLibrary first;
+    first.WriteDefinition(type, HeaderOnlyDefinition("<NAME>First</NAME>"));
+    first.WriteFile(std::filesystem::path(type) / "a.pdf", "sheet");
+    const std::string firstSheet = (first.Folder() / type / "a.pdf").string();
+    EXPECT_EQ(InitBlock(type)->DatasheetPath(), firstSheet);
+    EXPECT_EQ(InitBlock(type)->DatasheetPath(), firstSheet);
+
+    TempLibrary second;
+    second.WriteFile(std::filesystem::path(type) / "b.pdf", "sheet");
+    const auto moved = InitBlock(type);
+    EXPECT_EQ(moved->IAppObject_Name(), "First");
+    EXPECT_EQ(moved->DatasheetPath(), (second.Folder() / type / "b.pdf").string());
+
+    auto replacement = std::make_shared<pugi::xml_document>();
+    ASSERT_TRUE(replacement->load_string(HeaderOnlyDefinition("<NAME>Second</NAME>").c_str()));
+    DefinitionCache().Store()->AddDocument(replacement, type);
+    EXPECT_EQ(InitBlock(type)->IAppObject_Name(), "Second");
     EXPECT_THAT(MessageTexts(messages), IsEmpty());
 }
 

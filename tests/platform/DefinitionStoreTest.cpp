@@ -23,5 +23,22 @@ TEST(DefinitionStore, TypeNamesAreComparedExactly) {
     EXPECT_EQ(store->FindDocument("StoreTest_Fan"), replacement);
 }
 
+// What was derived from a document goes with it, and what was derived from a document since
+// replaced is not taken for the new one's.
+TEST(DefinitionStore, DerivedFactsFollowTheStoredDocument) {
+    DefinitionStore store;
+    auto first = std::make_shared<const pugi::xml_document>();
+    auto second = std::make_shared<const pugi::xml_document>();
+    store.AddDocument(first, "Fan");
+    store.SetDerived("Fan", first.get(), std::make_shared<DefinitionStore::Derived>());
+    EXPECT_NE(store.FindEntry("Fan")->derived, nullptr);
+
+    store.AddDocument(second, "Fan");
+    EXPECT_EQ(store.FindEntry("Fan")->derived, nullptr);
+    store.SetDerived("Fan", first.get(), std::make_shared<DefinitionStore::Derived>());
+    EXPECT_EQ(store.FindEntry("Fan")->derived, nullptr);
+    EXPECT_EQ(store.FindEntry("Pump"), nullptr);
+}
+
 }  // namespace
 }  // namespace zerbin
