@@ -39,6 +39,10 @@ std::shared_ptr<const pugi::xml_document> SnvtDictionary() {
     return DictionarySlot();
 }
 
+const pugi::xml_document* SnvtDictionaryAddress() {
+    return DictionarySlot().get();
+}
+
 void SetSnvtDictionary(std::shared_ptr<const pugi::xml_document> dictionary) {
     DictionarySlot() = std::move(dictionary);
 }

@@ -18,6 +18,8 @@ namespace zerbin {
 
 // The SNVT dictionary the host handed over last; nullptr until the host has set one.
 std::shared_ptr<const pugi::xml_document> SnvtDictionary();
+// The installed dictionary's address, for a caller that only asks whether it changed.
+const pugi::xml_document* SnvtDictionaryAddress();
 // Replaces the dictionary for every object of the process.
 void SetSnvtDictionary(std::shared_ptr<const pugi::xml_document> dictionary);
 

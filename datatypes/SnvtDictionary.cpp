@@ -18,6 +18,7 @@ constexpr std::string_view kRootName = "SNVTS";
 // Children are keyed "id/childName": neither an element name nor an indexed id holds "/".
 struct SnvtIndex {
     std::weak_ptr<const pugi::xml_document> document;
+    const pugi::xml_document* address = nullptr;
     std::unordered_map<std::string, pugi::xml_node> entries;
     std::unordered_map<std::string, pugi::xml_node> children;
     uint64_t generation = 0;
@@ -71,19 +72,19 @@ SnvtIndex& IndexSlot() {
 
 // The index of the dictionary installed now, built on first use after a change.
 const SnvtIndex* CurrentIndex() {
-    const std::shared_ptr<const pugi::xml_document> document = SnvtDictionary();
-    if (!document) {
+    const pugi::xml_document* installed = SnvtDictionaryAddress();
+    if (installed == nullptr) {
         return nullptr;
     }
     SnvtIndex& index = IndexSlot();
-    // Owner comparison, not addresses: a new document may reuse a freed one's address.
-    const bool same = !index.document.owner_before(document) &&
-                      !document.owner_before(index.document) && !index.document.expired();
-    if (!same) {
+    // The address alone could be a new document's in a freed one's place; the freed one's
+    // index then holds an expired pointer.
+    if (index.address != installed || index.document.expired()) {
         index = SnvtIndex{};
-        index.document = document;
+        index.document = SnvtDictionary();
+        index.address = installed;
         index.generation = ++LastGeneration();
-        Index(index, *document);
+        Index(index, *installed);
     }
     return &index;
 }
