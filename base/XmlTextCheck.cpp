@@ -4,7 +4,10 @@
 // value, "]]>" in text, "--" in a comment, and text before the document element.
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +27,37 @@ struct Refused {
     throw Refused{TextFault{std::move(reason), static_cast<std::size_t>(offset)}};
 }
 
+// Eight bytes at a time: a byte's high bit in a mask marks where a plain run stops. The
+// subtractions borrow only out of a byte that stops the run, so a mark can be false only
+// above a true one, and the lowest mark is always exact.
+using Word = std::uint64_t;
+constexpr Word kOnes = 0x0101010101010101;
+constexpr Word kHighBits = 0x8080808080808080;
+
+// Bytes below 0x20 and from 0x80 on.
+constexpr Word Unprintable(Word w) {
+    return (w - kOnes * 0x20) | w;
+}
+
+// Bytes equal to c (c below 0x80), and bytes from 0x80 on, which Unprintable marks anyway.
+constexpr Word Equal(Word w, unsigned char c) {
+    return (w ^ (kOnes * c)) - kOnes;
+}
+
+// Tab, line feed and carriage return are marked with the other control characters: testing
+// for them too would cost more than stepping over the one line feed that starts an indent.
+constexpr Word TextStops(Word w) {
+    return (Unprintable(w) | Equal(w, '<') | Equal(w, '&') | Equal(w, ']')) & kHighBits;
+}
+
+constexpr Word TagStops(Word w) {
+    return (Unprintable(w) | Equal(w, '"') | Equal(w, '\'') | Equal(w, '>')) & kHighBits;
+}
+
+bool IsBlank(char c) {
+    return c == '\t' || c == '\n' || c == '\r';
+}
+
 class TextChecker {
 public:
     explicit TextChecker(std::string_view text) : text_(text) {}
@@ -36,6 +70,10 @@ public:
 
     void Run() {
         while (i_ < text_.size()) {
+            RunPlain();
+            if (i_ >= text_.size()) {
+                break;
+            }
             SkipPlainRun();
             if (i_ >= text_.size()) {
                 break;
@@ -76,6 +114,104 @@ private:
     enum class State { Content, Tag, Comment, CData, Instruction, DocumentType };
 
     bool At(std::string_view what) const { return text_.substr(i_, what.size()) == what; }
+
+    // Text inside the document element and tags outside quotes, with the steps between them,
+    // are most of a document: this loop takes them without the general step's dispatch and
+    // returns, in the state the general step would have reached, at the first byte it leaves
+    // to that step.
+    void RunPlain() {
+        bool inTag = state_ == State::Tag && quote_ == 0;
+        if (!inTag && !(state_ == State::Content && elements_ > 0)) {
+            return;
+        }
+        const char* const data = text_.data();
+        const std::size_t size = text_.size();
+        std::size_t i = i_;
+        bool endTag = endTag_;
+        std::ptrdiff_t elements = elements_;
+        while (i < size) {
+            if (inTag) {
+                // A plain start tag's name has been stepped over already: most often '>' is next.
+                if (data[i] != '>') {
+                    i = Skip<TagStops>(data, size, i, kPlain.tag);
+                    if (i >= size) {
+                        break;
+                    }
+                }
+                const char c = data[i];
+                if (c == '>') {
+                    inTag = false;
+                    if (endTag) {
+                        --elements;
+                    } else if (i == 0 || data[i - 1] != '/') {
+                        ++elements;
+                    }
+                    ++i;
+                    if (elements <= 0) {
+                        break;  // text outside the document element
+                    }
+                } else if (IsBlank(c)) {
+                    ++i;
+                } else {
+                    break;
+                }
+            } else {
+                i = Skip<TextStops>(data, size, i, kPlain.content);
+                if (i >= size) {
+                    break;
+                }
+                const char c = data[i];
+                if (c == '<') {
+                    const char next = i + 1 < size ? data[i + 1] : '\0';
+                    if (next == '!' || next == '?') {
+                        break;
+                    }
+                    endTag = next == '/';
+                    ++i;
+                    inTag = true;
+                    if (!endTag) {
+                        i = NotePlainName(i);
+                    }
+                } else if (IsBlank(c)) {
+                    ++i;
+                } else {
+                    break;
+                }
+            }
+        }
+        i_ = i;
+        endTag_ = endTag;
+        elements_ = elements;
+        if (inTag) {
+            state_ = State::Tag;
+            quote_ = 0;
+        } else {
+            state_ = State::Content;
+        }
+    }
+
+    // The first byte from i on that the plain table does not pass, or a blank: a word at a
+    // time while a whole word is left, then byte by byte. The word's lowest byte must come
+    // first in memory, so a big-endian machine takes the bytes one by one.
+    template <Word (*Stops)(Word)>
+    static std::size_t Skip(const char* data, std::size_t size, std::size_t i,
+                            const std::array<bool, 256>& plain) {
+        if constexpr (std::endian::native == std::endian::little) {
+            while (size - i >= sizeof(Word)) {
+                Word word;
+                std::memcpy(&word, data + i, sizeof word);
+                const Word stops = Stops(word);
+                if (stops != 0) {
+                    return i + static_cast<std::size_t>(std::countr_zero(stops)) / 8;
+                }
+                i += sizeof(Word);
+            }
+        }
+        while (i < size && plain[static_cast<unsigned char>(data[i])]) {
+            ++i;
+        }
+        return i;
+    }
 
     // Passes over the bytes that the state's own step would only step over: printable ASCII
     // and blanks that can neither end nor begin anything where the text stands. Most of a
@@ -156,7 +292,7 @@ private:
         if (c == '<' && next != '!' && next != '?') {
             // An element's tag, start or end: by far the most common way out of text.
             if (next != '/') {
-                NotePlainName(i_ + 1);
+                NotePlainName(i_ + 1);  // a tag's plain bytes are for the next step to skip
             }
             state_ = State::Tag;
             quote_ = 0;
@@ -193,15 +329,17 @@ private:
     }
 
     // Clears plainTree_ unless the name from start is plain ASCII, ending where pugixml's does.
-    void NotePlainName(std::size_t start) {
+    // Returns the end of the name when it is plain, for the tag's scan to go on from there,
+    // and start otherwise.
+    std::size_t NotePlainName(std::size_t start) {
         if (!plainTree_) {
-            return;
+            return start;
         }
         const std::size_t size = text_.size();
         std::size_t j = start;
         if (j >= size || !kName.start[static_cast<unsigned char>(text_[j])]) {
             plainTree_ = false;
-            return;
+            return start;
         }
         do {
             ++j;
@@ -209,6 +347,7 @@ private:
         const char end = j < size ? text_[j] : '\0';
         plainTree_ =
             end == ' ' || end == '\t' || end == '\n' || end == '\r' || end == '/' || end == '>';
+        return plainTree_ ? j : start;
     }
 
     struct NameBytes {
