@@ -54,6 +54,25 @@ constexpr Word TagStops(Word w) {
     return (Unprintable(w) | Equal(w, '"') | Equal(w, '\'') | Equal(w, '>')) & kHighBits;
 }
 
+// The sums below are taken on bytes below 0x80, so that none carries into its neighbour and
+// every byte's mark is exact.
+constexpr Word AtLeast(Word low, unsigned char c) {
+    return low + kOnes * (0x80 - c);
+}
+
+constexpr Word Same(Word low, unsigned char c) {
+    return ~((low ^ (kOnes * c)) + kOnes * 0x7F);
+}
+
+// All but the bytes of a plain ASCII name: letters, digits, '_', ':', '.' and '-'.
+constexpr Word NameStops(Word w) {
+    const Word low = w & ~kHighBits;
+    const Word folded = low | (kOnes * 0x20);  // 'A' to 'Z' onto 'a' to 'z', nothing else
+    const Word letter = AtLeast(folded, 'a') & ~AtLeast(folded, 'z' + 1);
+    const Word digitOrMark = AtLeast(low, '-') & ~AtLeast(low, ':' + 1) & ~Same(low, '/');
+    return (~(letter | digitOrMark | Same(low, '_')) | w) & kHighBits;
+}
+
 bool IsBlank(char c) {
     return c == '\t' || c == '\n' || c == '\r';
 }
@@ -116,9 +135,9 @@ private:
     bool At(std::string_view what) const { return text_.substr(i_, what.size()) == what; }
 
     // Text inside the document element and tags outside quotes, with the steps between them,
-    // are most of a document: this loop takes them without the general step's dispatch and
-    // returns, in the state the general step would have reached, at the first byte it leaves
-    // to that step.
+    // are most of a document: this loop takes them a tag and the text after it at a time,
+    // without the general step's dispatch, and returns, in the state the general step would
+    // have reached, at the first byte it leaves to that step.
     void RunPlain() {
         bool inTag = state_ == State::Tag && quote_ == 0;
         if (!inTag && !(state_ == State::Content && elements_ > 0)) {
@@ -131,53 +150,59 @@ private:
         std::ptrdiff_t elements = elements_;
         while (i < size) {
             if (inTag) {
-                // A plain start tag's name has been stepped over already: most often '>' is next.
                 if (data[i] != '>') {
                     i = Skip<TagStops>(data, size, i, kPlain.tag);
                     if (i >= size) {
                         break;
                     }
-                }
-                const char c = data[i];
-                if (c == '>') {
-                    inTag = false;
-                    if (endTag) {
-                        --elements;
-                    } else if (i == 0 || data[i - 1] != '/') {
-                        ++elements;
+                    if (data[i] != '>') {
+                        if (!IsBlank(data[i])) {
+                            break;
+                        }
+                        ++i;
+                        continue;
                     }
-                    ++i;
-                    if (elements <= 0) {
-                        break;  // text outside the document element
-                    }
-                } else if (IsBlank(c)) {
-                    ++i;
-                } else {
-                    break;
                 }
-            } else {
+                if (endTag) {
+                    --elements;
+                } else if (i == 0 || data[i - 1] != '/') {
+                    ++elements;
+                }
+                ++i;
+                inTag = false;
+                if (elements <= 0) {
+                    break;  // text outside the document element
+                }
+                if (i < size && data[i] == '\n') {
+                    // A line end and an indent, then most often the next tag: the general
+                    // scan would stop at the line end and then take a word for the spaces.
+                    i = SkipSpaces(data, size, i + 1);
+                }
+            }
+            if (data[i] != '<') {
                 i = Skip<TextStops>(data, size, i, kPlain.content);
                 if (i >= size) {
                     break;
                 }
-                const char c = data[i];
-                if (c == '<') {
-                    const char next = i + 1 < size ? data[i + 1] : '\0';
-                    if (next == '!' || next == '?') {
+                if (data[i] != '<') {
+                    if (!IsBlank(data[i])) {
                         break;
                     }
-                    endTag = next == '/';
                     ++i;
-                    inTag = true;
-                    if (!endTag) {
-                        i = NotePlainName(i);
-                    }
-                } else if (IsBlank(c)) {
-                    ++i;
-                } else {
-                    break;
+                    continue;
                 }
             }
+            const char next = i + 1 < size ? data[i + 1] : '\0';
+            if (next == '/') {
+                endTag = true;
+                i += 2;
+            } else if (next != '!' && next != '?') {
+                endTag = false;
+                i = NotePlainName(i + 1);
+            } else {
+                break;
+            }
+            inTag = true;
         }
         i_ = i;
         endTag_ = endTag;
@@ -188,6 +213,25 @@ private:
         } else {
             state_ = State::Content;
         }
+    }
+
+    // The first byte from i on that is not a space.
+    static std::size_t SkipSpaces(const char* data, std::size_t size, std::size_t i) {
+        if constexpr (std::endian::native == std::endian::little) {
+            while (size - i >= sizeof(Word)) {
+                Word word;
+                std::memcpy(&word, data + i, sizeof word);
+                const Word others = word ^ (kOnes * ' ');  // exact: no sums
+                if (others != 0) {
+                    return i + static_cast<std::size_t>(std::countr_zero(others)) / 8;
+                }
+                i += sizeof(Word);
+            }
+        }
+        while (i < size && data[i] == ' ') {
+            ++i;
+        }
+        return i;
     }
 
     // The first byte from i on that the plain table does not pass, or a blank: a word at a
@@ -336,14 +380,11 @@ private:
             return start;
         }
         const std::size_t size = text_.size();
-        std::size_t j = start;
-        if (j >= size || !kName.start[static_cast<unsigned char>(text_[j])]) {
+        if (start >= size || !kName.start[static_cast<unsigned char>(text_[start])]) {
             plainTree_ = false;
             return start;
         }
-        do {
-            ++j;
-        } while (j < size && kName.inside[static_cast<unsigned char>(text_[j])]);
+        const std::size_t j = Skip<NameStops>(text_.data(), size, start + 1, kName.inside);
         const char end = j < size ? text_[j] : '\0';
         plainTree_ =
             end == ' ' || end == '\t' || end == '\n' || end == '\r' || end == '/' || end == '>';
