@@ -60,17 +60,12 @@ constexpr Word AtLeast(Word low, unsigned char c) {
     return low + kOnes * (0x80 - c);
 }
 
-constexpr Word Same(Word low, unsigned char c) {
-    return ~((low ^ (kOnes * c)) + kOnes * 0x7F);
-}
-
-// All but the bytes of a plain ASCII name: letters, digits, '_', ':', '.' and '-'.
-constexpr Word NameStops(Word w) {
-    const Word low = w & ~kHighBits;
-    const Word folded = low | (kOnes * 0x20);  // 'A' to 'Z' onto 'a' to 'z', nothing else
+// All but ASCII letters, which most names are made of; the other bytes of a name are taken
+// one by one.
+constexpr Word LetterStops(Word w) {
+    const Word folded = (w & ~kHighBits) | (kOnes * 0x20);  // 'A' to 'Z' onto 'a' to 'z' only
     const Word letter = AtLeast(folded, 'a') & ~AtLeast(folded, 'z' + 1);
-    const Word digitOrMark = AtLeast(low, '-') & ~AtLeast(low, ':' + 1) & ~Same(low, '/');
-    return (~(letter | digitOrMark | Same(low, '_')) | w) & kHighBits;
+    return (~letter | w) & kHighBits;
 }
 
 bool IsBlank(char c) {
@@ -195,7 +190,7 @@ private:
             const char next = i + 1 < size ? data[i + 1] : '\0';
             if (next == '/') {
                 endTag = true;
-                i += 2;
+                i = SkipName(data, size, i + 2);  // name bytes are plain in a tag
             } else if (next != '!' && next != '?') {
                 endTag = false;
                 i = NotePlainName(i + 1);
@@ -212,6 +207,17 @@ private:
             quote_ = 0;
         } else {
             state_ = State::Content;
+        }
+    }
+
+    // The first byte from i on that is no byte of a plain ASCII name.
+    static std::size_t SkipName(const char* data, std::size_t size, std::size_t i) {
+        while (true) {
+            i = Skip<LetterStops>(data, size, i, kName.inside);
+            if (i >= size || !kName.inside[static_cast<unsigned char>(data[i])]) {
+                return i;
+            }
+            ++i;
         }
     }
 
@@ -384,10 +390,10 @@ private:
             plainTree_ = false;
             return start;
         }
-        const std::size_t j = Skip<NameStops>(text_.data(), size, start + 1, kName.inside);
+        const std::size_t j = SkipName(text_.data(), size, start + 1);
         const char end = j < size ? text_[j] : '\0';
         plainTree_ =
-            end == ' ' || end == '\t' || end == '\n' || end == '\r' || end == '/' || end == '>';
+            end == '>' || end == ' ' || end == '/' || end == '\t' || end == '\n' || end == '\r';
         return plainTree_ ? j : start;
     }
 
