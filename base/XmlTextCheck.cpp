@@ -173,6 +173,9 @@ private:
                     // scan would stop at the line end and then take a word for the spaces.
                     i = SkipSpaces(data, size, i + 1);
                 }
+                if (i >= size) {
+                    break;
+                }
             }
             if (data[i] != '<') {
                 i = Skip<TextStops>(data, size, i, kPlain.content);
@@ -240,9 +243,11 @@ private:
         return i;
     }
 
-    // The first byte from i on that the plain table does not pass, or a blank: a word at a
-    // time while a whole word is left, then byte by byte. The word's lowest byte must come
-    // first in memory, so a big-endian machine takes the bytes one by one.
+    // The first byte from i on that Stops marks, a word at a time while a whole word is left,
+    // then the first byte that the table does not pass. Stops marks every byte that the table
+    // does not pass, and may mark a few more (blanks, a name's other bytes) that the caller
+    // steps over itself. The word's lowest byte must come first in memory, so a big-endian
+    // machine takes the bytes one by one.
     template <Word (*Stops)(Word)>
     static std::size_t Skip(const char* data, std::size_t size, std::size_t i,
                             const std::array<bool, 256>& plain) {
@@ -342,7 +347,7 @@ private:
         if (c == '<' && next != '!' && next != '?') {
             // An element's tag, start or end: by far the most common way out of text.
             if (next != '/') {
-                NotePlainName(i_ + 1);  // a tag's plain bytes are for the next step to skip
+                NotePlainName(i_ + 1);  // the tag's own step skips the name again
             }
             state_ = State::Tag;
             quote_ = 0;
