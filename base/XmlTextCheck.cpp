@@ -1,7 +1,7 @@
 // The pass over a document's text that finds what pugixml lets through but XML 1.0 does not,
 // before pugixml parses it: bytes that are not UTF-8, characters XML does not allow, a bare
 // "&", entity references other than XML's five, entity declarations, "<" in an attribute
-// value, "]]>" in text, "--" in a comment, and text before the document element.
+// value, "]]>" in text, "--" in a comment, and text outside the document element.
 #include <algorithm>
 #include <array>
 #include <bit>
