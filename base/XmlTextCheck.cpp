@@ -227,14 +227,12 @@ private:
     // The first byte from i on that is not a space.
     static std::size_t SkipSpaces(const char* data, std::size_t size, std::size_t i) {
         if constexpr (std::endian::native == std::endian::little) {
-            while (size - i >= sizeof(Word)) {
+            for (; size - i >= sizeof(Word); i += sizeof(Word)) {
                 Word word;
                 std::memcpy(&word, data + i, sizeof word);
-                const Word others = word ^ (kOnes * ' ');  // exact: no sums
-                if (others != 0) {
-                    return i + static_cast<std::size_t>(std::countr_zero(others)) / 8;
+                if (const Word others = word ^ (kOnes * ' ')) {  // exact: no sums
+                    return i + static_cast<unsigned>(std::countr_zero(others)) / 8;
                 }
-                i += sizeof(Word);
             }
         }
         while (i < size && data[i] == ' ') {
@@ -252,14 +250,12 @@ private:
     static std::size_t Skip(const char* data, std::size_t size, std::size_t i,
                             const std::array<bool, 256>& plain) {
         if constexpr (std::endian::native == std::endian::little) {
-            while (size - i >= sizeof(Word)) {
+            for (; size - i >= sizeof(Word); i += sizeof(Word)) {
                 Word word;
                 std::memcpy(&word, data + i, sizeof word);
-                const Word stops = Stops(word);
-                if (stops != 0) {
-                    return i + static_cast<std::size_t>(std::countr_zero(stops)) / 8;
+                if (const Word stops = Stops(word)) {
+                    return i + static_cast<unsigned>(std::countr_zero(stops)) / 8;
                 }
-                i += sizeof(Word);
             }
         }
         while (i < size && plain[static_cast<unsigned char>(data[i])]) {
