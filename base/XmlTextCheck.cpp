@@ -64,8 +64,7 @@ constexpr Word AtLeast(Word low, unsigned char c) {
 // one by one.
 constexpr Word LetterStops(Word w) {
     const Word folded = (w & ~kHighBits) | (kOnes * 0x20);  // 'A' to 'Z' onto 'a' to 'z' only
-    const Word letter = AtLeast(folded, 'a') & ~AtLeast(folded, 'z' + 1);
-    return (~letter | w) & kHighBits;
+    return (~AtLeast(folded, 'a') | AtLeast(folded, 'z' + 1) | w) & kHighBits;
 }
 
 bool IsBlank(char c) {
