@@ -27,4 +27,14 @@ struct TextFault {
 };
 std::optional<TextFault> FindTextFault(std::string_view text);
 
+// A document's UTF-8 text checked for what pugixml lets through but XML 1.0 does not, before
+// pugixml parses it: the first fault, if any, and whether the tree below the top then holds
+// nothing to refuse (every start tag's name a plain ASCII XML name, no attribute, no
+// processing instruction but at the very start), so that the tree need not be walked again.
+struct TextCheck {
+    std::optional<TextFault> fault;
+    bool treeIsPlain = false;
+};
+TextCheck CheckDocumentText(std::string_view text);
+
 }  // namespace zerbin::xml::detail

@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <cstring>
+
 #include "interfaces/Error.h"
 #include "tests/support/TestSupport.h"
 
@@ -97,6 +99,49 @@ TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
             EXPECT_EQ(FirstChildText(doc->child("A")), row.reasonOrText);
         } else {
             EXPECT_NE(error.reason.find(row.reasonOrText), std::string::npos) << error.reason;
+        }
+    }
+}
+
+// Text and tags are scanned many bytes at a time: an offender is found, at its own offset,
+// wherever it falls in a run of an element's text, an indent, a start or end tag's name, or
+// a tag after its name.
+TEST(XmlLoad, FindsAnOffenderAtEachPlaceOfARun) {
+    const struct {
+        const char* before;
+        const char* filler;  // repeated to make the run
+        const char* after;
+        bool text;  // the run is an element's text
+    } runs[] = {
+        {"<R><T>", "x y\tz", "</T></R>", true}, {"<R>\n", " ", "<T/></R>", false},
+        {"<R><", "aB_9.-:", "/></R>", false},   {"<R><T></", "aB_9.-:", "></R>", false},
+        {"<R><T ", " \t\n", "/></R>", false},
+    };
+    const struct {
+        std::string offender;
+        const char* reason;
+        bool inTextOnly;
+    } offenders[] = {
+        {"\x01", "U+0001", false},          {"\x1F", "U+001F", false},
+        {"\xFF", "not UTF-8", false},       {"\xEF\xBF\xBE", "U+FFFE", false},
+        {"&", "starts no reference", true}, {"]]>", "']]>'", true},
+    };
+    for (const auto& run : runs) {
+        std::string filler;
+        while (filler.size() < 24) {
+            filler += run.filler;
+        }
+        for (const auto& offender : offenders) {
+            for (std::size_t at = 0; at < 20 && (run.text || !offender.inTextOnly); ++at) {
+                std::string text = run.before + filler + run.after;
+                const std::size_t offset = std::strlen(run.before) + at;
+                text.insert(offset, offender.offender);
+                SCOPED_TRACE(::testing::PrintToString(text));
+                ParseError error;
+                ASSERT_EQ(LoadString(text, &error), nullptr);
+                EXPECT_NE(error.reason.find(offender.reason), std::string::npos) << error.reason;
+                EXPECT_EQ(error.offset, static_cast<std::ptrdiff_t>(offset));
+            }
         }
     }
 }
