@@ -4,6 +4,7 @@
 // read as a number, how numbers are rounded and written, and where the decimal separator is.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -124,8 +125,19 @@ inline char AsciiUpper(char c) {
 }
 // ASCII letters upper-cased; every other byte left as it is.
 std::string UpperCase(std::string text);
-// Equal when equal after UpperCase.
-bool EqualsNoCase(std::string_view a, std::string_view b);
+// Equal when equal after UpperCase. Inline: element names are matched with it in every loop
+// over a document.
+inline bool EqualsNoCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (AsciiUpper(a[i]) != AsciiUpper(b[i])) {
+            return false;
+        }
+    }
+    return true;
+}
 // Without the blanks at both ends; tabs and other white space stay.
 std::string Trim(const std::string& text);
 // Code points of a UTF-8 text, each malformed sequence counting as one (CharacterCount of
