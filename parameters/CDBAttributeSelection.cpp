@@ -131,15 +131,29 @@ int32_t CDBAttribute::LengthWithUnit(const CDBUnit& unit) const {
     const std::string id = def_->differential && !unit.DifferentialTypeID.empty()
                                ? unit.DifferentialTypeID
                                : unit.UnitTypeID;
+    const uint64_t generation = SnvtIndexGeneration();
+    if (def_->unitDerivations) {
+        if (const auto* known =
+                def_->unitDerivations->FindLength(id, generation, shortFloatManaged_)) {
+            return known->bytes;
+        }
+    }
     if (!FindSnvtEntry(id)) {
         return 0;  // an unknown type gets a record of length 0, which fits anywhere
     }
+    ScopedMessageCapture shown;
     CDBSNVTType record;
     record.ResolveByID(id);
-    if (ClassOf(record) == TypeClass::Float && shortFloatManaged_) {
-        return 2;
+    const int32_t bytes =
+        ClassOf(record) == TypeClass::Float && shortFloatManaged_ ? 2 : record.ISNVType_Length();
+    // Kept for the type's other blocks only when the look-up told the user nothing.
+    if (shown.Messages().empty()) {
+        if (!def_->unitDerivations) {
+            def_->unitDerivations = std::make_shared<UnitDerivationMemo>();
+        }
+        def_->unitDerivations->AddLength({id, generation, shortFloatManaged_, bytes});
     }
-    return record.ISNVType_Length();
+    return bytes;
 }
 
 // The layout is made once: a unit whose type would make a dependent longer than the room it

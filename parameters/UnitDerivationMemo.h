@@ -60,9 +60,34 @@ public:
         }
     }
 
+    // The bytes a dependent would take with a unit's type, as the check before a change of
+    // unit asks for every dependent.
+    struct Length {
+        std::string typeId;
+        uint64_t dictionaryGeneration = 0;
+        bool shortFloat = false;
+        int32_t bytes = 0;
+    };
+    const Length* FindLength(const std::string& typeId, uint64_t generation,
+                             bool shortFloat) const {
+        for (const Length& entry : lengths_) {
+            if (entry.typeId == typeId && entry.dictionaryGeneration == generation &&
+                entry.shortFloat == shortFloat) {
+                return &entry;
+            }
+        }
+        return nullptr;
+    }
+    void AddLength(Length entry) {
+        if (lengths_.size() < kMaxEntries) {
+            lengths_.push_back(std::move(entry));
+        }
+    }
+
 private:
     static constexpr std::size_t kMaxEntries = 64;
     std::vector<UnitDerivation> entries_;
+    std::vector<Length> lengths_;
 };
 
 }  // namespace zerbin
