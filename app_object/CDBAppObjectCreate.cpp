@@ -21,6 +21,7 @@
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/DefinitionStore.h"
+#include "platform/EditorPort.h"
 #include "platform/Events.h"
 #include "platform/Messages.h"
 
@@ -152,12 +153,13 @@ void CDBAppObject::CreateFromCompiled(const CompiledBlockType& compiled) {
     std::shared_ptr<CDBOutputs> outputs =
         compiled.outputs ? compiled.outputs->CopyFor(self, true) : nullptr;
     std::shared_ptr<CDBAttributes> attributes =
-        compiled.attributes ? compiled.attributes->CopyFor(self, true) : nullptr;
+        compiled.attributes ? compiled.attributes->SharedFor(self) : nullptr;
     inputs_ = std::move(inputs);
     outputs_ = std::move(outputs);
     attributes_ = std::move(attributes);
     ServePendingEvents();
-    if (attributes_) {
+    // Without a factory no attribute gets an editor, and the members need not be reached.
+    if (attributes_ && HasEditorFactory()) {
         // The editors come as creation from the definition makes them: one per attribute,
         // and a second for each unit-dependent one once its unit is known.
         for (const auto& attribute : attributes_->Members()) {

@@ -2,6 +2,8 @@
 // simulator and other tools take.
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -154,18 +156,20 @@ void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
 
 namespace {
 
-std::shared_ptr<CDBAttribute> AttributeNamed(const std::shared_ptr<CDBAttributes>& attributes,
-                                             pugi::xml_node element) {
+// The index of the attribute an element of a saved block names, without reaching it; -1 when
+// none does.
+std::ptrdiff_t AttributeIndex(const std::shared_ptr<CDBAttributes>& attributes,
+                              pugi::xml_node element) {
     if (!attributes || element.type() != pugi::node_element) {
-        return nullptr;
+        return -1;
     }
-    std::shared_ptr<CDBAttribute> found;
-    SkipStep([&] { found = attributes->Item(xml::BaseNameView(element)); });
+    std::ptrdiff_t found = -1;
+    SkipStep([&] { found = attributes->IndexOf(xml::BaseNameView(element)); });
     return found;
 }
 
-bool IsSelector(CDBAttribute& attribute) {
-    return attribute.IsUnitSelector() || attribute.IAttribute_IsType();
+bool IsSelector(const CDBAttribute& attribute) {
+    return attribute.IsUnitSelector() || attribute.IsTypeSelector();
 }
 
 }  // namespace
@@ -175,24 +179,29 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
     // saved values the second pass then writes over the derived ones. Each selector takes
     // its first element; a second one is not read at all.
     // Each element is matched to its attribute once, for both passes.
-    std::vector<std::pair<pugi::xml_node, std::shared_ptr<CDBAttribute>>> named;
+    std::vector<std::pair<pugi::xml_node, std::ptrdiff_t>> named;
     named.reserve(attributes_ ? static_cast<std::size_t>(attributes_->IAttributes_Count()) : 0);
     for (pugi::xml_node child : element.children()) {
         if (!xml::IsComment(child)) {
-            named.emplace_back(child, AttributeNamed(attributes_, child));
+            named.emplace_back(child, AttributeIndex(attributes_, child));
         }
     }
-    std::vector<const CDBAttribute*> restored;
+    const auto standing = [&](std::ptrdiff_t index) -> const CDBAttribute& {
+        return *attributes_->AsTheyStand()[static_cast<std::size_t>(index)];
+    };
+    std::vector<std::ptrdiff_t> restored;
     // Named, not bound: a lambda may not capture a structured binding in every compiler.
     for (const auto& entry : named) {
         const pugi::xml_node child = entry.first;
-        const std::shared_ptr<CDBAttribute>& selector = entry.second;
+        const std::ptrdiff_t index = entry.second;
         ServePendingEvents();
-        if (!selector || !IsSelector(*selector) ||
-            std::find(restored.begin(), restored.end(), selector.get()) != restored.end()) {
+        if (index < 0 || !IsSelector(standing(index)) ||
+            std::find(restored.begin(), restored.end(), index) != restored.end()) {
             continue;
         }
-        restored.push_back(selector.get());
+        restored.push_back(index);
+        const std::shared_ptr<CDBAttribute> selector =
+            attributes_->At(static_cast<std::size_t>(index));
         // No text is the empty value the selector was saved with, as for any attribute.
         std::string text;
         SkipStep([&] { text = xml::FirstChildText(child); });
@@ -200,21 +209,32 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
     }
     for (const auto& entry : named) {
         const pugi::xml_node child = entry.first;
-        const std::shared_ptr<CDBAttribute>& loaded = entry.second;
+        const std::ptrdiff_t index = entry.second;
         ServePendingEvents();
-        if (!loaded) {
+        if (index < 0) {
             // A value the type no longer defines goes back into the project as it came.
             if (child.type() == pugi::node_element) {
                 Keep(kKeptAttributes, child);
             }
             continue;
         }
-        if (IsSelector(*loaded)) {
+        if (IsSelector(standing(index))) {
             continue;
         }
+        std::optional<std::string> text;
+        SkipStep([&] { text = xml::FirstChildText(child); });
+        const auto at = static_cast<std::size_t>(index);
+        // A value saved as the type has it leaves a member the block has not reached the
+        // type's: most of a project's values are such.
+        if (text && attributes_->IsTheTypes(at) && standing(index).RestoringLeavesAsIs(*text)) {
+            continue;
+        }
+        const std::shared_ptr<CDBAttribute> loaded = attributes_->At(at);
         // An element without text leaves the value empty, not at its default.
         SkipStep([&] { loaded->ClearLoadedValue(); });
-        SkipStep([&] { loaded->RestoreSavedValue(xml::FirstChildText(child)); });
+        if (text) {
+            SkipStep([&] { loaded->RestoreSavedValue(*text); });
+        }
     }
 }
 

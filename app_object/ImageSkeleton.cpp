@@ -157,7 +157,10 @@ bool ImageSkeleton::Write(std::string& image, int32_t dimension, const CDBInputs
         return false;
     }
     const auto& ownInputs = MembersOf<CDBInput>(inputs);
-    const auto& ownAttributes = MembersOf<CDBAttribute>(attributes);
+    // As they stand: a member the block has not reached is the type's, the same by identity,
+    // and the compare need not copy it.
+    static const std::vector<std::shared_ptr<CDBAttribute>> noAttributes;
+    const auto& ownAttributes = attributes ? attributes->AsTheyStand() : noAttributes;
     const auto& inputPrototypes = MembersOf<CDBInput>(prototypeInputs);
     const auto& attributePrototypes = MembersOf<CDBAttribute>(prototypeAttributes);
     bool rewrite = false;

@@ -70,16 +70,32 @@ public:
     // A key that is neither (not whole, out of range, no number) gives nullptr; never throws.
     // The key wins, so a member keyed "2" is found by "2" whatever stands at position 2.
     std::shared_ptr<T> Item(std::string_view key) const {
-        if (auto found = FindKey(key)) {
-            return found;
+        const std::ptrdiff_t at = IndexOf(key);
+        return at < 0 ? nullptr : items_[static_cast<std::size_t>(at)];
+    }
+
+    // The 0-based index of the member Item(key) gives; -1 when none.
+    std::ptrdiff_t IndexOf(std::string_view key) const {
+        if (keys_) {
+            const std::ptrdiff_t found =
+                WithFolded(key, [&](std::string_view folded) -> std::ptrdiff_t {
+                    auto it = keys_->index.find(folded);
+                    return it == keys_->index.end() ? -1 : static_cast<std::ptrdiff_t>(it->second);
+                });
+            if (found >= 0) {
+                return found;
+            }
         }
         const double position = LeadingNumber(std::string(key));
         if (!(position >= 1.0) || position > static_cast<double>(items_.size()) ||
             std::floor(position) != position) {
-            return nullptr;
+            return -1;
         }
-        return items_[static_cast<std::size_t>(position) - 1];
+        return static_cast<std::ptrdiff_t>(position) - 1;
     }
+
+    // Puts item in the place of the member at index, under the same key.
+    void ReplaceAt(std::size_t index, std::shared_ptr<T> item) { items_[index] = std::move(item); }
 
     // Throws Error(kErrNotFound) when no member has the key.
     void Remove(const std::string& key) {

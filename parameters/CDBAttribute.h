@@ -104,8 +104,13 @@ public:
     // The value write for a value saved in a project. A saved value was divided by DivideBy
     // when it was first written, so it is stored as it stands, not divided once more.
     void RestoreSavedValue(const std::string& text);
+    // Whether ClearLoadedValue and RestoreSavedValue(text) would leave this attribute exactly
+    // as it is and tell no one: a value that is no selector's and no structure's, the text
+    // stored as the value stands already, no listener, no interceptor. False when unsure.
+    bool RestoringLeavesAsIs(const std::string& text) const;
     bool IsUnitDependent() const;
     bool IsUnitSelector() const;
+    bool IsTypeSelector() const { return def_->isType; }
     std::shared_ptr<CDBUnits> SelectableUnits() const;
     // The first derivation of a unit-dependent attribute at creation.
     void ApplyFirstUnit(CDBAttribute& selector);

@@ -175,6 +175,18 @@ void CDBAttribute::StoreValue(const std::string& text) {
     value_ = JoinStored(tokens);
 }
 
+bool CDBAttribute::RestoringLeavesAsIs(const std::string& text) const {
+    if (fields_ || def_->isUnit || def_->isType || interceptor_ || callbacks_.size() != 0 ||
+        writeDepth_ != 0 || !snvtType_) {
+        return false;
+    }
+    // What StoreValue keeps of a saved value.
+    if (ClassOf(*snvtType_) == TypeClass::Textual) {
+        return text == value_;
+    }
+    return NormalizeDecimal(text) == value_;
+}
+
 // ---- Reads ---------------------------------------------------------------------------------
 
 std::string CDBAttribute::IAttribute_Value() {

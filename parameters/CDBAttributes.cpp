@@ -5,8 +5,12 @@
 namespace zerbin {
 
 CDBAttributes::~CDBAttributes() {
-    for (const auto& attribute : items_.Items()) {
-        attribute->Release();
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        // The type's members are not this block's to take apart.
+        if (!IsTheTypes(i)) {
+            items[i]->Release();
+        }
     }
 }
 
@@ -15,15 +19,17 @@ int32_t CDBAttributes::IAttributes_Count() {
 }
 
 std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& Key) {
-    return items_.Item(Key);
+    return Item(Key);
 }
 
 std::shared_ptr<CDBAttribute> CDBAttributes::Item(std::string_view key) const {
-    return items_.Item(key);
+    const std::ptrdiff_t at = items_.IndexOf(key);
+    return at < 0 ? nullptr : At(static_cast<std::size_t>(at));
 }
 
 std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
-    return {items_.Items().begin(), items_.Items().end()};
+    const auto& members = Members();
+    return {members.begin(), members.end()};
 }
 
 std::string CDBAttributes::IAttributes_GlobalKey() {
@@ -46,6 +52,9 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
         attribute->SetName(name);
         attribute->LoadDefinition(node);
         items_.Add(name, attribute);
+        if (!typesMembers_.empty()) {
+            typesMembers_.push_back(false);
+        }
     } catch (...) {
         // A load that ran out of memory, or a refused name: the attribute is in no collection,
         // so nothing else will ever release it from its owner and fields.
@@ -59,21 +68,30 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
 void CDBAttributes::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    for (const auto& attribute : items_.Items()) {
-        attribute->SetGlobalKey(under);
+    globalUnder_ = under;
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (!IsTheTypes(i)) {
+            items[i]->SetGlobalKey(under);
+        }
     }
 }
 
 void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    for (const auto& attribute : items_.Items()) {
-        attribute->SetExtendedKey(under);
+    extendedUnder_ = under;
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (!IsTheTypes(i)) {
+            items[i]->SetExtendedKey(under);
+        }
     }
 }
 
 std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(const std::shared_ptr<IAppObject>& owner,
                                                       bool shareRecords) const {
+    ReachAll();
     auto copy = std::make_shared<CDBAttributes>();
     copy->items_ = items_.Copied([&](const std::shared_ptr<CDBAttribute>& attribute) {
         return attribute->CopyFor(owner, shareRecords);
@@ -82,7 +100,64 @@ std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(const std::shared_ptr<IApp
 }
 
 const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::Members() const {
+    ReachAll();
     return items_.Items();
+}
+
+std::shared_ptr<CDBAttributes> CDBAttributes::SharedFor(
+    const std::shared_ptr<IAppObject>& owner) const {
+    auto shared = std::make_shared<CDBAttributes>();
+    shared->items_ =
+        items_.Copied([](const std::shared_ptr<CDBAttribute>& attribute) { return attribute; });
+    shared->typesMembers_.assign(items_.Items().size(), true);
+    shared->typesCount_ = items_.Items().size();
+    if (shared->typesCount_ > 0) {
+        shared->owner_ = owner;
+    }
+    return shared;
+}
+
+const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::AsTheyStand() const {
+    return items_.Items();
+}
+
+std::ptrdiff_t CDBAttributes::IndexOf(std::string_view key) const {
+    return items_.IndexOf(key);
+}
+
+bool CDBAttributes::IsTheTypes(std::size_t index) const {
+    return index < typesMembers_.size() && typesMembers_[index];
+}
+
+std::shared_ptr<CDBAttribute> CDBAttributes::At(std::size_t index) const {
+    if (IsTheTypes(index)) {
+        auto own = items_.Items()[index]->CopyFor(owner_, true);
+        try {
+            if (globalUnder_) {
+                own->SetGlobalKey(*globalUnder_);
+            }
+            if (extendedUnder_) {
+                own->SetExtendedKey(*extendedUnder_);
+            }
+        } catch (...) {
+            own->Release();  // its fields would keep it alive by themselves
+            throw;
+        }
+        items_.ReplaceAt(index, std::move(own));
+        typesMembers_[index] = false;
+        if (--typesCount_ == 0) {
+            // Every member holds its owner now; this collection need not.
+            typesMembers_.clear();
+            owner_.reset();
+        }
+    }
+    return items_.Items()[index];
+}
+
+void CDBAttributes::ReachAll() const {
+    for (std::size_t i = 0; typesCount_ > 0 && i < typesMembers_.size(); ++i) {
+        At(i);
+    }
 }
 
 }  // namespace zerbin

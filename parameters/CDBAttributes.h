@@ -1,14 +1,18 @@
 // The ordered, keyed collection of the attributes of a block.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <pugixml.hpp>
 
 #include "base/KeyedCollection.h"
+#include "base/MemberKey.h"
 #include "interfaces/IAttribute.h"
 #include "interfaces/IHostServices.h"
 #include "parameters/CDBAttribute.h"
@@ -35,6 +39,7 @@ public:
         std::shared_ptr<AttributeInterceptor> interceptor);
     void PropagateGlobalKey(const std::string& key);
     void PropagateExtendedKey(const std::string& key);
+    // Every member, each the block's own.
     const std::vector<std::shared_ptr<CDBAttribute>>& Members() const;
     // IAttributes_Item without the interface: by key, else by 1-based position.
     std::shared_ptr<CDBAttribute> Item(std::string_view key) const;
@@ -42,10 +47,38 @@ public:
     std::shared_ptr<CDBAttributes> CopyFor(const std::shared_ptr<IAppObject>& owner,
                                            bool shareRecords) const;
 
+    // The members of a block made from a compiled type, of which this is the collection: each
+    // stays the type's until the block first reaches it through any of the accessors above,
+    // and is copied under owner only then. A block whose members are only compared with the
+    // type's (its image) and restored to what the type has (most values of a project) copies
+    // none. This collection must never change afterwards.
+    std::shared_ptr<CDBAttributes> SharedFor(const std::shared_ptr<IAppObject>& owner) const;
+
+    // For the image and the restore of values, which only read: the members as they stand,
+    // the type's where the block has not yet reached them. Never to be changed or handed out.
+    const std::vector<std::shared_ptr<CDBAttribute>>& AsTheyStand() const;
+    // The index of the member Item(key) gives, without reaching it; -1 when none.
+    std::ptrdiff_t IndexOf(std::string_view key) const;
+    // Whether the member at index is still the type's.
+    bool IsTheTypes(std::size_t index) const;
+    // The member at index, the block's own (copied first if it was the type's).
+    std::shared_ptr<CDBAttribute> At(std::size_t index) const;
+
 private:
+    void ReachAll() const;
+
     std::string globalKey_;
-    KeyedCollection<CDBAttribute> items_;
+    // Mutable: reaching a member of the type's replaces it with the block's copy, a change that
+    // no reader can tell from a collection that held the copy from the start.
+    mutable KeyedCollection<CDBAttribute> items_;
     std::string extendedKey_;
+    // Per member: still the type's. Empty when every member is the block's own.
+    mutable std::vector<bool> typesMembers_;
+    mutable std::size_t typesCount_ = 0;
+    // What a member copied later needs: its owner, and the keys the block has given since.
+    mutable std::shared_ptr<IAppObject> owner_;
+    std::optional<MemberKey> globalUnder_;
+    std::optional<MemberKey> extendedUnder_;
 };
 
 }  // namespace zerbin

@@ -224,6 +224,9 @@ TEST_F(ParameterTest, AFieldRecordHandedOutIsItsBlocksOwn) {
 }
 
 TEST_F(ParameterTest, KeysReachTheAttributesAndTheirFieldsEachTimeTheBlockSetsThem) {
+    // The second block of a type copies a member only when it is first reached: here after
+    // the keys were set.
+    TestBlock first("PrmStruct");
     TestBlock block("PrmStruct");
     for (const std::string key : {"P\\B1", "P\\B2"}) {
         block->IAppObject_GlobalKey(key);

@@ -34,6 +34,21 @@ TEST_F(ParameterTest, AWriteStoresByClass) {
     }
 }
 
+// A later block of a type restores a saved value without copying the member only where the
+// value stays as the type has it: a text keeps its separator as written.
+TEST_F(ParameterTest, ARestoredTextKeepsItsSeparatorInALaterBlock) {
+    ScopedLocale comma;
+    ZERBIN_REQUIRE_COMMA_LOCALE(comma);
+    TestBlock first("PrmValues");
+    TestBlock later("PrmValues");
+    const auto project = ParseXml(
+        "<B><Attributes><Label>a.b</Label><Ratio>0.5</Ratio>"
+        "</Attributes></B>");
+    later->IAppObject_XmlLoad(project->document_element());
+    EXPECT_EQ(later.Attribute("Label")->IAttribute_Value(), "a.b");
+    EXPECT_EQ(later.Attribute("Ratio")->IAttribute_Value(), "0,5");
+}
+
 TEST_F(ParameterTest, AStructureWriteGivesEachFieldItsToken) {
     TestBlock block("PrmStruct");
     auto setting = block.Attribute("Setting");
