@@ -149,9 +149,9 @@ void CDBAppObject::CreateFromCompiled(const CompiledBlockType& compiled) {
     // Made aside and put in place together: running out of memory half-way leaves the block
     // without members, as a failed creation from the definition would.
     std::shared_ptr<CDBInputs> inputs =
-        compiled.inputs ? compiled.inputs->CopyFor(self, true) : nullptr;
+        compiled.inputs ? compiled.inputs->SharedFor(self) : nullptr;
     std::shared_ptr<CDBOutputs> outputs =
-        compiled.outputs ? compiled.outputs->CopyFor(self, true) : nullptr;
+        compiled.outputs ? compiled.outputs->SharedFor(self) : nullptr;
     std::shared_ptr<CDBAttributes> attributes =
         compiled.attributes ? compiled.attributes->SharedFor(self) : nullptr;
     inputs_ = std::move(inputs);

@@ -156,7 +156,8 @@ bool ImageSkeleton::Write(std::string& image, int32_t dimension, const CDBInputs
         SnvtIndexGeneration() != dictionary_ || DecimalSeparator() != separator_) {
         return false;
     }
-    const auto& ownInputs = MembersOf<CDBInput>(inputs);
+    static const std::vector<std::shared_ptr<CDBInput>> noInputs;
+    const auto& ownInputs = inputs ? inputs->AsTheyStand() : noInputs;
     // As they stand: a member the block has not reached is the type's, the same by identity,
     // and the compare need not copy it.
     static const std::vector<std::shared_ptr<CDBAttribute>> noAttributes;

@@ -1,6 +1,7 @@
 #include "connections/CDBInputs.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "base/MMain.h"
@@ -16,11 +17,17 @@ int32_t CDBInputs::IInputs_Count() {
 }
 
 std::shared_ptr<IInput> CDBInputs::IInputs_Item(const std::string& Key) {
-    return items_.Item(Key);
+    const std::ptrdiff_t at = items_.IndexOf(Key);
+    if (at < 0) {
+        return nullptr;
+    }
+    shared_.Reach(items_, static_cast<std::size_t>(at));
+    return items_.Items()[static_cast<std::size_t>(at)];
 }
 
 std::vector<std::shared_ptr<IInput>> CDBInputs::IInputs_NewEnum() {
-    return {items_.Items().begin(), items_.Items().end()};
+    const auto& members = Members();
+    return {members.begin(), members.end()};
 }
 
 std::string CDBInputs::IInputs_GlobalKey() {
@@ -38,6 +45,7 @@ std::shared_ptr<CDBInput> CDBInputs::AddFromDefinition(const std::string& name, 
     input->SetName(name);
     input->LoadDefinition(node);
     items_.Add(name, input);
+    shared_.NoteAdded();
     input->SetIndex(items_.Count() - 1);
     maxNameLength_ = std::max(maxNameLength_, CharCount(name));
     return input;
@@ -45,12 +53,25 @@ std::shared_ptr<CDBInput> CDBInputs::AddFromDefinition(const std::string& name, 
 
 std::shared_ptr<CDBInputs> CDBInputs::CopyFor(const std::shared_ptr<IAppObject>& parent,
                                               bool shareCompatibles) const {
+    shared_.ReachAll(items_);
     auto copy = std::make_shared<CDBInputs>();
     copy->maxNameLength_ = maxNameLength_;
     copy->items_ = items_.Copied([&](const std::shared_ptr<CDBInput>& input) {
         return input->CopyFor(parent, shareCompatibles);
     });
     return copy;
+}
+
+std::shared_ptr<CDBInputs> CDBInputs::SharedFor(const std::shared_ptr<IAppObject>& parent) const {
+    auto shared = std::make_shared<CDBInputs>();
+    shared->maxNameLength_ = maxNameLength_;
+    shared->items_ = items_.Copied([](const std::shared_ptr<CDBInput>& input) { return input; });
+    shared->shared_.ShareAll(items_.Items().size(), parent);
+    return shared;
+}
+
+const std::vector<std::shared_ptr<CDBInput>>& CDBInputs::AsTheyStand() const {
+    return items_.Items();
 }
 
 int32_t CDBInputs::MaxNameLength() const {
@@ -60,26 +81,40 @@ int32_t CDBInputs::MaxNameLength() const {
 void CDBInputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    for (const auto& input : items_.Items()) {
-        input->SetGlobalKey(under);
+    shared_.NoteGlobalKey(under);
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (!shared_.IsTheTypes(i)) {
+            items[i]->SetGlobalKey(under);
+        }
     }
 }
 
 void CDBInputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    for (const auto& input : items_.Items()) {
-        input->SetExtendedKey(under);
+    shared_.NoteExtendedKey(under);
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (!shared_.IsTheTypes(i)) {
+            items[i]->SetExtendedKey(under);
+        }
     }
 }
 
 void CDBInputs::Destroy() {
-    for (const auto& input : items_.Items()) {
-        input->SetParent(nullptr);
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        // The type's members are not the block's to change.
+        if (!shared_.IsTheTypes(i)) {
+            items[i]->SetParent(nullptr);
+        }
     }
+    shared_.Forget();
 }
 
 const std::vector<std::shared_ptr<CDBInput>>& CDBInputs::Members() const {
+    shared_.ReachAll(items_);
     return items_.Items();
 }
 

@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "base/KeyedCollection.h"
+#include "base/SharedMembers.h"
 #include "connections/CDBInput.h"
 #include "interfaces/IInput.h"
 
@@ -32,16 +33,27 @@ public:
     void PropagateExtendedKey(const std::string& key);
     // Cuts every member's reference back to the block; the members stay.
     void Destroy();
+    // Every member, each the block's own.
     const std::vector<std::shared_ptr<CDBInput>>& Members() const;
     // Every member copied (CDBInput::CopyFor) under parent; no key, no listener.
     std::shared_ptr<CDBInputs> CopyFor(const std::shared_ptr<IAppObject>& parent,
                                        bool shareCompatibles) const;
+    // The members of a block made from a compiled type, of which this is the collection: each
+    // stays the type's until the block first reaches it, and is copied under parent only then
+    // (see SharedMembers). This collection must never change afterwards.
+    std::shared_ptr<CDBInputs> SharedFor(const std::shared_ptr<IAppObject>& parent) const;
+    // For the image, which only compares: the members as they stand, the type's where the
+    // block has not reached them. Never to be changed or handed out.
+    const std::vector<std::shared_ptr<CDBInput>>& AsTheyStand() const;
 
 private:
     std::string globalKey_;
     int32_t maxNameLength_ = 0;
     std::shared_ptr<IcbkAppObject> callBack_;
-    KeyedCollection<CDBInput> items_;
+    // Mutable: reaching a member of the type's replaces it with the block's copy, a change that
+    // no reader can tell from a collection that held the copy from the start.
+    mutable KeyedCollection<CDBInput> items_;
+    mutable SharedMembers<CDBInput, IAppObject> shared_;
     std::string extendedKey_;
 };
 

@@ -1,6 +1,7 @@
 #include "connections/CDBOutputs.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "base/MMain.h"
@@ -16,11 +17,17 @@ int32_t CDBOutputs::IOutputs_Count() {
 }
 
 std::shared_ptr<IOutput> CDBOutputs::IOutputs_Item(const std::string& Key) {
-    return items_.Item(Key);
+    const std::ptrdiff_t at = items_.IndexOf(Key);
+    if (at < 0) {
+        return nullptr;
+    }
+    shared_.Reach(items_, static_cast<std::size_t>(at));
+    return items_.Items()[static_cast<std::size_t>(at)];
 }
 
 std::vector<std::shared_ptr<IOutput>> CDBOutputs::IOutputs_NewEnum() {
-    return {items_.Items().begin(), items_.Items().end()};
+    const auto& members = Members();
+    return {members.begin(), members.end()};
 }
 
 std::string CDBOutputs::IOutputs_GlobalKey() {
@@ -39,6 +46,7 @@ std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name
     output->SetName(name);
     output->LoadDefinition(node);
     items_.Add(name, output);
+    shared_.NoteAdded();
     output->SetIndex(items_.Count() - 1);
     maxNameLength_ = std::max(maxNameLength_, CharCount(name));
     return output;
@@ -46,12 +54,25 @@ std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name
 
 std::shared_ptr<CDBOutputs> CDBOutputs::CopyFor(const std::shared_ptr<IAppObject>& parent,
                                                 bool shareRecords) const {
+    shared_.ReachAll(items_);
     auto copy = std::make_shared<CDBOutputs>();
     copy->maxNameLength_ = maxNameLength_;
     copy->items_ = items_.Copied([&](const std::shared_ptr<CDBOutput>& output) {
         return output->CopyFor(parent, shareRecords);
     });
     return copy;
+}
+
+std::shared_ptr<CDBOutputs> CDBOutputs::SharedFor(const std::shared_ptr<IAppObject>& parent) const {
+    auto shared = std::make_shared<CDBOutputs>();
+    shared->maxNameLength_ = maxNameLength_;
+    shared->items_ = items_.Copied([](const std::shared_ptr<CDBOutput>& output) { return output; });
+    shared->shared_.ShareAll(items_.Items().size(), parent);
+    return shared;
+}
+
+const std::vector<std::shared_ptr<CDBOutput>>& CDBOutputs::AsTheyStand() const {
+    return items_.Items();
 }
 
 int32_t CDBOutputs::MaxNameLength() const {
@@ -61,20 +82,29 @@ int32_t CDBOutputs::MaxNameLength() const {
 void CDBOutputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    for (const auto& output : items_.Items()) {
-        output->SetGlobalKey(under);
+    shared_.NoteGlobalKey(under);
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (!shared_.IsTheTypes(i)) {
+            items[i]->SetGlobalKey(under);
+        }
     }
 }
 
 void CDBOutputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    for (const auto& output : items_.Items()) {
-        output->SetExtendedKey(under);
+    shared_.NoteExtendedKey(under);
+    const auto& items = items_.Items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (!shared_.IsTheTypes(i)) {
+            items[i]->SetExtendedKey(under);
+        }
     }
 }
 
 const std::vector<std::shared_ptr<CDBOutput>>& CDBOutputs::Members() const {
+    shared_.ReachAll(items_);
     return items_.Items();
 }
 

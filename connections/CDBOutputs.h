@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 
 #include "base/KeyedCollection.h"
+#include "base/SharedMembers.h"
 #include "connections/CDBOutput.h"
 #include "interfaces/IOutput.h"
 
@@ -29,14 +30,25 @@ public:
     int32_t MaxNameLength() const;
     void PropagateGlobalKey(const std::string& key);
     void PropagateExtendedKey(const std::string& key);
+    // Every member, each the block's own.
     const std::vector<std::shared_ptr<CDBOutput>>& Members() const;
     // Every member copied (CDBOutput::CopyFor) under parent; no key, no listener.
     std::shared_ptr<CDBOutputs> CopyFor(const std::shared_ptr<IAppObject>& parent,
                                         bool shareRecords) const;
+    // The members of a block made from a compiled type, of which this is the collection: each
+    // stays the type's until the block first reaches it, and is copied under parent only then
+    // (see SharedMembers). This collection must never change afterwards.
+    std::shared_ptr<CDBOutputs> SharedFor(const std::shared_ptr<IAppObject>& parent) const;
+    // For the image, which only compares: the members as they stand, the type's where the
+    // block has not reached them. Never to be changed or handed out.
+    const std::vector<std::shared_ptr<CDBOutput>>& AsTheyStand() const;
 
 private:
     std::string globalKey_;
-    KeyedCollection<CDBOutput> items_;
+    // Mutable: reaching a member of the type's replaces it with the block's copy, a change that
+    // no reader can tell from a collection that held the copy from the start.
+    mutable KeyedCollection<CDBOutput> items_;
+    mutable SharedMembers<CDBOutput, IAppObject> shared_;
     int32_t maxNameLength_ = 0;
     std::shared_ptr<IcbkAppObject> callBack_;
     std::string extendedKey_;

@@ -52,9 +52,7 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
         attribute->SetName(name);
         attribute->LoadDefinition(node);
         items_.Add(name, attribute);
-        if (!typesMembers_.empty()) {
-            typesMembers_.push_back(false);
-        }
+        shared_.NoteAdded();
     } catch (...) {
         // A load that ran out of memory, or a refused name: the attribute is in no collection,
         // so nothing else will ever release it from its owner and fields.
@@ -68,7 +66,7 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
 void CDBAttributes::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    globalUnder_ = under;
+    shared_.NoteGlobalKey(under);
     const auto& items = items_.Items();
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (!IsTheTypes(i)) {
@@ -80,7 +78,7 @@ void CDBAttributes::PropagateGlobalKey(const std::string& key) {
 void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    extendedUnder_ = under;
+    shared_.NoteExtendedKey(under);
     const auto& items = items_.Items();
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (!IsTheTypes(i)) {
@@ -109,11 +107,7 @@ std::shared_ptr<CDBAttributes> CDBAttributes::SharedFor(
     auto shared = std::make_shared<CDBAttributes>();
     shared->items_ =
         items_.Copied([](const std::shared_ptr<CDBAttribute>& attribute) { return attribute; });
-    shared->typesMembers_.assign(items_.Items().size(), true);
-    shared->typesCount_ = items_.Items().size();
-    if (shared->typesCount_ > 0) {
-        shared->owner_ = owner;
-    }
+    shared->shared_.ShareAll(items_.Items().size(), owner);
     return shared;
 }
 
@@ -126,38 +120,16 @@ std::ptrdiff_t CDBAttributes::IndexOf(std::string_view key) const {
 }
 
 bool CDBAttributes::IsTheTypes(std::size_t index) const {
-    return index < typesMembers_.size() && typesMembers_[index];
+    return shared_.IsTheTypes(index);
 }
 
 std::shared_ptr<CDBAttribute> CDBAttributes::At(std::size_t index) const {
-    if (IsTheTypes(index)) {
-        auto own = items_.Items()[index]->CopyFor(owner_, true);
-        try {
-            if (globalUnder_) {
-                own->SetGlobalKey(*globalUnder_);
-            }
-            if (extendedUnder_) {
-                own->SetExtendedKey(*extendedUnder_);
-            }
-        } catch (...) {
-            own->Release();  // its fields would keep it alive by themselves
-            throw;
-        }
-        items_.ReplaceAt(index, std::move(own));
-        typesMembers_[index] = false;
-        if (--typesCount_ == 0) {
-            // Every member holds its owner now; this collection need not.
-            typesMembers_.clear();
-            owner_.reset();
-        }
-    }
+    shared_.Reach(items_, index);
     return items_.Items()[index];
 }
 
 void CDBAttributes::ReachAll() const {
-    for (std::size_t i = 0; typesCount_ > 0 && i < typesMembers_.size(); ++i) {
-        At(i);
-    }
+    shared_.ReachAll(items_);
 }
 
 }  // namespace zerbin

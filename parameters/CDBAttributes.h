@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,7 +11,7 @@
 #include <pugixml.hpp>
 
 #include "base/KeyedCollection.h"
-#include "base/MemberKey.h"
+#include "base/SharedMembers.h"
 #include "interfaces/IAttribute.h"
 #include "interfaces/IHostServices.h"
 #include "parameters/CDBAttribute.h"
@@ -72,13 +71,7 @@ private:
     // no reader can tell from a collection that held the copy from the start.
     mutable KeyedCollection<CDBAttribute> items_;
     std::string extendedKey_;
-    // Per member: still the type's. Empty when every member is the block's own.
-    mutable std::vector<bool> typesMembers_;
-    mutable std::size_t typesCount_ = 0;
-    // What a member copied later needs: its owner, and the keys the block has given since.
-    mutable std::shared_ptr<IAppObject> owner_;
-    std::optional<MemberKey> globalUnder_;
-    std::optional<MemberKey> extendedUnder_;
+    mutable SharedMembers<CDBAttribute, IAppObject> shared_;
 };
 
 }  // namespace zerbin

@@ -38,6 +38,8 @@ TEST(AppObjectKeys, ReachEveryMemberThatExists) {
     const HostSetup fixtures = Fixtures("app_object", "snvt.xml");
     TestBlock bare("OnlyOutputs", fixtures);  // no attributes, no inputs
     bare->IAppObject_GlobalKey("K");
+    // A later block of a type copies a member when it first reaches it: here after the keys.
+    TestBlock first("Widths", fixtures);
     TestBlock block("Widths", fixtures);
 
     block->IAppObject_GlobalKey("K");
@@ -52,6 +54,8 @@ TEST(AppObjectKeys, ReachEveryMemberThatExists) {
 
     EXPECT_EQ(block->IAppObject_Outputs()->IOutputs_Item("Out1")->IOutput_ExtendedKey(),
               "E\\ROU\\Out1");
+    EXPECT_EQ(block->IAppObject_Inputs()->IInputs_Item("Level")->IInput_ExtendedKey(),
+              "E\\RIN\\Level");
 }
 
 TEST(AppObjectMembers, ClearReferencesZeroesEveryInputInItsWidth) {
