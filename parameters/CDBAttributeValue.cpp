@@ -2,6 +2,7 @@
 // display forms, the editor, the return to the default and the macro terminal test.
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/MMain.h"
@@ -180,11 +181,25 @@ bool CDBAttribute::RestoringLeavesAsIs(const std::string& text) const {
         writeDepth_ != 0 || !snvtType_) {
         return false;
     }
-    // What StoreValue keeps of a saved value.
+    // What StoreValue keeps of a saved value: a text as it is, a number normalised, which is
+    // compared here without building it.
     if (ClassOf(*snvtType_) == TypeClass::Textual) {
         return text == value_;
     }
-    return NormalizeDecimal(text) == value_;
+    std::size_t point = text.find('.');
+    if (point == std::string::npos) {
+        point = text.find(',');
+    }
+    if (point == std::string::npos) {
+        return text == value_;
+    }
+    const std::string& separator = DecimalSeparator();
+    const std::string_view stored(value_);
+    const std::string_view saved(text);
+    return stored.size() == saved.size() - 1 + separator.size() &&
+           stored.substr(0, point) == saved.substr(0, point) &&
+           stored.substr(point, separator.size()) == separator &&
+           stored.substr(point + separator.size()) == saved.substr(point + 1);
 }
 
 // ---- Reads ---------------------------------------------------------------------------------
