@@ -115,9 +115,10 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
                                          const std::string& type, const std::string& id,
                                          bool listOnce) {
     if (IsSafeTypeName(type)) {
+        // Listed once for both extensions: the type's folder is read for every new type.
         const std::filesystem::path own = library / type;
-        const auto inOwn = [&](const std::string& wildcard) { return FirstMatch(own, wildcard); };
-        if (auto file = FirstDocument(inOwn, "*")) {
+        if (auto file = FirstMatchInOrder(
+                own, {"*" + ExtensionWildcard("pdf"), "*" + ExtensionWildcard("doc")})) {
             return (own / *file).string();
         }
     }

@@ -1,7 +1,11 @@
 #include "base/XmlPathIndex.h"
 
-#include <functional>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "base/ProcessState.h"
 #include "base/Xml.h"
@@ -12,6 +16,30 @@ namespace {
 bool HasEmptySegment(std::string_view path) {
     return path.empty() || path.front() == '/' || path.back() == '/' ||
            path.find("//") != std::string_view::npos;
+}
+
+// FNV-1a: names are short, and a multiply per byte beats a general-purpose hash's set-up.
+constexpr std::uint64_t kFnvOffset = 0xCBF29CE484222325ull;
+constexpr std::uint64_t kFnvPrime = 0x100000001B3ull;
+
+std::uint64_t NameHash(const char* name) {
+    std::uint64_t hash = kFnvOffset;
+    for (; *name != '\0'; ++name) {
+        hash = (hash ^ static_cast<unsigned char>(*name)) * kFnvPrime;
+    }
+    return hash;
+}
+
+std::uint64_t NameHash(std::string_view name) {
+    std::uint64_t hash = kFnvOffset;
+    for (const char c : name) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * kFnvPrime;
+    }
+    return hash;
+}
+
+std::uint64_t PairKey(std::uint64_t parent, std::uint64_t name) {
+    return parent ^ (name + 0x9E3779B97F4A7C15ull + (parent << 6) + (parent >> 2));
 }
 
 struct CachedIndex {
@@ -41,27 +69,64 @@ const PathIndex* LiveIndex(const void* key) {
 
 }  // namespace
 
-std::size_t PathIndex::NamePairHash::operator()(const NamePair& pair) const {
-    const std::size_t parent = std::hash<std::string_view>{}(pair.parent);
-    const std::size_t name = std::hash<std::string_view>{}(pair.name);
-    return parent ^ (name + 0x9E3779B97F4A7C15ull + (parent << 6) + (parent >> 2));
+PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
+    // The walk's own stack: the name hash of each element on the way down, by depth, so that
+    // a child finds its parent's without hashing it again.
+    std::vector<std::uint64_t> open;
+    std::ptrdiff_t depth = 0;  // 0 for the root's children
+    pugi::xml_node node = root.first_child();
+    while (node) {
+        pugi::xml_node child;
+        if (node.type() == pugi::node_element) {
+            const std::uint64_t hash = NameHash(node.name());
+            // The root's children have the root for parent, which no path may name.
+            if (depth > 0) {
+                entries_.push_back(Entry{PairKey(open[depth - 1], hash), node, kNone});
+            }
+            child = node.first_child();
+            if (child) {
+                if (open.size() <= static_cast<std::size_t>(depth)) {
+                    open.resize(depth + 1);
+                }
+                open[depth] = hash;
+            }
+        }
+        if (child) {
+            node = child;
+            ++depth;
+            continue;
+        }
+        while (node != root && !node.next_sibling()) {
+            node = node.parent();
+            --depth;
+        }
+        if (node == root) {
+            break;
+        }
+        node = node.next_sibling();
+    }
+
+    std::size_t slots = 16;
+    while (slots < entries_.size() * 2) {
+        slots *= 2;
+    }
+    heads_.assign(slots, kNone);
+    // Backwards, each entry put in front of its key's list, so that every list runs in
+    // document order, the order in which the walk would meet them.
+    for (std::size_t i = entries_.size(); i-- > 0;) {
+        const std::size_t slot = Slot(entries_[i].key);
+        entries_[i].next = heads_[slot];
+        heads_[slot] = static_cast<std::uint32_t>(i);
+    }
 }
 
-PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
-    // Document order, as the plain search walks, so each list is in that order; pugixml's own
-    // walk is iterative and takes no library call per step.
-    struct Walker : pugi::xml_tree_walker {
-        PathIndex* index;
-        bool for_each(pugi::xml_node& node) override {
-            if (node.type() == pugi::node_element) {
-                index->byParentAndName_[NamePair{node.parent().name(), node.name()}].push_back(
-                    node);
-            }
-            return true;
-        }
-    } walker;
-    walker.index = this;
-    root.traverse(walker);
+std::size_t PathIndex::Slot(std::uint64_t key) const {
+    const std::size_t mask = heads_.size() - 1;
+    std::size_t slot = static_cast<std::size_t>((key * 0x9E3779B97F4A7C15ull) >> 32) & mask;
+    while (heads_[slot] != kNone && entries_[heads_[slot]].key != key) {
+        slot = (slot + 1) & mask;
+    }
+    return slot;
 }
 
 bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const {
@@ -81,17 +146,6 @@ bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) 
 }
 
 pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
-    if (const auto known = answers_.find(slashPath); known != answers_.end()) {
-        return known->second;
-    }
-    const pugi::xml_node found = Search(slashPath);
-    if (answers_.size() < kMaxAnswers) {
-        answers_.emplace(slashPath, found);
-    }
-    return found;
-}
-
-pugi::xml_node PathIndex::Search(std::string_view slashPath) const {
     if (!root_ || HasEmptySegment(slashPath)) {
         return {};
     }
@@ -107,15 +161,13 @@ pugi::xml_node PathIndex::Search(std::string_view slashPath) const {
     const std::string_view parent = parentOnly ? ancestors : ancestors.substr(parentSlash + 1);
     const std::string_view aboveParent =
         parentOnly ? std::string_view{} : ancestors.substr(0, parentSlash);
-    const auto found = byParentAndName_.find(NamePair{parent, name});
-    if (found == byParentAndName_.end()) {
-        return {};
-    }
-    // The key has matched the parent's name; what is left is that the parent lies below the
-    // root, and the ancestors above it.
-    for (const pugi::xml_node candidate : found->second) {
+    const std::uint64_t key = PairKey(NameHash(parent), NameHash(name));
+    // Names that merely share the key's hash are told apart here.
+    for (std::uint32_t i = heads_[Slot(key)]; i != kNone; i = entries_[i].next) {
+        const pugi::xml_node candidate = entries_[i].node;
         const pugi::xml_node parentNode = candidate.parent();
-        if (parentNode != root_ && AncestorsMatch(parentNode, aboveParent)) {
+        if (name == candidate.name() && parent == parentNode.name() &&
+            AncestorsMatch(parentNode, aboveParent)) {
             return candidate;
         }
     }

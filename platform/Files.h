@@ -16,6 +16,10 @@ namespace zerbin {
 // folder cannot be read; never throws.
 std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
                                       const std::string& wildcard);
+// FirstMatch(folder, w) for the first of wildcards w that finds a file, from one listing of
+// the folder rather than one for each wildcard tried.
+std::optional<std::string> FirstMatchInOrder(const std::filesystem::path& folder,
+                                             const std::vector<std::string>& wildcards);
 
 // The names of the regular files in a folder, in the order the directory listing gives; empty
 // when the folder cannot be read. Throws only std::bad_alloc.

@@ -42,6 +42,25 @@ TEST_F(FirstMatchTest, MatchesRegularFilesByWildcard) {
     }
 }
 
+// The earlier wildcard wins whichever file the listing gives first: of the first two rows,
+// one order disagrees with the listing.
+TEST_F(FirstMatchTest, InOrderTakesTheFirstWildcardThatFindsAFile) {
+    Touch("Pump.xml");
+    Touch("Pump_DS.pdf");
+    const struct {
+        std::vector<std::string> wildcards;
+        std::optional<std::string> expected;
+    } rows[] = {
+        {{"*.doc", "*.xml", "*.pdf"}, "Pump.xml"},
+        {{"*.doc", "*.pdf", "*.xml"}, "Pump_DS.pdf"},
+        {{"*.doc", "Folder.pdf", "*.pdf"}, "Pump_DS.pdf"},
+        {{"*.doc", "Folder.pdf"}, std::nullopt},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(FirstMatchInOrder(dir_, row.wildcards), row.expected) << row.wildcards[0];
+    }
+}
+
 TEST(ComponentFolder, HostOverrideDecidesTheLibraryFolder) {
     SetComponentFolder("/opt/host/blocks/Zerbin");
     EXPECT_EQ(ComponentFolder(), fs::path("/opt/host/blocks/Zerbin"));
