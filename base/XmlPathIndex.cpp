@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -18,24 +19,35 @@ bool HasEmptySegment(std::string_view path) {
            path.find("//") != std::string_view::npos;
 }
 
-// FNV-1a: names are short, and a multiply per byte beats a general-purpose hash's set-up.
-constexpr std::uint64_t kFnvOffset = 0xCBF29CE484222325ull;
-constexpr std::uint64_t kFnvPrime = 0x100000001B3ull;
-
-std::uint64_t NameHash(const char* name) {
-    std::uint64_t hash = kFnvOffset;
-    for (; *name != '\0'; ++name) {
-        hash = (hash ^ static_cast<unsigned char>(*name)) * kFnvPrime;
+// A name's length and its first and last eight bytes: element names are short and differ
+// there, and names that merely share a hash are told apart where they are compared.
+std::uint64_t NameHash(std::string_view name) {
+    const std::size_t size = name.size();
+    std::uint64_t head = 0;
+    std::uint64_t tail = 0;
+    if (size >= sizeof head) {
+        std::memcpy(&head, name.data(), sizeof head);
+        std::memcpy(&tail, name.data() + size - sizeof tail, sizeof tail);
+    } else {
+        for (std::size_t i = 0; i < size; ++i) {
+            head |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
+        }
     }
-    return hash;
+    std::uint64_t hash = (head ^ (size * 0x9E3779B97F4A7C15ull)) * 0xBF58476D1CE4E5B9ull;
+    hash = (hash ^ tail ^ (hash >> 31)) * 0x94D049BB133111EBull;
+    return hash ^ (hash >> 29);
 }
 
-std::uint64_t NameHash(std::string_view name) {
-    std::uint64_t hash = kFnvOffset;
-    for (const char c : name) {
-        hash = (hash ^ static_cast<unsigned char>(c)) * kFnvPrime;
+// Whether a name that pugixml holds is text: without measuring the name first, as most
+// compared names differ early.
+bool NameIs(const char* name, std::string_view text) {
+    for (const char c : text) {
+        if (c == '\0' || *name != c) {
+            return false;
+        }
+        ++name;
     }
-    return hash;
+    return *name == '\0';
 }
 
 std::uint64_t PairKey(std::uint64_t parent, std::uint64_t name) {
@@ -70,41 +82,33 @@ const PathIndex* LiveIndex(const void* key) {
 }  // namespace
 
 PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
-    // The walk's own stack: the name hash of each element on the way down, by depth, so that
-    // a child finds its parent's without hashing it again.
-    std::vector<std::uint64_t> open;
-    std::ptrdiff_t depth = 0;  // 0 for the root's children
-    pugi::xml_node node = root.first_child();
-    while (node) {
-        pugi::xml_node child;
-        if (node.type() == pugi::node_element) {
+    // pugixml's own walk: iterative, so any depth is fine, and it steps through the tree
+    // without a library call per step. In document order, each element comes after its
+    // parent and before the parent's next sibling, so the last name hashed one level up is
+    // the parent's.
+    struct Walker : pugi::xml_tree_walker {
+        std::vector<Entry>* entries;
+        std::vector<std::uint64_t> above;  // by depth, 0 for the root's children
+        bool for_each(pugi::xml_node& node) override {
+            if (node.type() != pugi::node_element) {
+                return true;
+            }
+            const auto level = static_cast<std::size_t>(depth());
             const std::uint64_t hash = NameHash(node.name());
             // The root's children have the root for parent, which no path may name.
-            if (depth > 0) {
-                entries_.push_back(Entry{PairKey(open[depth - 1], hash), node, kNone});
+            if (level > 0) {
+                entries->push_back(Entry{PairKey(above[level - 1], hash), node, kNone});
             }
-            child = node.first_child();
-            if (child) {
-                if (open.size() <= static_cast<std::size_t>(depth)) {
-                    open.resize(depth + 1);
-                }
-                open[depth] = hash;
+            if (above.size() <= level) {
+                above.resize(level + 1);
             }
+            above[level] = hash;
+            return true;
         }
-        if (child) {
-            node = child;
-            ++depth;
-            continue;
-        }
-        while (node != root && !node.next_sibling()) {
-            node = node.parent();
-            --depth;
-        }
-        if (node == root) {
-            break;
-        }
-        node = node.next_sibling();
-    }
+    } walker;
+    walker.entries = &entries_;
+    entries_.reserve(64);
+    root.traverse(walker);
 
     std::size_t slots = 16;
     while (slots < entries_.size() * 2) {
@@ -135,7 +139,7 @@ bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) 
         const std::size_t slash = ancestors.rfind('/');
         const std::string_view segment =
             slash == std::string_view::npos ? ancestors : ancestors.substr(slash + 1);
-        if (!ancestor || ancestor == root_ || segment != ancestor.name()) {
+        if (!ancestor || ancestor == root_ || !NameIs(ancestor.name(), segment)) {
             return false;
         }
         ancestor = ancestor.parent();
@@ -166,7 +170,7 @@ pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
     for (std::uint32_t i = heads_[Slot(key)]; i != kNone; i = entries_[i].next) {
         const pugi::xml_node candidate = entries_[i].node;
         const pugi::xml_node parentNode = candidate.parent();
-        if (name == candidate.name() && parent == parentNode.name() &&
+        if (NameIs(candidate.name(), name) && NameIs(parentNode.name(), parent) &&
             AncestorsMatch(parentNode, aboveParent)) {
             return candidate;
         }
