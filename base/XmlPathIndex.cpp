@@ -1,5 +1,6 @@
 #include "base/XmlPathIndex.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -64,6 +65,8 @@ struct CachedIndex {
 // the freed memory, so an entry counts only while its document lives.
 struct IndexCache {
     std::unordered_map<const void*, CachedIndex> entries;
+    // The size at which the entries of documents that are gone are next forgotten.
+    std::size_t sweepAt = 16;
 };
 
 std::unordered_map<const void*, CachedIndex>& Cache() {
@@ -183,14 +186,20 @@ std::shared_ptr<const PathIndex> IndexOf(
     if (!document) {
         return nullptr;
     }
-    auto& cache = Cache();
+    IndexCache& state = ProcessState::Get<IndexCache>();
+    auto& cache = state.entries;
     const void* key = document->internal_object();
     if (const auto found = cache.find(key);
         found != cache.end() && !found->second.document.expired()) {
         return found->second.index;
     }
-    // A new document is the moment to forget the ones that are gone.
-    std::erase_if(cache, [](const auto& entry) { return entry.second.document.expired(); });
+    // The ones that are gone are forgotten when the cache has doubled since the last sweep,
+    // not at every new document: a process that places many types would otherwise pay for
+    // all the types before at each new one.
+    if (cache.size() >= state.sweepAt) {
+        std::erase_if(cache, [](const auto& entry) { return entry.second.document.expired(); });
+        state.sweepAt = std::max<std::size_t>(16, cache.size() * 2);
+    }
     auto index = std::make_shared<const PathIndex>(*document);
     cache[key] = CachedIndex{document, index};
     return index;

@@ -218,7 +218,23 @@ const std::filesystem::path& LibraryFolder() {
 
 std::filesystem::path DefinitionFile(const std::filesystem::path& library,
                                      const std::string& type) {
-    return library / type / (type + ".xml");
+    if (type.empty() || type.find('/') != std::string::npos) {
+        return library / type / (type + ".xml");
+    }
+    // What the appends above make of a name without a separator, composed as text: every
+    // new type asks, and each append splits the whole path into its parts again.
+    const std::string& folder = library.native();
+    std::string file;
+    file.reserve(folder.size() + 2 * type.size() + 6);
+    file += folder;
+    if (!file.empty() && file.back() != '/') {
+        file += '/';
+    }
+    file += type;
+    file += '/';
+    file += type;
+    file += ".xml";
+    return std::filesystem::path(std::move(file));
 }
 
 bool IsSafeTypeName(const std::string& name) {

@@ -61,6 +61,17 @@ TEST_F(FirstMatchTest, InOrderTakesTheFirstWildcardThatFindsAFile) {
     }
 }
 
+// Composed as text for speed, the name must be the very text the path appends give.
+TEST(DefinitionFile, IsTheTextOfTheAppendedPath) {
+    for (const char* library : {"", "/", "lib", "lib/", "/opt/blocks", "./a//b/", ".."}) {
+        for (const char* type : {"T", "ROOM_CONTROLLER", "..", "a b", "", "a/b", "/abs"}) {
+            EXPECT_EQ(DefinitionFile(library, type).native(),
+                      (fs::path(library) / type / (std::string(type) + ".xml")).native())
+                << library << " | " << type;
+        }
+    }
+}
+
 TEST(ComponentFolder, HostOverrideDecidesTheLibraryFolder) {
     SetComponentFolder("/opt/host/blocks/Zerbin");
     EXPECT_EQ(ComponentFolder(), fs::path("/opt/host/blocks/Zerbin"));
