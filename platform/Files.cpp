@@ -216,25 +216,47 @@ const std::filesystem::path& LibraryFolder() {
     return settings.lastLibrary;
 }
 
+namespace {
+
+// What library / type makes of a name without a separator, as text: every new type asks, and
+// each append splits the whole path into its parts again. extra bytes are reserved for what
+// the caller adds.
+std::string TypeFolderText(const std::filesystem::path& library, const std::string& type,
+                           std::size_t extra) {
+    const std::string& folder = library.native();
+    std::string text;
+    text.reserve(folder.size() + type.size() + 1 + extra);
+    text += folder;
+    if (!text.empty() && text.back() != '/') {
+        text += '/';
+    }
+    text += type;
+    return text;
+}
+
+bool IsPlainName(const std::string& type) {
+    return !type.empty() && type.find('/') == std::string::npos;
+}
+
+}  // namespace
+
 std::filesystem::path DefinitionFile(const std::filesystem::path& library,
                                      const std::string& type) {
-    if (type.empty() || type.find('/') != std::string::npos) {
+    if (!IsPlainName(type)) {
         return library / type / (type + ".xml");
     }
-    // What the appends above make of a name without a separator, composed as text: every
-    // new type asks, and each append splits the whole path into its parts again.
-    const std::string& folder = library.native();
-    std::string file;
-    file.reserve(folder.size() + 2 * type.size() + 6);
-    file += folder;
-    if (!file.empty() && file.back() != '/') {
-        file += '/';
-    }
-    file += type;
+    std::string file = TypeFolderText(library, type, type.size() + 5);
     file += '/';
     file += type;
     file += ".xml";
     return std::filesystem::path(std::move(file));
+}
+
+std::filesystem::path TypeFolder(const std::filesystem::path& library, const std::string& type) {
+    if (!IsPlainName(type)) {
+        return library / type;
+    }
+    return std::filesystem::path(TypeFolderText(library, type, 0));
 }
 
 bool IsSafeTypeName(const std::string& name) {

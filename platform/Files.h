@@ -51,6 +51,8 @@ inline constexpr std::uintmax_t kMaxDefinitionBytes = std::uintmax_t{64} << 20;
 
 // The definition file of block type T in a library: library / T / "T.xml".
 std::filesystem::path DefinitionFile(const std::filesystem::path& library, const std::string& type);
+// The folder of block type T in a library: library / T.
+std::filesystem::path TypeFolder(const std::filesystem::path& library, const std::string& type);
 
 // True when name can stand for a block type folder in the library: not empty, not "." or
 // "..", no "/" or "\", no control character, at most 255 bytes.

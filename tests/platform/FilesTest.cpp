@@ -62,11 +62,13 @@ TEST_F(FirstMatchTest, InOrderTakesTheFirstWildcardThatFindsAFile) {
 }
 
 // Composed as text for speed, the name must be the very text the path appends give.
-TEST(DefinitionFile, IsTheTextOfTheAppendedPath) {
+TEST(DefinitionFile, AndTypeFolderAreTheTextsOfTheAppendedPaths) {
     for (const char* library : {"", "/", "lib", "lib/", "/opt/blocks", "./a//b/", ".."}) {
         for (const char* type : {"T", "ROOM_CONTROLLER", "..", "a b", "", "a/b", "/abs"}) {
             EXPECT_EQ(DefinitionFile(library, type).native(),
                       (fs::path(library) / type / (std::string(type) + ".xml")).native())
+                << library << " | " << type;
+            EXPECT_EQ(TypeFolder(library, type).native(), (fs::path(library) / type).native())
                 << library << " | " << type;
         }
     }
