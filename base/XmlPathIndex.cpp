@@ -1,6 +1,7 @@
 #include "base/XmlPathIndex.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -14,11 +15,6 @@
 
 namespace zerbin::xml {
 namespace {
-
-bool HasEmptySegment(std::string_view path) {
-    return path.empty() || path.front() == '/' || path.back() == '/' ||
-           path.find("//") != std::string_view::npos;
-}
 
 // A name's length and its first and last eight bytes: element names are short and differ
 // there, and names that merely share a hash are told apart where they are compared.
@@ -100,7 +96,8 @@ PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
             const std::uint64_t hash = NameHash(node.name());
             // The root's children have the root for parent, which no path may name.
             if (level > 0) {
-                entries->push_back(Entry{PairKey(above[level - 1], hash), node, kNone});
+                entries->push_back(Entry{PairKey(above[level - 1], hash), node, kNone,
+                                         static_cast<std::uint32_t>(level)});
             }
             if (above.size() <= level) {
                 above.resize(level + 1);
@@ -136,45 +133,62 @@ std::size_t PathIndex::Slot(std::uint64_t key) const {
     return slot;
 }
 
-bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const {
-    pugi::xml_node ancestor = node.parent();
-    while (!ancestors.empty()) {
-        const std::size_t slash = ancestors.rfind('/');
-        const std::string_view segment =
-            slash == std::string_view::npos ? ancestors : ancestors.substr(slash + 1);
-        if (!ancestor || ancestor == root_ || !NameIs(ancestor.name(), segment)) {
-            return false;
-        }
-        ancestor = ancestor.parent();
-        ancestors =
-            slash == std::string_view::npos ? std::string_view{} : ancestors.substr(0, slash);
-    }
-    return true;
-}
-
 pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
-    if (!root_ || HasEmptySegment(slashPath)) {
+    if (!root_) {
         return {};
     }
-    const std::size_t lastSlash = slashPath.rfind('/');
-    if (lastSlash == std::string_view::npos) {
+    // The segments, last first, split in one pass that also finds an empty one.
+    std::array<std::string_view, kMaxSegments> segments;
+    std::size_t count = 0;
+    std::size_t end = slashPath.size();
+    for (std::size_t i = slashPath.size(); i-- > 0;) {
+        if (slashPath[i] != '/') {
+            continue;
+        }
+        if (i + 1 == end) {
+            return {};
+        }
+        if (count == kMaxSegments) {
+            return xml::FindFirst(root_, slashPath);  // longer than any caller asks
+        }
+        segments[count++] = slashPath.substr(i + 1, end - i - 1);
+        end = i;
+    }
+    if (end == 0) {
+        return {};
+    }
+    if (count == 0) {
         // A bare name is asked only for the document element, which the walk meets first.
         return xml::FindFirst(root_, slashPath);
     }
-    const std::string_view name = slashPath.substr(lastSlash + 1);
-    const std::string_view ancestors = slashPath.substr(0, lastSlash);
-    const std::size_t parentSlash = ancestors.rfind('/');
-    const bool parentOnly = parentSlash == std::string_view::npos;
-    const std::string_view parent = parentOnly ? ancestors : ancestors.substr(parentSlash + 1);
-    const std::string_view aboveParent =
-        parentOnly ? std::string_view{} : ancestors.substr(0, parentSlash);
+    if (count == kMaxSegments) {
+        return xml::FindFirst(root_, slashPath);
+    }
+    segments[count++] = slashPath.substr(0, end);
+
+    const std::string_view name = segments[0];
+    const std::string_view parent = segments[1];
     const std::uint64_t key = PairKey(NameHash(parent), NameHash(name));
     // Names that merely share the key's hash are told apart here.
     for (std::uint32_t i = heads_[Slot(key)]; i != kNone; i = entries_[i].next) {
-        const pugi::xml_node candidate = entries_[i].node;
-        const pugi::xml_node parentNode = candidate.parent();
-        if (NameIs(candidate.name(), name) && NameIs(parentNode.name(), parent) &&
-            AncestorsMatch(parentNode, aboveParent)) {
+        const Entry& entry = entries_[i];
+        // Every segment names an element below the root: the entry and entry.depth above it.
+        if (entry.depth + 1 < count) {
+            continue;
+        }
+        const pugi::xml_node candidate = entry.node;
+        pugi::xml_node ancestor = candidate.parent();
+        if (!NameIs(candidate.name(), name) || !NameIs(ancestor.name(), parent)) {
+            continue;
+        }
+        std::size_t matched = 2;
+        for (; matched < count; ++matched) {
+            ancestor = ancestor.parent();
+            if (!NameIs(ancestor.name(), segments[matched])) {
+                break;
+            }
+        }
+        if (matched == count) {
             return candidate;
         }
     }

@@ -4,6 +4,7 @@
 // index.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -29,17 +30,18 @@ public:
 private:
     static constexpr std::uint32_t kNone = UINT32_MAX;
 
+    // Paths with more segments are answered by the walk.
+    static constexpr std::size_t kMaxSegments = 16;
+
     // An element whose parent lies below the root; next is the following element, in
-    // document order, whose names hash to the same key.
+    // document order, whose names hash to the same key; depth counts from 0 for the root's
+    // children.
     struct Entry {
         std::uint64_t key;
         pugi::xml_node node;
         std::uint32_t next;
+        std::uint32_t depth;
     };
-
-    // True when the ancestors of node, nearest first, carry the segments of ancestors from its
-    // last one backwards, all of them below the root.
-    bool AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const;
 
     // The slot of key in heads_: the one that holds it, or the empty one where it would go.
     std::size_t Slot(std::uint64_t key) const;
