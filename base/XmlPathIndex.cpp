@@ -35,16 +35,12 @@ std::uint64_t NameHash(std::string_view name) {
     return hash ^ (hash >> 29);
 }
 
-// Whether a name that pugixml holds is text: without measuring the name first, as most
-// compared names differ early.
+// Whether a name that pugixml holds is text, which holds no NUL: without measuring the name
+// first, as most compared names differ early.
 bool NameIs(const char* name, std::string_view text) {
-    for (const char c : text) {
-        if (c == '\0' || *name != c) {
-            return false;
-        }
-        ++name;
-    }
-    return *name == '\0';
+    // text holds no NUL, so strncmp compares all of it unless name ends first, and name is
+    // long enough to hold a byte after it when they match.
+    return std::strncmp(name, text.data(), text.size()) == 0 && name[text.size()] == '\0';
 }
 
 std::uint64_t PairKey(std::uint64_t parent, std::uint64_t name) {
@@ -134,17 +130,17 @@ std::size_t PathIndex::Slot(std::uint64_t key) const {
 }
 
 pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
-    if (!root_) {
+    // No element's name holds a NUL, so no path that holds one finds anything.
+    const char* const data = slashPath.data();
+    if (!root_ || slashPath.empty() || std::memchr(data, '\0', slashPath.size()) != nullptr) {
         return {};
     }
     // The segments, last first, split in one pass that also finds an empty one.
     std::array<std::string_view, kMaxSegments> segments;
     std::size_t count = 0;
     std::size_t end = slashPath.size();
-    for (std::size_t i = slashPath.size(); i-- > 0;) {
-        if (slashPath[i] != '/') {
-            continue;
-        }
+    while (const void* slash = memrchr(data, '/', end)) {
+        const auto i = static_cast<std::size_t>(static_cast<const char*>(slash) - data);
         if (i + 1 == end) {
             return {};
         }
