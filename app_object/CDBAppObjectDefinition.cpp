@@ -2,12 +2,14 @@
 // the store, reading its header, and looking for a datasheet of the type.
 #include <cctype>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <typeinfo>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -99,12 +101,12 @@ std::optional<std::string> FirstDocument(const Match& match, const std::string& 
 // the library's datasheet collection grew.
 const std::vector<std::string>& SharedListing(const std::filesystem::path& shared) {
     struct Listings {
-        std::map<std::string, std::vector<std::string>> byFolder;
+        std::map<std::string, std::vector<std::string>, std::less<>> byFolder;
     };
     auto& listings = ProcessState::Get<Listings>().byFolder;
-    auto listing = listings.find(shared.string());
+    auto listing = listings.find(shared.native());
     if (listing == listings.end()) {
-        listing = listings.emplace(shared.string(), RegularFiles(shared)).first;
+        listing = listings.emplace(shared.native(), RegularFiles(shared)).first;
     }
     return listing->second;
 }
@@ -115,9 +117,11 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
                                          const std::string& type, const std::string& id,
                                          bool listOnce) {
     if (IsSafeTypeName(type)) {
-        const std::filesystem::path own = library / type;
-        const auto inOwn = [&](const std::string& wildcard) { return FirstMatch(own, wildcard); };
-        if (auto file = FirstDocument(inOwn, "*")) {
+        // Listed once for both extensions: the type's folder is read for every new type.
+        static const std::vector<std::string> kOwnDocuments{"*" + ExtensionWildcard("pdf"),
+                                                            "*" + ExtensionWildcard("doc")};
+        const std::filesystem::path own = TypeFolder(library, type);
+        if (auto file = FirstMatchInOrder(own, kOwnDocuments)) {
             return (own / *file).string();
         }
     }
@@ -138,15 +142,34 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
 using DatasheetKey = std::tuple<std::string, std::string, std::string>;
 using DatasheetViews = std::tuple<std::string_view, std::string_view, std::string_view>;
 
-struct DatasheetKeyLess {
+DatasheetViews ViewsOf(const DatasheetViews& views) {
+    return views;
+}
+DatasheetViews ViewsOf(const DatasheetKey& key) {
+    return {std::get<0>(key), std::get<1>(key), std::get<2>(key)};
+}
+
+// Hashed rather than ordered: the keys share the library's long prefix, which an ordered
+// map compares again at every step down.
+struct DatasheetKeyHash {
     using is_transparent = void;
-    static DatasheetViews Of(const DatasheetViews& views) { return views; }
-    static DatasheetViews Of(const DatasheetKey& key) {
-        return {std::get<0>(key), std::get<1>(key), std::get<2>(key)};
+    template <class Key>
+    std::size_t operator()(const Key& key) const {
+        const auto [library, type, id] = ViewsOf(key);
+        const std::hash<std::string_view> hash;
+        std::size_t seed = hash(library);
+        for (const std::size_t part : {hash(type), hash(id)}) {
+            seed ^= part + 0x9E3779B97F4A7C15ull + (seed << 6) + (seed >> 2);
+        }
+        return seed;
     }
+};
+
+struct DatasheetKeyEqual {
+    using is_transparent = void;
     template <class A, class B>
     bool operator()(const A& a, const B& b) const {
-        return Of(a) < Of(b);
+        return ViewsOf(a) == ViewsOf(b);
     }
 };
 
@@ -159,7 +182,9 @@ struct DatasheetKeyLess {
 const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& library,
                                                   const std::string& type, const std::string& id) {
     struct Datasheets {
-        std::map<DatasheetKey, std::optional<std::string>, DatasheetKeyLess> found;
+        std::unordered_map<DatasheetKey, std::optional<std::string>, DatasheetKeyHash,
+                           DatasheetKeyEqual>
+            found;
     };
     auto& found = ProcessState::Get<Datasheets>().found;
     // Looked up by views, without copying: every block of a type asks.

@@ -1,7 +1,14 @@
 #include "base/XmlPathIndex.h"
 
-#include <functional>
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "base/ProcessState.h"
 #include "base/Xml.h"
@@ -9,9 +16,35 @@
 namespace zerbin::xml {
 namespace {
 
-bool HasEmptySegment(std::string_view path) {
-    return path.empty() || path.front() == '/' || path.back() == '/' ||
-           path.find("//") != std::string_view::npos;
+// A name's length and its first and last eight bytes: element names are short and differ
+// there, and names that merely share a hash are told apart where they are compared.
+std::uint64_t NameHash(std::string_view name) {
+    const std::size_t size = name.size();
+    std::uint64_t head = 0;
+    std::uint64_t tail = 0;
+    if (size >= sizeof head) {
+        std::memcpy(&head, name.data(), sizeof head);
+        std::memcpy(&tail, name.data() + size - sizeof tail, sizeof tail);
+    } else {
+        for (std::size_t i = 0; i < size; ++i) {
+            head |= std::uint64_t{static_cast<unsigned char>(name[i])} << (8 * i);
+        }
+    }
+    std::uint64_t hash = (head ^ (size * 0x9E3779B97F4A7C15ull)) * 0xBF58476D1CE4E5B9ull;
+    hash = (hash ^ tail ^ (hash >> 31)) * 0x94D049BB133111EBull;
+    return hash ^ (hash >> 29);
+}
+
+// Whether a name that pugixml holds is text, which holds no NUL: without measuring the name
+// first, as most compared names differ early.
+bool NameIs(const char* name, std::string_view text) {
+    // text holds no NUL, so strncmp compares all of it unless name ends first, and name is
+    // long enough to hold a byte after it when they match.
+    return std::strncmp(name, text.data(), text.size()) == 0 && name[text.size()] == '\0';
+}
+
+std::uint64_t PairKey(std::uint64_t parent, std::uint64_t name) {
+    return parent ^ (name + 0x9E3779B97F4A7C15ull + (parent << 6) + (parent >> 2));
 }
 
 struct CachedIndex {
@@ -24,6 +57,8 @@ struct CachedIndex {
 // the freed memory, so an entry counts only while its document lives.
 struct IndexCache {
     std::unordered_map<const void*, CachedIndex> entries;
+    // The size at which the entries of documents that are gone are next forgotten.
+    std::size_t sweepAt = 16;
 };
 
 std::unordered_map<const void*, CachedIndex>& Cache() {
@@ -41,81 +76,115 @@ const PathIndex* LiveIndex(const void* key) {
 
 }  // namespace
 
-std::size_t PathIndex::NamePairHash::operator()(const NamePair& pair) const {
-    const std::size_t parent = std::hash<std::string_view>{}(pair.parent);
-    const std::size_t name = std::hash<std::string_view>{}(pair.name);
-    return parent ^ (name + 0x9E3779B97F4A7C15ull + (parent << 6) + (parent >> 2));
-}
-
 PathIndex::PathIndex(pugi::xml_node root) : root_(root) {
-    // Document order, as the plain search walks, so each list is in that order; pugixml's own
-    // walk is iterative and takes no library call per step.
+    // pugixml's own walk: iterative, so any depth is fine, and it steps through the tree
+    // without a library call per step. In document order, each element comes after its
+    // parent and before the parent's next sibling, so the last name hashed one level up is
+    // the parent's.
     struct Walker : pugi::xml_tree_walker {
-        PathIndex* index;
+        std::vector<Entry>* entries;
+        std::vector<std::uint64_t> above;  // by depth, 0 for the root's children
         bool for_each(pugi::xml_node& node) override {
-            if (node.type() == pugi::node_element) {
-                index->byParentAndName_[NamePair{node.parent().name(), node.name()}].push_back(
-                    node);
+            if (node.type() != pugi::node_element) {
+                return true;
             }
+            const auto level = static_cast<std::size_t>(depth());
+            const std::uint64_t hash = NameHash(node.name());
+            // The root's children have the root for parent, which no path may name.
+            if (level > 0) {
+                entries->push_back(Entry{PairKey(above[level - 1], hash), node, kNone,
+                                         static_cast<std::uint32_t>(level)});
+            }
+            if (above.size() <= level) {
+                above.resize(level + 1);
+            }
+            above[level] = hash;
             return true;
         }
     } walker;
-    walker.index = this;
+    walker.entries = &entries_;
+    entries_.reserve(64);
     root.traverse(walker);
+
+    std::size_t slots = 16;
+    while (slots < entries_.size() * 2) {
+        slots *= 2;
+    }
+    heads_.assign(slots, kNone);
+    // Backwards, each entry put in front of its key's list, so that every list runs in
+    // document order, the order in which the walk would meet them.
+    for (std::size_t i = entries_.size(); i-- > 0;) {
+        const std::size_t slot = Slot(entries_[i].key);
+        entries_[i].next = heads_[slot];
+        heads_[slot] = static_cast<std::uint32_t>(i);
+    }
 }
 
-bool PathIndex::AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const {
-    pugi::xml_node ancestor = node.parent();
-    while (!ancestors.empty()) {
-        const std::size_t slash = ancestors.rfind('/');
-        const std::string_view segment =
-            slash == std::string_view::npos ? ancestors : ancestors.substr(slash + 1);
-        if (!ancestor || ancestor == root_ || segment != ancestor.name()) {
-            return false;
-        }
-        ancestor = ancestor.parent();
-        ancestors =
-            slash == std::string_view::npos ? std::string_view{} : ancestors.substr(0, slash);
+std::size_t PathIndex::Slot(std::uint64_t key) const {
+    const std::size_t mask = heads_.size() - 1;
+    std::size_t slot = static_cast<std::size_t>((key * 0x9E3779B97F4A7C15ull) >> 32) & mask;
+    while (heads_[slot] != kNone && entries_[heads_[slot]].key != key) {
+        slot = (slot + 1) & mask;
     }
-    return true;
+    return slot;
 }
 
 pugi::xml_node PathIndex::FindFirst(std::string_view slashPath) const {
-    if (const auto known = answers_.find(slashPath); known != answers_.end()) {
-        return known->second;
-    }
-    const pugi::xml_node found = Search(slashPath);
-    if (answers_.size() < kMaxAnswers) {
-        answers_.emplace(slashPath, found);
-    }
-    return found;
-}
-
-pugi::xml_node PathIndex::Search(std::string_view slashPath) const {
-    if (!root_ || HasEmptySegment(slashPath)) {
+    // No element's name holds a NUL, so no path that holds one finds anything.
+    const char* const data = slashPath.data();
+    if (!root_ || slashPath.empty() || std::memchr(data, '\0', slashPath.size()) != nullptr) {
         return {};
     }
-    const std::size_t lastSlash = slashPath.rfind('/');
-    if (lastSlash == std::string_view::npos) {
+    // The segments, last first, split in one pass that also finds an empty one.
+    std::array<std::string_view, kMaxSegments> segments;
+    std::size_t count = 0;
+    std::size_t end = slashPath.size();
+    while (const void* slash = memrchr(data, '/', end)) {
+        const auto i = static_cast<std::size_t>(static_cast<const char*>(slash) - data);
+        if (i + 1 == end) {
+            return {};
+        }
+        if (count == kMaxSegments) {
+            return xml::FindFirst(root_, slashPath);  // longer than any caller asks
+        }
+        segments[count++] = slashPath.substr(i + 1, end - i - 1);
+        end = i;
+    }
+    if (end == 0) {
+        return {};
+    }
+    if (count == 0) {
         // A bare name is asked only for the document element, which the walk meets first.
         return xml::FindFirst(root_, slashPath);
     }
-    const std::string_view name = slashPath.substr(lastSlash + 1);
-    const std::string_view ancestors = slashPath.substr(0, lastSlash);
-    const std::size_t parentSlash = ancestors.rfind('/');
-    const bool parentOnly = parentSlash == std::string_view::npos;
-    const std::string_view parent = parentOnly ? ancestors : ancestors.substr(parentSlash + 1);
-    const std::string_view aboveParent =
-        parentOnly ? std::string_view{} : ancestors.substr(0, parentSlash);
-    const auto found = byParentAndName_.find(NamePair{parent, name});
-    if (found == byParentAndName_.end()) {
-        return {};
+    if (count == kMaxSegments) {
+        return xml::FindFirst(root_, slashPath);
     }
-    // The key has matched the parent's name; what is left is that the parent lies below the
-    // root, and the ancestors above it.
-    for (const pugi::xml_node candidate : found->second) {
-        const pugi::xml_node parentNode = candidate.parent();
-        if (parentNode != root_ && AncestorsMatch(parentNode, aboveParent)) {
+    segments[count++] = slashPath.substr(0, end);
+
+    const std::string_view name = segments[0];
+    const std::string_view parent = segments[1];
+    const std::uint64_t key = PairKey(NameHash(parent), NameHash(name));
+    // Names that merely share the key's hash are told apart here.
+    for (std::uint32_t i = heads_[Slot(key)]; i != kNone; i = entries_[i].next) {
+        const Entry& entry = entries_[i];
+        // Every segment names an element below the root: the entry and entry.depth above it.
+        if (entry.depth + 1 < count) {
+            continue;
+        }
+        const pugi::xml_node candidate = entry.node;
+        pugi::xml_node ancestor = candidate.parent();
+        if (!NameIs(candidate.name(), name) || !NameIs(ancestor.name(), parent)) {
+            continue;
+        }
+        std::size_t matched = 2;
+        for (; matched < count; ++matched) {
+            ancestor = ancestor.parent();
+            if (!NameIs(ancestor.name(), segments[matched])) {
+                break;
+            }
+        }
+        if (matched == count) {
             return candidate;
         }
     }
@@ -127,14 +196,20 @@ std::shared_ptr<const PathIndex> IndexOf(
     if (!document) {
         return nullptr;
     }
-    auto& cache = Cache();
+    IndexCache& state = ProcessState::Get<IndexCache>();
+    auto& cache = state.entries;
     const void* key = document->internal_object();
     if (const auto found = cache.find(key);
         found != cache.end() && !found->second.document.expired()) {
         return found->second.index;
     }
-    // A new document is the moment to forget the ones that are gone.
-    std::erase_if(cache, [](const auto& entry) { return entry.second.document.expired(); });
+    // The ones that are gone are forgotten when the cache has doubled since the last sweep,
+    // not at every new document: a process that places many types would otherwise pay for
+    // all the types before at each new one.
+    if (cache.size() >= state.sweepAt) {
+        std::erase_if(cache, [](const auto& entry) { return entry.second.document.expired(); });
+        state.sweepAt = std::max<std::size_t>(16, cache.size() * 2);
+    }
     auto index = std::make_shared<const PathIndex>(*document);
     cache[key] = CachedIndex{document, index};
     return index;

@@ -1,21 +1,20 @@
-// First-match path lookups in a document that no longer changes, without walking it: block
-// definitions are parsed once per type and then read for every block, several paths per
-// member, so each of them is indexed once and the lookups ask the index.
+// First-match path lookups in a document that no longer changes, without walking it: a block
+// definition is read for several paths per member when its type is compiled, so it is indexed
+// once, in one pass that costs little more than the walk it saves, and the lookups ask the
+// index.
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include <pugixml.hpp>
 
 namespace zerbin::xml {
 
-// The elements below one root by (parent name, name), in document order. It
+// The elements below one root by the hash of (parent name, name), in document order. It
 // points into the tree: it must not outlive it, and the tree must not change once indexed.
 class PathIndex {
 public:
@@ -29,36 +28,29 @@ public:
     pugi::xml_node Root() const { return root_; }
 
 private:
-    struct NamePair {
-        std::string_view parent;
-        std::string_view name;
-        bool operator==(const NamePair&) const = default;
-    };
-    // Deliberately not noexcept: libstdc++ then keeps each key's hash in the table, and a
-    // lookup compares hashes instead of hashing the names of every key in the bucket again.
-    struct NamePairHash {
-        std::size_t operator()(const NamePair& pair) const;
+    static constexpr std::uint32_t kNone = UINT32_MAX;
+
+    // Paths with more segments are answered by the walk.
+    static constexpr std::size_t kMaxSegments = 16;
+
+    // An element whose parent lies below the root; next is the following element, in
+    // document order, whose names hash to the same key; depth counts from 0 for the root's
+    // children.
+    struct Entry {
+        std::uint64_t key;
+        pugi::xml_node node;
+        std::uint32_t next;
+        std::uint32_t depth;
     };
 
-    // True when the ancestors of node, nearest first, carry the segments of ancestors from its
-    // last one backwards, all of them below the root.
-    bool AncestorsMatch(pugi::xml_node node, std::string_view ancestors) const;
-
-    pugi::xml_node Search(std::string_view slashPath) const;
-
-    struct PathHash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view path) const {
-            return std::hash<std::string_view>{}(path);
-        }
-    };
-    // A bound on the answers kept, whatever asks.
-    static constexpr std::size_t kMaxAnswers = 4096;
+    // The slot of key in heads_: the one that holds it, or the empty one where it would go.
+    std::size_t Slot(std::uint64_t key) const;
 
     pugi::xml_node root_;
-    std::unordered_map<NamePair, std::vector<pugi::xml_node>, NamePairHash> byParentAndName_;
-    // Every block of a type asks the same paths of its definition: each is answered once.
-    mutable std::unordered_map<std::string, pugi::xml_node, PathHash, std::equal_to<>> answers_;
+    std::vector<Entry> entries_;
+    // Open addressing over entries_: the first entry of each key, kNone where empty; at least
+    // twice as many slots as entries, a power of two.
+    std::vector<std::uint32_t> heads_;
 };
 
 // The index of a read-only document, built on the first call for that document and kept for

@@ -5,6 +5,8 @@
 #include <fnmatch.h>
 #include <sys/stat.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -68,12 +70,15 @@ bool IsSharedObject(const std::filesystem::path& file) {
            file.extension() == ".dylib";
 }
 
-// Calls take(name) for each regular file of folder whose name matches wildcard (every one when
-// it is null), in listing order, while take answers true. readdir rather than
+// Calls take(name, choice) for each regular file of folder that choose(name) gives a choice
+// other than kSkip, in listing order, while take answers true. readdir rather than
 // std::filesystem::directory_iterator: libstdc++ allocates inside a noexcept frame there, so
-// running out of memory would end the process instead of reaching the caller.
-template <typename Take>
-void EachRegularFile(const std::filesystem::path& folder, const char* wildcard, const Take& take) {
+// running out of memory would end the process instead of reaching the caller. Only the names
+// chosen are looked at further, so that a folder of many other files costs no stat for each.
+constexpr std::size_t kSkip = SIZE_MAX;
+
+template <typename Choose, typename Take>
+void EachRegularFile(const std::filesystem::path& folder, const Choose& choose, const Take& take) {
     struct CloseDir {
         void operator()(DIR* dir) const { closedir(dir); }
     };
@@ -82,13 +87,14 @@ void EachRegularFile(const std::filesystem::path& folder, const char* wildcard, 
         return;
     }
     while (const dirent* entry = readdir(dir.get())) {
-        if (wildcard != nullptr && fnmatch(wildcard, entry->d_name, 0) != 0) {
+        const std::size_t choice = choose(entry->d_name);
+        if (choice == kSkip) {
             continue;
         }
         std::string name = entry->d_name;
         struct stat status {};
         if (stat((folder / name).c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-            !take(std::move(name))) {
+            !take(std::move(name), choice)) {
             return;
         }
     }
@@ -99,19 +105,50 @@ void EachRegularFile(const std::filesystem::path& folder, const char* wildcard, 
 std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
                                       const std::string& wildcard) {
     std::optional<std::string> match;
-    EachRegularFile(folder, wildcard.c_str(), [&](std::string name) {
-        match = std::move(name);
-        return false;
-    });
+    EachRegularFile(
+        folder,
+        [&](const char* name) {
+            return fnmatch(wildcard.c_str(), name, 0) == 0 ? std::size_t{0} : kSkip;
+        },
+        [&](std::string name, std::size_t) {
+            match = std::move(name);
+            return false;
+        });
+    return match;
+}
+
+std::optional<std::string> FirstMatchInOrder(const std::filesystem::path& folder,
+                                             const std::vector<std::string>& wildcards) {
+    // The best wildcard matched so far; a later file counts only for a better one, and the
+    // first wildcard can't be bettered.
+    std::optional<std::string> match;
+    std::size_t best = wildcards.size();
+    EachRegularFile(
+        folder,
+        [&](const char* name) {
+            for (std::size_t i = 0; i < best; ++i) {
+                if (fnmatch(wildcards[i].c_str(), name, 0) == 0) {
+                    return i;
+                }
+            }
+            return kSkip;
+        },
+        [&](std::string name, std::size_t choice) {
+            match = std::move(name);
+            best = choice;
+            return best > 0;
+        });
     return match;
 }
 
 std::vector<std::string> RegularFiles(const std::filesystem::path& folder) {
     std::vector<std::string> names;
-    EachRegularFile(folder, nullptr, [&](std::string name) {
-        names.push_back(std::move(name));
-        return true;
-    });
+    EachRegularFile(
+        folder, [](const char*) { return std::size_t{0}; },
+        [&](std::string name, std::size_t) {
+            names.push_back(std::move(name));
+            return true;
+        });
     return names;
 }
 
@@ -179,9 +216,47 @@ const std::filesystem::path& LibraryFolder() {
     return settings.lastLibrary;
 }
 
+namespace {
+
+// What library / type makes of a name without a separator, as text: every new type asks, and
+// each append splits the whole path into its parts again. extra bytes are reserved for what
+// the caller adds.
+std::string TypeFolderText(const std::filesystem::path& library, const std::string& type,
+                           std::size_t extra) {
+    const std::string& folder = library.native();
+    std::string text;
+    text.reserve(folder.size() + type.size() + 1 + extra);
+    text += folder;
+    if (!text.empty() && text.back() != '/') {
+        text += '/';
+    }
+    text += type;
+    return text;
+}
+
+bool IsPlainName(const std::string& type) {
+    return !type.empty() && type.find('/') == std::string::npos;
+}
+
+}  // namespace
+
 std::filesystem::path DefinitionFile(const std::filesystem::path& library,
                                      const std::string& type) {
-    return library / type / (type + ".xml");
+    if (!IsPlainName(type)) {
+        return library / type / (type + ".xml");
+    }
+    std::string file = TypeFolderText(library, type, type.size() + 5);
+    file += '/';
+    file += type;
+    file += ".xml";
+    return std::filesystem::path(std::move(file));
+}
+
+std::filesystem::path TypeFolder(const std::filesystem::path& library, const std::string& type) {
+    if (!IsPlainName(type)) {
+        return library / type;
+    }
+    return std::filesystem::path(TypeFolderText(library, type, 0));
 }
 
 bool IsSafeTypeName(const std::string& name) {

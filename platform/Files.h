@@ -16,6 +16,10 @@ namespace zerbin {
 // folder cannot be read; never throws.
 std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
                                       const std::string& wildcard);
+// FirstMatch(folder, w) for the first of wildcards w that finds a file, from one listing of
+// the folder rather than one for each wildcard tried.
+std::optional<std::string> FirstMatchInOrder(const std::filesystem::path& folder,
+                                             const std::vector<std::string>& wildcards);
 
 // The names of the regular files in a folder, in the order the directory listing gives; empty
 // when the folder cannot be read. Throws only std::bad_alloc.
@@ -47,6 +51,8 @@ inline constexpr std::uintmax_t kMaxDefinitionBytes = std::uintmax_t{64} << 20;
 
 // The definition file of block type T in a library: library / T / "T.xml".
 std::filesystem::path DefinitionFile(const std::filesystem::path& library, const std::string& type);
+// The folder of block type T in a library: library / T.
+std::filesystem::path TypeFolder(const std::filesystem::path& library, const std::string& type);
 
 // True when name can stand for a block type folder in the library: not empty, not "." or
 // "..", no "/" or "\", no control character, at most 255 bytes.

@@ -48,6 +48,8 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
         {"", "A//B", "-"},
         {"R/A", "A/B", "-"},  // the root is not part of a match
         {"R", "A/C/B", "A2/C/B"},
+        {"R", "R/A/B", "-"},  // nor is it above one
+        {"", "R/A/B", "A1/B"},
         {"R/a", "a/a", "a/a/a"},
     };
     auto doc = ParseXml(kTree);

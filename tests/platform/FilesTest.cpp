@@ -42,6 +42,38 @@ TEST_F(FirstMatchTest, MatchesRegularFilesByWildcard) {
     }
 }
 
+// The earlier wildcard wins whichever file the listing gives first: of the first two rows,
+// one order disagrees with the listing.
+TEST_F(FirstMatchTest, InOrderTakesTheFirstWildcardThatFindsAFile) {
+    Touch("Pump.xml");
+    Touch("Pump_DS.pdf");
+    const struct {
+        std::vector<std::string> wildcards;
+        std::optional<std::string> expected;
+    } rows[] = {
+        {{"*.doc", "*.xml", "*.pdf"}, "Pump.xml"},
+        {{"*.doc", "*.pdf", "*.xml"}, "Pump_DS.pdf"},
+        {{"*.doc", "Folder.pdf", "*.pdf"}, "Pump_DS.pdf"},
+        {{"*.doc", "Folder.pdf"}, std::nullopt},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(FirstMatchInOrder(dir_, row.wildcards), row.expected) << row.wildcards[0];
+    }
+}
+
+// Composed as text for speed, the name must be the very text the path appends give.
+TEST(DefinitionFile, AndTypeFolderAreTheTextsOfTheAppendedPaths) {
+    for (const char* library : {"", "/", "lib", "lib/", "/opt/blocks", "./a//b/", ".."}) {
+        for (const char* type : {"T", "ROOM_CONTROLLER", "..", "a b", "", "a/b", "/abs"}) {
+            EXPECT_EQ(DefinitionFile(library, type).native(),
+                      (fs::path(library) / type / (std::string(type) + ".xml")).native())
+                << library << " | " << type;
+            EXPECT_EQ(TypeFolder(library, type).native(), (fs::path(library) / type).native())
+                << library << " | " << type;
+        }
+    }
+}
+
 TEST(ComponentFolder, HostOverrideDecidesTheLibraryFolder) {
     SetComponentFolder("/opt/host/blocks/Zerbin");
     EXPECT_EQ(ComponentFolder(), fs::path("/opt/host/blocks/Zerbin"));
