@@ -159,12 +159,12 @@ namespace {
 // The index of the attribute an element of a saved block names, without reaching it; -1 when
 // none does.
 std::ptrdiff_t AttributeIndex(const std::shared_ptr<CDBAttributes>& attributes,
-                              pugi::xml_node element) {
+                              pugi::xml_node element, std::size_t likely) {
     if (!attributes || element.type() != pugi::node_element) {
         return -1;
     }
     std::ptrdiff_t found = -1;
-    SkipStep([&] { found = attributes->IndexOf(xml::BaseNameView(element)); });
+    SkipStep([&] { found = attributes->IndexOf(xml::BaseNameView(element), likely); });
     return found;
 }
 
@@ -183,7 +183,9 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
     named.reserve(attributes_ ? static_cast<std::size_t>(attributes_->IAttributes_Count()) : 0);
     for (pugi::xml_node child : element.children()) {
         if (!xml::IsComment(child)) {
-            named.emplace_back(child, AttributeIndex(attributes_, child));
+            const std::ptrdiff_t before = named.empty() ? -1 : named.back().second;
+            named.emplace_back(
+                child, AttributeIndex(attributes_, child, static_cast<std::size_t>(before + 1)));
         }
     }
     const auto standing = [&](std::ptrdiff_t index) -> const CDBAttribute& {
@@ -221,8 +223,7 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         if (IsSelector(standing(index))) {
             continue;
         }
-        std::optional<std::string> text;
-        SkipStep([&] { text = xml::FirstChildText(child); });
+        const std::optional<std::string_view> text = xml::FirstChildTextView(child);
         const auto at = static_cast<std::size_t>(index);
         // A value saved as the type has it leaves a member the block has not reached the
         // type's: most of a project's values are such.
@@ -233,7 +234,7 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         // An element without text leaves the value empty, not at its default.
         SkipStep([&] { loaded->ClearLoadedValue(); });
         if (text) {
-            SkipStep([&] { loaded->RestoreSavedValue(*text); });
+            SkipStep([&] { loaded->RestoreSavedValue(std::string(*text)); });
         }
     }
 }

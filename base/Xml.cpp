@@ -210,6 +210,14 @@ std::string FirstChildText(pugi::xml_node node) {
     return child.value();
 }
 
+std::optional<std::string_view> FirstChildTextView(pugi::xml_node node) {
+    const pugi::xml_node child = node ? node.first_child() : pugi::xml_node();
+    if (!child || child.type() == pugi::node_element) {
+        return std::nullopt;
+    }
+    return std::string_view(child.value());
+}
+
 bool IsValidName(std::string_view name) {
     if (name.empty()) {
         return false;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -84,6 +85,8 @@ std::string_view BaseNameView(pugi::xml_attribute attribute);
 // Error when the node is empty or has no child, and when the first child has no value
 // because it is an element: reading the text of a node that has none is a failing step.
 std::string FirstChildText(pugi::xml_node node);
+// The same text as a view into the document; empty where FirstChildText throws.
+std::optional<std::string_view> FirstChildTextView(pugi::xml_node node);
 
 // The Name production of XML 1.0 over UTF-8; malformed UTF-8 is not a name.
 bool IsValidName(std::string_view name);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <pugixml.hpp>
@@ -107,7 +108,8 @@ public:
     // Whether ClearLoadedValue and RestoreSavedValue(text) would leave this attribute exactly
     // as it is and tell no one: a value that is no selector's and no structure's, the text
     // stored as the value stands already, no listener, no interceptor. False when unsure.
-    bool RestoringLeavesAsIs(const std::string& text) const;
+    bool RestoringLeavesAsIs(std::string_view text) const;
+    const std::string& Name() const { return def_->name; }
     bool IsUnitDependent() const;
     bool IsUnitSelector() const;
     bool IsTypeSelector() const { return def_->isType; }

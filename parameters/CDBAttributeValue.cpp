@@ -176,7 +176,7 @@ void CDBAttribute::StoreValue(const std::string& text) {
     value_ = JoinStored(tokens);
 }
 
-bool CDBAttribute::RestoringLeavesAsIs(const std::string& text) const {
+bool CDBAttribute::RestoringLeavesAsIs(std::string_view text) const {
     if (fields_ || def_->isUnit || def_->isType || interceptor_ || callbacks_.size() != 0 ||
         writeDepth_ != 0 || !snvtType_) {
         return false;
@@ -187,15 +187,15 @@ bool CDBAttribute::RestoringLeavesAsIs(const std::string& text) const {
         return text == value_;
     }
     std::size_t point = text.find('.');
-    if (point == std::string::npos) {
+    if (point == std::string_view::npos) {
         point = text.find(',');
     }
-    if (point == std::string::npos) {
+    if (point == std::string_view::npos) {
         return text == value_;
     }
     const std::string& separator = DecimalSeparator();
     const std::string_view stored(value_);
-    const std::string_view saved(text);
+    const std::string_view saved = text;
     return stored.size() == saved.size() - 1 + separator.size() &&
            stored.substr(0, point) == saved.substr(0, point) &&
            stored.substr(point, separator.size()) == separator &&

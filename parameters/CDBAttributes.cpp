@@ -115,7 +115,13 @@ const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::AsTheyStand() c
     return items_.Items();
 }
 
-std::ptrdiff_t CDBAttributes::IndexOf(std::string_view key) const {
+std::ptrdiff_t CDBAttributes::IndexOf(std::string_view key, std::size_t likely) const {
+    // Names are unique without regard to case: a member whose name matches is the one the key
+    // finds.
+    const auto& items = items_.Items();
+    if (likely < items.size() && EqualsNoCase(items[likely]->Name(), key)) {
+        return static_cast<std::ptrdiff_t>(likely);
+    }
     return items_.IndexOf(key);
 }
 

@@ -56,8 +56,10 @@ public:
     // For the image and the restore of values, which only read: the members as they stand,
     // the type's where the block has not yet reached them. Never to be changed or handed out.
     const std::vector<std::shared_ptr<CDBAttribute>>& AsTheyStand() const;
-    // The index of the member Item(key) gives, without reaching it; -1 when none.
-    std::ptrdiff_t IndexOf(std::string_view key) const;
+    // The index of the member Item(key) gives, without reaching it; -1 when none. likely is
+    // where the member probably stands (a saved block lists its values in the type's order),
+    // tried first.
+    std::ptrdiff_t IndexOf(std::string_view key, std::size_t likely = 0) const;
     // Whether the member at index is still the type's.
     bool IsTheTypes(std::size_t index) const;
     // The member at index, the block's own (copied first if it was the type's).
