@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -23,19 +24,26 @@ class SharedMembers {
 public:
     // Every one of count members is the type's, to be copied under owner when reached.
     void ShareAll(std::size_t count, std::shared_ptr<Owner> owner) {
-        types_.assign(count, true);
+        if (count <= kInline) {
+            inline_ = count == kInline ? ~uint64_t{0} : (uint64_t{1} << count) - 1;
+            more_.clear();
+        } else {
+            inline_ = 0;
+            more_.assign(count, true);
+        }
         count_ = count;
         owner_ = count > 0 ? std::move(owner) : nullptr;
     }
 
-    bool IsTheTypes(std::size_t index) const { return index < types_.size() && types_[index]; }
-
-    // A member added later is the block's own from the start.
-    void NoteAdded() {
-        if (!types_.empty()) {
-            types_.push_back(false);
+    // False for a member added after ShareAll: the block's own from the start.
+    bool IsTheTypes(std::size_t index) const {
+        if (count_ == 0) {
+            return false;
         }
+        return more_.empty() ? index < kInline && ((inline_ >> index) & 1) != 0
+                             : index < more_.size() && more_[index];
     }
+
     void NoteGlobalKey(const MemberKey& under) { global_ = under; }
     void NoteExtendedKey(const MemberKey& under) { extended_ = under; }
 
@@ -66,23 +74,31 @@ public:
             throw;
         }
         items.ReplaceAt(index, std::move(own));
-        types_[index] = false;
+        if (more_.empty()) {
+            inline_ &= ~(uint64_t{1} << index);
+        } else {
+            more_[index] = false;
+        }
         if (--count_ == 0) {
             // Every member holds its owner now; the list need not.
-            types_.clear();
+            more_.clear();
             owner_.reset();
         }
     }
 
     void ReachAll(KeyedCollection<T>& items) {
-        for (std::size_t i = 0; count_ > 0 && i < types_.size(); ++i) {
+        for (std::size_t i = 0; count_ > 0 && i < items.Items().size(); ++i) {
             Reach(items, i);
         }
     }
 
 private:
-    // Per member: still the type's. Empty when every member is the block's own.
-    std::vector<bool> types_;
+    // Per member: still the type's; a block type has rarely more than 64 members, whose marks
+    // need no allocation of their own.
+    static constexpr std::size_t kInline = 64;
+    uint64_t inline_ = 0;
+    std::vector<bool> more_;
+    // Members still the type's; none once every one is reached.
     std::size_t count_ = 0;
     std::shared_ptr<Owner> owner_;
     std::optional<MemberKey> global_;

@@ -45,7 +45,6 @@ std::shared_ptr<CDBInput> CDBInputs::AddFromDefinition(const std::string& name, 
     input->SetName(name);
     input->LoadDefinition(node);
     items_.Add(name, input);
-    shared_.NoteAdded();
     input->SetIndex(items_.Count() - 1);
     maxNameLength_ = std::max(maxNameLength_, CharCount(name));
     return input;

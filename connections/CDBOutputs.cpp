@@ -46,7 +46,6 @@ std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name
     output->SetName(name);
     output->LoadDefinition(node);
     items_.Add(name, output);
-    shared_.NoteAdded();
     output->SetIndex(items_.Count() - 1);
     maxNameLength_ = std::max(maxNameLength_, CharCount(name));
     return output;

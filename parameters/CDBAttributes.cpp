@@ -52,7 +52,6 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
         attribute->SetName(name);
         attribute->LoadDefinition(node);
         items_.Add(name, attribute);
-        shared_.NoteAdded();
     } catch (...) {
         // A load that ran out of memory, or a refused name: the attribute is in no collection,
         // so nothing else will ever release it from its owner and fields.
