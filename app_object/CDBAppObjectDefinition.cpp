@@ -157,11 +157,7 @@ struct DatasheetKeyHash {
     std::size_t operator()(const Key& key) const {
         const auto [library, type, id] = ViewsOf(key);
         const std::hash<std::string_view> hash;
-        std::size_t seed = hash(library);
-        for (const std::size_t part : {hash(type), hash(id)}) {
-            seed ^= part + 0x9E3779B97F4A7C15ull + (seed << 6) + (seed >> 2);
-        }
-        return seed;
+        return HashCombine(HashCombine(hash(library), hash(type)), hash(id));
     }
 };
 

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/MMain.h"
 #include "base/ProcessState.h"
 #include "connections/CDBInputs.h"
 #include "parameters/CDBAttributes.h"
@@ -17,13 +18,10 @@ namespace {
 struct CompiledTypeKeyHash {
     std::size_t operator()(const CompiledTypeKey& key) const {
         std::size_t hash = std::hash<const void*>{}(key.definition);
-        const auto mix = [&hash](std::size_t value) {
-            hash ^= value + 0x9e3779b97f4a7c15ULL + (hash << 6) + (hash >> 2);
-        };
-        mix(std::hash<const void*>{}(key.ownerDevice));
-        mix(std::hash<uint64_t>{}(key.dictionary));
-        mix(static_cast<std::size_t>(key.unitSystem) * 2 + (key.manageShortFloat ? 1 : 0));
-        return hash;
+        hash = HashCombine(hash, std::hash<const void*>{}(key.ownerDevice));
+        hash = HashCombine(hash, std::hash<uint64_t>{}(key.dictionary));
+        return HashCombine(
+            hash, static_cast<std::size_t>(key.unitSystem) * 2 + (key.manageShortFloat ? 1 : 0));
     }
 };
 

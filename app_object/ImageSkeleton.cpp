@@ -26,6 +26,14 @@ const std::vector<std::shared_ptr<Member>>& MembersOf(const auto* collection) {
     return collection ? collection->Members() : none;
 }
 
+// As they stand: a member the block has not reached is the type's, the same by identity, and
+// the compare need not copy it.
+template <class Member>
+const std::vector<std::shared_ptr<Member>>& StandingOf(const auto* collection) {
+    static const std::vector<std::shared_ptr<Member>> none;
+    return collection ? collection->AsTheyStand() : none;
+}
+
 bool HasPlace(CDBInput& input) {
     return input.IInput_CDBPosition() >= kHeaderBytes;
 }
@@ -156,12 +164,8 @@ bool ImageSkeleton::Write(std::string& image, int32_t dimension, const CDBInputs
         SnvtIndexGeneration() != dictionary_ || DecimalSeparator() != separator_) {
         return false;
     }
-    static const std::vector<std::shared_ptr<CDBInput>> noInputs;
-    const auto& ownInputs = inputs ? inputs->AsTheyStand() : noInputs;
-    // As they stand: a member the block has not reached is the type's, the same by identity,
-    // and the compare need not copy it.
-    static const std::vector<std::shared_ptr<CDBAttribute>> noAttributes;
-    const auto& ownAttributes = attributes ? attributes->AsTheyStand() : noAttributes;
+    const auto& ownInputs = StandingOf<CDBInput>(inputs);
+    const auto& ownAttributes = StandingOf<CDBAttribute>(attributes);
     const auto& inputPrototypes = MembersOf<CDBInput>(prototypeInputs);
     const auto& attributePrototypes = MembersOf<CDBAttribute>(prototypeAttributes);
     bool rewrite = false;

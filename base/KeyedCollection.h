@@ -43,20 +43,11 @@ public:
 
     // nullptr when no member has the key.
     std::shared_ptr<T> FindKey(std::string_view key) const {
-        if (!keys_) {
-            return nullptr;
-        }
-        return WithFolded(key, [&](std::string_view folded) -> std::shared_ptr<T> {
-            auto it = keys_->index.find(folded);
-            return it == keys_->index.end() ? nullptr : items_[it->second];
-        });
+        const std::ptrdiff_t at = KeyIndex(key);
+        return at < 0 ? nullptr : items_[static_cast<std::size_t>(at)];
     }
 
-    bool Contains(std::string_view key) const {
-        return keys_ && WithFolded(key, [&](std::string_view folded) {
-                   return keys_->index.contains(folded);
-               });
-    }
+    bool Contains(std::string_view key) const { return KeyIndex(key) >= 0; }
 
     // By 1-based position; nullptr outside 1 to Count().
     std::shared_ptr<T> At(int32_t position1) const {
@@ -76,15 +67,8 @@ public:
 
     // The 0-based index of the member Item(key) gives; -1 when none.
     std::ptrdiff_t IndexOf(std::string_view key) const {
-        if (keys_) {
-            const std::ptrdiff_t found =
-                WithFolded(key, [&](std::string_view folded) -> std::ptrdiff_t {
-                    auto it = keys_->index.find(folded);
-                    return it == keys_->index.end() ? -1 : static_cast<std::ptrdiff_t>(it->second);
-                });
-            if (found >= 0) {
-                return found;
-            }
+        if (const std::ptrdiff_t found = KeyIndex(key); found >= 0) {
+            return found;
         }
         const double position = LeadingNumber(std::string(key));
         if (!(position >= 1.0) || position > static_cast<double>(items_.size()) ||
@@ -155,18 +139,24 @@ private:
         }
     };
 
-    template <class Use>
-    static auto WithFolded(std::string_view key, Use&& use) {
+    // The position of the member with the key, in any letter case; -1 when none has it.
+    std::ptrdiff_t KeyIndex(std::string_view key) const {
+        if (!keys_) {
+            return -1;
+        }
+        const auto find = [&](std::string_view folded) -> std::ptrdiff_t {
+            const auto it = keys_->index.find(folded);
+            return it == keys_->index.end() ? -1 : static_cast<std::ptrdiff_t>(it->second);
+        };
         constexpr std::size_t kShort = 64;
         if (key.size() <= kShort) {
             std::array<char, kShort> buffer{};
             for (std::size_t i = 0; i < key.size(); ++i) {
                 buffer[i] = AsciiUpper(key[i]);
             }
-            return use(std::string_view(buffer.data(), key.size()));
+            return find(std::string_view(buffer.data(), key.size()));
         }
-        const std::string folded = UpperCase(std::string(key));
-        return use(std::string_view(folded));
+        return find(UpperCase(std::string(key)));
     }
 
     struct Keys {

@@ -119,6 +119,11 @@ double SevenDigits(float value);
 // ---- Text ----------------------------------------------------------------------------------
 
 // An ASCII letter upper-cased; any other byte as it is.
+// Mixes value into seed, for a hash of several parts.
+inline std::size_t HashCombine(std::size_t seed, std::size_t value) {
+    return seed ^ (value + 0x9E3779B97F4A7C15ull + (seed << 6) + (seed >> 2));
+}
+
 // Inline: every comparison of names without case goes through it, a call per character.
 inline char AsciiUpper(char c) {
     return (c >= 'a' && c <= 'z') ? static_cast<char>(c - 'a' + 'A') : c;

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -44,8 +45,28 @@ public:
                              : index < more_.size() && more_[index];
     }
 
-    void NoteGlobalKey(const MemberKey& under) { global_ = under; }
-    void NoteExtendedKey(const MemberKey& under) { extended_ = under; }
+    // Calls act(member) for every member the block has reached: the type's are not the
+    // block's to change.
+    template <class Act>
+    void ForEachOwn(const KeyedCollection<T>& items, Act&& act) const {
+        const auto& members = items.Items();
+        for (std::size_t i = 0; i < members.size(); ++i) {
+            if (!IsTheTypes(i)) {
+                act(*members[i]);
+            }
+        }
+    }
+
+    // Gives the key to every member the block has reached, and keeps it for the ones it
+    // reaches later.
+    void GiveGlobalKey(const KeyedCollection<T>& items, const MemberKey& under) {
+        global_ = under;
+        ForEachOwn(items, [&](T& member) { member.SetGlobalKey(under); });
+    }
+    void GiveExtendedKey(const KeyedCollection<T>& items, const MemberKey& under) {
+        extended_ = under;
+        ForEachOwn(items, [&](T& member) { member.SetExtendedKey(under); });
+    }
 
     // The block is going: the members not yet reached need no owner any more.
     void Forget() {
@@ -84,6 +105,16 @@ public:
             more_.clear();
             owner_.reset();
         }
+    }
+
+    // The member KeyedCollection::Item(key) finds, the block's own; nullptr when none.
+    std::shared_ptr<T> Item(KeyedCollection<T>& items, std::string_view key) {
+        const std::ptrdiff_t at = items.IndexOf(key);
+        if (at < 0) {
+            return nullptr;
+        }
+        Reach(items, static_cast<std::size_t>(at));
+        return items.Items()[static_cast<std::size_t>(at)];
     }
 
     void ReachAll(KeyedCollection<T>& items) {

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/MMain.h"
 #include "base/ProcessState.h"
 #include "base/Xml.h"
 
@@ -44,7 +45,7 @@ bool NameIs(const char* name, std::string_view text) {
 }
 
 std::uint64_t PairKey(std::uint64_t parent, std::uint64_t name) {
-    return parent ^ (name + 0x9E3779B97F4A7C15ull + (parent << 6) + (parent >> 2));
+    return HashCombine(parent, name);
 }
 
 struct CachedIndex {

@@ -17,12 +17,7 @@ int32_t CDBInputs::IInputs_Count() {
 }
 
 std::shared_ptr<IInput> CDBInputs::IInputs_Item(const std::string& Key) {
-    const std::ptrdiff_t at = items_.IndexOf(Key);
-    if (at < 0) {
-        return nullptr;
-    }
-    shared_.Reach(items_, static_cast<std::size_t>(at));
-    return items_.Items()[static_cast<std::size_t>(at)];
+    return shared_.Item(items_, Key);
 }
 
 std::vector<std::shared_ptr<IInput>> CDBInputs::IInputs_NewEnum() {
@@ -64,7 +59,7 @@ std::shared_ptr<CDBInputs> CDBInputs::CopyFor(const std::shared_ptr<IAppObject>&
 std::shared_ptr<CDBInputs> CDBInputs::SharedFor(const std::shared_ptr<IAppObject>& parent) const {
     auto shared = std::make_shared<CDBInputs>();
     shared->maxNameLength_ = maxNameLength_;
-    shared->items_ = items_.Copied([](const std::shared_ptr<CDBInput>& input) { return input; });
+    shared->items_ = items_;
     shared->shared_.ShareAll(items_.Items().size(), parent);
     return shared;
 }
@@ -80,35 +75,17 @@ int32_t CDBInputs::MaxNameLength() const {
 void CDBInputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.NoteGlobalKey(under);
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (!shared_.IsTheTypes(i)) {
-            items[i]->SetGlobalKey(under);
-        }
-    }
+    shared_.GiveGlobalKey(items_, under);
 }
 
 void CDBInputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.NoteExtendedKey(under);
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (!shared_.IsTheTypes(i)) {
-            items[i]->SetExtendedKey(under);
-        }
-    }
+    shared_.GiveExtendedKey(items_, under);
 }
 
 void CDBInputs::Destroy() {
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        // The type's members are not the block's to change.
-        if (!shared_.IsTheTypes(i)) {
-            items[i]->SetParent(nullptr);
-        }
-    }
+    shared_.ForEachOwn(items_, [](CDBInput& input) { input.SetParent(nullptr); });
     shared_.Forget();
 }
 

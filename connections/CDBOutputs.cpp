@@ -17,12 +17,7 @@ int32_t CDBOutputs::IOutputs_Count() {
 }
 
 std::shared_ptr<IOutput> CDBOutputs::IOutputs_Item(const std::string& Key) {
-    const std::ptrdiff_t at = items_.IndexOf(Key);
-    if (at < 0) {
-        return nullptr;
-    }
-    shared_.Reach(items_, static_cast<std::size_t>(at));
-    return items_.Items()[static_cast<std::size_t>(at)];
+    return shared_.Item(items_, Key);
 }
 
 std::vector<std::shared_ptr<IOutput>> CDBOutputs::IOutputs_NewEnum() {
@@ -65,13 +60,9 @@ std::shared_ptr<CDBOutputs> CDBOutputs::CopyFor(const std::shared_ptr<IAppObject
 std::shared_ptr<CDBOutputs> CDBOutputs::SharedFor(const std::shared_ptr<IAppObject>& parent) const {
     auto shared = std::make_shared<CDBOutputs>();
     shared->maxNameLength_ = maxNameLength_;
-    shared->items_ = items_.Copied([](const std::shared_ptr<CDBOutput>& output) { return output; });
+    shared->items_ = items_;
     shared->shared_.ShareAll(items_.Items().size(), parent);
     return shared;
-}
-
-const std::vector<std::shared_ptr<CDBOutput>>& CDBOutputs::AsTheyStand() const {
-    return items_.Items();
 }
 
 int32_t CDBOutputs::MaxNameLength() const {
@@ -81,25 +72,13 @@ int32_t CDBOutputs::MaxNameLength() const {
 void CDBOutputs::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.NoteGlobalKey(under);
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (!shared_.IsTheTypes(i)) {
-            items[i]->SetGlobalKey(under);
-        }
-    }
+    shared_.GiveGlobalKey(items_, under);
 }
 
 void CDBOutputs::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.NoteExtendedKey(under);
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (!shared_.IsTheTypes(i)) {
-            items[i]->SetExtendedKey(under);
-        }
-    }
+    shared_.GiveExtendedKey(items_, under);
 }
 
 const std::vector<std::shared_ptr<CDBOutput>>& CDBOutputs::Members() const {

@@ -39,9 +39,6 @@ public:
     // stays the type's until the block first reaches it, and is copied under parent only then
     // (see SharedMembers). This collection must never change afterwards.
     std::shared_ptr<CDBOutputs> SharedFor(const std::shared_ptr<IAppObject>& parent) const;
-    // For the image, which only compares: the members as they stand, the type's where the
-    // block has not reached them. Never to be changed or handed out.
-    const std::vector<std::shared_ptr<CDBOutput>>& AsTheyStand() const;
 
 private:
     std::string globalKey_;

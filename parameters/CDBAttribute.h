@@ -197,6 +197,8 @@ private:
                         bool change);
     // The key of a change of unit whose outcome may be kept; none when it depends on more
     // than the key can hold (no definition, a converter of another kind).
+    // What the blocks sharing this attribute's definition derived from units, made on first use.
+    std::shared_ptr<UnitDerivationMemo> Derivations() const;
     std::optional<UnitDerivationKey> DerivationKey(
         const CDBUnit& unit, const std::shared_ptr<const pugi::xml_document>& definition);
 

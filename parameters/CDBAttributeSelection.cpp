@@ -132,11 +132,9 @@ int32_t CDBAttribute::LengthWithUnit(const CDBUnit& unit) const {
                                ? unit.DifferentialTypeID
                                : unit.UnitTypeID;
     const uint64_t generation = SnvtIndexGeneration();
-    if (def_->unitDerivations) {
-        if (const auto* known =
-                def_->unitDerivations->FindLength(id, generation, shortFloatManaged_)) {
-            return known->bytes;
-        }
+    UnitDerivationMemo& memo = *Derivations();
+    if (const auto* known = memo.FindLength(id, generation, shortFloatManaged_)) {
+        return known->bytes;
     }
     if (!FindSnvtEntry(id)) {
         return 0;  // an unknown type gets a record of length 0, which fits anywhere
@@ -148,10 +146,7 @@ int32_t CDBAttribute::LengthWithUnit(const CDBUnit& unit) const {
         ClassOf(record) == TypeClass::Float && shortFloatManaged_ ? 2 : record.ISNVType_Length();
     // Kept for the type's other blocks only when the look-up told the user nothing.
     if (shown.Messages().empty()) {
-        if (!def_->unitDerivations) {
-            def_->unitDerivations = std::make_shared<UnitDerivationMemo>();
-        }
-        def_->unitDerivations->AddLength({id, generation, shortFloatManaged_, bytes});
+        memo.AddLength({id, generation, shortFloatManaged_, bytes});
     }
     return bytes;
 }
@@ -215,8 +210,13 @@ void CDBAttribute::ApplyFirstUnit(CDBAttribute& selector) {
     DeriveFromUnit(unit, selector.IAttribute_DefaultValue(), false);
 }
 
-// The steps shared by the first derivation at creation and a later change of unit: a later
-// change starts from a new type record and tells the listeners.
+std::shared_ptr<UnitDerivationMemo> CDBAttribute::Derivations() const {
+    if (!def_->unitDerivations) {
+        def_->unitDerivations = std::make_shared<UnitDerivationMemo>();
+    }
+    return def_->unitDerivations;
+}
+
 std::optional<UnitDerivationKey> CDBAttribute::DerivationKey(
     const CDBUnit& unit, const std::shared_ptr<const pugi::xml_document>& definition) {
     std::shared_ptr<IUnitConverter> converter;
@@ -236,6 +236,8 @@ std::optional<UnitDerivationKey> CDBAttribute::DerivationKey(
                              shortFloatManaged_};
 }
 
+// The steps shared by the first derivation at creation and a later change of unit: a later
+// change starts from a new type record and tells the listeners.
 void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
                                   const std::string& converterTypeId, bool change) {
     std::shared_ptr<const pugi::xml_document> definition;
@@ -253,13 +255,7 @@ void CDBAttribute::DeriveFromUnit(const std::shared_ptr<CDBUnit>& unit,
     }
     // Taken before anything is written: a write may give this attribute a definition of its
     // own, and the outcome belongs with the one its type's blocks share.
-    std::shared_ptr<UnitDerivationMemo> memo;
-    if (key) {
-        if (!def_->unitDerivations) {
-            def_->unitDerivations = std::make_shared<UnitDerivationMemo>();
-        }
-        memo = def_->unitDerivations;
-    }
+    const std::shared_ptr<UnitDerivationMemo> memo = key ? Derivations() : nullptr;
     if (memo) {
         if (const UnitDerivation* known = memo->Find(*key)) {
             snvtType_ = known->record;

@@ -5,13 +5,7 @@
 namespace zerbin {
 
 CDBAttributes::~CDBAttributes() {
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        // The type's members are not this block's to take apart.
-        if (!IsTheTypes(i)) {
-            items[i]->Release();
-        }
-    }
+    shared_.ForEachOwn(items_, [](CDBAttribute& attribute) { attribute.Release(); });
 }
 
 int32_t CDBAttributes::IAttributes_Count() {
@@ -23,8 +17,7 @@ std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& K
 }
 
 std::shared_ptr<CDBAttribute> CDBAttributes::Item(std::string_view key) const {
-    const std::ptrdiff_t at = items_.IndexOf(key);
-    return at < 0 ? nullptr : At(static_cast<std::size_t>(at));
+    return shared_.Item(items_, key);
 }
 
 std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
@@ -65,25 +58,13 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
 void CDBAttributes::PropagateGlobalKey(const std::string& key) {
     globalKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.NoteGlobalKey(under);
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (!IsTheTypes(i)) {
-            items[i]->SetGlobalKey(under);
-        }
-    }
+    shared_.GiveGlobalKey(items_, under);
 }
 
 void CDBAttributes::PropagateExtendedKey(const std::string& key) {
     extendedKey_ = key;
     const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.NoteExtendedKey(under);
-    const auto& items = items_.Items();
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (!IsTheTypes(i)) {
-            items[i]->SetExtendedKey(under);
-        }
-    }
+    shared_.GiveExtendedKey(items_, under);
 }
 
 std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(const std::shared_ptr<IAppObject>& owner,
@@ -104,8 +85,7 @@ const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::Members() const
 std::shared_ptr<CDBAttributes> CDBAttributes::SharedFor(
     const std::shared_ptr<IAppObject>& owner) const {
     auto shared = std::make_shared<CDBAttributes>();
-    shared->items_ =
-        items_.Copied([](const std::shared_ptr<CDBAttribute>& attribute) { return attribute; });
+    shared->items_ = items_;
     shared->shared_.ShareAll(items_.Items().size(), owner);
     return shared;
 }

@@ -4,10 +4,12 @@
 // definition, the dictionary and the converter once per block.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <pugixml.hpp>
@@ -45,20 +47,9 @@ struct UnitDerivation {
 class UnitDerivationMemo {
 public:
     const UnitDerivation* Find(const UnitDerivationKey& key) const {
-        for (const UnitDerivation& entry : entries_) {
-            if (entry.key == key) {
-                return &entry;
-            }
-        }
-        return nullptr;
+        return FindIn(entries_, [&](const UnitDerivation& entry) { return entry.key == key; });
     }
-    // A selector offers a handful of units; the cap only bounds a host that keeps changing
-    // the dictionary or the separator.
-    void Add(UnitDerivation entry) {
-        if (entries_.size() < kMaxEntries) {
-            entries_.push_back(std::move(entry));
-        }
-    }
+    void Add(UnitDerivation entry) { AddTo(entries_, std::move(entry)); }
 
     // The bytes a dependent would take with a unit's type, as the check before a change of
     // unit asks for every dependent.
@@ -70,22 +61,34 @@ public:
     };
     const Length* FindLength(const std::string& typeId, uint64_t generation,
                              bool shortFloat) const {
-        for (const Length& entry : lengths_) {
-            if (entry.typeId == typeId && entry.dictionaryGeneration == generation &&
-                entry.shortFloat == shortFloat) {
+        return FindIn(lengths_, [&](const Length& entry) {
+            return entry.typeId == typeId && entry.dictionaryGeneration == generation &&
+                   entry.shortFloat == shortFloat;
+        });
+    }
+    void AddLength(Length entry) { AddTo(lengths_, std::move(entry)); }
+
+private:
+    // A selector offers a handful of units; the cap only bounds a host that keeps changing
+    // the dictionary or the separator.
+    static constexpr std::size_t kMaxEntries = 64;
+
+    template <class Entry, class Matches>
+    static const Entry* FindIn(const std::vector<Entry>& entries, Matches&& matches) {
+        for (const Entry& entry : entries) {
+            if (matches(entry)) {
                 return &entry;
             }
         }
         return nullptr;
     }
-    void AddLength(Length entry) {
-        if (lengths_.size() < kMaxEntries) {
-            lengths_.push_back(std::move(entry));
+    template <class Entry>
+    static void AddTo(std::vector<Entry>& entries, Entry entry) {
+        if (entries.size() < kMaxEntries) {
+            entries.push_back(std::move(entry));
         }
     }
 
-private:
-    static constexpr std::size_t kMaxEntries = 64;
     std::vector<UnitDerivation> entries_;
     std::vector<Length> lengths_;
 };

@@ -102,21 +102,6 @@ void EachRegularFile(const std::filesystem::path& folder, const Choose& choose, 
 
 }  // namespace
 
-std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
-                                      const std::string& wildcard) {
-    std::optional<std::string> match;
-    EachRegularFile(
-        folder,
-        [&](const char* name) {
-            return fnmatch(wildcard.c_str(), name, 0) == 0 ? std::size_t{0} : kSkip;
-        },
-        [&](std::string name, std::size_t) {
-            match = std::move(name);
-            return false;
-        });
-    return match;
-}
-
 std::optional<std::string> FirstMatchInOrder(const std::filesystem::path& folder,
                                              const std::vector<std::string>& wildcards) {
     // The best wildcard matched so far; a later file counts only for a better one, and the
@@ -139,6 +124,11 @@ std::optional<std::string> FirstMatchInOrder(const std::filesystem::path& folder
             return best > 0;
         });
     return match;
+}
+
+std::optional<std::string> FirstMatch(const std::filesystem::path& folder,
+                                      const std::string& wildcard) {
+    return FirstMatchInOrder(folder, {wildcard});
 }
 
 std::vector<std::string> RegularFiles(const std::filesystem::path& folder) {
