@@ -157,11 +157,11 @@ std::string EncodeBytes(const std::string& text, uint8_t length, TypeClass typeC
 }
 
 // True when the text FormatDouble writes for value reads back as value itself, so that the
-// scaled number need not be written and read again: with the point as separator, in the
-// range written without an exponent.
+// scaled number need not be written and read again: in the range written without an exponent.
+// Zero qualifies whatever its sign: the text of -0 is "0", which the caller's +0.0 adds back.
 bool ReadsBackAsItself(double value) {
     const double magnitude = std::fabs(value);
-    return !CommaSeparator() && (magnitude == 0.0 || (magnitude >= 1e-4 && magnitude < 1e15));
+    return magnitude == 0.0 || (magnitude >= 1e-4 && magnitude < 1e15);
 }
 
 // Beyond this a Textual value is not padded: no length of the image comes near it, and the
@@ -194,8 +194,9 @@ std::string Encode(std::string& value, TypeClass typeClass, int32_t length, int1
                 const float scaled = ToSingle(x);
                 const double rounded = SevenDigits(scaled);
                 if (!writeBack && ReadsBackAsItself(rounded) && length >= 0 && length <= 255) {
-                    return EncodeValue({}, SaturatingSingle(rounded), static_cast<uint8_t>(length),
-                                       typeClass, order);
+                    // + 0.0 turns -0, which the text would have written as "0", into 0.
+                    return EncodeValue({}, SaturatingSingle(rounded + 0.0),
+                                       static_cast<uint8_t>(length), typeClass, order);
                 }
                 value = FormatDouble(rounded);
             }
@@ -221,14 +222,14 @@ std::string FormatDisplayValue(const std::string& key, const std::string& enumDe
         const std::size_t comma = rest.find(',');
         const std::size_t semicolon = rest.find(';');
         if (comma == std::string_view::npos) {
-            throw Error("Invalid procedure call or argument", kErrNotFound);
+            throw Error("the value list has an entry without a ','");
         }
         if (rest.substr(0, comma) == key) {
             if (semicolon == std::string_view::npos) {
                 return std::string(rest.substr(comma + 1));  // a last entry without its ";"
             }
             if (semicolon < comma) {
-                throw Error("Invalid procedure call or argument", kErrNotFound);
+                throw Error("the value list has an entry without a ','");
             }
             return std::string(rest.substr(comma + 1, semicolon - comma - 1));
         }
@@ -268,7 +269,7 @@ bool SameEncoding(CDBSNVTType& one, CDBSNVTType& other) {
 void OverwriteDigits(std::string& image, int32_t digitPosition, const std::string& digits,
                      int32_t maxDigits) {
     if (digitPosition < 0 || static_cast<std::size_t>(digitPosition) >= image.size()) {
-        throw Error("Invalid procedure call or argument", kErrNotFound);
+        throw Error("digit " + std::to_string(digitPosition) + " lies outside the image");
     }
     const auto position = static_cast<std::size_t>(digitPosition);
     const std::size_t count = std::min(

@@ -181,28 +181,38 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
 }
 
 // The image's digits are made without the text of the scaled number; they must equal what the
-// encoder that writes and reads back that text gives, for random whole-number shapes.
+// encoder that writes and reads back that text gives, for random whole-number shapes, for
+// values at and near zero from either side, and with either separator.
 TEST(EncodeDigits, GivesTheDigitsOfTheEncoderThatWritesTheText) {
-    DetectDecimalSeparator();
-    std::mt19937 random(20261125u);
-    std::uniform_real_distribution<double> magnitude(-8.0, 8.0);
-    std::uniform_int_distribution<int> coefficient(-4, 4);
-    for (int n = 0; n < 20000; ++n) {
-        const double number = (n % 2 == 0 ? 1 : -1) * std::pow(10.0, magnitude(random));
-        const std::string value = n % 7 == 0 ? std::to_string(n / 7) : FormatDouble(number);
-        const TypeClass typeClass =
-            n % 2 == 0 ? TypeClass::SignedNumeric : TypeClass::UnsignedNumeric;
-        const int32_t length = 1 << ((n / 2) % 3);
-        const auto a = static_cast<int16_t>(coefficient(random) == 0 ? 1 : coefficient(random));
-        const auto b = static_cast<int16_t>(coefficient(random));
-        const auto c = static_cast<int16_t>(n % 5 == 0 ? coefficient(random) : 0);
-        std::string big = value;
-        std::string intel = value;
-        ASSERT_EQ(EncodeDigits(value, typeClass, length, a, b, c, false) + " " +
-                      EncodeDigits(value, typeClass, length, a, b, c, true),
-                  EncodeStream(big, typeClass, length, a, b, c) + " " +
-                      EncodeIntelStream(intel, typeClass, length, a, b, c))
-            << value << " length " << length << " a " << a << " b " << b << " c " << c;
+    const char* const kNearZero[] = {"-0",      "0",      "-1e-50", "1e-50",      "-1.4e-45",
+                                     "1.4e-45", "-1e-40", "3e-39",  "-0.0000001", "1.17549435E-38"};
+    for (const bool comma : {false, true}) {
+        ZERBIN_SEPARATOR(comma, locale);
+        std::mt19937 random(20261125u);
+        std::uniform_real_distribution<double> magnitude(-8.0, 8.0);
+        std::uniform_int_distribution<int> coefficient(-4, 4);
+        for (int n = 0; n < 20000; ++n) {
+            const double number = (n % 2 == 0 ? 1 : -1) * std::pow(10.0, magnitude(random));
+            std::string value = n % 7 == 0 ? std::to_string(n / 7) : FormatDouble(number);
+            if (n % 11 == 0) {
+                value = kNearZero[(n / 11) % std::size(kNearZero)];
+            }
+            const TypeClass typeClass =
+                n % 2 == 0 ? TypeClass::SignedNumeric : TypeClass::UnsignedNumeric;
+            const int32_t length = 1 << ((n / 2) % 3);
+            const auto a = static_cast<int16_t>(coefficient(random) == 0 ? 1 : coefficient(random));
+            const auto b = static_cast<int16_t>(n % 11 == 0 ? 0 : coefficient(random));
+            const auto c =
+                static_cast<int16_t>(n % 5 == 0 && n % 11 != 0 ? coefficient(random) : 0);
+            std::string big = value;
+            std::string intel = value;
+            ASSERT_EQ(EncodeDigits(value, typeClass, length, a, b, c, false) + " " +
+                          EncodeDigits(value, typeClass, length, a, b, c, true),
+                      EncodeStream(big, typeClass, length, a, b, c) + " " +
+                          EncodeIntelStream(intel, typeClass, length, a, b, c))
+                << value << " length " << length << " a " << a << " b " << b << " c " << c
+                << " comma " << comma;
+        }
     }
 }
 
