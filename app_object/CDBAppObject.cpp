@@ -34,7 +34,7 @@ CDBAppObject::CDBAppObject() {
     unitsManager_ = CreateUnitConverter();
     if (!unitsManager_) {
         // Without a converter no attribute can show a value: the host must get no object.
-        throw Error("ActiveX component can't create object", kErrCannotCreateObject);
+        throw Error("the unit converter cannot be made", ErrorKind::TypeNotCreated);
     }
     ServePendingEvents();
     definitionCache_ = DefinitionCache::ForBlocks();

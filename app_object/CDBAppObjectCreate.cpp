@@ -9,6 +9,7 @@
 
 #include "app_object/CDBAppObject.h"
 #include "app_object/CompiledBlockType.h"
+#include "app_object/ImageSkeleton.h"
 #include "base/CheckedMath.h"
 #include "base/MMain.h"
 #include "base/SkipMode.h"
@@ -27,8 +28,6 @@
 
 namespace zerbin {
 namespace {
-
-constexpr int32_t kHeaderBytes = 3;
 
 int32_t SizeInCdb(CDBAttribute& attribute) {
     if (attribute.IAttribute_IsKeepFloatStandard()) {
@@ -314,7 +313,7 @@ void CDBAppObject::ComputeCDBLayout() {
     std::stable_sort(members.begin(), members.end(),
                      [](const Placed& a, const Placed& b) { return a.number < b.number; });
 
-    int32_t offset = kHeaderBytes;
+    int32_t offset = kImageHeaderBytes;
     // 64 bits, so that an ordering number at the top of the 32-bit range can end the walk.
     int64_t number = 1;
     for (std::size_t next = 0; number <= highest; ++number) {

@@ -275,7 +275,7 @@ std::shared_ptr<const pugi::xml_document> CDBAppObject::ObjectXML() {
         // Not stored, so that every later read tries again and tells the user again.
         ShowMessage("Error: The object " + uniqueIdString_ +
                     " is not available; Please verify its name.");
-        throw Error(failure.srcText + "\r" + failure.reason, kErrDefinitionNotLoaded,
+        throw Error(failure.srcText + "\r" + failure.reason, ErrorKind::DefinitionNotLoaded,
                     ComponentBaseName());
     });
     return document;

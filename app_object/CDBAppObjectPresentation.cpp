@@ -49,7 +49,7 @@ int32_t WindowNumber(const WindowHandle& handle) {
         const char* last = digits.data() + digits.size();
         const auto [end, ec] = std::from_chars(first, last, number);
         if (ec != std::errc{} || end != last || first == last) {
-            throw Error("Type mismatch", kErrTypeMismatch);
+            throw Error("'" + digits + "' is not a window number", ErrorKind::NotANumber);
         }
     }
     if (number < std::numeric_limits<int32_t>::min() ||

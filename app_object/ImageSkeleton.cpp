@@ -17,8 +17,7 @@
 namespace zerbin {
 namespace {
 
-constexpr int32_t kHeaderBytes = 3;
-constexpr std::size_t kHeaderDigits = 2 * kHeaderBytes;
+constexpr std::size_t kHeaderDigits = 2 * kImageHeaderBytes;
 
 template <class Member>
 const std::vector<std::shared_ptr<Member>>& MembersOf(const auto* collection) {
@@ -35,11 +34,11 @@ const std::vector<std::shared_ptr<Member>>& StandingOf(const auto* collection) {
 }
 
 bool HasPlace(CDBInput& input) {
-    return input.IInput_CDBPosition() >= kHeaderBytes;
+    return input.IInput_CDBPosition() >= kImageHeaderBytes;
 }
 
 bool HasPlace(CDBAttribute& attribute) {
-    return attribute.IAttribute_CDBPosition() >= kHeaderBytes;
+    return attribute.IAttribute_CDBPosition() >= kImageHeaderBytes;
 }
 
 std::string Written(CDBInput& input, std::string image, bool intel) {

@@ -10,6 +10,9 @@
 
 namespace zerbin {
 
+// The length byte and the two bytes of the object ID that open every image; members follow.
+inline constexpr int32_t kImageHeaderBytes = 3;
+
 class CDBAttributes;
 class CDBInputs;
 

@@ -23,13 +23,12 @@ namespace zerbin {
 template <class T>
 class KeyedCollection {
 public:
-    // Throws Error(kErrKeyExists) when the key is taken, in any letter case.
+    // Throws Error(DuplicateKey) when the key is taken, in any letter case.
     // Strong guarantee: when it throws, the collection is as it was.
     void Add(const std::string& key, std::shared_ptr<T> item) {
         std::string folded = UpperCase(key);
         if (keys_ && keys_->index.contains(folded)) {
-            throw Error("This key is already associated with an element of this collection",
-                        kErrKeyExists);
+            throw Error("the key '" + key + "' is taken", ErrorKind::DuplicateKey);
         }
         // Every allocation comes before the index learns the key: after it nothing may fail.
         MakeRoom(items_);
@@ -81,11 +80,11 @@ public:
     // Puts item in the place of the member at index, under the same key.
     void ReplaceAt(std::size_t index, std::shared_ptr<T> item) { items_[index] = std::move(item); }
 
-    // Throws Error(kErrNotFound) when no member has the key.
+    // Throws Error(NotFound) when no member has the key.
     void Remove(const std::string& key) {
         const std::string folded = UpperCase(key);
         if (!keys_ || !keys_->index.contains(folded)) {
-            throw Error("Invalid procedure call or argument", kErrNotFound);
+            throw Error("no member has the key '" + key + "'", ErrorKind::NotFound);
         }
         Keys& keys = OwnKeys();
         auto it = keys.index.find(folded);

@@ -272,7 +272,7 @@ double LocaleDouble(const std::string& text) {
     std::size_t end = 0;
     const std::optional<double> value = ReadLocaleNumber(body, end);
     if (!value || end != body.size()) {
-        throw Error("Type mismatch", kErrTypeMismatch);
+        throw Error("'" + text + "' is not a number", ErrorKind::NotANumber);
     }
     return *value;
 }
@@ -332,6 +332,32 @@ std::string FormatDouble(double value) {
     auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
                                    std::chars_format::general, 15);
     std::string text(buffer.data(), ec == std::errc{} ? end : buffer.data());
+    for (char& c : text) {
+        if (c == 'e') {
+            c = 'E';
+        } else if (c == '.') {
+            c = DecimalSeparator().front();
+        }
+    }
+    return text;
+}
+
+std::string FormatDoubleExact(double value) {
+    std::string text = FormatDouble(value);
+    if (!std::isfinite(value) || value == 0.0) {
+        return text;
+    }
+    std::array<char, 64> buffer{};
+    const std::to_chars_result fifteen = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                                                       value, std::chars_format::general, 15);
+    double back = 0.0;
+    std::from_chars(buffer.data(), fifteen.ptr, back);
+    if (fifteen.ec == std::errc{} && back == value) {
+        return text;
+    }
+    const std::to_chars_result shortest =
+        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    text.assign(buffer.data(), shortest.ec == std::errc{} ? shortest.ptr : buffer.data());
     for (char& c : text) {
         if (c == 'e') {
             c = 'E';

@@ -32,19 +32,19 @@ bool SkipStep(F&& step) {
     }
 }
 
-// The object behind p; throws Error(kErrObjectNotSet) when there is none.
+// The object behind p; throws Error(MissingObject) when there is none.
 template <class T>
 T& Need(const std::shared_ptr<T>& p) {
     if (!p) {
-        throw Error("Object variable or With block variable not set", kErrObjectNotSet);
+        throw Error("the object is missing", ErrorKind::MissingObject);
     }
     return *p;
 }
 
-// n itself; throws Error(kErrObjectNotSet) when it is empty (a lookup that found nothing).
+// n itself; throws Error(MissingObject) when it is empty (a lookup that found nothing).
 inline pugi::xml_node Need(pugi::xml_node n) {
     if (!n) {
-        throw Error("Object variable or With block variable not set", kErrObjectNotSet);
+        throw Error("the element is missing", ErrorKind::MissingObject);
     }
     return n;
 }

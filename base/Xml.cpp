@@ -205,7 +205,7 @@ std::string BaseName(pugi::xml_attribute attribute) {
 std::string FirstChildText(pugi::xml_node node) {
     const pugi::xml_node child = Need(Need(node).first_child());
     if (child.type() == pugi::node_element) {
-        throw Error("Invalid use of Null", 94);
+        throw Error("'" + std::string(node.name()) + "' holds no text", ErrorKind::NoText);
     }
     return child.value();
 }
@@ -252,11 +252,11 @@ pugi::xml_node AppendChildElement(pugi::xml_node parent, const std::string& name
     Need(parent);
     if (parent.type() == pugi::node_document &&
         parent.find_child([](pugi::xml_node n) { return n.type() == pugi::node_element; })) {
-        throw Error("Only one top level element is allowed in an XML document");
+        throw Error("a document has one element at its top", ErrorKind::XmlStructure);
     }
     pugi::xml_node element = parent.append_child(name.c_str());
     if (!element) {
-        throw Error("This operation cannot be performed with a node of this type");
+        throw Error("only an element can take this node", ErrorKind::XmlStructure);
     }
     return element;
 }
@@ -264,7 +264,7 @@ pugi::xml_node AppendChildElement(pugi::xml_node parent, const std::string& name
 void AppendText(pugi::xml_node node, const std::string& text) {
     Need(node);
     if (node.type() != pugi::node_element) {
-        throw Error("This operation cannot be performed with a node of this type");
+        throw Error("only an element can take this node", ErrorKind::XmlStructure);
     }
     RequireWritable(text, node.name());
     node.append_child(pugi::node_pcdata).set_value(text.c_str());
@@ -276,7 +276,7 @@ void SetAttribute(pugi::xml_node element, const std::string& name, const std::st
     }
     Need(element);
     if (element.type() != pugi::node_element) {
-        throw Error("This operation cannot be performed with a node of this type");
+        throw Error("only an element can take this node", ErrorKind::XmlStructure);
     }
     RequireWritable(value, std::string(element.name()) + "/@" + name);
     pugi::xml_attribute attribute = element.attribute(name.c_str());

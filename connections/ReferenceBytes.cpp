@@ -45,7 +45,7 @@ int32_t ParseHexByte(const std::string& digits) {
         value = value * 16 + digit;
     }
     if (digits.empty() || digits.size() > 2 || value < 0) {
-        throw Error("Type mismatch", kErrTypeMismatch);
+        throw Error("'" + digits + "' is not a hexadecimal byte", ErrorKind::NotANumber);
     }
     return value;
 }

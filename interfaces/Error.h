@@ -1,5 +1,5 @@
-// The error that component operations raise to their callers. Number follows the host's
-// convention of numbered errors (6 is an arithmetic overflow, 91 a missing object).
+// The error that component operations raise to their callers: a kind a caller can act on and a
+// description in words the user can read.
 #pragma once
 
 #include <cstdint>
@@ -9,35 +9,45 @@
 
 namespace zerbin {
 
-// Every error number the component raises.
-constexpr int32_t kErrNotFound = 5;  // "Invalid procedure call or argument"
-constexpr int32_t kErrOverflow = 6;
-constexpr int32_t kErrTypeMismatch = 13;
-constexpr int32_t kErrObjectNotSet = 91;
-constexpr int32_t kErrInvalidNull = 94;
-constexpr int32_t kErrCannotCreateObject = 429;
-constexpr int32_t kErrKeyExists = 457;
-// A definition that did not load.
+enum class ErrorKind {
+    InvalidArgument,      // an argument outside what the operation takes
+    NotFound,             // a key or position that names nothing
+    Overflow,             // an arithmetic result outside its width
+    NotANumber,           // a text that is not wholly a number
+    MissingObject,        // a step through an object or node that does not exist
+    NoText,               // a node whose first child holds no text
+    DuplicateKey,         // a key that a collection holds already
+    XmlStructure,         // a node where the document cannot take it
+    TooLong,              // a value longer than its place
+    TypeNotCreated,       // a block type that cannot be made
+    DefinitionNotLoaded,  // a definition file that did not parse
+};
+
+// The one number the host's side knows: a definition that did not load.
 constexpr int32_t kErrDefinitionNotLoaded = static_cast<int32_t>(0x80040201u);
 
 class Error : public std::runtime_error {
 public:
-    explicit Error(const std::string& description, int32_t number = kErrNotFound,
+    explicit Error(const std::string& description, ErrorKind kind = ErrorKind::InvalidArgument,
                    std::string source = {})
-        : std::runtime_error(description), number_(number), source_(std::move(source)) {}
+        : std::runtime_error(description), kind_(kind), source_(std::move(source)) {}
 
-    int32_t Number() const { return number_; }
+    ErrorKind Kind() const { return kind_; }
+    // kErrDefinitionNotLoaded for a definition that did not load, else 0.
+    int32_t Number() const {
+        return kind_ == ErrorKind::DefinitionNotLoaded ? kErrDefinitionNotLoaded : 0;
+    }
     const std::string& Source() const { return source_; }
 
 private:
-    int32_t number_;
+    ErrorKind kind_;
     std::string source_;
 };
 
 // An arithmetic result outside its width.
 class OverflowError : public Error {
 public:
-    OverflowError() : Error("Overflow", kErrOverflow) {}
+    OverflowError() : Error("arithmetic overflow", ErrorKind::Overflow) {}
 };
 
 // A file that could not be read whole: missing, not a regular file, too large, not permitted,

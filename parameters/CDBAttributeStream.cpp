@@ -46,7 +46,8 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
     const int32_t place = DigitsOf(position_);
     // Never past the room the layout gave: the bytes behind it belong to another member.
     if (placeLength_ > 0 && LengthInCdb() > placeLength_) {
-        throw Error("The attribute " + def_->name + " is longer than its place in the CDB", 9);
+        throw Error("The attribute " + def_->name + " is longer than its place in the CDB",
+                    ErrorKind::TooLong);
     }
 
     if (fields_) {
