@@ -63,8 +63,8 @@ void CDBAppObject::SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& do
     pugi::xml_node block = AppendElement(doc, parentNode, uniqueIdString_, kNoTextField);
     AppendTextElement(block, "UserName", userName_);
     if (forProject) {
-        AppendTextElement(block, "X_Position", FormatDouble(xPosition_));
-        AppendTextElement(block, "Y_Position", FormatDouble(yPosition_));
+        AppendTextElement(block, "X_Position", FormatDoubleExact(xPosition_));
+        AppendTextElement(block, "Y_Position", FormatDoubleExact(yPosition_));
         AppendTextElement(block, "CDB", lastStream_);
     } else {
         AppendTextElement(block, "Key", extendedKey_);

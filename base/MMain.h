@@ -108,6 +108,9 @@ int16_t NarrowToInt16(int32_t value);
 // At most 15 significant digits in general form with DecimalSeparator: "80", "120.5", "0.1";
 // exponent form where the general form asks for it: "1E+20", "1E-05".
 std::string FormatDouble(double value);
+// As FormatDouble where its 15 digits read back as value; otherwise the shortest text that
+// does ("1.7976931348623157E+308"), so that a stored number comes back unchanged.
+std::string FormatDoubleExact(double value);
 // prefix + "\" + name, the key of a member under its collection's, in one allocation.
 std::string JoinKey(const std::string& prefix, const std::string& name);
 // The value rounded to 7 significant digits, then written as FormatDouble writes it:

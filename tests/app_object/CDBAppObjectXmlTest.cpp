@@ -2,6 +2,8 @@
 // written, the reader's leniency, and save then load giving back the same block.
 #include <gmock/gmock.h>
 
+#include <limits>
+
 #include "app_object/CDBAppObject.h"
 #include "base/Xml.h"
 #include "tests/support/Blocks.h"
@@ -114,6 +116,27 @@ TEST(ProjectXmlLoad, PositionsReadEitherSeparator) {
                          row.text + "</Y_Position></B>");
         EXPECT_EQ(block->IAppObject_XPosition(), row.expected) << row.text;
         EXPECT_EQ(block->IAppObject_YPosition(), row.expected) << row.text;
+    }
+}
+
+TEST(ProjectXml, EveryPositionReadsBackAsTheSameNumber) {
+    const double positions[] = {120.5,
+                                0.1,
+                                -3.0000000000000004,
+                                1e-300,
+                                std::numeric_limits<double>::max(),
+                                -std::numeric_limits<double>::max(),
+                                std::numeric_limits<double>::denorm_min()};
+    for (const bool comma : {false, true}) {
+        ZERBIN_SEPARATOR_FOR(comma, locale);
+        for (const double position : positions) {
+            TestBlock block = WorkedFan();
+            block->IAppObject_XPosition(position);
+            auto reopened = std::make_shared<CDBAppObject>();
+            Load(*reopened, Saved(*block));
+            EXPECT_EQ(reopened->IAppObject_XPosition(), position) << Saved(*block);
+            EXPECT_EQ(reopened->IAppObject_YPosition(), 80);
+        }
     }
 }
 
