@@ -1,5 +1,7 @@
 #include "datatypes/CDBCompatibleSNVTs.h"
 
+#include <string_view>
+
 #include "base/MMain.h"
 #include "base/SkipMode.h"
 #include "platform/Events.h"
@@ -88,15 +90,22 @@ void CDBCompatibleSNVTs::AddList(const std::string& list) {
         SkipStep([&] { AddEntry(items_, list); });
         return;
     }
-    for (int32_t index = 0;; ++index) {
+    // One pass over the list: a list may hold many thousands of ids.
+    std::string_view rest = list;
+    while (true) {
         ServePendingEvents();
-        const std::string token = NthToken(list, index, ",");
+        const std::size_t comma = rest.find(',');
+        const std::string token(rest.substr(0, comma));
         // Deliberate: the first empty token ends the list, so "1,,3" adds only "1" and a
         // trailing comma is harmless. Definition files rely on that.
         if (token.empty()) {
             break;
         }
         SkipStep([&] { AddEntry(items_, token); });
+        if (comma == std::string_view::npos) {
+            break;
+        }
+        rest.remove_prefix(comma + 1);
     }
 }
 
