@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <exception>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <pugixml.hpp>
@@ -9,6 +10,7 @@
 #include "base/Xml.h"
 #include "cli/CliErrors.h"
 #include "cli/Commands.h"
+#include "interfaces/Error.h"
 
 namespace zerbin::cli {
 namespace {
@@ -41,7 +43,7 @@ public:
     // with, so that a script hears of them.
     int Report(std::ostream& err) const {
         for (const std::string& objection : objections_) {
-            err << "zerbin: error: " << objection << '\n';
+            err << kErrorPrefix << objection << '\n';
         }
         return objections_.empty() ? kExitOk : kExitFailure;
     }
@@ -68,8 +70,15 @@ private:
     std::vector<std::string> objections_;
 };
 
+// Every image holds at least its header, so an empty one is a failure: a layout beyond the
+// image's 255 bytes or a value that cannot be encoded.
 std::string Image(CDBAppObject& block, bool intel) {
-    return intel ? block.IAppObject_IntelStream() : block.IAppObject_Stream();
+    std::string image = intel ? block.IAppObject_IntelStream() : block.IAppObject_Stream();
+    if (image.empty()) {
+        throw Error("the image of block type '" + block.IAppObject_UniqueIDString() +
+                    "' cannot be made");
+    }
+    return image;
 }
 
 void PrintDocument(const pugi::xml_document& document, std::ostream& out) {
@@ -87,7 +96,7 @@ int RunImage(const CommandContext& context) {
 int RunSave(const CommandContext& context) {
     CommandBlock block(context);
     // The project keeps the last image built, so build one as the host does before saving.
-    block->IAppObject_Stream();
+    Image(*block.operator->(), false);
     pugi::xml_document document;
     pugi::xml_node root = document.append_child(kProjectRoot);
     block->IAppObject_XmlSave(root, document);
@@ -115,12 +124,27 @@ int RunLoad(const CommandContext& context) {
     int index = 0;
     // One buffer for every block's line: its room, once grown, is used again.
     std::string line;
+    std::unordered_map<std::string, bool> typeInLibrary;
     for (pugi::xml_node element : project->document_element().children()) {
         if (element.type() != pugi::node_element) {
             continue;
         }
         ++index;
         const std::string type = element.name();
+        // A type the library lacks is told once; its blocks get no line, as they have no image.
+        const auto [known, first] = typeInLibrary.try_emplace(type, false);
+        if (first) {
+            known->second = HasBlockType(context.host.library, type);
+            if (!known->second) {
+                context.err << kErrorPrefix << "element " << index << " '" << type
+                            << "' of project '" << file << "': no block type '" << type
+                            << "' in library '" << context.host.library.string() << "'\n";
+            }
+        }
+        if (!known->second) {
+            status = std::max(status, kExitFailure);
+            continue;
+        }
         try {
             HostedBlock block(context.host, type,
                               BlockKeys{"Block" + std::to_string(index), {}, {}});

@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace zerbin::cli {
 
@@ -11,6 +12,9 @@ inline constexpr int kExitOk = 0;
 inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;
 inline constexpr int kExitUnreadable = 3;
+
+// What every error line of the command starts with.
+inline constexpr std::string_view kErrorPrefix = "zerbin: error: ";
 
 // A mistake in what the user typed; the text is the one-line hint, without "zerbin: error: ".
 class UsageError : public std::runtime_error {

@@ -57,9 +57,9 @@ Creates a block of TYPE, writes each --set attribute value and each --ref input 
 the order given, and prints its CDB image on one line.
 
   --set NAME=VALUE    write VALUE to the attribute NAME, as the tool's editors do; an
-                      enumeration takes a label as well as a code. A value the
-                      editors would refuse is written all the same and reported,
-                      exit status 1
+                      enumeration or a selector takes the label it shows as well
+                      as a code. A value the editors would refuse is not written
+                      and is reported, exit status 1
   --ref INPUT=HEX     give the input INPUT the reference HEX (4 digits, 6 when extended)
   --export-index N    the block's export index (-32768 to 32767)
   --intel             the image with the least significant byte first

@@ -11,6 +11,7 @@
 #include "base/MMain.h"
 #include "base/Xml.h"
 #include "cli/CliErrors.h"
+#include "datatypes/EnumEntries.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/TypeClass.h"
 #include "interfaces/Error.h"
@@ -132,17 +133,17 @@ int ReportCurrentFailure(std::ostream& err, const std::string& where) {
     try {
         throw;
     } catch (const UnreadableError& error) {
-        err << "zerbin: error: " << where << error.what() << '\n';
+        err << kErrorPrefix << where << error.what() << '\n';
         return kExitUnreadable;
     } catch (const IoError& error) {
-        err << "zerbin: error: " << where << "cannot read '" << error.File()
-            << "': " << error.Reason() << '\n';
+        err << kErrorPrefix << where << "cannot read '" << error.File() << "': " << error.Reason()
+            << '\n';
         return kExitUnreadable;
     } catch (const std::bad_alloc&) {
-        err << "zerbin: error: " << where << "out of memory\n";
+        err << kErrorPrefix << where << "out of memory\n";
         return kExitFailure;
     } catch (const std::exception& error) {
-        err << "zerbin: error: " << where << LowerFirst(error.what()) << '\n';
+        err << kErrorPrefix << where << LowerFirst(error.what()) << '\n';
         return kExitFailure;
     }
 }
@@ -168,12 +169,16 @@ std::vector<std::string> LibraryTypes(const std::filesystem::path& library) {
     return types;
 }
 
+bool HasBlockType(const std::filesystem::path& library, const std::string& type) {
+    std::error_code error;
+    return IsSafeTypeName(type) && std::filesystem::exists(DefinitionFile(library, type), error);
+}
+
 void RequireBlockType(const std::filesystem::path& library, const std::string& type) {
     if (!IsSafeTypeName(type)) {
         throw UsageError("invalid block type name '" + type + "'");
     }
-    std::error_code error;
-    if (!std::filesystem::exists(DefinitionFile(library, type), error)) {
+    if (!HasBlockType(library, type)) {
         throw UsageError("no block type '" + type + "' in library '" + library.string() + "'");
     }
 }
@@ -198,51 +203,6 @@ HostedBlock::~HostedBlock() {
 
 namespace {
 
-struct EnumEntry {
-    int32_t code;
-    std::string label;
-};
-
-// The entries of an enum description as the enumeration editor lists them: "code,label;"
-// each, the first empty entry ending the list.
-std::vector<EnumEntry> EnumEntries(const std::string& description) {
-    std::vector<EnumEntry> entries;
-    for (int32_t i = 0;; ++i) {
-        const std::string entry = NthToken(description, i, ";");
-        if (entry.empty()) {
-            break;
-        }
-        try {
-            entries.push_back(EnumEntry{ToInt16(LeadingNumber(NthToken(entry, 0, ","))),
-                                        NthToken(entry, 1, ",")});
-        } catch (const Error&) {
-            // An entry the editor can't list either.
-        }
-    }
-    return entries;
-}
-
-// The value a --set writes: for an Enum a label stands for its code, as the enumeration
-// editor offers labels; the last entry of a label wins, as in that editor.
-std::string ValueToWrite(IAttribute& attribute, const std::string& value) {
-    const std::shared_ptr<ISNVType> type = attribute.IAttribute_SNVTType();
-    if (!type || ClassOf(*type) != TypeClass::Enum || attribute.IAttribute_IsUnit() ||
-        attribute.IAttribute_IsType()) {
-        return value;
-    }
-    const std::vector<EnumEntry> entries = EnumEntries(type->ISNVType_EnumDesc());
-    std::optional<int32_t> code;
-    for (const EnumEntry& entry : entries) {
-        if (std::to_string(entry.code) == value) {
-            return value;
-        }
-        if (entry.label == value) {
-            code = entry.code;
-        }
-    }
-    return code ? std::to_string(*code) : value;
-}
-
 std::optional<double> NumberOf(const std::string& text) {
     try {
         return LocaleDouble(NormalizeDecimal(text));
@@ -251,36 +211,44 @@ std::optional<double> NumberOf(const std::string& text) {
     }
 }
 
-// What the tool's editors would say against value, or nothing when they would take it.
-std::optional<std::string> EditorObjection(IAttribute& attribute, const std::string& value) {
+// The value to write for text, or the reason the tool's editors would refuse it. An
+// enumeration, a type or unit selector and a device list take a code of their list or the
+// label they show for it (the last entry of a label wins, as in the enumeration editor).
+struct Checked {
+    std::string value;
+    std::optional<std::string> objection;
+};
+
+Checked CheckValue(IAttribute& attribute, const std::string& text) {
     const std::shared_ptr<ISNVType> type = attribute.IAttribute_SNVTType();
-    if (!type || attribute.IAttribute_IsUnit() || attribute.IAttribute_IsType()) {
-        return std::nullopt;
+    if (!type) {
+        return {text, std::nullopt};
     }
     const TypeClass typeClass = ClassOf(*type);
     if (typeClass == TypeClass::Enum) {
-        for (const EnumEntry& entry : EnumEntries(type->ISNVType_EnumDesc())) {
-            if (std::to_string(entry.code) == value) {
-                return std::nullopt;
-            }
+        const std::optional<int16_t> code =
+            EnumCodeOf(EnumEntries(type->ISNVType_EnumDesc()), text);
+        if (!code) {
+            return {text, "'" + text + "' is no code or name of the list"};
         }
-        return "'" + value + "' is no code or name of the enumeration";
+        return {std::to_string(*code), std::nullopt};
     }
-    if (!IsNumericClass(typeClass)) {
-        return std::nullopt;
+    if (!IsNumericClass(typeClass) || attribute.IAttribute_IsUnit() ||
+        attribute.IAttribute_IsType()) {
+        return {text, std::nullopt};
     }
-    const std::optional<double> number = NumberOf(value);
+    const std::optional<double> number = NumberOf(text);
     if (!number) {
-        return "'" + value + "' is not a number";
+        return {text, "'" + text + "' is not a number"};
     }
     const std::optional<double> min = NumberOf(attribute.IAttribute_Min());
     const std::optional<double> max = NumberOf(attribute.IAttribute_Max());
     if ((min && *number < *min) || (max && *number > *max)) {
-        return value + " is outside the limits " +
-               (min ? attribute.IAttribute_Min() : std::string("-")) + " to " +
-               (max ? attribute.IAttribute_Max() : std::string("-"));
+        return {text, text + " is outside the limits " +
+                          (min ? attribute.IAttribute_Min() : std::string("-")) + " to " +
+                          (max ? attribute.IAttribute_Max() : std::string("-"))};
     }
-    return std::nullopt;
+    return {text, std::nullopt};
 }
 
 }  // namespace
@@ -307,16 +275,27 @@ std::vector<std::string> HostedBlock::Apply(const std::vector<Assignment>& sets,
         connections.push_back(std::move(input));
     }
 
+    // A reference goes into the image as it stands: it must fill the input's place exactly.
+    for (std::size_t i = 0; i < refs.size(); ++i) {
+        const std::size_t digits = connections[i]->IInput_Extended() ? 6 : 4;
+        if (refs[i].value.size() != digits) {
+            throw UsageError("--ref " + refs[i].name + "=" + refs[i].value + ": input " +
+                             refs[i].name + " takes " + std::to_string(digits) +
+                             " hexadecimal digits");
+        }
+    }
+
     std::vector<std::string> objections;
     for (std::size_t i = 0; i < sets.size(); ++i) {
         IAttribute& attribute = *targets[i];
-        const std::string value = ValueToWrite(attribute, sets[i].value);
         // Judged before the write: a selector's write changes the types of others.
-        if (const auto objection = EditorObjection(attribute, value)) {
-            objections.push_back("--set " + sets[i].name + "=" + sets[i].value + ": " + *objection +
-                                 "; written as given");
+        const Checked checked = CheckValue(attribute, sets[i].value);
+        if (checked.objection) {
+            objections.push_back("--set " + sets[i].name + "=" + sets[i].value + ": " +
+                                 *checked.objection + "; not written");
+            continue;
         }
-        attribute.IAttribute_Value(value);
+        attribute.IAttribute_Value(checked.value);
     }
     for (std::size_t i = 0; i < refs.size(); ++i) {
         connections[i]->IInput_Value(refs[i].value);

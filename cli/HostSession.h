@@ -65,6 +65,9 @@ int ReportCurrentFailure(std::ostream& err, const std::string& where);
 // UnreadableError when the library folder cannot be listed.
 std::vector<std::string> LibraryTypes(const std::filesystem::path& library);
 
+// True when the library holds a definition file for type (and type could be a folder).
+bool HasBlockType(const std::filesystem::path& library, const std::string& type);
+
 // Throws UsageError when type can't name a folder of the library or has no definition there.
 void RequireBlockType(const std::filesystem::path& library, const std::string& type);
 
@@ -88,11 +91,11 @@ public:
 
     // Writes each attribute value through IAttribute_Value, then each input reference through
     // IInput_Value, in the order given. Every name is looked up first, so that a name the
-    // block lacks throws UsageError ("TYPE has no attribute NAME") before anything is written.
-    // An Enum attribute takes a label of its enumeration for the label's code. A value the
-    // tool's editors would refuse (not a number, outside the limits, no code of the
-    // enumeration) is written all the same, as the write does, and comes back as one
-    // objection each, for the command to report.
+    // block lacks throws UsageError ("TYPE has no attribute NAME"), and so does a reference
+    // that does not fill its input's place, before anything is written. An enumeration or a
+    // selector takes the label it shows for the label's code. A value the tool's editors
+    // would refuse (not a number, outside the limits, no code of the list) is not written
+    // and comes back as one objection each, for the command to report.
     [[nodiscard]] std::vector<std::string> Apply(const std::vector<Assignment>& sets,
                                                  const std::vector<Assignment>& refs);
 

@@ -20,7 +20,7 @@ int RunTypes(const CommandContext& context) {
         try {
             ReadDefinition(context.host.library, type);
         } catch (const UnreadableError& error) {
-            context.err << "zerbin: error: " << error.what() << '\n';
+            context.err << kErrorPrefix << error.what() << '\n';
             status = kExitUnreadable;
             continue;
         }
@@ -54,10 +54,10 @@ int RunCheck(const CommandContext& context) {
             // Building the image is where a layout beyond the CDB's limits shows.
             block->IAppObject_Stream();
         } catch (const UnreadableError& error) {
-            context.err << "zerbin: error: " << error.what() << '\n';
+            context.err << kErrorPrefix << error.what() << '\n';
             status = kExitUnreadable;
         } catch (const std::exception& error) {
-            context.err << "zerbin: error: block type '" << type
+            context.err << kErrorPrefix << "block type '" << type
                         << "': " << LowerFirst(error.what()) << '\n';
             status = std::max(status, kExitFailure);
         }

@@ -98,7 +98,7 @@ int Checked(int status, std::ostream& out, std::ostream& err) {
         return status;
     }
     const int code = errno;
-    err << "zerbin: error: cannot write the output"
+    err << kErrorPrefix << "cannot write the output"
         << (code != 0 ? ": " + LowerFirst(std::strerror(code)) : std::string()) << '\n';
     return status == kExitOk ? kExitFailure : status;
 }
@@ -120,20 +120,10 @@ int Run(const std::vector<std::string>& args, std::ostream& out, std::ostream& e
         }
         return RunCommand(invocation, out, err);
     } catch (const UsageError& error) {
-        err << "zerbin: error: " << error.what() << '\n';
+        err << kErrorPrefix << error.what() << '\n';
         return kExitUsage;
-    } catch (const UnreadableError& error) {
-        err << "zerbin: error: " << error.what() << '\n';
-        return kExitUnreadable;
-    } catch (const std::bad_alloc&) {
-        err << "zerbin: error: out of memory\n";
-        return kExitFailure;
-    } catch (const IoError& error) {
-        err << "zerbin: error: cannot read '" << error.File() << "': " << error.Reason() << '\n';
-        return kExitUnreadable;
-    } catch (const std::exception& error) {
-        err << "zerbin: error: " << LowerFirst(error.what()) << '\n';
-        return kExitFailure;
+    } catch (const std::exception&) {
+        return ReportCurrentFailure(err, {});
     }
 }
 

@@ -75,12 +75,12 @@ TEST(Scripting, OneFailingBlockTypeDoesNotEndCheckOrLoad) {
             .string();
     const ProgramResult check = RunProgram({"--library", lib, "check"});
     EXPECT_EQ(check.status, 1);
-    EXPECT_EQ(check.err, "zerbin: error: block type 'A_OVER': overflow\n");
+    EXPECT_EQ(check.err, "zerbin: error: block type 'A_OVER': arithmetic overflow\n");
     const ProgramResult load = RunProgram({"--library", lib, "load", project});
     EXPECT_EQ(load.status, 1);
     EXPECT_EQ(load.out, "g\tGOOD\t03000A\n");
-    EXPECT_EQ(load.err,
-              "zerbin: error: element 1 'A_OVER' of project '" + project + "': overflow\n");
+    EXPECT_EQ(load.err, "zerbin: error: element 1 'A_OVER' of project '" + project +
+                            "': arithmetic overflow\n");
 }
 
 TEST(Scripting, LoadPrintsOneLinePerBlockWhateverTheUserNameHolds) {
@@ -96,25 +96,82 @@ TEST(Scripting, LoadPrintsOneLinePerBlockWhateverTheUserNameHolds) {
     EXPECT_EQ(load.out, "a\\tb\\r\\nc\\\\d\\n\tQ_EMPTY\t000139\n");
 }
 
-TEST(Scripting, SetTakesEnumLabelsAndReportsWhatTheEditorsWouldRefuse) {
-    const std::string heat = RunProgram({"image", "THERMOSTAT", "--set", "Mode=1"}).out;
-    const ProgramResult byLabel = RunProgram({"image", "THERMOSTAT", "--set", "Mode=HVAC_HEAT"});
-    EXPECT_EQ(byLabel.status, 0) << byLabel.err;
-    EXPECT_EQ(byLabel.out, heat);
+TEST(Scripting, SetTakesTheLabelsAListShowsAndWritesNothingTheEditorsWouldRefuse) {
+    const std::string plain = RunProgram({"image", "SETPOINT_UNIT"}).out;
+    const struct {
+        std::string type, byCode, byLabel;
+    } lists[] = {{"THERMOSTAT", "Mode=1", "Mode=HVAC_HEAT"},
+                 {"SETPOINT_UNIT", "Units=39", "Units=CelsiusWide"}};
+    for (const auto& list : lists) {
+        const ProgramResult byCode = RunProgram({"image", list.type, "--set", list.byCode});
+        const ProgramResult byLabel = RunProgram({"image", list.type, "--set", list.byLabel});
+        EXPECT_EQ(byLabel.status, 0) << byLabel.err;
+        EXPECT_EQ(byLabel.err, "");
+        EXPECT_EQ(byLabel.out, byCode.out) << list.byLabel;
+    }
+    EXPECT_NE(RunProgram({"image", "SETPOINT_UNIT", "--set", "Units=39"}).out, plain);
     EXPECT_EQ(RunProgram({"image", "THERMOSTAT", "--set", "CoolSetpoint=35"}).err,
               "");  // the limit
-    const std::string written = "; written as given";
+    // A refused value leaves the image as the type gives it.
+    const ProgramResult outside = RunProgram({"image", "SETPOINT_UNIT", "--set", "Units=7"});
+    EXPECT_EQ(outside.status, 1);
+    EXPECT_EQ(outside.out, plain);
+    const std::string refused = "; not written";
     ExpectRows({
+        {{"image", "SETPOINT_UNIT", "--set", "Units=7"},
+         1,
+         "zerbin: error: --set Units=7: '7' is no code or name of the list" + refused},
         {{"image", "THERMOSTAT", "--set", "Mode=42"},
          1,
-         "zerbin: error: --set Mode=42: '42' is no code or name of the enumeration" + written},
+         "zerbin: error: --set Mode=42: '42' is no code or name of the list" + refused},
         {{"image", "THERMOSTAT", "--set", "CoolSetpoint=warm"},
          1,
-         "zerbin: error: --set CoolSetpoint=warm: 'warm' is not a number" + written},
+         "zerbin: error: --set CoolSetpoint=warm: 'warm' is not a number" + refused},
         {{"save", "THERMOSTAT", "--set", "CoolSetpoint=50"},
          1,
-         "zerbin: error: --set CoolSetpoint=50: 50 is outside the limits 15 to 35" + written},
+         "zerbin: error: --set CoolSetpoint=50: 50 is outside the limits 15 to 35" + refused},
+        {{"image", "THERMOSTAT", "--ref", "SpaceTemp=12"},
+         2,
+         "zerbin: error: --ref SpaceTemp=12: input SpaceTemp takes 4 hexadecimal digits"},
+        {{"image", "THERMOSTAT", "--ref", "SpaceTemp=12G4"},
+         2,
+         "zerbin: error: --ref expects hexadecimal digits for 'SpaceTemp', found '12G4'"},
     });
+}
+
+TEST(Scripting, ABlockWithoutImageOrTypeGetsNoLineAndExitsOne) {
+    TempFolder folder;
+    std::string members;
+    for (int n = 1; n <= 130; ++n) {
+        members +=
+            "<A" + std::to_string(n) + "><CDBORDERINPOSITION>" + std::to_string(n) +
+            "</CDBORDERINPOSITION><SNVTTYPE>105</SNVTTYPE><DefaultValue>1</DefaultValue></A" +
+            std::to_string(n) + ">";
+    }
+    // 130 members of 2 bytes: the last ones start beyond the image's 255 bytes.
+    folder.Write("lib/WIDE/WIDE.xml",
+                 "<AppObject><ID>7</ID><Attributes>" + members + "</Attributes></AppObject>");
+    folder.Write("lib/GOOD/GOOD.xml", "<AppObject><NAME>Good</NAME><ID>10</ID></AppObject>");
+    const std::string lib = (folder.Path() / "lib").string();
+    for (const char* order : {"", "--intel"}) {
+        std::vector<std::string> args = {"--library", lib, "image", "WIDE"};
+        if (*order != 0) {
+            args.emplace_back(order);
+        }
+        const ProgramResult image = RunProgram(args);
+        EXPECT_EQ(image.status, 1) << order;
+        EXPECT_EQ(image.out, "") << order;
+        EXPECT_NE(image.err.find("zerbin: error: the image of block type 'WIDE' cannot be made\n"),
+                  std::string::npos)
+            << image.err;
+    }
+    const std::string project =
+        folder.Write("p.xml", "<Project><GONE/><GOOD/><GONE/><GOOD/></Project>").string();
+    const ProgramResult load = RunProgram({"--library", lib, "load", project});
+    EXPECT_EQ(load.status, 1);
+    EXPECT_EQ(load.out, "\tGOOD\t03000A\n\tGOOD\t03000A\n");
+    EXPECT_EQ(load.err, "zerbin: error: element 1 'GONE' of project '" + project +
+                            "': no block type 'GONE' in library '" + lib + "'\n");
 }
 
 TEST(Scripting, OutputThatCannotBeWrittenIsAFailure) {
@@ -124,12 +181,16 @@ TEST(Scripting, OutputThatCannotBeWrittenIsAFailure) {
 }
 
 TEST(Zerbin, MessagesOfTheBlocksGoToStderrAsTitleAndText) {
-    // 999 is no type of the dictionary: the selector's write and the image both look it up.
-    const ProgramResult result = RunProgram({"image", "TYPE_MUX", "--set", "DataType=999"});
+    TempFolder folder;
+    folder.Write("lib/GAP/GAP.xml",
+                 "<AppObject><ID>5</ID><InReferences><B><CDBORDERINPOSITION>2"
+                 "</CDBORDERINPOSITION><SNVTCOMPATIBILITYLIST>105</SNVTCOMPATIBILITYLIST></B>"
+                 "</InReferences></AppObject>");
+    const ProgramResult result =
+        RunProgram({"--library", (folder.Path() / "lib").string(), "image", "GAP"});
     EXPECT_EQ(result.status, 0);
-    // The image is still built; the selector's byte is the factor of an unknown type, 0.
-    EXPECT_EQ(result.out, "0C0134000000000000000002\n");
-    EXPECT_THAT(result.err, ::testing::MatchesRegex("(Zerbin: Error: SNVT_999 is not defined\n)+"));
+    EXPECT_EQ(result.out, "030005\n");
+    EXPECT_EQ(result.err, "Zerbin: GAP: Missing CDBOrderinPosition in XML File: 1\n");
 }
 
 TEST(Zerbin, NumbersFollowTheUsersLocale) {
