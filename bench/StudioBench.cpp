@@ -58,9 +58,12 @@ void ModelOpen(benchmark::State& state) {
     StudioProject project(factory, dictionary, nullptr);
     for (auto _ : state) {
         std::string error;
-        if (!project.Load(file, &error)) {
+        const auto document = StudioProject::ReadFile(file, &error);
+        if (!document) {
             state.SkipWithError(error.c_str());
+            break;
         }
+        project.Load(*document);
         benchmark::DoNotOptimize(project.BlockKeys().size());
         state.PauseTiming();
         project.Clear();

@@ -12,7 +12,9 @@
 
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
+#include "interfaces/IProjectFiles.h"
 #include "platform/Files.h"
+#include "platform/ProjectFile.h"
 #include "plugin/HostServices.h"
 #include "plugin/Registration.h"
 #include "zerbin/plugin.h"
@@ -65,6 +67,29 @@ int Guarded(int failure, Body body) noexcept {
     }
 }
 
+class ProjectFiles : public zerbin::IProjectFiles {
+public:
+    std::shared_ptr<pugi::xml_document> IProjectFiles_Read(const std::string& file,
+                                                           std::string& why) override {
+        try {
+            return zerbin::ProjectFile(file).Read();
+        } catch (const zerbin::ProjectFileError& error) {
+            why = error.what();
+            return nullptr;
+        }
+    }
+    bool IProjectFiles_Write(const std::string& file, const pugi::xml_document& document,
+                             std::string& why) override {
+        try {
+            zerbin::ProjectFile(file).Write(document);
+            return true;
+        } catch (const zerbin::ProjectFileError& error) {
+            why = error.what();
+            return false;
+        }
+    }
+};
+
 }  // namespace
 }  // namespace zerbin::plugin
 
@@ -105,6 +130,20 @@ ZERBIN_PLUGIN_API int ZerbinGetClassObject(const char* progId, ZerbinObject** ob
             --liveObjects;
         });
         auto handle = std::make_unique<ZerbinObject>(ZerbinObject{std::move(block)});
+        ++liveObjects;
+        *object = handle.release();
+        return ZERBIN_OK;
+    });
+}
+
+ZERBIN_PLUGIN_API int ZerbinGetProjectFiles(ZerbinObject** object) {
+    if (object == nullptr) {
+        return ZERBIN_E_INVALID_ARGUMENT;
+    }
+    *object = nullptr;
+    return Guarded(ZERBIN_E_UNEXPECTED, [&] {
+        auto handle =
+            std::make_unique<ZerbinObject>(ZerbinObject{std::make_shared<ProjectFiles>()});
         ++liveObjects;
         *object = handle.release();
         return ZERBIN_OK;

@@ -42,7 +42,9 @@ void ServeEvents(void* /*context*/) {
     // cost more than the load itself. Every 25 ms keeps the window as alive.
     static QElapsedTimer timer;
     if (!timer.isValid() || timer.elapsed() >= 25) {
-        QCoreApplication::processEvents();
+        // Input waits until the step is over: a key or click served in the middle of a long
+        // step would act on a project that is half changed.
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
         timer.start();
     }
 }
@@ -67,6 +69,19 @@ std::shared_ptr<IAppObject> BlockFactory::CreateBlock() const {
         throw std::runtime_error("the component made no block (" + std::to_string(result) + ")");
     }
     return block;
+}
+
+std::shared_ptr<IProjectFiles> BlockFactory::ProjectFiles() {
+    const ComponentEntryPoints& component = Component();
+    ZerbinObject* handle = nullptr;
+    const int result = component.getProjectFiles(&handle);
+    auto files =
+        std::dynamic_pointer_cast<IProjectFiles>(TakeObject(handle, component.releaseObject));
+    if (result != ZERBIN_OK || !files) {
+        throw std::runtime_error("the component gave no project file service (" +
+                                 std::to_string(result) + ")");
+    }
+    return files;
 }
 
 void BlockFactory::UseLibrary(const fs::path& library) {

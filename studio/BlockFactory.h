@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "interfaces/IAppObject.h"
+#include "interfaces/IProjectFiles.h"
 
 class QWidget;
 
@@ -41,6 +42,9 @@ public:
     // the next UseLibrary: a project asks once for every block.
     bool HasType(const std::string& type) const;
     BlockTypeInfo Describe(const std::string& type) const;
+
+    // The component's project file service: how every project is read and written.
+    static std::shared_ptr<IProjectFiles> ProjectFiles();
 
     static void UseUnitSystem(bool us);
     // Every message box of the component and of the studio goes to the sink; nullptr gives

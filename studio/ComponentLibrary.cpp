@@ -76,6 +76,7 @@ bool TryLoad(const fs::path& file, std::string* why) {
     ComponentEntryPoints entry;
     if (!Find(handle, "ZerbinGetClassObject", entry.getClassObject, why) ||
         !Find(handle, "ZerbinReleaseObject", entry.releaseObject, why) ||
+        !Find(handle, "ZerbinGetProjectFiles", entry.getProjectFiles, why) ||
         !Find(handle, "ZerbinSetBlockLibrary", entry.setBlockLibrary, why) ||
         !Find(handle, "ZerbinSetMessageHandler", entry.setMessageHandler, why) ||
         !Find(handle, "ZerbinSetEventPump", entry.setEventPump, why) ||

@@ -13,6 +13,7 @@ namespace zerbin::studio {
 struct ComponentEntryPoints {
     ZerbinGetClassObjectFn getClassObject = nullptr;
     ZerbinReleaseObjectFn releaseObject = nullptr;
+    ZerbinGetProjectFilesFn getProjectFiles = nullptr;
     ZerbinSetBlockLibraryFn setBlockLibrary = nullptr;
     ZerbinSetMessageHandlerFn setMessageHandler = nullptr;
     ZerbinSetEventPumpFn setEventPump = nullptr;

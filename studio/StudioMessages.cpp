@@ -1,5 +1,8 @@
 #include "studio/StudioMessages.h"
 
+#include "studio/GuardedCall.h"
+
+#include <cstdio>
 #include <iostream>
 
 namespace zerbin::studio {
@@ -61,6 +64,16 @@ int ShowMessage(const std::string& text, const std::string& title, MessageIcon i
     std::cerr << title << ": " << text << '\n';
     const bool asks = buttons == MessageButtons::YesNo || buttons == MessageButtons::YesNoCancel;
     return asks ? kMessageYes : kMessageOk;
+}
+
+void ReportFailedCall(const std::string& what, const std::string& reason) noexcept {
+    try {
+        ShowMessage("Could not " + what + ": " + reason + ".", "Zerbin Studio",
+                    MessageIcon::Critical);
+    } catch (...) {
+        // The log itself failed (no memory left): stderr is what remains.
+        std::fputs("zerbin-studio: a call failed and could not be reported\n", stderr);
+    }
 }
 
 }  // namespace zerbin::studio

@@ -73,6 +73,19 @@ std::pair<std::string, std::string> SplitMemberKey(const std::string& globalKey)
     return {globalKey.substr(0, first), globalKey.substr(last + 1)};
 }
 
+// Counts one level of a nested activity for as long as it lives, also when an exception ends
+// it: a count left raised would silence the project's notifications for good.
+class Nested {
+public:
+    explicit Nested(int& count) : count_(count) { ++count_; }
+    ~Nested() { --count_; }
+    Nested(const Nested&) = delete;
+    Nested& operator=(const Nested&) = delete;
+
+private:
+    int& count_;
+};
+
 bool ParseShort(const char* text, int16_t& value) {
     const std::string_view view(text);
     const auto [end, error] = std::from_chars(view.data(), view.data() + view.size(), value);
@@ -136,8 +149,29 @@ std::string StudioProject::NextKey() {
     std::string key;
     do {
         key = "Block" + std::to_string(nextKey_++);
-    } while (Find(key) != nullptr);
+    } while (Find(key) != nullptr || keptKeys_.count(key) != 0);
     return key;
+}
+
+bool StudioProject::NameTaken(const std::string& name) const {
+    if (keptNames_.count(name) != 0) {
+        return true;
+    }
+    return std::any_of(blocks_.begin(), blocks_.end(), [&](const auto& entry) {
+        return entry.second->object->IAppObject_UserName() == name;
+    });
+}
+
+void StudioProject::KeepBlock(pugi::xml_node element) {
+    kept_.append_copy(element);
+    if (const pugi::xml_attribute key = element.attribute("Key")) {
+        keptKeys_.insert(key.as_string());
+    }
+    int16_t exportIndex = 0;
+    if (ParseShort(element.attribute("ExportIndex").as_string(), exportIndex)) {
+        exportIndexes_.insert(exportIndex);
+    }
+    keptNames_.insert(element.child_value("UserName"));
 }
 
 int16_t StudioProject::NextExportIndex() {
@@ -180,15 +214,20 @@ std::string StudioProject::AddBlock(const std::string& type, QPointF pos, std::s
                     MessageIcon::Exclamation);
         return {};
     }
-    if (key.empty() || Find(key) != nullptr) {
+    if (key.empty() || Find(key) != nullptr || keptKeys_.count(key) != 0) {
         key = NextKey();
     }
     CreateBlock(type, key, NextExportIndex());
     const std::shared_ptr<IAppObject>& block = Find(key)->object;
     block->IAppObject_XPosition(pos.x());
     block->IAppObject_YPosition(pos.y());
-    // A new block is named after its type and its number, as an engineer would name it.
-    block->IAppObject_UserName(block->IAppObject_Name() + " " + key.substr(5));
+    // A new block is named after its type and its number, as an engineer would name it; a
+    // name some block has already gets the next number.
+    std::string name = block->IAppObject_Name() + " " + key.substr(5);
+    for (int more = 2; NameTaken(name); ++more) {
+        name = block->IAppObject_Name() + " " + key.substr(5) + "." + std::to_string(more);
+    }
+    block->IAppObject_UserName(name);
     emit blockAdded(key);
     return key;
 }
@@ -206,21 +245,22 @@ std::string StudioProject::RestoreBlock(pugi::xml_node element, int position) {
     if (!ParseShort(element.attribute("ExportIndex").as_string(), exportIndex)) {
         exportIndex = NextExportIndex();
     }
-    ++loading_;
-    CreateBlock(type, key, exportIndex);
-    const std::shared_ptr<IAppObject>& block = Find(key)->object;
-    Context(element.child_value("UserName"));
-    if (const pugi::xml_attribute color = element.attribute("Color")) {
-        block->IAppObject_Color(color.as_int());
+    {
+        const Nested loading(loading_);
+        CreateBlock(type, key, exportIndex);
+        const std::shared_ptr<IAppObject>& block = Find(key)->object;
+        Context(element.child_value("UserName"));
+        if (const pugi::xml_attribute color = element.attribute("Color")) {
+            block->IAppObject_Color(color.as_int());
+        }
+        // The wires are the studio's: a block that kept them would write them back twice.
+        pugi::xml_document own;
+        pugi::xml_node copy = own.append_copy(element);
+        while (pugi::xml_node connection = copy.child(kConnection)) {
+            copy.remove_child(connection);
+        }
+        block->IAppObject_XmlLoad(copy);
     }
-    // The wires are the studio's: a block that kept them would write them back a second time.
-    pugi::xml_document own;
-    pugi::xml_node copy = own.append_copy(element);
-    while (pugi::xml_node connection = copy.child(kConnection)) {
-        copy.remove_child(connection);
-    }
-    block->IAppObject_XmlLoad(copy);
-    --loading_;
     if (position >= 0 && position < static_cast<int>(order_.size()) - 1) {
         order_.pop_back();
         order_.insert(order_.begin() + position, key);
@@ -338,18 +378,19 @@ void StudioProject::ApplyValues(const std::string& key, const ValueSnapshot& val
     if (!attributes) {
         return;
     }
-    ++writing_;
-    // The unit selector re-derives its dependents, so it goes first and they follow.
-    for (const bool units : {true, false}) {
-        for (const auto& [name, value] : values) {
-            const std::shared_ptr<IAttribute> attribute = attributes->IAttributes_Item(name);
-            const bool isUnits = attribute && attribute->IAttribute_IsUnit();
-            if (attribute && isUnits == units && attribute->IAttribute_Value() != value) {
-                attribute->IAttribute_Value(value);
+    {
+        const Nested writing(writing_);
+        // The unit selector re-derives its dependents, so it goes first and they follow.
+        for (const bool units : {true, false}) {
+            for (const auto& [name, value] : values) {
+                const std::shared_ptr<IAttribute> attribute = attributes->IAttributes_Item(name);
+                const bool isUnits = attribute && attribute->IAttribute_IsUnit();
+                if (attribute && isUnits == units && attribute->IAttribute_Value() != value) {
+                    attribute->IAttribute_Value(value);
+                }
             }
         }
     }
-    --writing_;
     emit blockChanged(key);
 }
 
@@ -365,9 +406,10 @@ bool StudioProject::WriteValue(const std::string& key, const std::string& name,
     }
     const std::string before = attribute->IAttribute_Value();
     Context(block->IAppObject_UserName());
-    ++writing_;
-    attribute->IAttribute_Value(value);
-    --writing_;
+    {
+        const Nested writing(writing_);
+        attribute->IAttribute_Value(value);
+    }
     emit blockChanged(key);
     return attribute->IAttribute_Value() != before;
 }
@@ -430,16 +472,17 @@ bool StudioProject::Connect(const Wire& wire) {
     if (wire.target != wire.source) {
         wiresAt_[wire.target].push_back(wire);
     }
-    ++writing_;
-    input->IInput_Value(reference);
-    if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(input)) {
-        end->ISubItemConnable_IsConnected(true);
-        end->ISubItemConnable_ConnectedType(output->IOutput_SNVTType());
+    {
+        const Nested writing(writing_);
+        input->IInput_Value(reference);
+        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(input)) {
+            end->ISubItemConnable_IsConnected(true);
+            end->ISubItemConnable_ConnectedType(output->IOutput_SNVTType());
+        }
+        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(output)) {
+            end->ISubItemConnable_IsConnected(true);
+        }
     }
-    if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(output)) {
-        end->ISubItemConnable_IsConnected(true);
-    }
-    --writing_;
     emit wireAdded(wire);
     if (loading_ == 0) {
         emit blockChanged(wire.target);
@@ -466,17 +509,18 @@ void StudioProject::DropWire(const Wire& wire, bool clearReference) {
     }
     const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
     const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
-    ++writing_;
-    if (input && clearReference) {
-        input->IInput_Value(input->IInput_Extended() ? "000000" : "0000");
+    {
+        const Nested writing(writing_);
+        if (input && clearReference) {
+            input->IInput_Value(input->IInput_Extended() ? "000000" : "0000");
+        }
+        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(input)) {
+            end->ISubItemConnable_IsConnected(false);
+        }
+        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(output)) {
+            end->ISubItemConnable_IsConnected(false);
+        }
     }
-    if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(input)) {
-        end->ISubItemConnable_IsConnected(false);
-    }
-    if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(output)) {
-        end->ISubItemConnable_IsConnected(false);
-    }
-    --writing_;
     emit wireRemoved(wire);
     emit blockChanged(wire.target);
 }
@@ -535,6 +579,8 @@ void StudioProject::Clear() {
     freeExportIndex_ = 0;
     kept_.reset();
     keptWires_.clear();
+    keptKeys_.clear();
+    keptNames_.clear();
     nextKey_ = 1;
     emit cleared();
 }
@@ -559,24 +605,39 @@ std::string StudioProject::Text() const {
     return out.str();
 }
 
-bool StudioProject::Load(const std::filesystem::path& file, std::string* error) {
+std::shared_ptr<const pugi::xml_document> StudioProject::ReadFile(const std::filesystem::path& file,
+                                                                  std::string* why) {
+    std::string reason;
+    std::shared_ptr<const pugi::xml_document> document =
+        BlockFactory::ProjectFiles()->IProjectFiles_Read(file.string(), reason);
+    if (document && std::string(document->document_element().name()) != kRoot) {
+        reason = "cannot read project '" + file.string() + "': the root element is not \"Project\"";
+        document.reset();
+    }
+    if (!document && why != nullptr) {
+        *why = reason;
+    }
+    return document;
+}
+
+bool StudioProject::WriteFile(const std::filesystem::path& file, std::string* why) const {
     pugi::xml_document document;
-    const pugi::xml_parse_result result = document.load_file(file.c_str());
-    if (!result) {
-        if (error) {
-            *error = std::string(result.description()) + " (at byte " +
-                     std::to_string(result.offset) + ")";
+    std::string reason;
+    try {
+        Save(document);
+    } catch (const std::exception& refused) {
+        // A value XML cannot carry: the block refused to write it, and the file stays.
+        if (why != nullptr) {
+            *why = "cannot write project '" + file.string() + "': " + refused.what();
         }
         return false;
     }
-    if (std::string(document.document_element().name()) != kRoot) {
-        if (error) {
-            *error = "the document's root element is not \"Project\"";
-        }
-        return false;
+    const bool written =
+        BlockFactory::ProjectFiles()->IProjectFiles_Write(file.string(), document, reason);
+    if (!written && why != nullptr) {
+        *why = reason;
     }
-    Load(document);
-    return true;
+    return written;
 }
 
 void StudioProject::Load(const pugi::xml_document& document) {
@@ -585,7 +646,7 @@ void StudioProject::Load(const pugi::xml_document& document) {
     settings_.usUnits = std::string(root.attribute("UnitSystem").as_string()) == "US";
     settings_.shortFloat = std::string(root.attribute("ShortFloat").as_string()) == "1";
     BlockFactory::UseUnitSystem(settings_.usUnits);
-    ++loading_;
+    const Nested loading(loading_);
     std::vector<std::pair<std::string, pugi::xml_node>> restored;
     for (pugi::xml_node element : root.children()) {
         if (element.type() != pugi::node_element) {
@@ -593,7 +654,7 @@ void StudioProject::Load(const pugi::xml_document& document) {
         }
         const std::string key = RestoreBlock(element, -1);
         if (key.empty()) {
-            kept_.append_copy(element);
+            KeepBlock(element);
             ShowMessage("The library has no block type '" + std::string(element.name()) +
                             "'; the block '" + element.child_value("UserName") +
                             "' is kept in the project as it is, but not shown.",
@@ -615,7 +676,6 @@ void StudioProject::Load(const pugi::xml_document& document) {
             Connect(wire);
         }
     }
-    --loading_;
     emit loaded();
 }
 

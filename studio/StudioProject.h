@@ -97,9 +97,15 @@ public:
     void Clear();
     void Save(pugi::xml_document& document) const;
     std::string Text() const;
-    // Blocks whose type is missing are kept as they stand and written back on save.
-    // Returns false with a reason when the file can't be read as a project.
-    bool Load(const std::filesystem::path& file, std::string* error);
+    // The project document of a file, read by the component's project file service; nullptr
+    // with the reason in *why when it is no project (not well-formed, another root element).
+    static std::shared_ptr<const pugi::xml_document> ReadFile(const std::filesystem::path& file,
+                                                              std::string* why);
+    // Writes the project through the component's project file service: all of it or, when
+    // false comes back with the reason in *why, nothing.
+    bool WriteFile(const std::filesystem::path& file, std::string* why) const;
+    // Blocks whose type is missing are kept as they stand and written back on save; their
+    // keys, export indexes and names stay theirs.
     void Load(const pugi::xml_document& document);
     bool Loading() const { return loading_ > 0; }
     // Blocks of the project whose type the library lacks.
@@ -133,6 +139,8 @@ signals:
 private:
     struct Entry;
     Entry* Find(const std::string& key) const;
+    bool NameTaken(const std::string& name) const;
+    void KeepBlock(pugi::xml_node element);
     std::string NextKey();
     int16_t NextExportIndex();
     std::string CreateBlock(const std::string& type, const std::string& key, int16_t exportIndex);
@@ -156,6 +164,9 @@ private:
     // Kept as read and written back: blocks of missing types, wires that lead to them.
     pugi::xml_document kept_;
     std::vector<Wire> keptWires_;
+    // What the kept blocks hold of the project's identities, so that no new block takes it.
+    std::set<std::string> keptKeys_;
+    std::set<std::string> keptNames_;
     std::function<void(const std::string&)> context_;
     int nextKey_ = 1;
     int loading_ = 0;

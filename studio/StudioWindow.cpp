@@ -1,6 +1,7 @@
 #include "studio/StudioWindow.h"
 
 #include <fstream>
+#include <utility>
 
 #include <QAction>
 #include <QActionGroup>
@@ -23,6 +24,7 @@
 #include "studio/BytesDock.h"
 #include "studio/CanvasScene.h"
 #include "studio/ComponentLibrary.h"
+#include "studio/GuardedCall.h"
 #include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 
@@ -64,7 +66,24 @@ std::shared_ptr<const pugi::xml_document> ReadDocument(const QString& file, std:
     return document;
 }
 
+// A project's file is an XML document; a name given without an extension gets that one.
+QString WithProjectExtension(const QString& name) {
+    return QFileInfo(name).suffix().isEmpty() ? name + ".xml" : name;
+}
+
 }  // namespace
+
+template <typename Body>
+bool StudioWindow::Step(const std::string& what, Body&& body) {
+    ++busy_;
+    const bool done = GuardedCall(what, std::forward<Body>(body));
+    --busy_;
+    if (busy_ == 0 && (saveWanted_ || !saveAsWanted_.isEmpty())) {
+        const QString as = std::exchange(saveAsWanted_, QString());
+        std::exchange(saveWanted_, false) ? Save() : SaveProjectAs(as);
+    }
+    return done;
+}
 
 StudioWindow::StudioWindow(QWidget* parent)
     : QMainWindow(parent), log_(std::make_shared<MessageLog>()), undo_(new QUndoStack(this)) {
@@ -101,12 +120,14 @@ StudioWindow::StudioWindow(QWidget* parent)
         PlaceBlock(type, view_->mapToScene(view_->viewport()->rect().center()));
     });
     connect(palette_, &Palette::datasheetRequested, this, [this](const std::string& type) {
-        const std::shared_ptr<IAppObject> block = factory_.CreateBlock();
-        int32_t errorCode = 0;
-        block->IAppObject_Init(type, errorCode);
-        log_->SetBlock(Q(type));
-        block->IAppObject_ViewDatasheet(static_cast<int64_t>(winId()));
-        block->IAppObject_Destroy();
+        GuardedCall("open the datasheet", [&] {
+            const std::shared_ptr<IAppObject> block = factory_.CreateBlock();
+            int32_t errorCode = 0;
+            block->IAppObject_Init(type, errorCode);
+            log_->SetBlock(Q(type));
+            block->IAppObject_ViewDatasheet(static_cast<int64_t>(winId()));
+            block->IAppObject_Destroy();
+        });
     });
     connect(parameters_, &ParametersDock::valueEdited, this, &StudioWindow::SetValue);
     connect(undo_, &QUndoStack::cleanChanged, this, &StudioWindow::UpdateTitle);
@@ -166,12 +187,14 @@ void StudioWindow::MakeProject() {
 
     connect(scene_, &CanvasScene::wireRequested, this, &StudioWindow::RequestWire);
     connect(scene_, &CanvasScene::blocksMoved, this, [this](const std::vector<BlockMove>& moves) {
-        undo_->push(new MoveCommand(*project_, moves));
+        Step("move the blocks", [&] { undo_->push(new MoveCommand(*project_, moves)); });
     });
     connect(scene_, &CanvasScene::renameRequested, this,
             [this](const std::string& key, const std::string& name) {
-                undo_->push(new RenameCommand(*project_, key,
-                                              project_->Block(key)->IAppObject_UserName(), name));
+                Step("rename the block", [&] {
+                    undo_->push(new RenameCommand(
+                        *project_, key, project_->Block(key)->IAppObject_UserName(), name));
+                });
             });
     connect(scene_, &CanvasScene::showRequested, this, &StudioWindow::ShowParameters);
     connect(scene_, &QGraphicsScene::selectionChanged, this, &StudioWindow::OnSelectionChanged);
@@ -287,14 +310,14 @@ void StudioWindow::BuildActions() {
     add(file, "actionQuit", tr("&Quit"), QKeySequence::Quit, [this] { close(); });
 
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    QAction* undo = undo_->createUndoAction(this, tr("&Undo"));
-    undo->setObjectName("actionUndo");
-    undo->setShortcut(QKeySequence::Undo);
-    QAction* redo = undo_->createRedoAction(this, tr("&Redo"));
-    redo->setObjectName("actionRedo");
-    redo->setShortcut(QKeySequence::Redo);
-    edit->addAction(undo);
-    edit->addAction(redo);
+    QAction* undo = add(edit, "actionUndo", tr("&Undo"), QKeySequence::Undo,
+                        [this] { Step("undo", [this] { undo_->undo(); }); });
+    QAction* redo = add(edit, "actionRedo", tr("&Redo"), QKeySequence::Redo,
+                        [this] { Step("redo", [this] { undo_->redo(); }); });
+    undo->setEnabled(false);
+    redo->setEnabled(false);
+    connect(undo_, &QUndoStack::canUndoChanged, undo, &QAction::setEnabled);
+    connect(undo_, &QUndoStack::canRedoChanged, redo, &QAction::setEnabled);
     edit->addSeparator();
     add(edit, "actionDelete", tr("&Delete"), QKeySequence::Delete, [this] { DeleteSelection(); });
     add(edit, "actionRename", tr("Re&name"), QKeySequence(Qt::Key_F2), [this] {
@@ -357,9 +380,12 @@ void StudioWindow::BuildActions() {
 // ---- Steps --------------------------------------------------------------------------------------
 
 std::string StudioWindow::PlaceBlock(const std::string& type, QPointF scenePos) {
-    auto* command = new PlaceCommand(*project_, type, scenePos);
-    undo_->push(command);
-    const std::string key = command->Key();
+    std::string key;
+    Step("place the block", [&] {
+        auto* command = new PlaceCommand(*project_, type, scenePos);
+        undo_->push(command);
+        key = command->Key();
+    });
     if (!key.empty()) {
         SelectBlock(key);
     }
@@ -375,8 +401,7 @@ bool StudioWindow::RequestWire(const Wire& wire) {
         ShowMessage(why, kTitle, MessageIcon::Exclamation);
         return false;
     }
-    undo_->push(new WireCommand(*project_, wire, true));
-    return true;
+    return Step("connect the wire", [&] { undo_->push(new WireCommand(*project_, wire, true)); });
 }
 
 void StudioWindow::SetValue(const std::string& key, const std::string& attribute,
@@ -384,13 +409,15 @@ void StudioWindow::SetValue(const std::string& key, const std::string& attribute
     if (!project_->Block(key)) {
         return;
     }
-    const BlockState before = StateOf(*project_, key);
-    project_->WriteValue(key, attribute, value);
-    const BlockState after = StateOf(*project_, key);
-    if (before.values != after.values || before.wires != after.wires) {
-        undo_->push(new ValuesCommand(*project_, key, before, after,
-                                      tr("Set %1 to %2").arg(Q(attribute), Q(value))));
-    }
+    Step("set " + attribute, [&] {
+        const BlockState before = StateOf(*project_, key);
+        project_->WriteValue(key, attribute, value);
+        const BlockState after = StateOf(*project_, key);
+        if (before.values != after.values || before.wires != after.wires) {
+            undo_->push(new ValuesCommand(*project_, key, before, after,
+                                          tr("Set %1 to %2").arg(Q(attribute), Q(value))));
+        }
+    });
     parameters_->Refresh();
 }
 
@@ -398,7 +425,8 @@ void StudioWindow::DeleteSelection() {
     std::vector<std::string> keys = scene_->SelectedBlocks();
     std::vector<Wire> wires = scene_->SelectedWires();
     if (!keys.empty() || !wires.empty()) {
-        undo_->push(new DeleteCommand(*project_, std::move(keys), std::move(wires)));
+        Step("delete",
+             [&] { undo_->push(new DeleteCommand(*project_, std::move(keys), std::move(wires))); });
     }
 }
 
@@ -418,8 +446,10 @@ void StudioWindow::OnSelectionChanged() {
     const std::vector<std::string> keys = scene_->SelectedBlocks();
     selected_ = keys.size() == 1 ? keys.front() : std::string();
     const std::shared_ptr<IAppObject> block = project_->Block(selected_);
-    bytes_->ShowBlock(block);
-    parameters_->ShowBlock(selected_, block);
+    GuardedCall("show the block", [&] {
+        bytes_->ShowBlock(block);
+        parameters_->ShowBlock(selected_, block);
+    });
 }
 
 void StudioWindow::ShowParameters(const std::string& key) {
@@ -428,9 +458,11 @@ void StudioWindow::ShowParameters(const std::string& key) {
         return;
     }
     // From now on the block's editors may write; keep its state to undo what they write.
-    states_[key] = StateOf(*project_, key);
-    log_->SetBlock(Q(block->IAppObject_UserName()));
-    block->IAppObject_Show(BlockFactory::HostWindow(this));
+    GuardedCall("show the parameters", [&] {
+        states_[key] = StateOf(*project_, key);
+        log_->SetBlock(Q(block->IAppObject_UserName()));
+        block->IAppObject_Show(BlockFactory::HostWindow(this));
+    });
 }
 
 void StudioWindow::RememberState(const std::string& key) {
@@ -464,9 +496,11 @@ void StudioWindow::OnValuesChangedOutside(const std::string& key) {
         const BlockState after = StateOf(*project_, key);
         states_[key] = after;
         if (before.values != after.values || before.wires != after.wires) {
-            undo_->push(new ValuesCommand(
-                *project_, key, before, after,
-                tr("Edit %1").arg(Q(project_->Block(key)->IAppObject_UserName()))));
+            GuardedCall("record the edit", [&] {
+                undo_->push(new ValuesCommand(
+                    *project_, key, before, after,
+                    tr("Edit %1").arg(Q(project_->Block(key)->IAppObject_UserName()))));
+            });
         }
     });
 }
@@ -482,20 +516,29 @@ void StudioWindow::NewProject() {
 }
 
 bool StudioWindow::OpenProject(const QString& file) {
+    // Read whole before the current project goes: a file that is no project changes nothing.
+    std::string why;
+    std::shared_ptr<const pugi::xml_document> document;
+    GuardedCall("open the project",
+                [&] { document = StudioProject::ReadFile(file.toStdString(), &why); });
+    if (!document) {
+        if (!why.empty()) {
+            log_->SetBlock({});
+            ShowMessage("Cannot open the project: " + why + ".", kTitle, MessageIcon::Critical);
+        }
+        return false;
+    }
     MakeProject();
     log_->SetQuiet(loadToLog_->isChecked());
-    std::string error;
     // Items come in one by one; the scene's index is built once at the end instead.
     scene_->setItemIndexMethod(QGraphicsScene::NoIndex);
-    const bool read = project_->Load(file.toStdString(), &error);
+    const bool read = Step("open the project", [&] { project_->Load(*document); });
     scene_->setItemIndexMethod(QGraphicsScene::BspTreeIndex);
     log_->SetQuiet(false);
     log_->SetBlock({});
     if (!read) {
-        ShowMessage("Cannot open the project '" + file.toStdString() + "': " + error, kTitle,
-                    MessageIcon::Critical);
-        file_.clear();
-        UpdateTitle();
+        // Half a project is none: start afresh rather than let it be saved over the file.
+        NewProject();
         return false;
     }
     file_ = file;
@@ -513,15 +556,19 @@ bool StudioWindow::OpenProject(const QString& file) {
     return true;
 }
 
-bool StudioWindow::SaveProjectAs(const QString& file) {
-    std::ofstream out(file.toStdString(), std::ios::binary);
-    const std::string text = project_->Text();
-    out << text;
-    out.close();
-    if (!out) {
-        ShowMessage("Cannot write the project '" + file.toStdString() + "'.", kTitle,
-                    MessageIcon::Critical);
+bool StudioWindow::SaveProjectAs(const QString& name) {
+    const QString file = WithProjectExtension(name);
+    if (busy_ > 0) {
+        // Saved once the running step is whole, never in its middle.
+        saveAsWanted_ = file;
         return false;
+    }
+    std::string why;
+    bool written = false;
+    GuardedCall("save the project",
+                [&] { written = project_->WriteFile(file.toStdString(), &why); });
+    if (!written) {
+        return !why.empty() && OfferSaveAs(why);
     }
     file_ = file;
     undo_->setClean();
@@ -530,7 +577,27 @@ bool StudioWindow::SaveProjectAs(const QString& file) {
     return true;
 }
 
+bool StudioWindow::OfferSaveAs(const std::string& why) {
+    log_->SetBlock({});
+    const int answer = ShowMessage("The project was not saved: " + why +
+                                       ".\n\nThe file on disk is as it was. Save the project "
+                                       "under another name?",
+                                   kTitle, MessageIcon::Critical, MessageButtons::YesNo);
+    if (answer != kMessageYes) {
+        return false;
+    }
+    const QString name =
+        askSaveName_ ? askSaveName_()
+                     : QFileDialog::getSaveFileName(this, tr("Save project"), file_,
+                                                    tr("Zerbin projects (*.xml);;All files (*)"));
+    return !name.isEmpty() && SaveProjectAs(name);
+}
+
 bool StudioWindow::Save() {
+    if (busy_ > 0) {
+        saveWanted_ = true;
+        return false;
+    }
     if (file_.isEmpty()) {
         const QString name = QFileDialog::getSaveFileName(
             this, tr("Save project"), {}, tr("Zerbin projects (*.xml);;All files (*)"));
@@ -572,11 +639,12 @@ bool StudioWindow::OpenLibrary(const QString& folder) {
     if (!MaybeSave()) {
         return false;
     }
-    factory_.UseLibrary(folder.toStdString());
-    palette_->Fill(factory_);
-    ShowLibrary();
-    NewProject();
-    return true;
+    return Step("open the library", [&] {
+        factory_.UseLibrary(folder.toStdString());
+        palette_->Fill(factory_);
+        ShowLibrary();
+        NewProject();
+    });
 }
 
 bool StudioWindow::OpenDictionary(const QString& file) {
@@ -691,7 +759,8 @@ void StudioWindow::ApplySettings(bool usUnits, bool shortFloat) {
     ProjectSettings next = project_->Settings();
     next.usUnits = usUnits;
     next.shortFloat = shortFloat;
-    undo_->push(new SettingsCommand(*project_, project_->Settings(), next));
+    Step("change the project settings",
+         [&] { undo_->push(new SettingsCommand(*project_, project_->Settings(), next)); });
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
     OnSelectionChanged();

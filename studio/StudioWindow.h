@@ -3,6 +3,7 @@
 // through the undo stack.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -48,6 +49,11 @@ public:
     ParametersDock& Parameters() { return *parameters_; }
     Palette& BlockPalette() { return *palette_; }
     const QString& FileName() const { return file_; }
+    // True while a step runs: a save asked for meanwhile waits until the step is whole.
+    bool Busy() const { return busy_ > 0; }
+    // Where a failed save's offer of Save As gets its name (a file dialog unless replaced);
+    // an empty name declines.
+    void SetSaveNameQuestion(std::function<QString()> ask) { askSaveName_ = std::move(ask); }
 
 public slots:
     // What the canvas's drop does: an undoable placement. Returns the new block's key.
@@ -86,7 +92,11 @@ private:
     void AddRecent(const QString& file);
     void FillRecent();
     bool Save();
+    bool OfferSaveAs(const std::string& why);
     void ApplySettings(bool usUnits, bool shortFloat);
+    // Runs one step of the user's on the project, guarded; input waits until it is over.
+    template <typename Body>
+    bool Step(const std::string& what, Body&& body);
 
     BlockFactory factory_;
     std::shared_ptr<MessageLog> log_;
@@ -111,6 +121,10 @@ private:
     // editor becomes an undoable step with its state from before.
     std::map<std::string, BlockState> states_;
     std::map<std::string, BlockState> pending_;
+    int busy_ = 0;
+    bool saveWanted_ = false;
+    QString saveAsWanted_;
+    std::function<QString()> askSaveName_;
 };
 
 }  // namespace zerbin::studio

@@ -12,20 +12,47 @@
 #include "studio/Screenshot.h"
 #include "studio/StudioWindow.h"
 
-int main(int argc, char* argv[]) {
-    QApplication app(argc, argv);
+namespace {
+
+const QCommandLineOption screenshot("screenshot", "Render the window to FILE and quit.", "FILE");
+
+void Describe(QCommandLineParser& parser) {
     QCoreApplication::setOrganizationName("Zerbin");
     QCoreApplication::setApplicationName("zerbin-studio");
     QCoreApplication::setApplicationVersion(ZERBIN_VERSION);
-
-    QCommandLineParser parser;
     parser.setApplicationDescription("Build, wire and set up a controller's function blocks.");
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addPositionalArgument("project", "A project file to open.");
-    const QCommandLineOption screenshot("screenshot", "Render the window to FILE and quit.",
-                                        "FILE");
     parser.addOption(screenshot);
+}
+
+// Help, the version and a mistyped option need no window: answered before QApplication,
+// which ends the program where no display is.
+bool NeedsNoWindow(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments << QString::fromLocal8Bit(argv[i]);
+    }
+    QCommandLineParser parser;
+    Describe(parser);
+    return !parser.parse(arguments) || parser.isSet("help") || parser.isSet("help-all") ||
+           parser.isSet("version");
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+    if (NeedsNoWindow(argc, argv)) {
+        QCoreApplication app(argc, argv);
+        QCommandLineParser parser;
+        Describe(parser);
+        parser.process(app);  // prints and exits
+        return 0;
+    }
+    QApplication app(argc, argv);
+    QCommandLineParser parser;
+    Describe(parser);
     parser.process(app);
 
     std::string why;

@@ -26,6 +26,7 @@
 
 #include "interfaces/IAppObject.h"
 #include "interfaces/IAttribute.h"
+#include "interfaces/IProjectFiles.h"
 #include "interfaces/IcbkAppObject.h"
 #include "zerbin/plugin.h"
 
@@ -164,6 +165,7 @@ public:
         setBlockLibrary_ = Symbol<ZerbinSetBlockLibraryFn>("ZerbinSetBlockLibrary");
         registerServer_ = Symbol<ZerbinRegisterServerFn>("ZerbinRegisterServer");
         unregisterServer_ = Symbol<ZerbinUnregisterServerFn>("ZerbinUnregisterServer");
+        getProjectFiles_ = Symbol<ZerbinGetProjectFilesFn>("ZerbinGetProjectFiles");
     }
     ~PlugIn() {
         if (canUnloadNow_() == ZERBIN_OK) {
@@ -189,6 +191,19 @@ public:
         return block;
     }
 
+    // The component's project file service: strict reading, atomic writing.
+    std::shared_ptr<zerbin::IProjectFiles> ProjectFiles() const {
+        ZerbinObject* handle = nullptr;
+        const int result = getProjectFiles_(&handle);
+        auto files =
+            std::dynamic_pointer_cast<zerbin::IProjectFiles>(zerbin::TakeObject(handle, release_));
+        if (result != ZERBIN_OK || !files) {
+            throw Failure("the plug-in gave no project file service (error " +
+                          std::to_string(result) + ")");
+        }
+        return files;
+    }
+
 private:
     template <typename Fn>
     Fn Symbol(const char* name) {
@@ -206,6 +221,7 @@ private:
     ZerbinSetBlockLibraryFn setBlockLibrary_ = nullptr;
     ZerbinRegisterServerFn registerServer_ = nullptr;
     ZerbinUnregisterServerFn unregisterServer_ = nullptr;
+    ZerbinGetProjectFilesFn getProjectFiles_ = nullptr;
 };
 
 // Tells on stderr which attributes the blocks report as changed once the project is loaded.
@@ -281,7 +297,12 @@ int Run(const Options& options, int& argc, char** argv) {
     const fs::path data = ZERBIN_DATA_DIR;
     const auto dictionary = ReadXml(data / "snvts.xml", "the dictionary");
     const auto device = ReadXml(data / "devices" / "Controller.xml", "the device");
-    const auto project = ReadXml(options.project, "the project");
+    std::string why;
+    const std::shared_ptr<const pugi::xml_document> project =
+        plugIn.ProjectFiles()->IProjectFiles_Read(options.project.string(), why);
+    if (!project) {
+        throw Failure(why);
+    }
     const auto listener = std::make_shared<ChangeListener>();
 
     std::vector<std::unique_ptr<Block>> blocks;
@@ -345,8 +366,9 @@ int Run(const Options& options, int& argc, char** argv) {
         for (const auto& block : blocks) {
             (*block)->IAppObject_XmlSave(root, saved);
         }
-        if (!saved.save_file(options.save->c_str(), "  ")) {
-            throw Failure("cannot write '" + options.save->string() + "'");
+        // Written whole or not at all; the file that was there stays as FILE~.
+        if (!plugIn.ProjectFiles()->IProjectFiles_Write(options.save->string(), saved, why)) {
+            throw Failure(why);
         }
     }
     return EXIT_SUCCESS;

@@ -109,8 +109,9 @@ protected:
 TEST_F(PluginTest, ShowsTheEntryPointsAndHidesTheCore) {
     for (const char* name :
          {"ZerbinRegisterServer", "ZerbinUnregisterServer", "ZerbinGetClassObject",
-          "ZerbinCanUnloadNow", "ZerbinReleaseObject", "ZerbinSetBlockLibrary",
-          "ZerbinSetMessageHandler", "ZerbinSetEventPump", "ZerbinSetUnitSystem"}) {
+          "ZerbinCanUnloadNow", "ZerbinReleaseObject", "ZerbinGetProjectFiles",
+          "ZerbinSetBlockLibrary", "ZerbinSetMessageHandler", "ZerbinSetEventPump",
+          "ZerbinSetUnitSystem"}) {
         EXPECT_NE(dlsym(plugin_.Handle(), name), nullptr) << name;
     }
     // CDBAppObject's constructor and a core helper stay inside.

@@ -7,9 +7,16 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <QUndoStack>
 
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <fstream>
+#include <sstream>
 
 #include "interfaces/IOutput.h"
 #include "studio/BlockItem.h"
@@ -83,6 +90,38 @@ std::shared_ptr<IAttribute> Attribute(StudioWindow& window, const std::string& k
 
 std::string Value(StudioWindow& window, const std::string& key, const std::string& name) {
     return Attribute(window, key, name)->IAttribute_Value();
+}
+
+std::string FileText(const QString& file) {
+    std::ifstream in(file.toStdString(), std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+void Trigger(StudioWindow& window, const char* action) {
+    window.findChild<QAction*>(action)->trigger();
+}
+
+// Runs body in a child process whose files may grow to limit bytes at most: with SIGXFSZ
+// ignored a write beyond fails as on a full disk; with it the child is killed in the middle
+// of the write. Gives the child's wait status; body's result is its exit status.
+int InLimitedChild(rlim_t limit, bool killed, const std::function<int()>& body) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const rlimit size{limit, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_FSIZE, &size);
+        std::signal(SIGXFSZ, killed ? SIG_DFL : SIG_IGN);
+        ::_exit(body());
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return status;
+}
+
+void Unlimit() {
+    const rlimit size{RLIM_INFINITY, RLIM_INFINITY};
+    ::setrlimit(RLIMIT_FSIZE, &size);
 }
 
 }  // namespace
@@ -302,6 +341,126 @@ private slots:
         QCOMPARE(shown(), si);
     }
 
+    void aNameIsSavedAsWrittenOrRefusedWithTheFileKept_data() {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("saved");
+        QTest::newRow("carriage return") << QString("Zone\r1") << true;
+        QTest::newRow("escape") << QString("Zone\x1B") << false;
+    }
+
+    // A name XML cannot carry fails the save and leaves the file; one it can survives the
+    // way back, a carriage return included.
+    void aNameIsSavedAsWrittenOrRefusedWithTheFileKept() {
+        QFETCH(QString, name);
+        QFETCH(bool, saved);
+        QTemporaryDir folder;
+        const QString file = folder.filePath("zone.xml");
+        const std::string key = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        QVERIFY(window_->SaveProjectAs(file));
+        const std::string before = FileText(file);
+        emit window_->Scene().renameRequested(key, name.toStdString());
+        window_->SetSaveNameQuestion([] { return QString(); });
+        Trigger(*window_, "actionSave");
+        QCOMPARE(window_->isWindowModified(), !saved);
+        if (!saved) {
+            QCOMPARE(FileText(file), before);
+            QVERIFY(LogHas(*window_, "The project was not saved"));
+            QVERIFY(LogHas(*window_, "U+001B"));
+            return;
+        }
+        QVERIFY(window_->OpenProject(file));
+        QCOMPARE(window_->Project().Block(key)->IAppObject_UserName(), name.toStdString());
+    }
+
+    void aFailedWriteLeavesTheFileAndOffersSaveAs_data() {
+        QTest::addColumn<bool>("killed");
+        QTest::newRow("full disk") << false;
+        QTest::newRow("killed mid-way") << true;
+    }
+
+    // The file system takes no more than the last save: the save fails (or the process dies in it),
+    // and the file on disk is the last saved project, byte for byte. When the process lives
+    // it says why and offers Save As, which adds the extension.
+    void aFailedWriteLeavesTheFileAndOffersSaveAs() {
+        QFETCH(bool, killed);
+        QTemporaryDir folder;
+        const QString file = folder.filePath("plant.xml");
+        Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        QVERIFY(window_->SaveProjectAs(file));
+        const std::string before = FileText(file);
+        const std::string added = Drop(*window_, "TYPE_MUX", QPoint(600, 200));
+        // Files may grow to the size of the last save, which the new project's text passes.
+        const int status = InLimitedChild(before.size(), killed, [&] {
+            window_->SetSaveNameQuestion([&] {
+                Unlimit();
+                return folder.filePath("rescued");
+            });
+            Trigger(*window_, "actionSave");
+            const bool said = LogHas(*window_, "file too large") &&
+                              LogHas(*window_, "Save the project under another name");
+            return said && window_->FileName() == folder.filePath("rescued.xml") ? 0 : 1;
+        });
+        if (killed) {
+            QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == SIGXFSZ);
+        } else {
+            QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+            QVERIFY(FileText(folder.filePath("rescued.xml")).find("Key=\"" + added + "\"") !=
+                    std::string::npos);
+        }
+        QCOMPARE(FileText(file), before);
+    }
+
+    // Ctrl+S while a long delete runs saves the project once the delete is whole, and the
+    // title's marker says it is saved.
+    void saveDuringALongDeleteWaitsForTheWholeStep() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("large.xml");
+        std::string text = "<Project>";
+        for (int i = 1; i <= 300; ++i) {
+            const std::string sensor = "S" + std::to_string(i);
+            text += "<IO_CHANNEL Key=\"" + sensor + "\"/><TYPE_MUX Key=\"M" + std::to_string(i) +
+                    "\"><Connection Input=\"In1\" Source=\"" + sensor +
+                    "\" Output=\"Value\"/></TYPE_MUX>";
+        }
+        std::ofstream(file.toStdString()) << text << "</Project>";
+        QVERIFY(window_->OpenProject(file));
+        QCOMPARE(window_->Project().Wires().size(), std::size_t{300});
+        Trigger(*window_, "actionSelectAll");
+        bool savedWhileBusy = false;
+        QTimer::singleShot(0, window_.get(), [&] {
+            savedWhileBusy = window_->Busy();
+            Trigger(*window_, "actionSave");
+        });
+        Trigger(*window_, "actionDelete");
+        QVERIFY(savedWhileBusy);
+        QVERIFY(!window_->isWindowModified());
+        QCOMPARE(FileText(file), window_->Project().Text());
+        QVERIFY(window_->Project().BlockKeys().empty());
+    }
+
+    // A block whose type is missing keeps its key, export index and name: a placed block
+    // takes none of them, and after save and reopen the wire from the missing block still
+    // leads from it.
+    void aPlacedBlockBesideAMissingTypeBlockHasItsOwnIdentity() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("old.xml");
+        std::ofstream(file.toStdString())
+            << "<Project><GONE_TYPE Key=\"Block1\" ExportIndex=\"0\"><UserName>Thermostat "
+               "1</UserName></GONE_TYPE><TYPE_MUX Key=\"Mux\" ExportIndex=\"1\"><Connection "
+               "Input=\"In1\" Source=\"Block1\" Output=\"Value\"/></TYPE_MUX></Project>";
+        QVERIFY(window_->OpenProject(file));
+        const std::string placed = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        const std::shared_ptr<IAppObject> block = window_->Project().Block(placed);
+        QVERIFY(placed != "Block1");
+        QVERIFY(block->IAppObject_ExportIndex() > 1);
+        QVERIFY(block->IAppObject_UserName() != "Thermostat 1");
+        QVERIFY(window_->SaveProjectAs(file));
+        QVERIFY(window_->OpenProject(file));
+        QCOMPARE(window_->Project().MissingBlocks(), 1);
+        QVERIFY(window_->Project().Wires().empty());
+        QVERIFY(FileText(file).find("Source=\"Block1\"") != std::string::npos);
+    }
+
     // A block whose type the library lacks is kept as it stands, said once, and written back.
     void aProjectWithAMissingTypeKeepsThatBlock() {
         QTemporaryDir folder;
@@ -314,9 +473,14 @@ private slots:
         QCOMPARE(window_->Project().MissingBlocks(), 1);
         QVERIFY(LogHas(*window_, "no block type 'GONE_TYPE'"));
         QVERIFY(window_->Project().Text().find("<UserName>Old</UserName>") != std::string::npos);
-        // A file that is no project is refused.
-        std::ofstream(file.toStdString()) << "<Project><unclosed></Project>";
-        QVERIFY(!window_->OpenProject(file));
+        // A file the command refuses is refused, and the project open stays.
+        for (const char* refused : {"<Project><unclosed></Project>",
+                                    "<!DOCTYPE Project [<!ENTITY e \"x\">]><Project>&e;</Project>",
+                                    "<Project/><Project/>"}) {
+            std::ofstream(file.toStdString()) << refused;
+            QVERIFY(!window_->OpenProject(file));
+            QCOMPARE(window_->Project().MissingBlocks(), 1);
+        }
         QVERIFY(LogHas(*window_, "Cannot open the project"));
     }
 

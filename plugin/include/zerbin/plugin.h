@@ -70,6 +70,12 @@ ZERBIN_PLUGIN_API int ZerbinCanUnloadNow(void);
 /* Gives back a reference from ZerbinGetClassObject; NULL is ignored. */
 ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object);
 
+/* The project file service (zerbin::IProjectFiles, interfaces/IProjectFiles.h, for C++
+ * hosts): projects read through the component's strict XML reader and written atomically,
+ * the previous version kept as FILE~. Stores a reference in *object, given back with
+ * ZerbinReleaseObject. ZERBIN_OK, ZERBIN_E_INVALID_ARGUMENT or ZERBIN_E_OUT_OF_MEMORY. */
+ZERBIN_PLUGIN_API int ZerbinGetProjectFiles(ZerbinObject** object);
+
 /* The block library in which type T is the folder <library>/T with its definition T/T.xml.
  * Set it before the first block; NULL or "" restores the default, the parent of the library's
  * own folder. ZERBIN_OK. */
@@ -130,6 +136,7 @@ typedef int (*ZerbinUnregisterServerFn)(void);
 typedef int (*ZerbinGetClassObjectFn)(const char*, ZerbinObject**);
 typedef int (*ZerbinCanUnloadNowFn)(void);
 typedef void (*ZerbinReleaseObjectFn)(ZerbinObject*);
+typedef int (*ZerbinGetProjectFilesFn)(ZerbinObject**);
 typedef int (*ZerbinSetBlockLibraryFn)(const char*);
 typedef int (*ZerbinSetMessageHandlerFn)(ZerbinMessageHandler, void*);
 typedef int (*ZerbinSetEventPumpFn)(ZerbinEventPump, void*);

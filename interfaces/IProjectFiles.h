@@ -1,0 +1,28 @@
+// The project file service as a host reaches it through the plug-in: every project comes from
+// a file through the component's strict XML reader and goes back to one atomically, the
+// previous version kept as FILE~.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <pugixml.hpp>
+
+#include "interfaces/IObject.h"
+
+namespace zerbin {
+
+struct IProjectFiles : virtual IObject {
+    // The document of the file; nullptr, with why set ("cannot read project 'F': REASON",
+    // line and column in REASON where known), when it is not well-formed XML 1.0 or can't
+    // be read. Throws only std::bad_alloc.
+    virtual std::shared_ptr<pugi::xml_document> IProjectFiles_Read(const std::string& file,
+                                                                   std::string& why) = 0;
+    // Writes the document to the file: all of it or, when false is returned with why set
+    // ("cannot write project 'F': no space left on device"), nothing; a text XML cannot
+    // carry is refused before the file is touched. Throws only std::bad_alloc.
+    virtual bool IProjectFiles_Write(const std::string& file, const pugi::xml_document& document,
+                                     std::string& why) = 0;
+};
+
+}  // namespace zerbin
