@@ -11,6 +11,7 @@
 #include "cli/CliErrors.h"
 #include "cli/Commands.h"
 #include "interfaces/Error.h"
+#include "platform/ProjectFile.h"
 
 namespace zerbin::cli {
 namespace {
@@ -119,7 +120,12 @@ int RunExport(const CommandContext& context) {
 
 int RunLoad(const CommandContext& context) {
     const std::string& file = context.invocation.arguments.front();
-    const std::shared_ptr<const pugi::xml_document> project = ReadDocument(file, "project");
+    std::shared_ptr<const pugi::xml_document> project;
+    try {
+        project = ProjectFile(file).Read();
+    } catch (const ProjectFileError& error) {
+        throw UnreadableError(error.what());
+    }
     int status = kExitOk;
     int index = 0;
     // One buffer for every block's line: its room, once grown, is used again.
