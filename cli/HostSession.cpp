@@ -11,10 +11,10 @@
 #include "base/MMain.h"
 #include "base/Xml.h"
 #include "cli/CliErrors.h"
-#include "datatypes/EnumEntries.h"
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/TypeClass.h"
 #include "interfaces/Error.h"
+#include "parameters/ValueRules.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Files.h"
 
@@ -201,58 +201,6 @@ HostedBlock::~HostedBlock() {
     }
 }
 
-namespace {
-
-std::optional<double> NumberOf(const std::string& text) {
-    try {
-        return LocaleDouble(NormalizeDecimal(text));
-    } catch (const Error&) {
-        return std::nullopt;
-    }
-}
-
-// The value to write for text, or the reason the tool's editors would refuse it. An
-// enumeration, a type or unit selector and a device list take a code of their list or the
-// label they show for it (the last entry of a label wins, as in the enumeration editor).
-struct Checked {
-    std::string value;
-    std::optional<std::string> objection;
-};
-
-Checked CheckValue(IAttribute& attribute, const std::string& text) {
-    const std::shared_ptr<ISNVType> type = attribute.IAttribute_SNVTType();
-    if (!type) {
-        return {text, std::nullopt};
-    }
-    const TypeClass typeClass = ClassOf(*type);
-    if (typeClass == TypeClass::Enum) {
-        const std::optional<int16_t> code =
-            EnumCodeOf(EnumEntries(type->ISNVType_EnumDesc()), text);
-        if (!code) {
-            return {text, "'" + text + "' is no code or name of the list"};
-        }
-        return {std::to_string(*code), std::nullopt};
-    }
-    if (!IsNumericClass(typeClass) || attribute.IAttribute_IsUnit() ||
-        attribute.IAttribute_IsType()) {
-        return {text, std::nullopt};
-    }
-    const std::optional<double> number = NumberOf(text);
-    if (!number) {
-        return {text, "'" + text + "' is not a number"};
-    }
-    const std::optional<double> min = NumberOf(attribute.IAttribute_Min());
-    const std::optional<double> max = NumberOf(attribute.IAttribute_Max());
-    if ((min && *number < *min) || (max && *number > *max)) {
-        return {text, text + " is outside the limits " +
-                          (min ? attribute.IAttribute_Min() : std::string("-")) + " to " +
-                          (max ? attribute.IAttribute_Max() : std::string("-"))};
-    }
-    return {text, std::nullopt};
-}
-
-}  // namespace
-
 std::vector<std::string> HostedBlock::Apply(const std::vector<Assignment>& sets,
                                             const std::vector<Assignment>& refs) {
     const std::shared_ptr<IAttributes> attributes = block_->IAppObject_Attributes();
@@ -289,13 +237,13 @@ std::vector<std::string> HostedBlock::Apply(const std::vector<Assignment>& sets,
     for (std::size_t i = 0; i < sets.size(); ++i) {
         IAttribute& attribute = *targets[i];
         // Judged before the write: a selector's write changes the types of others.
-        const Checked checked = CheckValue(attribute, sets[i].value);
-        if (checked.objection) {
+        const ValueVerdict verdict = CheckValue(attribute, sets[i].value);
+        if (!verdict.Taken()) {
             objections.push_back("--set " + sets[i].name + "=" + sets[i].value + ": " +
-                                 *checked.objection + "; not written");
+                                 verdict.objection + "; not written");
             continue;
         }
-        attribute.IAttribute_Value(checked.value);
+        attribute.IAttribute_Value(verdict.value);
     }
     for (std::size_t i = 0; i < refs.size(); ++i) {
         connections[i]->IInput_Value(refs[i].value);
