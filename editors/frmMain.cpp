@@ -63,7 +63,11 @@ frmMain::frmMain(QWidget* owner) : QWidget(owner, Qt::Window), lvAttr_(new QTree
     lvAttr_->header()->resizeSection(2, inch * 233 / 100);
     lvAttr_->viewport()->installEventFilter(this);
     lvAttr_->installEventFilter(this);
-    connect(lvAttr_, &QTreeWidget::itemDoubleClicked, this, [this] { OpenSelectedItem(); });
+    // The editor opens once the list has finished with the double click: the host may delete
+    // the list while the editor is open, and the view's own handler must not be on the stack
+    // then.
+    connect(lvAttr_, &QTreeWidget::itemDoubleClicked, this, &frmMain::OpenSelectedItem,
+            Qt::QueuedConnection);
 
     // The list follows the window's size: a list that stayed put would waste what the user
     // made room for.
@@ -191,7 +195,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             // The keyboard's double click: the row with the focus opens.
             selectedItem_ = lvAttr_->currentItem();
-            OpenSelectedItem();
+            QMetaObject::invokeMethod(this, &frmMain::OpenSelectedItem, Qt::QueuedConnection);
             return true;
         }
     }
@@ -219,9 +223,11 @@ void frmMain::OpenSelectedItem() {
     std::string typeClass;
     SkipStep([&] { typeClass = Need(chosen->IAttribute_SNVTType()).ISNVType_GenType(); });
     // A class none of the seven words names has no editor: the double click simply ends.
-    if (const std::unique_ptr<ValueEditorDialog> editor = MakeValueEditor(typeClass, this)) {
+    if (const std::unique_ptr<ValueEditorDialog> editor = MakeValueEditor(typeClass, nullptr)) {
         editor->DataPoint(chosen);
-        editor->exec();
+        editor->ExecOver(this);
+        // This window may be gone by now (closed or deleted by the host meanwhile): nothing of
+        // it is touched after the editor returns. The editor wrote to the attribute it holds.
     }
 }
 
