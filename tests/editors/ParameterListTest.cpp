@@ -83,6 +83,11 @@ TEST_F(ParameterList, OneWindowPerBlockFoundByItsKey) {
     auto* list = windows[0]->findChild<QTreeWidget*>("lvAttr");
     EXPECT_EQ(list->topLevelItemCount(), thermostat->IAppObject_Attributes()->IAttributes_Count());
     EXPECT_EQ(list->headerItem()->text(2), QStringLiteral("Type"));
+    // One inch for the name and 2.33 for value and type, whatever the names and the window.
+    const double inch = list->logicalDpiX();
+    EXPECT_EQ(list->columnWidth(0), qRound(inch));
+    EXPECT_EQ(list->columnWidth(1), qRound(inch * 2.33));
+    EXPECT_EQ(list->columnWidth(2), qRound(inch * 2.33));
 }
 
 TEST_F(ParameterList, AClosedWindowIsForgottenAndTheNextShowMakesANewOne) {
