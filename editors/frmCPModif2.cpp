@@ -1,5 +1,7 @@
 #include "editors/frmCPModif2.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -50,26 +52,33 @@ void frmCPModif2::Load() {
         txtNewCPValue_->clear();
     }
     // A stored value that is too long is reported and cut here, as any change is.
+    accepted_.clear();
+    loading_ = true;
     SkipStep([&] { txtNewCPValue_->setText(QString::fromStdString(CurrentPoint()->Value())); });
+    loading_ = false;
     txtNewCPValue_->selectAll();
     txtNewCPValue_->setFocus();
 }
 
 void frmCPModif2::TextChanged(const QString& text) {
     // Every way in (typing, paste, drop, load) ends here, so the code page is kept here too:
-    // what the box shows is what the 8-bit value will hold.
+    // what the box shows is what the 8-bit value will hold, and the user hears of what it
+    // cannot hold rather than finding a "?" in the value later.
     std::u32string characters = text.toStdU32String();
-    bool mapped = false;
-    for (char32_t& c : characters) {
-        if (!InWindows1252(c)) {
-            c = U'?';
-            mapped = true;
+    const auto unfit = std::find_if_not(characters.begin(), characters.end(), FitsTextValue);
+    if (unfit != characters.end()) {
+        ShowMessage(UnfitCharacterMessage(*unfit), kDefaultTitle, MessageIcon::Exclamation);
+        if (loading_) {
+            // Nothing typed to go back to: the stored value loses only what it cannot hold.
+            std::erase_if(characters, [](char32_t c) { return !FitsTextValue(c); });
+            txtNewCPValue_->setText(QString::fromStdU32String(characters));
+        } else {
+            // The change is refused whole; the caret stays where the change began.
+            const int caret =
+                txtNewCPValue_->cursorPosition() - static_cast<int>(text.size() - accepted_.size());
+            txtNewCPValue_->setText(accepted_);
+            txtNewCPValue_->setCursorPosition(std::max(caret, 0));
         }
-    }
-    if (mapped) {
-        const int caret = txtNewCPValue_->cursorPosition();
-        txtNewCPValue_->setText(QString::fromStdU32String(characters));
-        txtNewCPValue_->setCursorPosition(caret);
         return;
     }
     if (CurrentPoint() == nullptr) {
@@ -83,6 +92,7 @@ void frmCPModif2::TextChanged(const QString& text) {
             txtNewCPValue_->setText(QString::fromStdString(verdict.cut));
         }
     });
+    accepted_ = txtNewCPValue_->text();
 }
 
 bool frmCPModif2::eventFilter(QObject* watched, QEvent* event) {

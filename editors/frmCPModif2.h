@@ -27,6 +27,9 @@ private:
     QLineEdit* txtNewCPValue_;
     QPushButton* cmdOk_;
     QPushButton* cmdCancel_;
+
+    QString accepted_;      // the text as the last change left it, what a refused change restores
+    bool loading_ = false;  // the stored value is going in
 };
 
 }  // namespace zerbin

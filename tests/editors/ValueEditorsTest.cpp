@@ -10,6 +10,7 @@
 
 #include "editors/EditorWindows.h"
 #include "editors/QtAdapters.h"
+#include "editors/TextRules.h"
 #include "editors/frmCPModif2.h"
 #include "editors/frmCPModif3.h"
 #include "editors/frmCPModif5.h"
@@ -41,6 +42,7 @@ struct TextRow {
     const char* keys;  // "\b" is Backspace
     const char* expected;
     int messages;
+    const char* message = nullptr;  // the first one; nullptr: the length message
 };
 
 class TextKeys : public ::testing::TestWithParam<TextRow> {};
@@ -62,7 +64,10 @@ TEST_P(TextKeys, TypedKeysKeepLengthBlanksAndCodePage) {
     TypeKeys(box, QString::fromUtf8(row.keys));
     EXPECT_EQ(box.text().toStdString(), row.expected);
     ASSERT_EQ(messages.Messages().size(), static_cast<std::size_t>(row.messages));
-    if (row.messages > 0) {
+    if (row.messages > 0 && row.message != nullptr) {
+        EXPECT_EQ(messages.Messages()[0].text, row.message);
+        EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Exclamation);
+    } else if (row.messages > 0) {
         EXPECT_EQ(messages.Messages()[0].text,
                   "The text cannot exceed " + std::to_string(row.length) + " characters");
         EXPECT_EQ(messages.Messages()[0].title, "Name too long");
@@ -77,7 +82,10 @@ INSTANTIATE_TEST_SUITE_P(Text, TextKeys,
                                            TextRow{8, "abc", -1, 0, 0, "\b", "ab", 0},
                                            TextRow{8, "abcd", 1, 2, 0, "\b", "abc", 0},
                                            TextRow{8, "", -1, 0, 0, "€é", "€é", 0},
-                                           TextRow{8, "", -1, 0, 0, "ł→", "??", 0}));
+                                           TextRow{8, "ab", -1, 0, 1, "ł→", "ab", 2,
+                                                   "The character \"ł\" is not in the value's "
+                                                   "8-bit code page (Windows-1252) and cannot "
+                                                   "be stored."}));
 
 TEST(TextEditor, StoredTooLongIsCutAtLoadAndPasteIsCutOnce) {
     ScopedMessageRecorder messages;
@@ -92,6 +100,37 @@ TEST(TextEditor, StoredTooLongIsCutAtLoadAndPasteIsCutOnce) {
     QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(box.text(), QStringLiteral("1234"));
     EXPECT_EQ(messages.Messages().size(), 2U);
+}
+
+// Tabs, line ends and characters the code page lacks are refused with a message, never turned
+// into "?": a paste is refused whole, a stored value loses only those characters.
+TEST(TextEditor, WhatTheValueCannotHoldIsRefusedAndSaid) {
+    ScopedMessageRecorder messages;
+    auto point = PointOf("Textual", "x\ny€", 8);
+    frmCPModif2 dialog;
+    dialog.DataPoint(point);
+    dialog.show();
+    auto& box = *dialog.findChild<QLineEdit*>("txtNewCPValue");
+    EXPECT_EQ(box.text(), QStringLiteral("xy€"));
+    ASSERT_EQ(messages.Messages().size(), 1U);
+    EXPECT_NE(messages.Messages()[0].text.find("line ends"), std::string::npos);
+    box.setCursorPosition(1);
+    QApplication::clipboard()->setText(QStringLiteral("a\tb"));
+    QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(box.text(), QStringLiteral("xy€"));
+    EXPECT_EQ(box.cursorPosition(), 1);
+    EXPECT_EQ(messages.Messages().size(), 2U);
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(point->writes, std::vector<std::string>{"xy€"});
+}
+
+TEST(TextRules, AValueHoldsOneLineOfTheCodePage) {
+    for (const char32_t c : {U'a', U' ', U'~', U'é', U'€', U'Ÿ', U'\u00A0'}) {
+        EXPECT_TRUE(FitsTextValue(c)) << static_cast<uint32_t>(c);
+    }
+    for (const char32_t c : {U'\t', U'\n', U'\r', U'\x7F', U'\u0081', U'ł', U'→', U'😀'}) {
+        EXPECT_FALSE(FitsTextValue(c)) << static_cast<uint32_t>(c);
+    }
 }
 
 TEST(TextEditor, EscRestoresEnterWritesEvenEmpty) {
