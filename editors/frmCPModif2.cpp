@@ -6,9 +6,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "base/SkipMode.h"
+#include "base/Utf8.h"
 #include "editors/KeyCodes.h"
 #include "editors/TextRules.h"
 #include "platform/Messages.h"
@@ -24,8 +26,6 @@ frmCPModif2::frmCPModif2(QWidget* parent)
     setObjectName(QStringLiteral("frmCPModif2"));
     txtNewCPValue_->setObjectName(QStringLiteral("txtNewCPValue"));
     txtNewCPValue_->installEventFilter(this);
-    txtNewCPValue_->setMinimumWidth(
-        txtNewCPValue_->fontMetrics().horizontalAdvance(QLatin1Char('M')) * 20);
 
     auto* layout = new QVBoxLayout(this);
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -45,8 +45,31 @@ frmCPModif2::frmCPModif2(QWidget* parent)
     connect(cmdCancel_, &QPushButton::clicked, this, &QDialog::reject);
 }
 
+void frmCPModif2::FitBoxToLength(int32_t limit) {
+    // Wide enough for the longest text the type allows in its widest characters, so that no
+    // part of a value scrolls out of sight; only a screen too narrow for that stops it.
+    const QFontMetrics metrics = txtNewCPValue_->fontMetrics();
+    int widest = 0;
+    for (int byte = 0x20; byte <= 0xFF; ++byte) {
+        const auto c = static_cast<char32_t>(Windows1252CodePoint(static_cast<uint8_t>(byte)));
+        if (FitsTextValue(c)) {
+            widest = std::max(widest, metrics.horizontalAdvance(QString::fromUcs4(&c, 1)));
+        }
+    }
+    // The box's frame and margins, as its own size hint counts them around 17 "x".
+    const int frame = txtNewCPValue_->QLineEdit::sizeHint().width() -
+                      17 * metrics.horizontalAdvance(QLatin1Char('x'));
+    const int cursor = 2;
+    int width = frame + widest * std::max(limit, 0) + cursor;
+    if (const QScreen* shown = screen()) {
+        width = std::min(width, shown->availableGeometry().width() * 3 / 4);
+    }
+    txtNewCPValue_->setFixedWidth(std::max(width, txtNewCPValue_->QLineEdit::sizeHint().width()));
+}
+
 void frmCPModif2::Load() {
     SkipStep([&] { lblName_->setText(QString::fromStdString(CurrentPoint()->Name())); });
+    SkipStep([&] { FitBoxToLength(Need(CurrentPoint()->SNVTType()).ISNVType_Length()); });
     {
         const QSignalBlocker quiet(txtNewCPValue_);
         txtNewCPValue_->clear();

@@ -8,6 +8,8 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <set>
+
 #include "editors/EditorWindows.h"
 #include "editors/QtAdapters.h"
 #include "editors/TextRules.h"
@@ -122,6 +124,39 @@ TEST(TextEditor, WhatTheValueCannotHoldIsRefusedAndSaid) {
     EXPECT_EQ(messages.Messages().size(), 2U);
     QTest::keyClick(&box, Qt::Key_Return);
     EXPECT_EQ(point->writes, std::vector<std::string>{"xy€"});
+}
+
+// The longest text the type allows stays in sight whole, even in wide characters.
+TEST(TextEditor, TheBoxShowsTheLongestTextWhole) {
+    for (const QChar wide : {QChar(u'W'), QChar(u'@'), QChar(u'‰'), QChar(u'Œ')}) {
+        const QString text(31, wide);
+        auto point = PointOf("Textual", text.toStdString(), 31);
+        frmCPModif2 dialog;
+        dialog.DataPoint(point);
+        dialog.show();
+        auto& box = *dialog.findChild<QLineEdit*>("txtNewCPValue");
+        ASSERT_EQ(box.text(), text);
+        box.end(false);
+        box.grab();  // the box scrolls its text as it paints
+        // With the caret at the end, the start of the text must not have scrolled away.
+        const int start = box.inputMethodQuery(Qt::ImCursorRectangle).toRect().center().x() -
+                          box.fontMetrics().horizontalAdvance(text);
+        EXPECT_GE(start, box.contentsRect().left()) << QString(wide).toStdString();
+    }
+}
+
+// OK and Cancel stand as far apart in every editor; the bit editor's tight grid made them touch.
+TEST(EditorButtons, StandApartAlikeInEveryEditor) {
+    std::set<int> gaps;
+    for (const char* name : {"frmCPModif1", "frmCPModif2", "frmCPModif3", "frmCPModif5"}) {
+        const auto editor = MakeValueEditorNamed(name, nullptr);
+        editor->show();
+        const QRect ok = editor->findChild<QPushButton*>("cmdOk")->geometry();
+        const QRect cancel = editor->findChild<QPushButton*>("cmdCancel")->geometry();
+        gaps.insert(std::max(ok.left(), cancel.left()) - std::min(ok.right(), cancel.right()));
+    }
+    EXPECT_EQ(gaps.size(), 1U);
+    EXPECT_GT(*gaps.begin(), 4);
 }
 
 TEST(TextRules, AValueHoldsOneLineOfTheCodePage) {
