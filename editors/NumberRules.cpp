@@ -1,6 +1,9 @@
 #include "editors/NumberRules.h"
 
+#include <algorithm>
+
 #include "base/MMain.h"
+#include "base/Utf8.h"
 
 namespace zerbin {
 namespace {
@@ -21,6 +24,14 @@ std::size_t Position(const std::u32string& text, char32_t c, bool fold = false) 
 
 bool IsDigit(char32_t c) {
     return c >= U'0' && c <= U'9';
+}
+
+std::string Utf8Of(const std::u32string& text) {
+    std::string out;
+    for (const char32_t c : text) {
+        AppendUtf8(out, c);
+    }
+    return out;
 }
 
 bool EndsInE(const std::u32string& text) {
@@ -81,6 +92,49 @@ NumericKeyDecision FilterNumericKey(const NumericKeyInput& in) {
         decision.character = Folded(in.key);
     }
     return decision;
+}
+
+NumericPasteResult FilterNumericPaste(const NumericKeyInput& box, std::u32string pasted) {
+    const auto blank = [](char32_t c) {
+        return c == U' ' || c == U'\t' || c == U'\r' || c == U'\n';
+    };
+    while (!pasted.empty() && blank(pasted.back())) {
+        pasted.pop_back();
+    }
+    std::size_t first = 0;
+    while (first < pasted.size() && blank(pasted[first])) {
+        ++first;
+    }
+    pasted.erase(0, first);
+
+    NumericKeyInput state = box;
+    state.caret = std::min(state.caret, state.text.size());
+    state.selectionLength = std::min(state.selectionLength, state.text.size() - state.caret);
+    for (const char32_t key : pasted) {
+        state.key = key;
+        const NumericKeyDecision decision = FilterNumericKey(state);
+        // Control characters never come from a paste as keys: Enter, Esc or Backspace in a
+        // pasted text would act instead of being typed.
+        if (key < 0x20 || decision.action != NumericKeyAction::Pass) {
+            return {false, {}, 0, key};
+        }
+        if (decision.emptyFirst) {
+            state.text.clear();
+            state.caret = 0;
+        } else {
+            // A typed key replaces a partial selection, as the box does with it.
+            state.text.erase(state.caret, state.selectionLength);
+        }
+        state.selectionLength = 0;
+        state.text.insert(state.caret, 1, decision.character);
+        ++state.caret;
+    }
+    return {true, state.text, state.caret, 0};
+}
+
+std::string RefusedPasteMessage(const std::u32string& pasted, char32_t refused) {
+    return "Nothing was pasted: the \"" + Utf8Of(std::u32string(1, refused)) + "\" of \"" +
+           Utf8Of(pasted) + "\" does not fit this value.";
 }
 
 bool IsCompleteNumber(const std::string& text) {

@@ -42,6 +42,22 @@ struct NumericKeyDecision {
 // Judges one key at a time, by the end of the whole text rather than the caret.
 NumericKeyDecision FilterNumericKey(const NumericKeyInput& input);
 
+// A paste either goes in whole, as its characters would if typed one by one, or not at all:
+// a paste the filter would thin out would become another number. Blanks and line ends around
+// the pasted text (what a copied cell brings along) are left out first.
+struct NumericPasteResult {
+    bool accepted = false;
+    std::u32string text;    // the box afterwards, when accepted
+    std::size_t caret = 0;  // characters before the caret afterwards, when accepted
+    char32_t refused = 0;   // the first character the filter would not take, when refused
+};
+
+// box is the box as the paste finds it; its key is not used.
+NumericPasteResult FilterNumericPaste(const NumericKeyInput& box, std::u32string pasted);
+
+// The message of a refused paste.
+std::string RefusedPasteMessage(const std::u32string& pasted, char32_t refused);
+
 // Whether OK may be enabled: only the end of the trimmed text is judged.
 bool IsCompleteNumber(const std::string& text);
 

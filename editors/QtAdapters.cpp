@@ -93,14 +93,14 @@ public:
             return;
         }
         const std::unique_ptr<ValueEditorDialog> dialog =
-            MakeValueEditorNamed(editorName_, ActiveWindow());
+            MakeValueEditorNamed(editorName_, nullptr);
         if (!dialog) {
             return;
         }
         for (auto& point : points) {
             dialog->DataPoint(std::move(point));
         }
-        dialog->exec();
+        dialog->ExecOver(ActiveWindow());
     }
 
 private:

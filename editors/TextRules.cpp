@@ -7,6 +7,15 @@
 #include "editors/NumberRules.h"
 
 namespace zerbin {
+namespace {
+
+// C0 and C1 control characters and DEL: the code page's table passes its undefined bytes
+// through as C1 controls, which no one-line value should hold either.
+bool IsControl(char32_t c) {
+    return c < 0x20 || (c >= 0x7F && c <= 0x9F);
+}
+
+}  // namespace
 
 TextKeyDecision FilterTextKey(char32_t key) {
     switch (key) {
@@ -38,7 +47,10 @@ TextLengthVerdict CheckTextLength(const std::string& text, int32_t limit) {
             text.substr(0, end)};
 }
 
-bool InWindows1252(char32_t c) {
+bool FitsTextValue(char32_t c) {
+    if (IsControl(c)) {
+        return false;
+    }
     if (c < 0x80) {
         return true;
     }
@@ -49,6 +61,17 @@ bool InWindows1252(char32_t c) {
         }
     }
     return false;
+}
+
+std::string UnfitCharacterMessage(char32_t c) {
+    if (IsControl(c)) {
+        return "The value is one line of text: it cannot hold tabs, line ends or other control "
+               "characters.";
+    }
+    std::string character;
+    AppendUtf8(character, c);
+    return "The character \"" + character +
+           "\" is not in the value's 8-bit code page (Windows-1252) and cannot be stored.";
 }
 
 }  // namespace zerbin

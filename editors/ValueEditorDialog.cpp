@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QWindow>
 
 #include "base/SkipMode.h"
 
@@ -24,6 +25,16 @@ void ValueEditorDialog::DataPoint(std::shared_ptr<IObject> point) {
 
 void ValueEditorDialog::CalledFramModif4(bool calledFromStructure) {
     calledFramModif4_ = calledFromStructure;
+}
+
+int ValueEditorDialog::ExecOver(QWidget* owner) {
+    if (owner != nullptr && owner->window()->windowHandle() != nullptr) {
+        create();
+        // Kept on top of the owner and placed over it, as a child window would be; a
+        // transient parent is held weakly, so the owner may go first.
+        windowHandle()->setTransientParent(owner->window()->windowHandle());
+    }
+    return exec();
 }
 
 const EditPoint* ValueEditorDialog::CurrentPoint() const {

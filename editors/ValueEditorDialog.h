@@ -31,6 +31,11 @@ public:
     void CalledFramModif4(bool calledFromStructure);
     bool CalledFramModif4() const { return calledFramModif4_; }
 
+    // Shows the window modally over owner's window (none: over nothing) and returns when it
+    // closes. The window stays out of owner's children on purpose: the host may delete its
+    // window while this one is open, and the user's edit must outlive that.
+    int ExecOver(QWidget* owner);
+
     // The window's caption for every editor.
     static constexpr const char* kCaption = "Edit value";
 

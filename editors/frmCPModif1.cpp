@@ -134,7 +134,7 @@ bool frmCPModif1::eventFilter(QObject* watched, QEvent* event) {
             return true;
         }
         const char32_t key = CharacterKey(*keyEvent);
-        return key != 0 && ApplyKey(key, true);
+        return key != 0 && ApplyKey(key);
     }
     if (event->type() == QEvent::MouseButtonRelease &&
         static_cast<QMouseEvent*>(event)->button() == Qt::MiddleButton) {
@@ -143,7 +143,7 @@ bool frmCPModif1::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
-bool frmCPModif1::ApplyKey(char32_t key, bool fromKeyEvent) {
+NumericKeyInput frmCPModif1::BoxAsItIs() const {
     NumericKeyInput input;
     const QString text = txtNewCPValue_->text();
     input.text = text.toStdU32String();
@@ -151,10 +151,14 @@ bool frmCPModif1::ApplyKey(char32_t key, bool fromKeyEvent) {
     const int caret = txtNewCPValue_->hasSelectedText() ? txtNewCPValue_->selectionStart()
                                                         : txtNewCPValue_->cursorPosition();
     input.caret = text.left(caret).toStdU32String().size();
-    input.key = key;
     input.separator = static_cast<char32_t>(DecimalSeparator().front());
     input.decimals = decimals_;
+    return input;
+}
 
+bool frmCPModif1::ApplyKey(char32_t key) {
+    NumericKeyInput input = BoxAsItIs();
+    input.key = key;
     const NumericKeyDecision decision = FilterNumericKey(input);
     if (decision.emptyFirst) {
         txtNewCPValue_->clear();
@@ -173,30 +177,32 @@ bool frmCPModif1::ApplyKey(char32_t key, bool fromKeyEvent) {
         case NumericKeyAction::Pass:
             break;
     }
-    if (fromKeyEvent && decision.character == key) {
+    if (decision.character == key) {
         return false;
     }
-    if (decision.character == kKeyBackspace) {
-        txtNewCPValue_->backspace();
-    } else {
-        txtNewCPValue_->insert(QString::fromUcs4(&decision.character, 1));
-    }
+    txtNewCPValue_->insert(QString::fromUcs4(&decision.character, 1));
     return true;
 }
 
 void frmCPModif1::PasteThroughFilter() {
-    // A pasted text is judged as if its characters were typed one by one.
     const std::u32string pasted = QApplication::clipboard()->text().toStdU32String();
-    for (const char32_t key : pasted) {
-        ApplyKey(key, false);
-        if (!isVisible()) {
-            break;
-        }
+    const NumericPasteResult result = FilterNumericPaste(BoxAsItIs(), pasted);
+    if (!result.accepted) {
+        ShowMessage(RefusedPasteMessage(pasted, result.refused), "Warning",
+                    MessageIcon::Exclamation);
+        return;
     }
+    txtNewCPValue_->setText(QString::fromStdU32String(result.text));
+    txtNewCPValue_->setCursorPosition(
+        static_cast<int>(QString::fromStdU32String(result.text.substr(0, result.caret)).size()));
 }
 
 void frmCPModif1::OkAction() {
     const std::string text = txtNewCPValue_->text().toStdString();
+    // The text shown at load stands for the stored value, and writing that again is not
+    // harmless: a parameter kept divided by a factor would lose the factor on every untouched
+    // OK. So that text writes nothing; the limits are still checked.
+    const bool untouched = text == valueText_;
     try {
         const bool written = ForEachPoint([&](const EditPoint& point) {
             const RangeVerdict verdict = CheckRange(text, minText_, maxText_, *converter_);
@@ -207,7 +213,9 @@ void frmCPModif1::OkAction() {
                 txtNewCPValue_->selectAll();
                 return false;
             }
-            point.Value(converter_->FromDisplayValue(point.TypeId(), text));
+            if (!untouched) {
+                point.Value(converter_->FromDisplayValue(point.TypeId(), text));
+            }
             return true;
         });
         if (!written) {

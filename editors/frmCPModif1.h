@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "editors/NumberRules.h"
 #include "editors/ValueEditorDialog.h"
 #include "interfaces/IHostServices.h"
 
@@ -28,9 +29,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // The box's text, selection and caret as the key filter sees them.
+    NumericKeyInput BoxAsItIs() const;
     // Runs one character key through the filter; false when the box should take the key
     // event as it is.
-    bool ApplyKey(char32_t key, bool fromKeyEvent);
+    bool ApplyKey(char32_t key);
     void PasteThroughFilter();
     void OkAction();
 

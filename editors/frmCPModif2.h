@@ -3,6 +3,8 @@
 // underscores. What is typed is what is stored.
 #pragma once
 
+#include <cstdint>
+
 #include "editors/ValueEditorDialog.h"
 
 class QLineEdit;
@@ -20,6 +22,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void FitBoxToLength(int32_t limit);
     void TextChanged(const QString& text);
     void OkAction();
 
@@ -27,6 +30,9 @@ private:
     QLineEdit* txtNewCPValue_;
     QPushButton* cmdOk_;
     QPushButton* cmdCancel_;
+
+    QString accepted_;      // the text as the last change left it, what a refused change restores
+    bool loading_ = false;  // the stored value is going in
 };
 
 }  // namespace zerbin

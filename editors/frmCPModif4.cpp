@@ -76,10 +76,16 @@ void frmCPModif4::Load() {
 }
 
 bool frmCPModif4::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == lvwMain_->viewport() && event->type() == QEvent::MouseButtonRelease &&
+    if (watched == lvwMain_->viewport() &&
+        (event->type() == QEvent::MouseButtonPress ||
+         event->type() == QEvent::MouseButtonDblClick ||
+         event->type() == QEvent::MouseButtonRelease) &&
         static_cast<QMouseEvent*>(event)->button() == Qt::RightButton) {
-        // The selected row opens, wherever the pointer stands.
-        OpenSelectedField();
+        // The selected row opens, wherever the pointer stands; so the list must not see the
+        // press either, or it would first make the row under the pointer the selected one.
+        if (event->type() == QEvent::MouseButtonRelease) {
+            OpenSelectedField();
+        }
         return true;
     }
     if (watched == lvwMain_ && event->type() == QEvent::KeyPress) {

@@ -7,6 +7,7 @@
 #include <QStyle>
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
+#include <QVBoxLayout>
 
 #include "base/SkipMode.h"
 #include "editors/BitRules.h"
@@ -68,9 +69,12 @@ frmCPModif5::frmCPModif5(QWidget* parent)
     auto* label1 = new QLabel(QStringLiteral("LSB"), this);
     label1->setObjectName(QStringLiteral("Label1"));
 
-    auto* grid = new QGridLayout(this);
-    grid->setSizeConstraint(QLayout::SetFixedSize);
+    auto* layout = new QVBoxLayout(this);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    // The bits stand close together; the buttons keep the spacing of the other editors.
+    auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(2);
+    layout->addLayout(grid);
     grid->addWidget(lblName_, 0, 0, 1, 9);
     grid->addWidget(label4_, 1, 0);
     grid->addWidget(label3, 2, 0);
@@ -87,7 +91,7 @@ frmCPModif5::frmCPModif5(QWidget* parent)
     buttons->addStretch();
     buttons->addWidget(cmdOk_);
     buttons->addWidget(cmdCancel_);
-    grid->addLayout(buttons, 4, 0, 1, 9);
+    layout->addLayout(buttons);
 
     for (int i = 15; i > 0; --i) {
         setTabOrder(bit_[static_cast<std::size_t>(i)], bit_[static_cast<std::size_t>(i - 1)]);

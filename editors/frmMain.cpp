@@ -1,7 +1,5 @@
 #include "editors/frmMain.h"
 
-#include <algorithm>
-
 #include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
@@ -56,19 +54,21 @@ frmMain::frmMain(QWidget* owner) : QWidget(owner, Qt::Window), lvAttr_(new QTree
     lvAttr_->setUniformRowHeights(true);
     lvAttr_->setAllColumnsShowFocus(true);
     lvAttr_->setSortingEnabled(false);
-    // One inch for the name, 2.33 inches for each of the others, in this screen's pixels.
-    const int inch = logicalDpiX();
-    lvAttr_->header()->resizeSection(0, inch);
-    lvAttr_->header()->resizeSection(1, inch * 233 / 100);
-    lvAttr_->header()->resizeSection(2, inch * 233 / 100);
+    // The columns keep the widths they are given; the last one does not take up the rest.
+    lvAttr_->header()->setStretchLastSection(false);
     lvAttr_->viewport()->installEventFilter(this);
     lvAttr_->installEventFilter(this);
-    connect(lvAttr_, &QTreeWidget::itemDoubleClicked, this, [this] { OpenSelectedItem(); });
+    // The editor opens once the list has finished with the double click: the host may delete
+    // the list while the editor is open, and the view's own handler must not be on the stack
+    // then.
+    connect(lvAttr_, &QTreeWidget::itemDoubleClicked, this, &frmMain::OpenSelectedItem,
+            Qt::QueuedConnection);
 
     // The list follows the window's size: a list that stayed put would waste what the user
     // made room for.
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(lvAttr_);
+    const int inch = logicalDpiX();
     resize(inch * 567 / 100 + 40, inch * 3);
 }
 
@@ -115,6 +115,12 @@ void frmMain::showEvent(QShowEvent* event) {
             }
         });
         SkipStep([&] { setWindowTitle(QString::fromStdString(appObject_->IAppObject_Name())); });
+        // One inch for the name, 2.33 inches for value and type, in the pixels of the screen
+        // the window opens on; known only now.
+        const double inch = lvAttr_->logicalDpiX();
+        lvAttr_->setColumnWidth(0, qRound(inch));
+        lvAttr_->setColumnWidth(1, qRound(inch * 2.33));
+        lvAttr_->setColumnWidth(2, qRound(inch * 2.33));
         FillList();
     }
     QWidget::showEvent(event);
@@ -151,10 +157,6 @@ void frmMain::FillList() {
             });
         }
     });
-    // A name wider than its inch would be cut; the column grows to show it whole.
-    const int inch = lvAttr_->columnWidth(0);
-    lvAttr_->resizeColumnToContents(0);
-    lvAttr_->setColumnWidth(0, std::max(inch, lvAttr_->columnWidth(0)));
 }
 
 void frmMain::AttributeChanged(const std::string& globalKey) {
@@ -191,7 +193,7 @@ bool frmMain::eventFilter(QObject* watched, QEvent* event) {
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
             // The keyboard's double click: the row with the focus opens.
             selectedItem_ = lvAttr_->currentItem();
-            OpenSelectedItem();
+            QMetaObject::invokeMethod(this, &frmMain::OpenSelectedItem, Qt::QueuedConnection);
             return true;
         }
     }
@@ -219,9 +221,11 @@ void frmMain::OpenSelectedItem() {
     std::string typeClass;
     SkipStep([&] { typeClass = Need(chosen->IAttribute_SNVTType()).ISNVType_GenType(); });
     // A class none of the seven words names has no editor: the double click simply ends.
-    if (const std::unique_ptr<ValueEditorDialog> editor = MakeValueEditor(typeClass, this)) {
+    if (const std::unique_ptr<ValueEditorDialog> editor = MakeValueEditor(typeClass, nullptr)) {
         editor->DataPoint(chosen);
-        editor->exec();
+        editor->ExecOver(this);
+        // This window may be gone by now (closed or deleted by the host meanwhile): nothing of
+        // it is touched after the editor returns. The editor wrote to the attribute it holds.
     }
 }
 

@@ -39,7 +39,8 @@ public:
 
     // Refreshes the value and type of every row whose attribute has this global key.
     void AttributeChanged(const std::string& globalKey);
-    // Opens the editor of the attribute of the remembered row; nothing without one.
+    // Opens the editor of the attribute of the remembered row and returns when it closes;
+    // nothing without a row. The double click and Enter call it from the event loop.
     void OpenSelectedItem();
 
 protected:

@@ -147,7 +147,7 @@ class NumericRange : public ::testing::TestWithParam<RangeRow> {};
 TEST_P(NumericRange, OkChecksTheLimitsOfTheLoad) {
     const RangeRow& row = GetParam();
     ZERBIN_SEPARATOR_FOR(row.comma, locale);
-    OpenEditor editor("105", "0");
+    OpenEditor editor("105", "5");
     editor.point->min = row.min;
     editor.point->max = row.max;
     editor.Show();
@@ -192,13 +192,80 @@ TEST(NumericEditor, EscRestoresTheLoadedTextAndStaysOpen) {
     EXPECT_TRUE(editor.dialog.isVisible());
 }
 
-TEST(NumericEditor, PasteIsTypedThroughTheFilter) {
+// A paste goes in whole or, with a message, not at all; never thinned out to another number.
+TEST(NumericEditor, APasteGoesInWholeOrNotAtAll) {
     OpenEditor editor("105", "0");
     editor.Show();
-    editor.Box().clear();
-    QApplication::clipboard()->setText(QStringLiteral("-1x2.345e"));
+    editor.Box().setText(QStringLiteral("7"));
+    editor.Box().end(false);
+    QApplication::clipboard()->setText(QStringLiteral("1x2"));
     QTest::keyClick(&editor.Box(), Qt::Key_V, Qt::ControlModifier);
-    EXPECT_EQ(editor.Box().text(), QStringLiteral("-12.34E"));
+    EXPECT_EQ(editor.Box().text(), QStringLiteral("7"));
+    ASSERT_EQ(editor.messages.Messages().size(), 1U);
+    EXPECT_EQ(editor.messages.Messages()[0].text,
+              "Nothing was pasted: the \"x\" of \"1x2\" does not fit this value.");
+    QApplication::clipboard()->setText(QStringLiteral("2.5e"));
+    QTest::keyClick(&editor.Box(), Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(editor.Box().text(), QStringLiteral("72.5E"));
+    EXPECT_EQ(editor.Box().cursorPosition(), 5);
+}
+
+// The text shown at load stands for the stored value; writing it again would lose the factor
+// of a parameter kept divided (1 shown, 0.001 kept after one OK, 1E-06 after two).
+TEST(NumericEditor, AnUntouchedOkWritesNothing) {
+    UseLibrary(DataDir() / "library");
+    HostSetup setup;
+    setup.dictionary = ShippedDictionary();
+    TestBlock block("ANALOG_SCALER", setup);
+    const auto filterTime = block->IAppObject_Attributes()->IAttributes_Item("FilterTime");
+    ASSERT_NE(filterTime, nullptr);
+    const std::string stored = filterTime->IAttribute_Value();
+    for (int ok = 0; ok < 2; ++ok) {
+        frmCPModif1 dialog;
+        dialog.DataPoint(filterTime);
+        dialog.show();
+        QTest::mouseClick(dialog.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+        EXPECT_FALSE(dialog.isVisible());
+    }
+    EXPECT_EQ(filterTime->IAttribute_Value(), stored);
+}
+
+TEST(NumberRules, APasteIsTypedKeyByKeyAndTakenWholeOrRefused) {
+    struct Row {
+        const char* start;
+        std::size_t caret;
+        std::size_t selection;
+        bool comma;
+        const char* pasted;
+        const char* expected;  // empty: refused
+        char32_t refused;
+        std::size_t caretAfter;
+    };
+    for (const Row& row : {
+             Row{"", 0, 0, false, "-12.34", "-12.34", 0, 6},
+             Row{"", 0, 0, false, " 2e5\r\n", "2E5", 0, 3},
+             Row{"1.23", 0, 0, false, "5", "51.23", 0, 1},
+             Row{"1.5", 0, 3, false, "7", "7", 0, 1},
+             Row{"12345", 1, 2, false, "9", "1945", 0, 2},
+             Row{"", 0, 0, true, "1.5", "", U'.', 0},
+             Row{"", 0, 0, false, "1.234", "", U'4', 0},
+             Row{"", 0, 0, false, "1\t2", "", U'\t', 0},
+             Row{"-5", 0, 0, false, "-", "", U'-', 0},
+         }) {
+        NumericKeyInput box;
+        box.text = QString::fromLatin1(row.start).toStdU32String();
+        box.caret = row.caret;
+        box.selectionLength = row.selection;
+        box.separator = row.comma ? U',' : U'.';
+        box.decimals = 2;
+        const NumericPasteResult result =
+            FilterNumericPaste(box, QString::fromLatin1(row.pasted).toStdU32String());
+        const std::string expected = row.expected;
+        EXPECT_EQ(result.accepted, !expected.empty()) << row.pasted;
+        EXPECT_EQ(QString::fromStdU32String(result.text).toStdString(), expected) << row.pasted;
+        EXPECT_EQ(result.refused, row.refused) << row.pasted;
+        EXPECT_EQ(result.caret, row.caretAfter) << row.pasted;
+    }
 }
 
 TEST(NumberRules, AbbreviateNumberKeepsTwoDecimalsAndTheExponent) {

@@ -1,6 +1,8 @@
 // The parameter list on blocks of the shipped library, and the editor port that opens the
 // right window from IAttribute_SetValue.
+#include <QHeaderView>
 #include <QLineEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
@@ -8,6 +10,7 @@
 #include "app_object/CDBAppObject.h"
 #include "editors/EditorWindows.h"
 #include "editors/QtAdapters.h"
+#include "editors/ValueEditorDialog.h"
 #include "editors/frmMain.h"
 #include "interfaces/IAttribute.h"
 #include "tests/support/EditorTestSupport.h"
@@ -53,6 +56,13 @@ protected:
         return windows;
     }
 
+    // The list opens the editor once its own handling of the double click is over: that call
+    // is delivered here, ahead of anything the test has queued.
+    static void DoubleClick(QTreeWidget& list, QPoint where) {
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, where);
+        QCoreApplication::sendPostedEvents(list.window(), QEvent::MetaCall);
+    }
+
     ScopedMessageRecorder messages_;
     std::vector<std::shared_ptr<CDBAppObject>> blocks_;
 };
@@ -73,6 +83,11 @@ TEST_F(ParameterList, OneWindowPerBlockFoundByItsKey) {
     auto* list = windows[0]->findChild<QTreeWidget*>("lvAttr");
     EXPECT_EQ(list->topLevelItemCount(), thermostat->IAppObject_Attributes()->IAttributes_Count());
     EXPECT_EQ(list->headerItem()->text(2), QStringLiteral("Type"));
+    // One inch for the name and 2.33 for value and type, whatever the names and the window.
+    const double inch = list->logicalDpiX();
+    EXPECT_EQ(list->columnWidth(0), qRound(inch));
+    EXPECT_EQ(list->columnWidth(1), qRound(inch * 2.33));
+    EXPECT_EQ(list->columnWidth(2), qRound(inch * 2.33));
 }
 
 TEST_F(ParameterList, AClosedWindowIsForgottenAndTheNextShowMakesANewOne) {
@@ -103,7 +118,7 @@ TEST_F(ParameterList, ValuesWrittenAnywhereShowInTheRowCancelLeavesIt) {
     const QPoint where = list->visualItemRect(row).center();
     const auto edit = [&](const char* typed, const char* button) {
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, where);
-        WithModal([&] { QTest::mouseDClick(list->viewport(), Qt::LeftButton, {}, where); },
+        WithModal([&] { DoubleClick(*list, where); },
                   [&](QWidget& editor) {
                       EXPECT_EQ(editor.objectName(), QStringLiteral("frmCPModif1"));
                       QTest::keyClicks(editor.findChild<QLineEdit*>("txtNewCPValue"), typed);
@@ -115,6 +130,49 @@ TEST_F(ParameterList, ValuesWrittenAnywhereShowInTheRowCancelLeavesIt) {
     edit("17", "cmdOk");
     EXPECT_EQ(attribute->IAttribute_Value(), "17");
     EXPECT_EQ(row->text(1).toStdString(), "17");
+}
+
+// The host may take the list away while an editor it opened is still modal: closed from a
+// timer, or deleted with its block. The editor stays the user's to finish; what its OK writes
+// reaches the attribute, and nothing touches the list that is gone.
+TEST_F(ParameterList, AListTakenAwayUnderAnOpenEditorLeavesTheEditorWhole) {
+    struct Way {
+        const char* name;
+        bool destroyBlock;
+    };
+    for (const Way way : {Way{"closed from a timer", false}, Way{"deleted with its block", true}}) {
+        SCOPED_TRACE(way.name);
+        auto block = Block("THERMOSTAT");
+        const auto attribute = block->IAppObject_Attributes()->IAttributes_Item("HeatSetpoint");
+        block->IAppObject_Show(nullptr);
+        QPointer<frmMain> window = Windows().front();
+        auto* list = window->findChild<QTreeWidget*>("lvAttr");
+        const QTreeWidgetItem* row =
+            list->findItems(QStringLiteral("HeatSetpoint"), Qt::MatchExactly, 0).front();
+        const QPoint where = list->visualItemRect(row).center();
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, where);
+        WithModal([&] { DoubleClick(*list, where); },
+                  [&](QWidget& editor) {
+                      const QPointer<QWidget> open = &editor;
+                      QTimer::singleShot(0, [&] {
+                          if (way.destroyBlock) {
+                              block->IAppObject_Destroy();
+                              delete window.data();
+                          } else {
+                              window->close();
+                          }
+                      });
+                      EXPECT_TRUE(QTest::qWaitFor([&] { return window.isNull(); }));
+                      ASSERT_TRUE(open);
+                      EXPECT_TRUE(open->isVisible());
+                      QTest::keyClicks(open->findChild<QLineEdit*>("txtNewCPValue"), "16");
+                      QTest::mouseClick(open->findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+                  });
+        EXPECT_TRUE(window.isNull());
+        if (!way.destroyBlock) {
+            EXPECT_EQ(attribute->IAttribute_Value(), "16");
+        }
+    }
 }
 
 }  // namespace

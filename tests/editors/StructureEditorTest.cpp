@@ -42,12 +42,13 @@ protected:
         list_ = dialog_.findChild<QTreeWidget*>("lvwMain");
     }
 
-    // Selects row index and opens it with the right mouse button released over another row.
+    // Selects row index and opens it with a click of the right mouse button over another row:
+    // neither the press nor the release may move the selection.
     void OpenRow(int index, const std::function<void(QWidget&)>& act) {
         list_->setCurrentItem(list_->topLevelItem(index));
         const QRect other = list_->visualItemRect(list_->topLevelItem(index == 0 ? 1 : 0));
         WithModal(
-            [&] { QTest::mouseRelease(list_->viewport(), Qt::RightButton, {}, other.center()); },
+            [&] { QTest::mouseClick(list_->viewport(), Qt::RightButton, {}, other.center()); },
             act);
     }
 

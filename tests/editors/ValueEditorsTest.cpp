@@ -8,8 +8,11 @@
 #include <QPushButton>
 #include <QTest>
 
+#include <set>
+
 #include "editors/EditorWindows.h"
 #include "editors/QtAdapters.h"
+#include "editors/TextRules.h"
 #include "editors/frmCPModif2.h"
 #include "editors/frmCPModif3.h"
 #include "editors/frmCPModif5.h"
@@ -41,6 +44,7 @@ struct TextRow {
     const char* keys;  // "\b" is Backspace
     const char* expected;
     int messages;
+    const char* message = nullptr;  // the first one; nullptr: the length message
 };
 
 class TextKeys : public ::testing::TestWithParam<TextRow> {};
@@ -62,7 +66,10 @@ TEST_P(TextKeys, TypedKeysKeepLengthBlanksAndCodePage) {
     TypeKeys(box, QString::fromUtf8(row.keys));
     EXPECT_EQ(box.text().toStdString(), row.expected);
     ASSERT_EQ(messages.Messages().size(), static_cast<std::size_t>(row.messages));
-    if (row.messages > 0) {
+    if (row.messages > 0 && row.message != nullptr) {
+        EXPECT_EQ(messages.Messages()[0].text, row.message);
+        EXPECT_EQ(messages.Messages()[0].icon, MessageIcon::Exclamation);
+    } else if (row.messages > 0) {
         EXPECT_EQ(messages.Messages()[0].text,
                   "The text cannot exceed " + std::to_string(row.length) + " characters");
         EXPECT_EQ(messages.Messages()[0].title, "Name too long");
@@ -77,7 +84,10 @@ INSTANTIATE_TEST_SUITE_P(Text, TextKeys,
                                            TextRow{8, "abc", -1, 0, 0, "\b", "ab", 0},
                                            TextRow{8, "abcd", 1, 2, 0, "\b", "abc", 0},
                                            TextRow{8, "", -1, 0, 0, "€é", "€é", 0},
-                                           TextRow{8, "", -1, 0, 0, "ł→", "??", 0}));
+                                           TextRow{8, "ab", -1, 0, 1, "ł→", "ab", 2,
+                                                   "The character \"ł\" is not in the value's "
+                                                   "8-bit code page (Windows-1252) and cannot "
+                                                   "be stored."}));
 
 TEST(TextEditor, StoredTooLongIsCutAtLoadAndPasteIsCutOnce) {
     ScopedMessageRecorder messages;
@@ -92,6 +102,70 @@ TEST(TextEditor, StoredTooLongIsCutAtLoadAndPasteIsCutOnce) {
     QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(box.text(), QStringLiteral("1234"));
     EXPECT_EQ(messages.Messages().size(), 2U);
+}
+
+// Tabs, line ends and characters the code page lacks are refused with a message, never turned
+// into "?": a paste is refused whole, a stored value loses only those characters.
+TEST(TextEditor, WhatTheValueCannotHoldIsRefusedAndSaid) {
+    ScopedMessageRecorder messages;
+    auto point = PointOf("Textual", "x\ny€", 8);
+    frmCPModif2 dialog;
+    dialog.DataPoint(point);
+    dialog.show();
+    auto& box = *dialog.findChild<QLineEdit*>("txtNewCPValue");
+    EXPECT_EQ(box.text(), QStringLiteral("xy€"));
+    ASSERT_EQ(messages.Messages().size(), 1U);
+    EXPECT_NE(messages.Messages()[0].text.find("line ends"), std::string::npos);
+    box.setCursorPosition(1);
+    QApplication::clipboard()->setText(QStringLiteral("a\tb"));
+    QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
+    EXPECT_EQ(box.text(), QStringLiteral("xy€"));
+    EXPECT_EQ(box.cursorPosition(), 1);
+    EXPECT_EQ(messages.Messages().size(), 2U);
+    QTest::keyClick(&box, Qt::Key_Return);
+    EXPECT_EQ(point->writes, std::vector<std::string>{"xy€"});
+}
+
+// The longest text the type allows stays in sight whole, even in wide characters.
+TEST(TextEditor, TheBoxShowsTheLongestTextWhole) {
+    for (const QChar wide : {QChar(u'W'), QChar(u'@'), QChar(u'‰'), QChar(u'Œ')}) {
+        const QString text(31, wide);
+        auto point = PointOf("Textual", text.toStdString(), 31);
+        frmCPModif2 dialog;
+        dialog.DataPoint(point);
+        dialog.show();
+        auto& box = *dialog.findChild<QLineEdit*>("txtNewCPValue");
+        ASSERT_EQ(box.text(), text);
+        box.end(false);
+        box.grab();  // the box scrolls its text as it paints
+        // With the caret at the end, the start of the text must not have scrolled away.
+        const int start = box.inputMethodQuery(Qt::ImCursorRectangle).toRect().center().x() -
+                          box.fontMetrics().horizontalAdvance(text);
+        EXPECT_GE(start, box.contentsRect().left()) << QString(wide).toStdString();
+    }
+}
+
+// OK and Cancel stand as far apart in every editor; the bit editor's tight grid made them touch.
+TEST(EditorButtons, StandApartAlikeInEveryEditor) {
+    std::set<int> gaps;
+    for (const char* name : {"frmCPModif1", "frmCPModif2", "frmCPModif3", "frmCPModif5"}) {
+        const auto editor = MakeValueEditorNamed(name, nullptr);
+        editor->show();
+        const QRect ok = editor->findChild<QPushButton*>("cmdOk")->geometry();
+        const QRect cancel = editor->findChild<QPushButton*>("cmdCancel")->geometry();
+        gaps.insert(std::max(ok.left(), cancel.left()) - std::min(ok.right(), cancel.right()));
+    }
+    EXPECT_EQ(gaps.size(), 1U);
+    EXPECT_GT(*gaps.begin(), 4);
+}
+
+TEST(TextRules, AValueHoldsOneLineOfTheCodePage) {
+    for (const char32_t c : {U'a', U' ', U'~', U'é', U'€', U'Ÿ', U'\u00A0'}) {
+        EXPECT_TRUE(FitsTextValue(c)) << static_cast<uint32_t>(c);
+    }
+    for (const char32_t c : {U'\t', U'\n', U'\r', U'\x7F', U'\u0081', U'ł', U'→', U'😀'}) {
+        EXPECT_FALSE(FitsTextValue(c)) << static_cast<uint32_t>(c);
+    }
 }
 
 TEST(TextEditor, EscRestoresEnterWritesEvenEmpty) {
