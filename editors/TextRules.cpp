@@ -47,22 +47,6 @@ TextLengthVerdict CheckTextLength(const std::string& text, int32_t limit) {
             text.substr(0, end)};
 }
 
-bool FitsTextValue(char32_t c) {
-    if (IsControl(c)) {
-        return false;
-    }
-    if (c < 0x80) {
-        return true;
-    }
-    // The encoder's own table, so that what the box allows is exactly what the bytes keep.
-    for (uint32_t byte = 0x80; byte <= 0xFF; ++byte) {
-        if (Windows1252CodePoint(static_cast<uint8_t>(byte)) == c) {
-            return true;
-        }
-    }
-    return false;
-}
-
 std::string UnfitCharacterMessage(char32_t c) {
     if (IsControl(c)) {
         return "The value is one line of text: it cannot hold tabs, line ends or other control "

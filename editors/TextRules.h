@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "parameters/ValueRules.h"
+
 namespace zerbin {
 
 enum class TextKeyAction {
@@ -31,10 +33,6 @@ struct TextLengthVerdict {
 
 // Counts characters. A negative limit counts as 0, so that the cut text passes.
 TextLengthVerdict CheckTextLength(const std::string& text, int32_t limit);
-
-// Whether a one-line value in the 8-bit code page (Windows-1252) can hold the character: no
-// control character (a tab or a line end would break the line), nothing the code page lacks.
-bool FitsTextValue(char32_t c);
 
 // What the user is told of a character that does not fit.
 std::string UnfitCharacterMessage(char32_t c);

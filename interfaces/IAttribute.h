@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "interfaces/IField.h"
@@ -52,6 +53,17 @@ struct IAttribute : virtual IObject {
     virtual std::string IAttribute_Max() = 0;
     virtual std::string IAttribute_ExtendedKey() = 0;
     virtual bool IAttribute_IsMacroConnected() = 0;
+};
+
+// The rules by which an attribute takes a value: the same for the value editors, the command
+// and a host's own grid, so that no way in lets through what another refuses.
+struct IAttributeRules : virtual IObject {
+    // Empty when the attribute takes Text, and then Value holds the text to write (a label
+    // replaced by its code); otherwise why not, in words, and Value is left alone.
+    virtual std::string IAttributeRules_Check(const std::string& Text, std::string& Value) = 0;
+    // Each entry that a list-valued attribute offers (an enumeration, a type or unit
+    // selector, a device list) as its code and label, in order; empty for any other.
+    virtual std::vector<std::pair<std::string, std::string>> IAttributeRules_Choices() = 0;
 };
 
 struct IAttributes : virtual IObject {

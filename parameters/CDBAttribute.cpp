@@ -8,6 +8,7 @@
 #include "datatypes/SNVTDataConversion.h"
 #include "datatypes/TypeClass.h"
 #include "interfaces/IMemberOwner.h"
+#include "parameters/ValueRules.h"
 #include "platform/EditorPort.h"
 
 namespace zerbin {
@@ -301,6 +302,18 @@ std::shared_ptr<CDBFields> CDBAttribute::FieldsCollection() const {
 
 std::shared_ptr<IValueEditor> CDBAttribute::Editor() const {
     return editor_;
+}
+
+std::string CDBAttribute::IAttributeRules_Check(const std::string& Text, std::string& Value) {
+    ValueVerdict verdict = CheckValue(*this, Text);
+    if (verdict.Taken()) {
+        Value = std::move(verdict.value);
+    }
+    return verdict.objection;
+}
+
+std::vector<std::pair<std::string, std::string>> CDBAttribute::IAttributeRules_Choices() {
+    return ValueChoices(*this);
 }
 
 }  // namespace zerbin

@@ -33,6 +33,7 @@ class UnitDerivationMemo;
 struct UnitDerivationKey;
 
 class CDBAttribute : public IAttribute,
+                     public IAttributeRules,
                      public ICanvasElement,
                      public IInterceptableAttribute,
                      public IUnitsProvider,
@@ -74,6 +75,10 @@ public:
     std::string IAttribute_Max() override;
     std::string IAttribute_ExtendedKey() override;
     bool IAttribute_IsMacroConnected() override;
+
+    // IAttributeRules
+    std::string IAttributeRules_Check(const std::string& Text, std::string& Value) override;
+    std::vector<std::pair<std::string, std::string>> IAttributeRules_Choices() override;
 
     // ICanvasElement
     bool ICanvasElement_Visible() override;

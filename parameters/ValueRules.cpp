@@ -22,26 +22,14 @@ std::optional<double> NumberOf(const std::string& text) {
     }
 }
 
-bool InCodePage(uint32_t c) {
-    if (c < 0x80) {
-        return true;
-    }
-    for (uint32_t byte = 0x80; byte <= 0xFF; ++byte) {
-        if (Windows1252CodePoint(static_cast<uint8_t>(byte)) == c) {
-            return true;
-        }
-    }
-    return false;
-}
-
 std::string CheckText(const std::string& text, int32_t length) {
     std::size_t count = 0;
     for (std::size_t i = 0; i < text.size();) {
         const uint32_t c = NextCodePoint(text, i);
-        if (c == '\t' || c == '\r' || c == '\n') {
-            return "'" + text + "' holds a tab or a line end";
-        }
-        if (!InCodePage(c)) {
+        if (!FitsTextValue(c)) {
+            if (c < 0x20 || (c >= 0x7F && c <= 0x9F)) {
+                return "the text holds a control character (a tab, a line end)";
+            }
             std::string character;
             AppendUtf8(character, c);
             return "'" + character + "' is not in the 8-bit code page of texts";
@@ -142,6 +130,22 @@ ValueVerdict CheckStruct(IFields& fields, const std::string& text) {
 }
 
 }  // namespace
+
+bool FitsTextValue(char32_t c) {
+    if (c < 0x20 || (c >= 0x7F && c <= 0x9F)) {
+        return false;
+    }
+    if (c < 0x80) {
+        return true;
+    }
+    // The encoder's own table, so that what is taken is exactly what the bytes keep.
+    for (uint32_t byte = 0x80; byte <= 0xFF; ++byte) {
+        if (Windows1252CodePoint(static_cast<uint8_t>(byte)) == c) {
+            return true;
+        }
+    }
+    return false;
+}
 
 ValueVerdict CheckValue(IAttribute& attribute, const std::string& text) {
     const std::shared_ptr<ISNVType> type = attribute.IAttribute_SNVTType();

@@ -24,9 +24,14 @@ struct ValueVerdict {
 // - a number (Float, SignedNumeric, UnsignedNumeric) must read wholly as a number with
 //   either separator and lie within the attribute's limits, else the type's;
 // - a bit field takes a whole number of its 8 or 16 bits;
-// - a text fits the type's length, the 8-bit code page, and one line (no tab or line end);
+// - a text fits the type's length and holds only characters FitsTextValue takes;
 // - a structure takes one blank-separated value for each field, each by its field's type.
 ValueVerdict CheckValue(IAttribute& attribute, const std::string& text);
+
+// Whether a one-line value in the 8-bit code page (Windows-1252) can hold the character: no
+// control character (a tab or a line end would break the line; the code page's undefined
+// bytes come back as C1 controls), nothing the code page lacks.
+bool FitsTextValue(char32_t c);
 
 // The entries a list-valued attribute offers, as (code, label); empty for any other.
 std::vector<std::pair<std::string, std::string>> ValueChoices(IAttribute& attribute);

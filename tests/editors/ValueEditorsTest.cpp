@@ -159,15 +159,6 @@ TEST(EditorButtons, StandApartAlikeInEveryEditor) {
     EXPECT_GT(*gaps.begin(), 4);
 }
 
-TEST(TextRules, AValueHoldsOneLineOfTheCodePage) {
-    for (const char32_t c : {U'a', U' ', U'~', U'é', U'€', U'Ÿ', U'\u00A0'}) {
-        EXPECT_TRUE(FitsTextValue(c)) << static_cast<uint32_t>(c);
-    }
-    for (const char32_t c : {U'\t', U'\n', U'\r', U'\x7F', U'\u0081', U'ł', U'→', U'😀'}) {
-        EXPECT_FALSE(FitsTextValue(c)) << static_cast<uint32_t>(c);
-    }
-}
-
 TEST(TextEditor, EscRestoresEnterWritesEvenEmpty) {
     auto point = PointOf("Textual", "old", 8);
     frmCPModif2 dialog;

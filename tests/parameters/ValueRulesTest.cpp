@@ -38,7 +38,7 @@ TEST(CheckValue, TakesWhatTheEditorsTakeAndNamesWhyNot) {
         {"ALARM_LIMITS", "AlarmMask", "1.5", "", "1.5 is no whole number from 0 to 65535"},
         {"LABEL", "Text", "Caf\xC3\xA9 \xE2\x82\xAC", "Caf\xC3\xA9 \xE2\x82\xAC", ""},
         {"LABEL", "Text", "\xC5\x82", "", "'\xC5\x82' is not in the 8-bit code page of texts"},
-        {"LABEL", "Text", "a\tb", "", "'a\tb' holds a tab or a line end"},
+        {"LABEL", "Text", "a\tb", "", "the text holds a control character"},
         {"LABEL", "Text", "1234567890123456789012345678901", "1234567890123456789012345678901", ""},
         {"LABEL", "Text", "12345678901234567890123456789012", "",
          "'12345678901234567890123456789012' is longer than the 31 characters the type takes"},
@@ -59,6 +59,15 @@ TEST(CheckValue, TakesWhatTheEditorsTakeAndNamesWhyNot) {
             EXPECT_EQ(verdict.objection.substr(0, std::string(row.objection).size()), row.objection)
                 << row.text;
         }
+    }
+}
+
+TEST(FitsTextValue, AValueHoldsOneLineOfTheCodePage) {
+    for (const char32_t c : {U'a', U' ', U'~', U'é', U'€', U'Ÿ', U'\u00A0'}) {
+        EXPECT_TRUE(FitsTextValue(c)) << static_cast<uint32_t>(c);
+    }
+    for (const char32_t c : {U'\t', U'\n', U'\r', U'\x7F', U'\u0081', U'ł', U'→', U'😀'}) {
+        EXPECT_FALSE(FitsTextValue(c)) << static_cast<uint32_t>(c);
     }
 }
 

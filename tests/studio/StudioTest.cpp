@@ -299,6 +299,39 @@ private slots:
         QVERIFY(window_->Bytes().ToolTipAt(false, position).contains("19"));
     }
 
+    // The dock takes what the value editors take: a refused value is named in the log and
+    // leaves the block as it was; lists take their labels, structures a field by name.
+    void theParametersDockRefusesWhatTheEditorsRefuse() {
+        const struct {
+            const char* type;
+            const char* cell;
+            const char* typed;
+            const char* attribute;
+            const char* stored;   // afterwards
+            const char* refusal;  // in the log, or empty
+        } rows[] = {
+            {"THERMOSTAT", "CoolSetpoint", "abc", "CoolSetpoint", "24", "is not a number"},
+            {"THERMOSTAT", "CoolSetpoint", "500", "CoolSetpoint", "24", "outside the limits"},
+            {"THERMOSTAT", "CoolSetpoint", "1e9", "CoolSetpoint", "24", "outside the limits"},
+            {"THERMOSTAT", "CoolSetpoint", "30", "CoolSetpoint", "30", ""},
+            {"THERMOSTAT", "Mode", "HVAC_HEAT", "Mode", "1", ""},
+            {"SETPOINT_UNIT", "Units", "CelsiusWide", "Units", "39", ""},
+            {"WEEKLY_SCHEDULE", "Holiday.month", "x", "Holiday", "0 12 25", "is not a number"},
+            {"WEEKLY_SCHEDULE", "Holiday.month", "11", "Holiday", "0 11 25", ""},
+        };
+        for (const auto& row : rows) {
+            const std::string key = Drop(*window_, row.type, QPoint(200, 200));
+            window_->SelectBlock(key);
+            window_->Log().Clear();
+            window_->Parameters().Edit(row.cell, row.typed);
+            QTest::qWait(0);
+            QCOMPARE(Value(*window_, key, row.attribute), std::string(row.stored));
+            if (*row.refusal != 0) {
+                QVERIFY2(LogHas(*window_, row.refusal), row.typed);
+            }
+        }
+    }
+
     // A double click opens the block's parameter list; what its editors write becomes one
     // undoable step, and undo puts the value back.
     void aDoubleClickOpensTheParameterListWhoseWritesUndo() {
