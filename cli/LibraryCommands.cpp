@@ -1,6 +1,7 @@
 // types and check: the commands that walk the library.
 #include <algorithm>
 #include <exception>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -24,14 +25,22 @@ int RunTypes(const CommandContext& context) {
             status = kExitUnreadable;
             continue;
         }
-        // The header is all a listing needs: no members are created.
+        // The header is all a listing needs: no members are created. The block is taken apart
+        // however the listing ends, or its members and it would keep each other alive.
         auto block = std::make_shared<CDBAppObject>();
+        const std::unique_ptr<CDBAppObject, void (*)(CDBAppObject*)> destroy(
+            block.get(), [](CDBAppObject* made) {
+                try {
+                    made->IAppObject_Destroy();
+                } catch (...) {
+                    // The listing is over either way; a destructor must not throw.
+                }
+            });
         block->IAppObject_XmlSNVTDoc(context.host.dictionary);
         int32_t errorCode = 0;
         block->IAppObject_Init(type, errorCode);
         context.out << type << '\t' << block->IAppObject_ID() << '\t' << block->IAppObject_Name()
                     << '\t' << block->IAppObject_Category() << '\n';
-        block->IAppObject_Destroy();
     }
     return status;
 }
