@@ -17,6 +17,7 @@
 #include "interfaces/Error.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Files.h"
+#include "platform/LibraryHold.h"
 #include "platform/Messages.h"
 #include "platform/Picture.h"
 #include "platform/Shell.h"
@@ -92,7 +93,7 @@ std::shared_ptr<const Picture> CDBAppObject::IAppObject_Icon() {
     std::shared_ptr<const Picture> picture;
     SkipStep([&] { picture = store->FindIcon(uniqueIdString_); });
     if (picture) {
-        return picture;
+        return HeldByHost(std::move(picture));
     }
     SkipStep([&] {
         // A name that could leave the library has no file of its own: it gets the default.
@@ -104,7 +105,7 @@ std::shared_ptr<const Picture> CDBAppObject::IAppObject_Icon() {
         SkipStep([&] { picture = LoadIconResource(kDefaultIconResource); });
     }
     SkipStep([&] { store->AddIcon(picture, uniqueIdString_); });
-    return picture;
+    return HeldByHost(std::move(picture));
 }
 
 // ---- Datasheet ------------------------------------------------------------------------------

@@ -11,6 +11,11 @@ void DefinitionStore::AddDocument(std::shared_ptr<const pugi::xml_document> docu
     documents_[typeName] = Entry{std::move(document), nullptr};
 }
 
+void DefinitionStore::Clear() {
+    documents_.clear();
+    icons_.clear();
+}
+
 void DefinitionStore::AddIcon(std::shared_ptr<const Picture> icon, const std::string& typeName) {
     icons_[typeName] = std::move(icon);
 }

@@ -31,6 +31,9 @@ public:
     // Adds or replaces the document of a type.
     void AddDocument(std::shared_ptr<const pugi::xml_document> document,
                      const std::string& typeName);
+    // Forgets every document, icon and what was derived from them, as when the host switches to
+    // another library; blocks alive keep what they took.
+    void Clear();
     // Adds or replaces the icon of a type.
     void AddIcon(std::shared_ptr<const Picture> icon, const std::string& typeName);
     // nullptr when the type has none yet.

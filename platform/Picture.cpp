@@ -180,10 +180,33 @@ std::vector<unsigned char> IconFile(const std::vector<PaletteImage>& images) {
     return out;
 }
 
+uint32_t LittleEndian(const std::vector<unsigned char>& b, std::size_t at, int bytes) {
+    uint32_t value = 0;
+    for (int k = bytes - 1; k >= 0; --k) {
+        value = (value << 8) | b[at + static_cast<std::size_t>(k)];
+    }
+    return value;
+}
+
 bool IsIconFile(const std::vector<unsigned char>& b) {
     // Reserved word 0, type 1 (icon), at least one image.
-    return b.size() >= 6 && b[0] == 0 && b[1] == 0 && b[2] == 1 && b[3] == 0 &&
-           (b[4] != 0 || b[5] != 0);
+    if (b.size() < 6 || LittleEndian(b, 0, 2) != 0 || LittleEndian(b, 2, 2) != 1) {
+        return false;
+    }
+    const std::size_t images = LittleEndian(b, 4, 2);
+    if (images == 0 || b.size() < 6 + 16 * images) {
+        return false;
+    }
+    // Every image of the directory lies wholly inside the file: a cut file is no icon.
+    for (std::size_t i = 0; i < images; ++i) {
+        const std::size_t entry = 6 + 16 * i;
+        const uint64_t size = LittleEndian(b, entry + 8, 4);
+        const uint64_t offset = LittleEndian(b, entry + 12, 4);
+        if (size == 0 || offset < 6 + 16 * images || offset + size > b.size()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 }  // namespace

@@ -13,7 +13,9 @@
 #include "app_object/CDBAppObject.h"
 #include "base/MMain.h"
 #include "interfaces/IProjectFiles.h"
+#include "platform/DefinitionStore.h"
 #include "platform/Files.h"
+#include "platform/LibraryHold.h"
 #include "platform/ProjectFile.h"
 #include "plugin/HostServices.h"
 #include "plugin/Registration.h"
@@ -151,7 +153,7 @@ ZERBIN_PLUGIN_API int ZerbinGetProjectFiles(ZerbinObject** object) {
 }
 
 ZERBIN_PLUGIN_API int ZerbinCanUnloadNow(void) {
-    return liveObjects.load() == 0 ? ZERBIN_OK : ZERBIN_FALSE;
+    return liveObjects.load() == 0 && zerbin::HeldObjects() == 0 ? ZERBIN_OK : ZERBIN_FALSE;
 }
 
 ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object) {
@@ -164,9 +166,15 @@ ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object) {
 ZERBIN_PLUGIN_API int ZerbinSetBlockLibrary(const char* library) {
     return Guarded(ZERBIN_E_UNEXPECTED, [&] {
         // Type T is the folder beside the component's folder: the library holds both.
-        zerbin::SetComponentFolder(library == nullptr || library[0] == '\0'
-                                       ? fs::path()
-                                       : fs::path(library) / zerbin::ComponentBaseName());
+        const fs::path folder = library == nullptr || library[0] == '\0'
+                                    ? fs::path()
+                                    : fs::path(library) / zerbin::ComponentBaseName();
+        if (folder != zerbin::ComponentFolder()) {
+            // The types read from the old library must not pass for the new one's; blocks
+            // alive keep the types they were made of.
+            zerbin::DefinitionCache::Shared().Clear();
+        }
+        zerbin::SetComponentFolder(folder);
         return ZERBIN_OK;
     });
 }

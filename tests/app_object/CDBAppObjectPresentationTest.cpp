@@ -36,18 +36,26 @@ TEST(Colour, WordsAndNumbersOfTheTableReadAsNumbersAndOthersAsZero) {
     EXPECT_EQ(block->IAppObject_Color(), 0);
 }
 
-// The smallest file that reads as an icon: the directory header of one image.
-const std::string kIconBytes = std::string("\0\0\1\0\1\0icon body", 15);
+// A small file that reads as an icon: the directory of one image of 9 bytes, and the image.
+const std::string kIconBytes = std::string(
+                                   "\0\0\1\0\1\0"
+                                   "\x10\x10\0\0\1\0\x20\0"
+                                   "\x09\0\0\0\x16\0\0\0",
+                                   22) +
+                               "icon body";
 
 TEST(Icon, IsTheTypesOwnOrTheComponentsAndIsReadOnce) {
     TempLibrary library;
-    ScopedMessageRecorder messages;  // Broken and the escaping name have no definition
+    ScopedMessageRecorder messages;  // Broken, Cut and the escaping name have no definition
     const std::string plain = "Plain";
     const std::string broken = "Broken";
     const std::string pictured = "Pictured";
     library.WriteDefinition(plain, HeaderOnlyDefinition(""));
     library.WriteDefinition(pictured, HeaderOnlyDefinition(""));
+    const std::string cut = "Cut";
     library.WriteFile(std::filesystem::path(broken) / (broken + ".ico"), "not an icon");
+    library.WriteFile(std::filesystem::path(cut) / (cut + ".ico"),
+                      kIconBytes.substr(0, kIconBytes.size() - 1));
     library.WriteFile(std::filesystem::path(pictured) / (pictured + ".ico"), kIconBytes);
     const auto icon = InitBlock(plain)->IAppObject_Icon();
     // A later .ico changes nothing: the type's icon is in the store.
@@ -56,6 +64,7 @@ TEST(Icon, IsTheTypesOwnOrTheComponentsAndIsReadOnce) {
     EXPECT_EQ(icon->source, "TESSRA");
     EXPECT_EQ(InitBlock(plain)->IAppObject_Icon(), icon);
     EXPECT_EQ(InitBlock(broken)->IAppObject_Icon()->source, "TESSRA");
+    EXPECT_EQ(InitBlock(cut)->IAppObject_Icon()->source, "TESSRA");
     EXPECT_EQ(InitBlock("../" + plain)->IAppObject_Icon()->source, "TESSRA");
     const auto own = InitBlock(pictured)->IAppObject_Icon();
     ASSERT_NE(own, nullptr);

@@ -200,7 +200,9 @@ TEST_F(PluginTest, BlocksComeFromTheLibraryTheHostSets) {
         block->IAppObject_Init("THERMOSTAT", error);
         return block->IAppObject_Name();
     };
-    // A type once read stays for the process, so the library without it comes first.
+    // A switch takes effect for types already read, either way.
+    ASSERT_EQ(setBlockLibrary(ZERBIN_DATA_DIR "/library"), ZERBIN_OK);
+    EXPECT_EQ(NameOfThermostat(), "Thermostat");
     ASSERT_EQ(setBlockLibrary(dir_.c_str()), ZERBIN_OK);
     EXPECT_EQ(NameOfThermostat(), "");
     ASSERT_EQ(setBlockLibrary(ZERBIN_DATA_DIR "/library"), ZERBIN_OK);
@@ -219,6 +221,16 @@ TEST_F(PluginTest, CanUnloadOnlyWhenNoObjectLives) {
     std::weak_ptr<zerbin::IAppObject> watch = block;
     block.reset();
     EXPECT_TRUE(watch.expired());
+    EXPECT_EQ(canUnloadNow(), ZERBIN_OK);
+
+    // An icon outlives its block, and its release is code of the library.
+    ASSERT_EQ(getClassObject(ZERBIN_PROGID, &handle), ZERBIN_OK);
+    block = std::dynamic_pointer_cast<zerbin::IAppObject>(zerbin::TakeObject(handle, release));
+    std::shared_ptr<const zerbin::Picture> icon = block->IAppObject_Icon();
+    ASSERT_NE(icon, nullptr);
+    block.reset();
+    EXPECT_EQ(canUnloadNow(), ZERBIN_FALSE);
+    icon.reset();
     EXPECT_EQ(canUnloadNow(), ZERBIN_OK);
 
     // A handle not given back keeps the library.

@@ -63,8 +63,8 @@ ZERBIN_PLUGIN_API int ZerbinUnregisterServer(void);
  * and *object = NULL. */
 ZERBIN_PLUGIN_API int ZerbinGetClassObject(const char* progId, ZerbinObject** object);
 
-/* ZERBIN_OK when no object made by the library is alive and no ZerbinObject is unreleased,
- * else ZERBIN_FALSE. */
+/* ZERBIN_OK when no object made by the library is alive (a block's icon counts, however long
+ * the host keeps it after the block) and no ZerbinObject is unreleased, else ZERBIN_FALSE. */
 ZERBIN_PLUGIN_API int ZerbinCanUnloadNow(void);
 
 /* Gives back a reference from ZerbinGetClassObject; NULL is ignored. */
@@ -77,8 +77,10 @@ ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object);
 ZERBIN_PLUGIN_API int ZerbinGetProjectFiles(ZerbinObject** object);
 
 /* The block library in which type T is the folder <library>/T with its definition T/T.xml.
- * Set it before the first block; NULL or "" restores the default, the parent of the library's
- * own folder. ZERBIN_OK. */
+ * NULL or "" restores the default, the parent of the library's own folder. A switch drops
+ * the types read from the previous library: later blocks take the new library's, blocks
+ * alive keep theirs. ZERBIN_OK, or ZERBIN_E_OUT_OF_MEMORY / ZERBIN_E_UNEXPECTED when the
+ * process could not take it. */
 ZERBIN_PLUGIN_API int ZerbinSetBlockLibrary(const char* library);
 
 /* ---- The component's process-wide services, as a host sets them up ----------------------
