@@ -497,8 +497,10 @@ private:
     static void CharacterReference(std::string_view body, std::size_t start) {
         const bool hex = body.size() > 1 && body[1] == 'x';
         const std::string_view digits = body.substr(hex ? 2 : 1);
+        // Leading zeros are allowed in any number; a value past the last code point stays
+        // there, so that a long reference cannot wrap round to an allowed one.
         uint32_t value = 0;
-        bool valid = !digits.empty() && digits.size() <= 8;
+        bool valid = !digits.empty();
         for (const char c : digits) {
             int digit = -1;
             if (c >= '0' && c <= '9') {
@@ -509,7 +511,8 @@ private:
                 digit = c - 'A' + 10;
             }
             valid = valid && digit >= 0;
-            value = value * (hex ? 16 : 10) + static_cast<uint32_t>(std::max(digit, 0));
+            value = std::min<uint32_t>(
+                value * (hex ? 16 : 10) + static_cast<uint32_t>(std::max(digit, 0)), 0x110000);
         }
         if (!valid) {
             Refuse("malformed character reference '&" + std::string(body) + ";'",

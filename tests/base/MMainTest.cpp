@@ -147,7 +147,7 @@ TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
     for (const auto& row : withPoint) {
         EXPECT_FLOAT_EQ(LocaleNumber(row.text), row.expected) << row.text;
     }
-    for (const char* bad : {"", "1,5", "1.5x", "1e", "1 2", "&H10"}) {
+    for (const char* bad : {"", "1,5", "1.5x", "1e", "1 2", "&H10", "1.2.3", "1..5"}) {
         EXPECT_THROW(LocaleNumber(bad), Error) << '"' << bad << '"';
     }
     EXPECT_THROW(LocaleNumber("1e39"), OverflowError);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "base/MMain.h"
@@ -38,6 +39,18 @@ TEST(Utf8Test, TheCodePageTableReadsAndWritesAlike) {
             << byte;
     }
     EXPECT_EQ(Windows1252CodePoint(0x80), 0x20ACu);
+    // The first code point of each UTF-8 length, written in that many bytes.
+    for (const auto& [cp, bytes] :
+         std::vector<std::pair<uint32_t, std::string>>{{0x7F, "\x7F"},
+                                                       {0x80, "\xC2\x80"},
+                                                       {0x7FF, "\xDF\xBF"},
+                                                       {0x800, "\xE0\xA0\x80"},
+                                                       {0xFFFF, "\xEF\xBF\xBF"},
+                                                       {0x10000, "\xF0\x90\x80\x80"}}) {
+        std::string utf8;
+        AppendUtf8(utf8, cp);
+        EXPECT_EQ(utf8, bytes) << cp;
+    }
     EXPECT_EQ(Windows1252Bytes("\xE2\x84\xA6\xC0", 5), (std::vector<uint8_t>{'?', '?'}));
 }
 

@@ -89,6 +89,10 @@ TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
         {"<A/><B/>", "second document element", false},
         {"<A/>text", "text outside", false},
         {"<A/><?xml version='1.0'?>", "declaration", false},
+        {"<A>\xED\x9F\xBF&#xD7FF;&#xE000;</A>", "\xED\x9F\xBF\xED\x9F\xBF\xEE\x80\x80", true},
+        {"<A>&#xD800;</A>", "U+D800", false},
+        {"<A>&#000000065;&#x0000000042;</A>", "AB", true},
+        {"<A>&#1114112;</A>", "", false},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.text);

@@ -178,6 +178,13 @@ TEST(Encode, ReplacesTheValueByTheTextItEncoded) {
             }
         }
     }
+    // A text is padded to its length even where the length fails the encoding, up to the
+    // longest text a value may hold; beyond that it is left as it was.
+    for (const int32_t length : {300, 65536, 65537}) {
+        std::string value = "x";
+        EXPECT_EQ(EncodeStream(value, TypeClass::Textual, length, 1, 0, 0), "");
+        EXPECT_EQ(value.size(), length <= 65536 ? static_cast<std::size_t>(length) : 1U) << length;
+    }
 }
 
 // The image's digits are made without the text of the scaled number; they must equal what the
