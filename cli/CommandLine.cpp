@@ -33,6 +33,8 @@ enum class Opt {
     Key,
     Sim,
     Interop,
+    Update,
+    Keep,
 };
 
 struct OptionInfo {
@@ -60,6 +62,8 @@ constexpr std::array kOptions{
     OptionInfo{Opt::Key, "--key", true},
     OptionInfo{Opt::Sim, "--sim", false},
     OptionInfo{Opt::Interop, "--interop", false},
+    OptionInfo{Opt::Update, "--update", false},
+    OptionInfo{Opt::Keep, "--keep", false},
 };
 
 struct CommandInfo {
@@ -98,6 +102,13 @@ const std::vector<CommandInfo>& Commands() {
          1},
         {Command::Load, "load", {Opt::Intel}, "a project file", 1, 1},
         {Command::Check, "check", {}, "block types", 0, kAny},
+        {Command::Set, "set", {}, "PROJECT BLOCK NAME=VALUE...", 3, kAny},
+        {Command::Flat, "flat", {}, "a project file", 1, 1},
+        {Command::Diff, "diff", {}, "two project files", 2, 2},
+        {Command::Merge, "merge", {}, "BASE OURS THEIRS", 3, 3},
+        {Command::Import, "import", {Opt::Update, Opt::Keep}, "PROJECT FROM", 2, 2},
+        {Command::Reset, "reset", {}, "a project file", 1, kAny},
+        {Command::Copy, "copy", {}, "PROJECT FROM_BLOCK TO_BLOCK...", 3, kAny},
     };
     return commands;
 }
@@ -283,6 +294,13 @@ void ApplyOption(const OptionInfo& info, std::optional<std::string>& inlineValue
             result.exportForm = form;
             break;
         }
+        case Opt::Update:
+        case Opt::Keep:
+            (info.id == Opt::Update ? result.update : result.keep) = true;
+            if (result.update && result.keep) {
+                throw UsageError("--update and --keep exclude each other");
+            }
+            break;
     }
 }
 

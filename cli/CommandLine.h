@@ -13,7 +13,22 @@
 
 namespace zerbin::cli {
 
-enum class Command { Types, Show, Image, Save, Export, Load, Check };
+enum class Command {
+    Types,
+    Show,
+    Image,
+    Save,
+    Export,
+    Load,
+    Check,
+    Set,
+    Flat,
+    Diff,
+    Merge,
+    Import,
+    Reset,
+    Copy
+};
 
 // The name the user types for a command.
 std::string CommandName(Command command);
@@ -50,6 +65,9 @@ struct Invocation {
     std::optional<double> x;
     std::optional<double> y;
     ExportForm exportForm = ExportForm::None;
+    // import: replace the values of blocks PROJECT has already (else they are kept).
+    bool update = false;
+    bool keep = false;
 };
 
 // Reads the arguments after the program name. Throws UsageError for an unknown command or

@@ -24,5 +24,12 @@ int RunSave(const CommandContext& context);
 int RunExport(const CommandContext& context);
 int RunLoad(const CommandContext& context);
 int RunCheck(const CommandContext& context);
+int RunSet(const CommandContext& context);
+int RunFlat(const CommandContext& context);
+int RunDiff(const CommandContext& context);
+int RunMerge(const CommandContext& context);
+int RunImport(const CommandContext& context);
+int RunReset(const CommandContext& context);
+int RunCopy(const CommandContext& context);
 
 }  // namespace zerbin::cli

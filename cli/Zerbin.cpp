@@ -65,6 +65,20 @@ int Dispatch(const CommandContext& context) {
             return RunLoad(context);
         case Command::Check:
             return RunCheck(context);
+        case Command::Set:
+            return RunSet(context);
+        case Command::Flat:
+            return RunFlat(context);
+        case Command::Diff:
+            return RunDiff(context);
+        case Command::Merge:
+            return RunMerge(context);
+        case Command::Import:
+            return RunImport(context);
+        case Command::Reset:
+            return RunReset(context);
+        case Command::Copy:
+            return RunCopy(context);
     }
     return kExitFailure;
 }
