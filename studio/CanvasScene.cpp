@@ -1,6 +1,7 @@
 #include "studio/CanvasScene.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <QDragEnterEvent>
 #include <QGraphicsProxyWidget>
@@ -67,21 +68,67 @@ QVariant WireItem::itemChange(GraphicsItemChange change, const QVariant& value) 
 CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
     : QGraphicsScene(parent), project_(project) {
     setBackgroundBrush(QColor(0xee, 0xf1, 0xf4));
-    connect(&project, &StudioProject::blockAdded, this, &CanvasScene::AddBlock);
+    connect(&project, &StudioProject::blockAdded, this, [this](const std::string& key) {
+        if (following_) {
+            AddBlock(key);
+        }
+    });
     connect(&project, &StudioProject::blockRemoved, this, &CanvasScene::RemoveBlock);
     connect(&project, &StudioProject::blockChanged, this, [this](const std::string& key) {
         if (BlockItem* item = Item(key)) {
             item->Refresh();
         }
     });
-    connect(&project, &StudioProject::wireAdded, this, &CanvasScene::AddWire);
+    connect(&project, &StudioProject::wireAdded, this, [this](const Wire& wire) {
+        if (following_) {
+            AddWire(wire);
+        }
+    });
     connect(&project, &StudioProject::wireRemoved, this, &CanvasScene::RemoveWire);
     connect(&project, &StudioProject::cleared, this, &CanvasScene::RemoveAll);
-    for (const std::string& key : project.BlockKeys()) {
+    AddAll();
+}
+
+void CanvasScene::Follow(bool on) {
+    if (on == following_) {
+        return;
+    }
+    following_ = on;
+    if (on) {
+        RemoveAll();
+        // Items come in one by one; the index is built once at the end instead.
+        setItemIndexMethod(NoIndex);
+        AddAll();
+        setItemIndexMethod(BspTreeIndex);
+        FitIndex();
+    }
+}
+
+void CanvasScene::AddAll() {
+    for (const std::string& key : project_.BlockKeys()) {
         AddBlock(key);
     }
-    for (const Wire& wire : project.Wires()) {
+    for (const Wire& wire : project_.Wires()) {
         AddWire(wire);
+    }
+}
+
+void CanvasScene::FitIndex() {
+    if (itemIndexMethod() != BspTreeIndex || blocks_.empty()) {
+        return;
+    }
+    // Each halving of the cells doubles the lists an item sits in once the cells are smaller
+    // than the item: blocks standing on one spot would sit in every cell. Qt sizes the tree
+    // by the number of items alone; here the cells are kept no smaller than a usual block.
+    // The depth stays between 1 (0 would hand the choice back to Qt) and Qt's own.
+    constexpr qreal kBlockArea = 160.0 * 120.0;
+    const QRectF area = sceneRect();
+    const qreal cells = std::max<qreal>(1, area.width() * area.height() / kBlockArea);
+    const auto items = static_cast<qreal>(blocks_.size() + wires_.size());
+    const int depth =
+        std::clamp(static_cast<int>(std::floor(std::log2(std::min(cells, items)))), 1, 20);
+    if (depth != bspTreeDepth()) {
+        setBspTreeDepth(depth);
     }
 }
 
@@ -97,6 +144,20 @@ BlockItem* CanvasScene::Item(const std::string& key) const {
     return found == blocks_.end() ? nullptr : found->second;
 }
 
+void CanvasScene::SelectAll() {
+    {
+        // Each item would tell its own change, and each listener read the whole selection.
+        const QSignalBlocker quiet(this);
+        for (const auto& [key, item] : blocks_) {
+            item->setSelected(true);
+        }
+        for (const auto& [wire, item] : wires_) {
+            item->setSelected(true);
+        }
+    }
+    emit selectionChanged();
+}
+
 std::vector<std::string> CanvasScene::SelectedBlocks() const {
     std::vector<std::string> keys;
     // In the project's order, so that a deletion and its undo keep it.
@@ -110,9 +171,11 @@ std::vector<std::string> CanvasScene::SelectedBlocks() const {
 
 std::vector<Wire> CanvasScene::SelectedWires() const {
     std::vector<Wire> wires;
-    for (const WireItem* item : wires_) {
-        if (item->isSelected()) {
-            wires.push_back(item->Connection());
+    // In the project's order, so that a deletion's undo makes them again in that order.
+    for (const Wire& wire : project_.Wires()) {
+        const auto found = wires_.find(wire);
+        if (found != wires_.end() && found->second->isSelected()) {
+            wires.push_back(wire);
         }
     }
     return wires;
@@ -121,8 +184,8 @@ std::vector<Wire> CanvasScene::SelectedWires() const {
 std::optional<QPointF> CanvasScene::TerminalPos(const std::string& key, const std::string& name,
                                                 bool output) const {
     const BlockItem* item = Item(key);
-    const Terminal* terminal = item ? item->FindTerminal(name, output) : nullptr;
-    if (terminal == nullptr) {
+    const std::optional<Terminal> terminal = item ? item->FindTerminal(name, output) : std::nullopt;
+    if (!terminal) {
         return std::nullopt;
     }
     return item->mapToScene(terminal->centre);
@@ -139,13 +202,17 @@ void CanvasScene::SetZoom(qreal zoom) {
 }
 
 void CanvasScene::AddBlock(const std::string& key) {
-    auto* item = new BlockItem(key, project_.Block(key));
+    const std::shared_ptr<IAppObject> block = project_.Block(key);
+    std::shared_ptr<const BlockLook>& look = looks_[block->IAppObject_UniqueIDString()];
+    if (!look) {
+        look = BlockItem::LookOf(*block);
+    }
+    auto* item = new BlockItem(key, block, look);
     if (!detail_) {
         item->ShowDetail(false);
     }
     blocks_[key] = item;
     addItem(item);
-    connect(item, &BlockItem::moved, this, &CanvasScene::RouteWiresOf);
 }
 
 void CanvasScene::RemoveBlock(const std::string& key) {
@@ -168,7 +235,7 @@ void CanvasScene::RemoveAll() {
 
 void CanvasScene::AddWire(const Wire& wire) {
     auto* item = new WireItem(wire);
-    wires_.push_back(item);
+    wires_[wire] = item;
     wiresAt_.emplace(wire.source, item);
     if (wire.target != wire.source) {
         wiresAt_.emplace(wire.target, item);
@@ -178,11 +245,9 @@ void CanvasScene::AddWire(const Wire& wire) {
 }
 
 void CanvasScene::RemoveWire(const Wire& wire) {
-    const auto found = std::find_if(wires_.begin(), wires_.end(), [&](const WireItem* item) {
-        return item->Connection() == wire;
-    });
+    const auto found = wires_.find(wire);
     if (found != wires_.end()) {
-        WireItem* item = *found;
+        WireItem* item = found->second;
         for (const std::string& end : {wire.source, wire.target}) {
             auto [at, last] = wiresAt_.equal_range(end);
             while (at != last) {
@@ -217,7 +282,7 @@ std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {
     const QRectF near(scenePos - QPointF(kSlack, kSlack), QSizeF(2 * kSlack, 2 * kSlack));
     for (QGraphicsItem* item : items(near)) {
         if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item)) {
-            if (const Terminal* terminal =
+            if (const std::optional<Terminal> terminal =
                     block->TerminalAt(block->mapFromScene(scenePos), kSlack)) {
                 return TerminalRef{block->Key(), terminal->name, terminal->output,
                                    block->mapToScene(terminal->centre)};

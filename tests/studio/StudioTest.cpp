@@ -21,6 +21,7 @@
 #include "interfaces/IOutput.h"
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
+#include "studio/CanvasScene.h"
 #include "studio/ParametersDock.h"
 #include "studio/StudioWindow.h"
 
