@@ -106,20 +106,24 @@ BlockItem::BlockItem(std::string key, std::shared_ptr<IAppObject> block,
                      std::shared_ptr<const BlockLook> look)
     : key_(std::move(key)), block_(std::move(block)), look_(std::move(look)) {
     setFlags(ItemIsMovable | ItemIsSelectable | ItemSendsGeometryChanges);
-    ShowDetail(true);
     setAcceptHoverEvents(true);
     Refresh();
 }
 
 void BlockItem::Refresh() {
-    prepareGeometryChange();
     name_ = QString::fromStdString(block_->IAppObject_UserName());
     colour_ = ColourOf(block_->IAppObject_Color());
     static const QFontMetricsF names(NameFont());
     const qreal width =
         std::max(look_->minWidth, names.horizontalAdvance(name_) + 20 + 3 * kPadding);
     const std::size_t rows = std::max(look_->inputs.size(), look_->outputs.size());
-    rect_ = QRectF(0, 0, width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
+    const QRectF rect(0, 0, width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
+    // Most changes are of values, which leave the shape: telling the scene of a change of
+    // shape costs a pass over its index for every block a large step touches.
+    if (rect != rect_) {
+        prepareGeometryChange();
+        rect_ = rect;
+    }
 
     refreshing_ = true;
     setPos(block_->IAppObject_XPosition(), block_->IAppObject_YPosition());
@@ -128,10 +132,6 @@ void BlockItem::Refresh() {
     if (auto* canvas = static_cast<CanvasScene*>(scene())) {
         canvas->RouteWiresOf(key_);
     }
-}
-
-void BlockItem::ShowDetail(bool detail) {
-    setCacheMode(detail ? DeviceCoordinateCache : NoCache);
 }
 
 Terminal BlockItem::TerminalOf(std::size_t row, bool output) const {

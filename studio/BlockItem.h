@@ -41,9 +41,6 @@ public:
     const std::string& Key() const { return key_; }
     // Reads name, colour and place from the block again.
     void Refresh();
-    // With detail, the drawing is kept in a pixmap so that panning need not draw text again;
-    // without, the plain rectangle is cheaper to draw than to keep.
-    void ShowDetail(bool detail);
     std::optional<Terminal> FindTerminal(const std::string& name, bool output) const;
     // The terminal within reach of a point in item coordinates (a few pixels of slack).
     std::optional<Terminal> TerminalAt(QPointF itemPos, qreal slack) const;

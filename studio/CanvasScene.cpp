@@ -96,11 +96,15 @@ void CanvasScene::Follow(bool on) {
     following_ = on;
     if (on) {
         RemoveAll();
-        // Items come in one by one; the index is built once at the end instead.
-        setItemIndexMethod(NoIndex);
+        // The index is sized before the first item comes, from where the blocks stand: sized
+        // by Qt first, it would be built for the number of items and then built again.
+        QRectF area;
+        for (const std::string& key : project_.BlockKeys()) {
+            const std::shared_ptr<IAppObject> block = project_.Block(key);
+            area |= QRectF(block->IAppObject_XPosition(), block->IAppObject_YPosition(), 1, 1);
+        }
+        SizeIndex(area, project_.BlockKeys().size() + project_.Wires().size());
         AddAll();
-        setItemIndexMethod(BspTreeIndex);
-        FitIndex();
     }
 }
 
@@ -114,19 +118,22 @@ void CanvasScene::AddAll() {
 }
 
 void CanvasScene::FitIndex() {
-    if (itemIndexMethod() != BspTreeIndex || blocks_.empty()) {
-        return;
+    if (!blocks_.empty()) {
+        SizeIndex(sceneRect(), blocks_.size() + wires_.size());
     }
+}
+
+void CanvasScene::SizeIndex(QRectF area, std::size_t items) {
     // Each halving of the cells doubles the lists an item sits in once the cells are smaller
     // than the item: blocks standing on one spot would sit in every cell. Qt sizes the tree
     // by the number of items alone; here the cells are kept no smaller than a usual block.
     // The depth stays between 1 (0 would hand the choice back to Qt) and Qt's own.
-    constexpr qreal kBlockArea = 160.0 * 120.0;
-    const QRectF area = sceneRect();
-    const qreal cells = std::max<qreal>(1, area.width() * area.height() / kBlockArea);
-    const auto items = static_cast<qreal>(blocks_.size() + wires_.size());
-    const int depth =
-        std::clamp(static_cast<int>(std::floor(std::log2(std::min(cells, items)))), 1, 20);
+    constexpr qreal kBlockWidth = 160.0;
+    constexpr qreal kBlockHeight = 120.0;
+    area.adjust(0, 0, kBlockWidth, kBlockHeight);
+    const qreal cells = area.width() * area.height() / (kBlockWidth * kBlockHeight);
+    const qreal most = std::max<qreal>(2, std::min(cells, static_cast<qreal>(items)));
+    const int depth = std::clamp(static_cast<int>(std::floor(std::log2(most))), 1, 20);
     if (depth != bspTreeDepth()) {
         setBspTreeDepth(depth);
     }
@@ -191,16 +198,6 @@ std::optional<QPointF> CanvasScene::TerminalPos(const std::string& key, const st
     return item->mapToScene(terminal->centre);
 }
 
-void CanvasScene::SetZoom(qreal zoom) {
-    const bool detail = zoom >= BlockItem::kDetailZoom;
-    if (detail != detail_) {
-        detail_ = detail;
-        for (const auto& [key, item] : blocks_) {
-            item->ShowDetail(detail);
-        }
-    }
-}
-
 void CanvasScene::AddBlock(const std::string& key) {
     const std::shared_ptr<IAppObject> block = project_.Block(key);
     std::shared_ptr<const BlockLook>& look = looks_[block->IAppObject_UniqueIDString()];
@@ -208,9 +205,6 @@ void CanvasScene::AddBlock(const std::string& key) {
         look = BlockItem::LookOf(*block);
     }
     auto* item = new BlockItem(key, block, look);
-    if (!detail_) {
-        item->ShowDetail(false);
-    }
     blocks_[key] = item;
     addItem(item);
 }
@@ -417,18 +411,10 @@ CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scen
 void CanvasView::ZoomBy(qreal factor) {
     const qreal next = std::clamp(Zoom() * factor, 0.05, 8.0);
     scale(next / Zoom(), next / Zoom());
-    ZoomChanged();
 }
 
 void CanvasView::SetZoom(qreal zoom) {
     setTransform(QTransform::fromScale(zoom, zoom));
-    ZoomChanged();
-}
-
-void CanvasView::ZoomChanged() {
-    if (auto* canvas = qobject_cast<CanvasScene*>(scene())) {
-        canvas->SetZoom(Zoom());
-    }
 }
 
 void CanvasView::ZoomToFit(qreal maxZoom) {
@@ -439,7 +425,6 @@ void CanvasView::ZoomToFit(qreal maxZoom) {
             setTransform(QTransform::fromScale(maxZoom, maxZoom));
             centerOn(bounds.center());
         }
-        ZoomChanged();
     }
 }
 

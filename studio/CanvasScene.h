@@ -55,8 +55,6 @@ public:
     ~CanvasScene() override;
 
     BlockItem* Item(const std::string& key) const;
-    // Tells the blocks whether the view is near enough for their details.
-    void SetZoom(qreal zoom);
     // Every block and wire, told as one change of the selection.
     void SelectAll();
     std::vector<std::string> SelectedBlocks() const;
@@ -95,6 +93,7 @@ private:
     void RemoveWire(const Wire& wire);
     void RemoveAll();
     void AddAll();
+    void SizeIndex(QRectF area, std::size_t items);
     void Route(WireItem* item) const;
     std::optional<TerminalRef> TerminalAt(QPointF scenePos) const;
     void FinishRename(bool accept);
@@ -110,7 +109,6 @@ private:
     std::map<std::string, QPointF> pressed_;
     QGraphicsProxyWidget* renameEditor_ = nullptr;
     std::string renaming_;
-    bool detail_ = true;
     bool following_ = true;
 };
 
@@ -140,8 +138,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void ZoomChanged();
-
     bool panning_ = false;
     QPoint panFrom_;
 };
