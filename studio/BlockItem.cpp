@@ -5,11 +5,12 @@
 #include <QCursor>
 #include <QFontMetricsF>
 #include <QGraphicsSceneHoverEvent>
-#include <QHash>
 #include <QPainter>
+#include <QPixmap>
 #include <QStyleOptionGraphicsItem>
 
 #include "interfaces/ICanvasElement.h"
+#include "studio/CanvasScene.h"
 #include "zerbin/QtPicture.h"
 
 namespace zerbin::studio {
@@ -38,15 +39,18 @@ const QFont& SmallFont() {
     return font;
 }
 
-// Types and terminal names repeat from block to block; measuring text is what a large
-// project's canvas would otherwise spend most of its time on.
 qreal SmallAdvance(const QString& text) {
-    static const QFontMetricsF metrics(SmallFont());
-    static QHash<QString, qreal> widths;
-    if (const auto found = widths.constFind(text); found != widths.constEnd()) {
-        return *found;
+    return QFontMetricsF(SmallFont()).horizontalAdvance(text);
+}
+
+// The widest label of the terminals, filling in their labels on the way.
+qreal Labelled(std::vector<TerminalName>& terminals) {
+    qreal widest = 0;
+    for (TerminalName& terminal : terminals) {
+        terminal.label = QString::fromStdString(terminal.name);
+        widest = std::max(widest, SmallAdvance(terminal.label));
     }
-    return *widths.insert(text, metrics.horizontalAdvance(text));
+    return widest;
 }
 
 bool Visible(const std::shared_ptr<IObject>& member) {
@@ -64,122 +68,106 @@ QColor ColourOf(int32_t number) {
 
 }  // namespace
 
-QPixmap BlockIconPixmap(IAppObject& block, int size) {
-    static QHash<QString, QPixmap> cache;
-    const QString type = QString::fromStdString(block.IAppObject_UniqueIDString());
-    const QString key = type + '/' + QString::number(size);
-    if (const auto found = cache.constFind(key); found != cache.constEnd()) {
-        return *found;
+std::shared_ptr<const BlockLook> BlockItem::LookOf(IAppObject& block) {
+    auto look = std::make_shared<BlockLook>();
+    look->type = QString::fromStdString(block.IAppObject_Name());
+    if (look->type.isEmpty()) {
+        look->type = QString::fromStdString(block.IAppObject_UniqueIDString());
     }
-    QPixmap pixmap = ToQPixmap(block.IAppObject_Icon().get(), QSize(size, size));
-    if (pixmap.isNull()) {
-        pixmap = QPixmap(size, size);
-        pixmap.fill(QColor(0xdd, 0xe4, 0xec));
+    look->description = QString::fromStdString(block.IAppObject_Description());
+    constexpr int kIcon = 20;
+    look->icon = ToQPixmap(block.IAppObject_Icon().get(), QSize(kIcon, kIcon));
+    if (look->icon.isNull()) {
+        look->icon = QPixmap(kIcon, kIcon);
+        look->icon.fill(QColor(0xdd, 0xe4, 0xec));
     }
-    pixmap = pixmap.scaled(size, size, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    cache.insert(key, pixmap);
-    return pixmap;
+    look->icon = look->icon.scaled(kIcon, kIcon, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    if (const std::shared_ptr<IInputs> all = block.IAppObject_Inputs()) {
+        for (const std::shared_ptr<IInput>& input : all->IInputs_NewEnum()) {
+            if (Visible(input)) {
+                look->inputs.push_back({input->IInput_Name(), {}});
+            }
+        }
+    }
+    if (const std::shared_ptr<IOutputs> all = block.IAppObject_Outputs()) {
+        for (const std::shared_ptr<IOutput>& output : all->IOutputs_NewEnum()) {
+            if (Visible(output)) {
+                look->outputs.push_back({output->IOutput_Name(), {}});
+            }
+        }
+    }
+    const qreal terminals = Labelled(look->inputs) + Labelled(look->outputs);
+    look->minWidth = std::max(
+        {kMinWidth, SmallAdvance(look->type) + 20 + 3 * kPadding, terminals + 5 * kPadding});
+    return look;
 }
 
-BlockItem::BlockItem(std::string key, std::shared_ptr<IAppObject> block)
-    : key_(std::move(key)), block_(std::move(block)) {
+BlockItem::BlockItem(std::string key, std::shared_ptr<IAppObject> block,
+                     std::shared_ptr<const BlockLook> look)
+    : key_(std::move(key)), block_(std::move(block)), look_(std::move(look)) {
     setFlags(ItemIsMovable | ItemIsSelectable | ItemSendsGeometryChanges);
-    ShowDetail(true);
     setAcceptHoverEvents(true);
     Refresh();
 }
 
 void BlockItem::Refresh() {
-    prepareGeometryChange();
     name_ = QString::fromStdString(block_->IAppObject_UserName());
-    type_ = QString::fromStdString(block_->IAppObject_Name());
-    if (type_.isEmpty()) {
-        type_ = QString::fromStdString(block_->IAppObject_UniqueIDString());
-    }
-    icon_ = BlockIconPixmap(*block_, 20);
     colour_ = ColourOf(block_->IAppObject_Color());
-    description_ = QString::fromStdString(block_->IAppObject_Description());
-
-    std::vector<std::string> inputs;
-    std::vector<std::string> outputs;
-    if (const std::shared_ptr<IInputs> all = block_->IAppObject_Inputs()) {
-        for (const std::shared_ptr<IInput>& input : all->IInputs_NewEnum()) {
-            if (Visible(input)) {
-                inputs.push_back(input->IInput_Name());
-            }
-        }
-    }
-    if (const std::shared_ptr<IOutputs> all = block_->IAppObject_Outputs()) {
-        for (const std::shared_ptr<IOutput>& output : all->IOutputs_NewEnum()) {
-            if (Visible(output)) {
-                outputs.push_back(output->IOutput_Name());
-            }
-        }
-    }
     static const QFontMetricsF names(NameFont());
-    qreal longestIn = 0;
-    qreal longestOut = 0;
-    for (const std::string& name : inputs) {
-        longestIn = std::max(longestIn, SmallAdvance(QString::fromStdString(name)));
-    }
-    for (const std::string& name : outputs) {
-        longestOut = std::max(longestOut, SmallAdvance(QString::fromStdString(name)));
-    }
     const qreal width =
-        std::max({kMinWidth, names.horizontalAdvance(name_) + 20 + 3 * kPadding,
-                  SmallAdvance(type_) + 20 + 3 * kPadding, longestIn + longestOut + 5 * kPadding});
-    const std::size_t rows = std::max(inputs.size(), outputs.size());
-    rect_ = QRectF(0, 0, width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
-
-    terminals_.clear();
-    terminals_.reserve(inputs.size() + outputs.size());
-    for (const bool output : {false, true}) {
-        const std::vector<std::string>& names = output ? outputs : inputs;
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            terminals_.push_back(Terminal{
-                names[i], output,
-                QPointF(output ? width : 0, kHeader + (static_cast<qreal>(i) + 0.5) * kRow),
-                QString::fromStdString(names[i])});
-        }
+        std::max(look_->minWidth, names.horizontalAdvance(name_) + 20 + 3 * kPadding);
+    const std::size_t rows = std::max(look_->inputs.size(), look_->outputs.size());
+    const QRectF rect(0, 0, width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
+    // Most changes are of values, which leave the shape: telling the scene of a change of
+    // shape costs a pass over its index for every block a large step touches.
+    if (rect != rect_) {
+        prepareGeometryChange();
+        rect_ = rect;
     }
-    PointAt(nullptr);
 
     refreshing_ = true;
     setPos(block_->IAppObject_XPosition(), block_->IAppObject_YPosition());
     refreshing_ = false;
     update();
-    emit moved(key_);
+    if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+        canvas->RouteWiresOf(key_);
+    }
 }
 
-void BlockItem::ShowDetail(bool detail) {
-    setCacheMode(detail ? DeviceCoordinateCache : NoCache);
+Terminal BlockItem::TerminalOf(std::size_t row, bool output) const {
+    const TerminalName& terminal = (output ? look_->outputs : look_->inputs)[row];
+    return Terminal{
+        terminal.name, output,
+        QPointF(output ? rect_.width() : 0, kHeader + (static_cast<qreal>(row) + 0.5) * kRow),
+        terminal.label};
 }
 
-const Terminal* BlockItem::FindTerminal(const std::string& name, bool output) const {
-    for (const Terminal& terminal : terminals_) {
-        if (terminal.output == output && terminal.name == name) {
-            return &terminal;
+std::optional<Terminal> BlockItem::FindTerminal(const std::string& name, bool output) const {
+    const std::vector<TerminalName>& names = output ? look_->outputs : look_->inputs;
+    for (std::size_t row = 0; row < names.size(); ++row) {
+        if (names[row].name == name) {
+            return TerminalOf(row, output);
         }
     }
-    return nullptr;
+    return std::nullopt;
 }
 
-const Terminal* BlockItem::TerminalAt(QPointF itemPos, qreal slack) const {
+std::optional<Terminal> BlockItem::TerminalAt(QPointF itemPos, qreal slack) const {
     const qreal reach = kTerminalRadius + slack;
-    // Only the two edges carry terminals.
+    // Only the two edges carry terminals, one to a row.
     const bool left = std::abs(itemPos.x()) <= reach;
     const bool right = std::abs(itemPos.x() - rect_.width()) <= reach;
     if (!left && !right) {
-        return nullptr;
+        return std::nullopt;
     }
-    for (const Terminal& terminal : terminals_) {
-        const QPointF offset = itemPos - terminal.centre;
-        if (terminal.output == right && std::abs(offset.x()) <= reach &&
-            std::abs(offset.y()) <= reach) {
-            return &terminal;
+    const std::size_t rows = (right ? look_->outputs : look_->inputs).size();
+    for (std::size_t row = 0; row < rows; ++row) {
+        Terminal terminal = TerminalOf(row, right);
+        if (std::abs(itemPos.y() - terminal.centre.y()) <= reach) {
+            return terminal;
         }
     }
-    return nullptr;
+    return std::nullopt;
 }
 
 QRectF BlockItem::NameRect() const {
@@ -217,7 +205,7 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     painter->setPen(edge);
     painter->drawPath(outline);
 
-    painter->drawPixmap(QPointF(kPadding, 9), icon_);
+    painter->drawPixmap(QPointF(kPadding, 9), look_->icon);
     painter->setPen(Qt::white);
     painter->setFont(NameFont());
     painter->drawText(
@@ -226,51 +214,62 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     painter->setFont(SmallFont());
     painter->setPen(QColor(0xe6, 0xee, 0xf5));
     painter->drawText(QRectF(kPadding + 24, 19, rect_.width() - 2 * kPadding - 24, 16),
-                      Qt::AlignLeft | Qt::AlignVCenter, type_);
+                      Qt::AlignLeft | Qt::AlignVCenter, look_->type);
 
     painter->setPen(QColor(0x26, 0x32, 0x3c));
-    for (const Terminal& terminal : terminals_) {
-        const QRectF row(kPadding + 2, terminal.centre.y() - kRow / 2,
-                         rect_.width() - 2 * kPadding - 4, kRow);
-        painter->drawText(row,
-                          (terminal.output ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter,
-                          terminal.label);
+    const auto rowOf = [](std::size_t row) {
+        return kHeader + (static_cast<qreal>(row) + 0.5) * kRow;
+    };
+    for (const bool output : {false, true}) {
+        const std::vector<TerminalName>& names = output ? look_->outputs : look_->inputs;
+        for (std::size_t row = 0; row < names.size(); ++row) {
+            const QRectF line(kPadding + 2, rowOf(row) - kRow / 2, rect_.width() - 2 * kPadding - 4,
+                              kRow);
+            painter->drawText(line, (output ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter,
+                              names[row].label);
+        }
     }
     static const QBrush inputBrush(QColor(0x3d, 0x8b, 0x5a));
     static const QBrush outputBrush(QColor(0xe0, 0x8a, 0x2e));
     painter->setPen(QPen(Qt::white, 1.5));
-    for (const Terminal& terminal : terminals_) {
-        painter->setBrush(terminal.output ? outputBrush : inputBrush);
-        painter->drawEllipse(terminal.centre, kTerminalRadius, kTerminalRadius);
+    for (const bool output : {false, true}) {
+        const std::size_t rows = (output ? look_->outputs : look_->inputs).size();
+        painter->setBrush(output ? outputBrush : inputBrush);
+        for (std::size_t row = 0; row < rows; ++row) {
+            painter->drawEllipse(QPointF(output ? rect_.width() : 0, rowOf(row)), kTerminalRadius,
+                                 kTerminalRadius);
+        }
     }
 }
 
 QVariant BlockItem::itemChange(GraphicsItemChange change, const QVariant& value) {
     if (change == ItemPositionHasChanged && !refreshing_) {
-        emit moved(key_);
+        if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+            canvas->RouteWiresOf(key_);
+        }
     }
-    return QGraphicsObject::itemChange(change, value);
+    return QGraphicsItem::itemChange(change, value);
 }
 
 void BlockItem::hoverMoveEvent(QGraphicsSceneHoverEvent* event) {
-    if (const Terminal* terminal = TerminalAt(event->pos(), 2); terminal != hovered_) {
-        PointAt(terminal);
-    }
-    QGraphicsObject::hoverMoveEvent(event);
+    PointAt(TerminalAt(event->pos(), 2));
+    QGraphicsItem::hoverMoveEvent(event);
 }
 
 void BlockItem::hoverLeaveEvent(QGraphicsSceneHoverEvent* event) {
-    PointAt(nullptr);
-    QGraphicsObject::hoverLeaveEvent(event);
+    PointAt(std::nullopt);
+    QGraphicsItem::hoverLeaveEvent(event);
 }
 
 // Over a terminal the cursor says a wire can start here, and the tip names the terminal.
-void BlockItem::PointAt(const Terminal* terminal) {
-    hovered_ = terminal;
-    setToolTip(terminal != nullptr ? terminal->label : description_);
-    if (terminal != nullptr && !hasCursor()) {
+void BlockItem::PointAt(const std::optional<Terminal>& terminal) {
+    const QString tip = terminal ? terminal->label : look_->description;
+    if (toolTip() != tip) {
+        setToolTip(tip);
+    }
+    if (terminal && !hasCursor()) {
         setCursor(Qt::CrossCursor);
-    } else if (terminal == nullptr && hasCursor()) {
+    } else if (!terminal && hasCursor()) {
         unsetCursor();
     }
 }

@@ -1,6 +1,7 @@
 #include "studio/CanvasScene.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include <QDragEnterEvent>
 #include <QGraphicsProxyWidget>
@@ -67,21 +68,74 @@ QVariant WireItem::itemChange(GraphicsItemChange change, const QVariant& value) 
 CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
     : QGraphicsScene(parent), project_(project) {
     setBackgroundBrush(QColor(0xee, 0xf1, 0xf4));
-    connect(&project, &StudioProject::blockAdded, this, &CanvasScene::AddBlock);
+    connect(&project, &StudioProject::blockAdded, this, [this](const std::string& key) {
+        if (following_) {
+            AddBlock(key);
+        }
+    });
     connect(&project, &StudioProject::blockRemoved, this, &CanvasScene::RemoveBlock);
     connect(&project, &StudioProject::blockChanged, this, [this](const std::string& key) {
         if (BlockItem* item = Item(key)) {
             item->Refresh();
         }
     });
-    connect(&project, &StudioProject::wireAdded, this, &CanvasScene::AddWire);
+    connect(&project, &StudioProject::wireAdded, this, [this](const Wire& wire) {
+        if (following_) {
+            AddWire(wire);
+        }
+    });
     connect(&project, &StudioProject::wireRemoved, this, &CanvasScene::RemoveWire);
     connect(&project, &StudioProject::cleared, this, &CanvasScene::RemoveAll);
-    for (const std::string& key : project.BlockKeys()) {
+    AddAll();
+}
+
+void CanvasScene::Follow(bool on) {
+    if (on == following_) {
+        return;
+    }
+    following_ = on;
+    if (on) {
+        RemoveAll();
+        // The index is sized before the first item comes, from where the blocks stand: sized
+        // by Qt first, it would be built for the number of items and then built again.
+        QRectF area;
+        for (const std::string& key : project_.BlockKeys()) {
+            const std::shared_ptr<IAppObject> block = project_.Block(key);
+            area |= QRectF(block->IAppObject_XPosition(), block->IAppObject_YPosition(), 1, 1);
+        }
+        SizeIndex(area, project_.BlockKeys().size() + project_.Wires().size());
+        AddAll();
+    }
+}
+
+void CanvasScene::AddAll() {
+    for (const std::string& key : project_.BlockKeys()) {
         AddBlock(key);
     }
-    for (const Wire& wire : project.Wires()) {
+    for (const Wire& wire : project_.Wires()) {
         AddWire(wire);
+    }
+}
+
+void CanvasScene::FitIndex() {
+    if (!blocks_.empty()) {
+        SizeIndex(sceneRect(), blocks_.size() + wires_.size());
+    }
+}
+
+void CanvasScene::SizeIndex(QRectF area, std::size_t items) {
+    // Each halving of the cells doubles the lists an item sits in once the cells are smaller
+    // than the item: blocks standing on one spot would sit in every cell. Qt sizes the tree
+    // by the number of items alone; here the cells are kept no smaller than a usual block.
+    // The depth stays between 1 (0 would hand the choice back to Qt) and Qt's own.
+    constexpr qreal kBlockWidth = 160.0;
+    constexpr qreal kBlockHeight = 120.0;
+    area.adjust(0, 0, kBlockWidth, kBlockHeight);
+    const qreal cells = area.width() * area.height() / (kBlockWidth * kBlockHeight);
+    const qreal most = std::max<qreal>(2, std::min(cells, static_cast<qreal>(items)));
+    const int depth = std::clamp(static_cast<int>(std::floor(std::log2(most))), 1, 20);
+    if (depth != bspTreeDepth()) {
+        setBspTreeDepth(depth);
     }
 }
 
@@ -97,6 +151,20 @@ BlockItem* CanvasScene::Item(const std::string& key) const {
     return found == blocks_.end() ? nullptr : found->second;
 }
 
+void CanvasScene::SelectAll() {
+    {
+        // Each item would tell its own change, and each listener read the whole selection.
+        const QSignalBlocker quiet(this);
+        for (const auto& [key, item] : blocks_) {
+            item->setSelected(true);
+        }
+        for (const auto& [wire, item] : wires_) {
+            item->setSelected(true);
+        }
+    }
+    emit selectionChanged();
+}
+
 std::vector<std::string> CanvasScene::SelectedBlocks() const {
     std::vector<std::string> keys;
     // In the project's order, so that a deletion and its undo keep it.
@@ -110,9 +178,11 @@ std::vector<std::string> CanvasScene::SelectedBlocks() const {
 
 std::vector<Wire> CanvasScene::SelectedWires() const {
     std::vector<Wire> wires;
-    for (const WireItem* item : wires_) {
-        if (item->isSelected()) {
-            wires.push_back(item->Connection());
+    // In the project's order, so that a deletion's undo makes them again in that order.
+    for (const Wire& wire : project_.Wires()) {
+        const auto found = wires_.find(wire);
+        if (found != wires_.end() && found->second->isSelected()) {
+            wires.push_back(wire);
         }
     }
     return wires;
@@ -121,31 +191,22 @@ std::vector<Wire> CanvasScene::SelectedWires() const {
 std::optional<QPointF> CanvasScene::TerminalPos(const std::string& key, const std::string& name,
                                                 bool output) const {
     const BlockItem* item = Item(key);
-    const Terminal* terminal = item ? item->FindTerminal(name, output) : nullptr;
-    if (terminal == nullptr) {
+    const std::optional<Terminal> terminal = item ? item->FindTerminal(name, output) : std::nullopt;
+    if (!terminal) {
         return std::nullopt;
     }
     return item->mapToScene(terminal->centre);
 }
 
-void CanvasScene::SetZoom(qreal zoom) {
-    const bool detail = zoom >= BlockItem::kDetailZoom;
-    if (detail != detail_) {
-        detail_ = detail;
-        for (const auto& [key, item] : blocks_) {
-            item->ShowDetail(detail);
-        }
-    }
-}
-
 void CanvasScene::AddBlock(const std::string& key) {
-    auto* item = new BlockItem(key, project_.Block(key));
-    if (!detail_) {
-        item->ShowDetail(false);
+    const std::shared_ptr<IAppObject> block = project_.Block(key);
+    std::shared_ptr<const BlockLook>& look = looks_[block->IAppObject_UniqueIDString()];
+    if (!look) {
+        look = BlockItem::LookOf(*block);
     }
+    auto* item = new BlockItem(key, block, look);
     blocks_[key] = item;
     addItem(item);
-    connect(item, &BlockItem::moved, this, &CanvasScene::RouteWiresOf);
 }
 
 void CanvasScene::RemoveBlock(const std::string& key) {
@@ -168,7 +229,7 @@ void CanvasScene::RemoveAll() {
 
 void CanvasScene::AddWire(const Wire& wire) {
     auto* item = new WireItem(wire);
-    wires_.push_back(item);
+    wires_[wire] = item;
     wiresAt_.emplace(wire.source, item);
     if (wire.target != wire.source) {
         wiresAt_.emplace(wire.target, item);
@@ -178,11 +239,9 @@ void CanvasScene::AddWire(const Wire& wire) {
 }
 
 void CanvasScene::RemoveWire(const Wire& wire) {
-    const auto found = std::find_if(wires_.begin(), wires_.end(), [&](const WireItem* item) {
-        return item->Connection() == wire;
-    });
+    const auto found = wires_.find(wire);
     if (found != wires_.end()) {
-        WireItem* item = *found;
+        WireItem* item = found->second;
         for (const std::string& end : {wire.source, wire.target}) {
             auto [at, last] = wiresAt_.equal_range(end);
             while (at != last) {
@@ -217,7 +276,7 @@ std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {
     const QRectF near(scenePos - QPointF(kSlack, kSlack), QSizeF(2 * kSlack, 2 * kSlack));
     for (QGraphicsItem* item : items(near)) {
         if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item)) {
-            if (const Terminal* terminal =
+            if (const std::optional<Terminal> terminal =
                     block->TerminalAt(block->mapFromScene(scenePos), kSlack)) {
                 return TerminalRef{block->Key(), terminal->name, terminal->output,
                                    block->mapToScene(terminal->centre)};
@@ -352,18 +411,10 @@ CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scen
 void CanvasView::ZoomBy(qreal factor) {
     const qreal next = std::clamp(Zoom() * factor, 0.05, 8.0);
     scale(next / Zoom(), next / Zoom());
-    ZoomChanged();
 }
 
 void CanvasView::SetZoom(qreal zoom) {
     setTransform(QTransform::fromScale(zoom, zoom));
-    ZoomChanged();
-}
-
-void CanvasView::ZoomChanged() {
-    if (auto* canvas = qobject_cast<CanvasScene*>(scene())) {
-        canvas->SetZoom(Zoom());
-    }
 }
 
 void CanvasView::ZoomToFit(qreal maxZoom) {
@@ -374,7 +425,6 @@ void CanvasView::ZoomToFit(qreal maxZoom) {
             setTransform(QTransform::fromScale(maxZoom, maxZoom));
             centerOn(bounds.center());
         }
-        ZoomChanged();
     }
 }
 

@@ -4,14 +4,17 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include <QGraphicsPathItem>
 #include <QGraphicsScene>
 #include <QGraphicsView>
 
+#include "studio/BlockLook.h"
 #include "studio/StudioProject.h"
 
 class QGraphicsProxyWidget;
@@ -43,12 +46,6 @@ private:
     Wire wire_;
 };
 
-struct BlockMove {
-    std::string key;
-    QPointF from;
-    QPointF to;
-};
-
 class CanvasScene : public QGraphicsScene {
     Q_OBJECT
 
@@ -58,8 +55,8 @@ public:
     ~CanvasScene() override;
 
     BlockItem* Item(const std::string& key) const;
-    // Tells the blocks whether the view is near enough for their details.
-    void SetZoom(qreal zoom);
+    // Every block and wire, told as one change of the selection.
+    void SelectAll();
     std::vector<std::string> SelectedBlocks() const;
     std::vector<Wire> SelectedWires() const;
     // Opens the in-place editor of the block's user name.
@@ -68,6 +65,14 @@ public:
     // shown.
     std::optional<QPointF> TerminalPos(const std::string& key, const std::string& name,
                                        bool output) const;
+    // Off, the scene lets the project change without following it (a project being read);
+    // back on, it makes its items afresh in one pass.
+    void Follow(bool on);
+    // Routes the wires at the block again, after it moved.
+    void RouteWiresOf(const std::string& key);
+    // Sizes the scene's index to where the blocks stand: its cells no smaller than a block, so
+    // that memory does not depend on how close the blocks stand.
+    void FitIndex();
 
 signals:
     void wireRequested(const Wire& wire);
@@ -87,21 +92,24 @@ private:
     void AddWire(const Wire& wire);
     void RemoveWire(const Wire& wire);
     void RemoveAll();
-    void RouteWiresOf(const std::string& key);
+    void AddAll();
+    void SizeIndex(QRectF area, std::size_t items);
     void Route(WireItem* item) const;
     std::optional<TerminalRef> TerminalAt(QPointF scenePos) const;
     void FinishRename(bool accept);
 
     StudioProject& project_;
-    std::map<std::string, BlockItem*> blocks_;
-    std::vector<WireItem*> wires_;
+    std::unordered_map<std::string, BlockItem*> blocks_;
+    std::unordered_map<Wire, WireItem*, WireHash> wires_;
+    // One look per block type, for as long as the scene: another library makes another scene.
+    std::unordered_map<std::string, std::shared_ptr<const BlockLook>> looks_;
     std::multimap<std::string, WireItem*> wiresAt_;
     std::optional<TerminalRef> dragFrom_;
     QGraphicsPathItem* dragWire_ = nullptr;
     std::map<std::string, QPointF> pressed_;
     QGraphicsProxyWidget* renameEditor_ = nullptr;
     std::string renaming_;
-    bool detail_ = true;
+    bool following_ = true;
 };
 
 class CanvasView : public QGraphicsView {
@@ -130,8 +138,6 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    void ZoomChanged();
-
     bool panning_ = false;
     QPoint panFrom_;
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <limits>
 #include <sstream>
 
 #include <QPointer>
@@ -94,6 +95,15 @@ bool ParseShort(const char* text, int16_t& value) {
 
 }  // namespace
 
+std::size_t WireHash::operator()(const Wire& wire) const noexcept {
+    const std::hash<std::string> hash;
+    std::size_t seed = hash(wire.source);
+    for (const std::string* part : {&wire.output, &wire.target, &wire.input}) {
+        seed ^= hash(*part) + 0x9e3779b97f4a7c15ULL + (seed << 6) + (seed >> 2);
+    }
+    return seed;
+}
+
 struct StudioProject::Entry {
     std::string key;
     std::shared_ptr<IAppObject> object;
@@ -129,6 +139,13 @@ void StudioProject::ApplySettings(const ProjectSettings& settings) {
         for (const std::string& key : order_) {
             emit blockChanged(key);
         }
+    }
+}
+
+void StudioProject::Progress(std::size_t done, std::size_t total) {
+    // Told once a percent: often enough for a bar that moves, seldom enough to cost nothing.
+    if (total > 0 && done > 0 && done * 100 / total != (done - 1) * 100 / total) {
+        emit progress(static_cast<int>(done * 100 / total));
     }
 }
 
@@ -175,11 +192,18 @@ void StudioProject::KeepBlock(pugi::xml_node element) {
 }
 
 int16_t StudioProject::NextExportIndex() {
+    constexpr int kLast = std::numeric_limits<int16_t>::max();
     // The lowest index no block has; the hint never passes a free one.
-    while (exportIndexes_.count(freeExportIndex_) != 0) {
+    while (freeExportIndex_ <= kLast &&
+           exportIndexes_.count(static_cast<int16_t>(freeExportIndex_)) != 0) {
         ++freeExportIndex_;
     }
-    return freeExportIndex_;
+    if (freeExportIndex_ <= kLast) {
+        return static_cast<int16_t>(freeExportIndex_);
+    }
+    // An index has 16 bits and a project may hold more blocks than that: once every index is
+    // taken the blocks share them in turn rather than wait for one to come free.
+    return static_cast<int16_t>(exportIndexes_.size() % (kLast + 1));
 }
 
 std::string StudioProject::CreateBlock(const std::string& type, const std::string& key,
@@ -254,12 +278,20 @@ std::string StudioProject::RestoreBlock(pugi::xml_node element, int position) {
             block->IAppObject_Color(color.as_int());
         }
         // The wires are the studio's: a block that kept them would write them back twice.
-        pugi::xml_document own;
-        pugi::xml_node copy = own.append_copy(element);
-        while (pugi::xml_node connection = copy.child(kConnection)) {
-            copy.remove_child(connection);
+        if (element.child(kConnection)) {
+            pugi::xml_node copy = scratch_.append_copy(element);
+            while (pugi::xml_node connection = copy.child(kConnection)) {
+                copy.remove_child(connection);
+            }
+            struct Drop {
+                pugi::xml_document& scratch;
+                pugi::xml_node copy;
+                ~Drop() { scratch.remove_child(copy); }
+            } drop{scratch_, copy};
+            block->IAppObject_XmlLoad(copy);
+        } else {
+            block->IAppObject_XmlLoad(element);
         }
-        block->IAppObject_XmlLoad(copy);
     }
     if (position >= 0 && position < static_cast<int>(order_.size()) - 1) {
         order_.pop_back();
@@ -270,10 +302,14 @@ std::string StudioProject::RestoreBlock(pugi::xml_node element, int position) {
 }
 
 void StudioProject::RemoveBlock(const std::string& key) {
-    Entry* entry = Find(key);
-    if (entry == nullptr) {
-        return;
+    if (Find(key) != nullptr) {
+        order_.erase(std::find(order_.begin(), order_.end(), key));
+        DestroyBlock(key);
     }
+}
+
+void StudioProject::DestroyBlock(const std::string& key) {
+    Entry* entry = Find(key);
     const std::vector<Wire> wires = WiresOf(key);
     for (const Wire& wire : wires) {
         DropWire(wire, true);
@@ -281,11 +317,67 @@ void StudioProject::RemoveBlock(const std::string& key) {
     const std::shared_ptr<IAppObject> block = entry->object;
     const int16_t exportIndex = block->IAppObject_ExportIndex();
     exportIndexes_.erase(exportIndexes_.find(exportIndex));
-    freeExportIndex_ = std::min(freeExportIndex_, exportIndex);
-    order_.erase(std::find(order_.begin(), order_.end(), key));
+    freeExportIndex_ = std::min(freeExportIndex_, std::max<int>(exportIndex, 0));
     blocks_.erase(key);
     block->IAppObject_Destroy();
     emit blockRemoved(key);
+}
+
+std::vector<int> StudioProject::RemoveBlocks(const std::vector<std::string>& keys) {
+    std::unordered_map<std::string, int> place;
+    place.reserve(order_.size());
+    for (std::size_t i = 0; i < order_.size(); ++i) {
+        place.emplace(order_[i], static_cast<int>(i));
+    }
+    std::vector<int> positions;
+    positions.reserve(keys.size());
+    for (const std::string& key : keys) {
+        const auto found = place.find(key);
+        positions.push_back(found == place.end() ? -1 : found->second);
+    }
+    // Taken out of the order in one pass: one at a time would move the rest for each.
+    for (const int position : positions) {
+        if (position >= 0) {
+            order_[static_cast<std::size_t>(position)].clear();
+        }
+    }
+    order_.erase(std::remove(order_.begin(), order_.end(), std::string()), order_.end());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (positions[i] >= 0) {
+            DestroyBlock(keys[i]);
+        }
+        Progress(i + 1, keys.size());
+    }
+    return positions;
+}
+
+void StudioProject::RestoreBlocks(const std::vector<pugi::xml_node>& elements,
+                                  const std::vector<int>& positions) {
+    std::vector<std::pair<int, std::string>> placed;
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        std::string key = RestoreBlock(elements[i], -1);
+        if (!key.empty()) {
+            order_.pop_back();
+            placed.emplace_back(positions[i], std::move(key));
+        }
+        Progress(i + 1, elements.size());
+    }
+    // Merged into the order in one pass, each at the place it had.
+    std::stable_sort(placed.begin(), placed.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    std::vector<std::string> order;
+    order.reserve(order_.size() + placed.size());
+    std::size_t rest = 0;
+    for (auto& [position, key] : placed) {
+        while (static_cast<int>(order.size()) < position && rest < order_.size()) {
+            order.push_back(std::move(order_[rest++]));
+        }
+        order.push_back(std::move(key));
+    }
+    while (rest < order_.size()) {
+        order.push_back(std::move(order_[rest++]));
+    }
+    order_.swap(order);
 }
 
 std::shared_ptr<IAppObject> StudioProject::Block(const std::string& key) const {
@@ -336,13 +428,13 @@ pugi::xml_node StudioProject::BlockElement(const std::string& key, pugi::xml_doc
     if (color != 0) {
         element.append_attribute("Color") = std::to_string(color).c_str();
     }
-    for (const Wire& wire : wires_) {
+    for (const Wire& wire : WiresOf(key)) {
         if (wire.target == key) {
             AppendConnection(element, wire);
         }
     }
-    for (const Wire& wire : keptWires_) {
-        if (wire.target == key) {
+    if (const auto kept = keptWires_.find(key); kept != keptWires_.end()) {
+        for (const Wire& wire : kept->second) {
             AppendConnection(element, wire);
         }
     }
@@ -467,6 +559,7 @@ bool StudioProject::Connect(const Wire& wire) {
     if (input->IInput_Extended()) {
         reference += "00";
     }
+    wireAt_.emplace(wire, wires_.size());
     wires_.push_back(wire);
     wiresAt_[wire.source].push_back(wire);
     if (wire.target != wire.source) {
@@ -495,11 +588,19 @@ void StudioProject::Disconnect(const Wire& wire) {
 }
 
 void StudioProject::DropWire(const Wire& wire, bool clearReference) {
-    const auto found = std::find(wires_.begin(), wires_.end(), wire);
-    if (found == wires_.end()) {
+    const auto found = wireAt_.find(wire);
+    if (found == wireAt_.end()) {
         return;
     }
-    wires_.erase(found);
+    // The last wire takes the place of the one that goes: the file's order of wires is each
+    // block's (wiresAt_), which keeps the order they were made in.
+    const std::size_t at = found->second;
+    wireAt_.erase(found);
+    if (at + 1 != wires_.size()) {
+        wires_[at] = std::move(wires_.back());
+        wireAt_[wires_[at]] = at;
+    }
+    wires_.pop_back();
     for (const std::string& end : {wire.source, wire.target}) {
         std::vector<Wire>& at = wiresAt_[end];
         at.erase(std::remove(at.begin(), at.end(), wire), at.end());
@@ -569,6 +670,7 @@ void StudioProject::OnTypeChanged(const std::string& globalKey) {
 void StudioProject::Clear() {
     // Everything goes: the ends of the wires need not be told, the blocks are destroyed.
     wires_.clear();
+    wireAt_.clear();
     wiresAt_.clear();
     for (const std::string& key : order_) {
         blocks_[key]->object->IAppObject_Destroy();
@@ -648,7 +750,11 @@ void StudioProject::Load(const pugi::xml_document& document) {
     BlockFactory::UseUnitSystem(settings_.usUnits);
     const Nested loading(loading_);
     std::vector<std::pair<std::string, pugi::xml_node>> restored;
+    const auto elements =
+        static_cast<std::size_t>(std::distance(root.children().begin(), root.children().end()));
+    std::size_t done = 0;
     for (pugi::xml_node element : root.children()) {
+        Progress(++done, 2 * elements);
         if (element.type() != pugi::node_element) {
             continue;
         }
@@ -663,14 +769,16 @@ void StudioProject::Load(const pugi::xml_document& document) {
             restored.emplace_back(key, element);
         }
     }
-    for (const auto& [key, element] : restored) {
+    for (std::size_t i = 0; i < restored.size(); ++i) {
+        const auto& [key, element] = restored[i];
+        Progress(restored.size() + i + 1, 2 * restored.size());
         for (pugi::xml_node connection : element.children(kConnection)) {
             const Wire wire{connection.attribute("Source").as_string(),
                             connection.attribute("Output").as_string(), key,
                             connection.attribute("Input").as_string()};
             if (Find(wire.source) == nullptr) {
                 // Its source is a kept block: the wire is written back as it was read.
-                keptWires_.push_back(wire);
+                keptWires_[key].push_back(wire);
                 continue;
             }
             Connect(wire);

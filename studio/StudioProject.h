@@ -9,6 +9,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -31,6 +32,17 @@ struct Wire {
     std::string target;
     std::string input;
     bool operator==(const Wire&) const = default;
+};
+
+struct WireHash {
+    std::size_t operator()(const Wire& wire) const noexcept;
+};
+
+// A block dragged on the canvas from one place to another.
+struct BlockMove {
+    std::string key;
+    QPointF from;
+    QPointF to;
 };
 
 // Every attribute value of a block, by attribute name, in collection order.
@@ -61,8 +73,14 @@ public:
     // Re-creates a block from its saved element (as BlockElement gave it) under its key, at
     // the given place in the project's order (-1: last). Empty when the type is missing.
     std::string RestoreBlock(pugi::xml_node element, int position);
+    // Many blocks back at once, each at its place in the project's order as it was before
+    // they went (positions as RemoveBlocks gave them).
+    void RestoreBlocks(const std::vector<pugi::xml_node>& elements,
+                       const std::vector<int>& positions);
     // Clears the references of the block's wires, then destroys it.
     void RemoveBlock(const std::string& key);
+    // Many blocks at once; gives the place each had in the project's order.
+    std::vector<int> RemoveBlocks(const std::vector<std::string>& keys);
     std::shared_ptr<IAppObject> Block(const std::string& key) const;
     const std::vector<std::string>& BlockKeys() const { return order_; }
     std::string KeyOf(const IAppObject* block) const;
@@ -135,6 +153,8 @@ signals:
     void cleared();
     // A project was read: its blocks and wires have all been announced.
     void loaded();
+    // How far a step over many blocks has got.
+    void progress(int percent);
 
 private:
     struct Entry;
@@ -145,7 +165,10 @@ private:
     int16_t NextExportIndex();
     std::string CreateBlock(const std::string& type, const std::string& key, int16_t exportIndex);
     void DropWire(const Wire& wire, bool clearReference);
+    // Everything of RemoveBlock but its place in the order.
+    void DestroyBlock(const std::string& key);
     void Context(const std::string& block) const;
+    void Progress(std::size_t done, std::size_t total);
     static void AppendConnection(pugi::xml_node element, const Wire& wire);
 
     BlockFactory& factory_;
@@ -153,17 +176,23 @@ private:
     std::shared_ptr<const pugi::xml_document> ownerDevice_;
     std::shared_ptr<ProjectMacro> macro_;
     ProjectSettings settings_;
-    std::map<std::string, std::unique_ptr<Entry>> blocks_;
+    std::unordered_map<std::string, std::unique_ptr<Entry>> blocks_;
     std::vector<std::string> order_;
     // Export indexes in use (a project read from a file may hold the same one twice).
     std::multiset<int16_t> exportIndexes_;
-    int16_t freeExportIndex_ = 0;
+    int freeExportIndex_ = 0;
     std::vector<Wire> wires_;
+    // Where each wire stands in wires_: a step over thousands of wires looks each one up.
+    std::unordered_map<Wire, std::size_t, WireHash> wireAt_;
     // The wires at each block, in the order they were made: a large project asks this often.
-    std::map<std::string, std::vector<Wire>> wiresAt_;
+    std::unordered_map<std::string, std::vector<Wire>> wiresAt_;
     // Kept as read and written back: blocks of missing types, wires that lead to them.
     pugi::xml_document kept_;
-    std::vector<Wire> keptWires_;
+    // By target block.
+    std::unordered_map<std::string, std::vector<Wire>> keptWires_;
+    // Where a block's element is copied to leave its wires out: one document for all, so that
+    // its memory is taken once rather than for every block.
+    pugi::xml_document scratch_;
     // What the kept blocks hold of the project's identities, so that no new block takes it.
     std::set<std::string> keptKeys_;
     std::set<std::string> keptNames_;

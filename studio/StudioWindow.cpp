@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProgressDialog>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTimer>
@@ -38,21 +39,6 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-class SettingsCommand : public QUndoCommand {
-public:
-    SettingsCommand(StudioProject& project, ProjectSettings from, ProjectSettings to)
-        : project_(project), from_(from), to_(to) {
-        setText(QObject::tr("Project settings"));
-    }
-    void redo() override { project_.ApplySettings(to_); }
-    void undo() override { project_.ApplySettings(from_); }
-
-private:
-    StudioProject& project_;
-    ProjectSettings from_;
-    ProjectSettings to_;
-};
-
 std::shared_ptr<const pugi::xml_document> ReadDocument(const QString& file, std::string* error) {
     auto document = std::make_shared<pugi::xml_document>();
     const pugi::xml_parse_result result = document->load_file(file.toStdString().c_str());
@@ -75,9 +61,21 @@ QString WithProjectExtension(const QString& name) {
 
 template <typename Body>
 bool StudioWindow::Step(const std::string& what, Body&& body) {
+    if (busy_ == 0) {
+        stepName_ = what;
+    }
     ++busy_;
     const bool done = GuardedCall(what, std::forward<Body>(body));
     --busy_;
+    if (busy_ == 0) {
+        if (progress_ != nullptr) {
+            progress_->deleteLater();
+            progress_ = nullptr;
+        }
+        if (scene_ != nullptr) {
+            scene_->FitIndex();
+        }
+    }
     if (busy_ == 0 && (saveWanted_ || !saveAsWanted_.isEmpty())) {
         const QString as = std::exchange(saveAsWanted_, QString());
         std::exchange(saveWanted_, false) ? Save() : SaveProjectAs(as);
@@ -224,6 +222,25 @@ void StudioWindow::MakeProject() {
     connect(project_, &StudioProject::wireRemoved, this, wireChanged);
     connect(project_, &StudioProject::valuesChangedOutside, this,
             &StudioWindow::OnValuesChangedOutside);
+    connect(project_, &StudioProject::progress, this, &StudioWindow::ShowProgress);
+}
+
+void StudioWindow::ShowProgress(int percent) {
+    if (busy_ == 0) {
+        return;
+    }
+    if (progress_ == nullptr) {
+        // Not modal: a modal one would serve the user's input as it moves. The step's event
+        // pump keeps input waiting and lets the bar be drawn.
+        progress_ = new QProgressDialog(this);
+        progress_->setObjectName("progress");
+        progress_->setLabelText(tr("Please wait: %1…").arg(Q(stepName_)));
+        progress_->setCancelButton(nullptr);
+        progress_->setRange(0, 100);
+        progress_->setMinimumDuration(400);
+        progress_->setValue(0);
+    }
+    progress_->setValue(percent);
 }
 
 void StudioWindow::BuildActions() {
@@ -327,11 +344,8 @@ void StudioWindow::BuildActions() {
     });
     add(edit, "actionParameters", tr("&Parameters..."), QKeySequence(Qt::ALT | Qt::Key_Return),
         [this] { ShowParameters(selected_); });
-    add(edit, "actionSelectAll", tr("Select &all"), QKeySequence::SelectAll, [this] {
-        for (QGraphicsItem* item : scene_->items()) {
-            item->setSelected(true);
-        }
-    });
+    add(edit, "actionSelectAll", tr("Select &all"), QKeySequence::SelectAll,
+        [this] { scene_->SelectAll(); });
 
     QMenu* view = menuBar()->addMenu(tr("&View"));
     add(view, "actionZoomIn", tr("Zoom &in"), QKeySequence::ZoomIn,
@@ -424,6 +438,8 @@ void StudioWindow::SetValue(const std::string& key, const std::string& attribute
 void StudioWindow::DeleteSelection() {
     std::vector<std::string> keys = scene_->SelectedBlocks();
     std::vector<Wire> wires = scene_->SelectedWires();
+    // Once, rather than once for each selected item as it goes.
+    scene_->clearSelection();
     if (!keys.empty() || !wires.empty()) {
         Step("delete",
              [&] { undo_->push(new DeleteCommand(*project_, std::move(keys), std::move(wires))); });
@@ -530,10 +546,13 @@ bool StudioWindow::OpenProject(const QString& file) {
     }
     MakeProject();
     log_->SetQuiet(loadToLog_->isChecked());
-    // Items come in one by one; the scene's index is built once at the end instead.
-    scene_->setItemIndexMethod(QGraphicsScene::NoIndex);
-    const bool read = Step("open the project", [&] { project_->Load(*document); });
-    scene_->setItemIndexMethod(QGraphicsScene::BspTreeIndex);
+    // The canvas is made once the project is whole: none of the project's steps on the way
+    // has to be drawn.
+    scene_->Follow(false);
+    const bool read = Step("open the project", [&] {
+        project_->Load(*document);
+        scene_->Follow(true);
+    });
     log_->SetQuiet(false);
     log_->SetBlock({});
     if (!read) {

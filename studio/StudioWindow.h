@@ -20,6 +20,7 @@
 
 class QLabel;
 class QMenu;
+class QProgressDialog;
 class QUndoStack;
 
 namespace zerbin::studio {
@@ -88,6 +89,8 @@ private:
     void OnValuesChangedOutside(const std::string& key);
     void RememberState(const std::string& key);
     void UpdateTitle();
+    // Shows how far a long step has got, once it has run a moment.
+    void ShowProgress(int percent);
     void ShowLibrary();
     void AddRecent(const QString& file);
     void FillRecent();
@@ -122,6 +125,8 @@ private:
     std::map<std::string, BlockState> states_;
     std::map<std::string, BlockState> pending_;
     int busy_ = 0;
+    std::string stepName_;
+    QProgressDialog* progress_ = nullptr;
     bool saveWanted_ = false;
     QString saveAsWanted_;
     std::function<QString()> askSaveName_;

@@ -1,6 +1,7 @@
 #include "studio/UndoCommands.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include <QObject>
 
@@ -42,9 +43,10 @@ void PlaceCommand::undo() {
 DeleteCommand::DeleteCommand(StudioProject& project, std::vector<std::string> keys,
                              std::vector<Wire> wires)
     : project_(project), keys_(std::move(keys)), wires_(std::move(wires)) {
+    std::unordered_set<Wire, WireHash> listed(wires_.begin(), wires_.end());
     for (const std::string& key : keys_) {
         for (const Wire& wire : project.WiresOf(key)) {
-            if (std::find(wires_.begin(), wires_.end(), wire) == wires_.end()) {
+            if (listed.insert(wire).second) {
                 wires_.push_back(wire);
             }
         }
@@ -56,40 +58,50 @@ DeleteCommand::DeleteCommand(StudioProject& project, std::vector<std::string> ke
 
 void DeleteCommand::redo() {
     saved_.reset();
-    positions_.clear();
     pugi::xml_node root = saved_.append_child("Deleted");
     targetValues_.clear();
+    // A deleted block's values are in its saved element; only the blocks that stay need theirs.
+    const std::unordered_set<std::string> going(keys_.begin(), keys_.end());
+    std::unordered_set<std::string> kept;
     for (const Wire& wire : wires_) {
-        targetValues_.emplace_back(wire.target, project_.Values(wire.target));
+        if (going.count(wire.target) == 0 && kept.insert(wire.target).second) {
+            targetValues_.emplace_back(wire.target, project_.Values(wire.target));
+        }
     }
     for (const Wire& wire : wires_) {
         project_.Disconnect(wire);
     }
     for (const std::string& key : keys_) {
-        const std::vector<std::string>& order = project_.BlockKeys();
-        positions_.push_back(
-            static_cast<int>(std::find(order.begin(), order.end(), key) - order.begin()));
         project_.BlockElement(key, saved_, root);
-        project_.RemoveBlock(key);
     }
+    positions_ = project_.RemoveBlocks(keys_);
 }
 
 void DeleteCommand::undo() {
-    std::size_t i = positions_.size();
-    // Back in reverse, so that each block finds the place it had.
     std::vector<pugi::xml_node> elements;
     for (pugi::xml_node element : saved_.first_child().children()) {
         elements.push_back(element);
     }
-    while (i-- > 0) {
-        project_.RestoreBlock(elements[i], positions_[i]);
-    }
+    project_.RestoreBlocks(elements, positions_);
     for (const Wire& wire : wires_) {
         project_.Connect(wire);
     }
     for (const auto& [key, values] : targetValues_) {
         project_.ApplyValues(key, values);
     }
+}
+
+SettingsCommand::SettingsCommand(StudioProject& project, ProjectSettings from, ProjectSettings to)
+    : project_(project), from_(from), to_(to) {
+    setText(QObject::tr("Project settings"));
+}
+
+void SettingsCommand::redo() {
+    project_.ApplySettings(to_);
+}
+
+void SettingsCommand::undo() {
+    project_.ApplySettings(from_);
 }
 
 MoveCommand::MoveCommand(StudioProject& project, std::vector<BlockMove> moves)

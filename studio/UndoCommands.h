@@ -10,7 +10,6 @@
 
 #include <pugixml.hpp>
 
-#include "studio/CanvasScene.h"
 #include "studio/StudioProject.h"
 
 namespace zerbin::studio {
@@ -42,8 +41,21 @@ private:
     std::vector<std::string> keys_;
     std::vector<Wire> wires_;
     std::vector<int> positions_;
+    // The values of the blocks that stay at the wires' far ends, to put back on undo.
     std::vector<std::pair<std::string, ValueSnapshot>> targetValues_;
     pugi::xml_document saved_;
+};
+
+class SettingsCommand : public QUndoCommand {
+public:
+    SettingsCommand(StudioProject& project, ProjectSettings from, ProjectSettings to);
+    void redo() override;
+    void undo() override;
+
+private:
+    StudioProject& project_;
+    ProjectSettings from_;
+    ProjectSettings to_;
 };
 
 class MoveCommand : public QUndoCommand {
