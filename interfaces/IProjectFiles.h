@@ -23,6 +23,14 @@ struct IProjectFiles : virtual IObject {
     // carry is refused before the file is touched. Throws only std::bad_alloc.
     virtual bool IProjectFiles_Write(const std::string& file, const pugi::xml_document& document,
                                      std::string& why) = 0;
+    // As Read and Write for any other file of the host's: a dictionary or device document it
+    // reads, a drawing or image list it exports. what names the file in why ("cannot read
+    // dictionary 'F': REASON").
+    virtual std::shared_ptr<pugi::xml_document> IProjectFiles_ReadAs(const std::string& file,
+                                                                     const std::string& what,
+                                                                     std::string& why) = 0;
+    virtual bool IProjectFiles_WriteText(const std::string& file, const std::string& what,
+                                         const std::string& text, std::string& why) = 0;
 };
 
 }  // namespace zerbin

@@ -172,7 +172,7 @@ std::shared_ptr<pugi::xml_document> ProjectFile::Read() const {
     std::shared_ptr<pugi::xml_document> document = xml::LoadFile(file_, &error);
     if (!document) {
         throw ProjectFileError(
-            "cannot read project '" + file_.string() + "': " + LowerFirst(error.reason),
+            "cannot read " + what_ + " '" + file_.string() + "': " + LowerFirst(error.reason),
             error.systemError);
     }
     return document;
@@ -183,8 +183,8 @@ void ProjectFile::Write(const pugi::xml_document& document) const {
     try {
         xml::Save(document, text);
     } catch (const Error& refused) {
-        throw ProjectFileError("cannot write project '" + file_.string() + "': " + refused.what(),
-                               0);
+        throw ProjectFileError(
+            "cannot write " + what_ + " '" + file_.string() + "': " + refused.what(), 0);
     }
     WriteText(text.view());
 }
@@ -218,7 +218,7 @@ void ProjectFile::WriteText(std::string_view text) const {
     } catch (const SystemFailure& failure) {
         const std::string what = failure.what.empty() ? std::string() : failure.what + ": ";
         throw ProjectFileError(
-            "cannot write project '" + file_.string() + "': " + what + Words(failure.code),
+            "cannot write " + what_ + " '" + file_.string() + "': " + what + Words(failure.code),
             failure.code);
     }
 }

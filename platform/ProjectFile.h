@@ -31,7 +31,9 @@ private:
 
 class ProjectFile {
 public:
-    explicit ProjectFile(std::filesystem::path file) : file_(std::move(file)) {}
+    // what names the file in messages: "project", "dictionary", "export".
+    explicit ProjectFile(std::filesystem::path file, std::string what = "project")
+        : file_(std::move(file)), what_(std::move(what)) {}
 
     const std::filesystem::path& Path() const { return file_; }
     // Where a write keeps the previous version: the file's name with "~" appended.
@@ -54,6 +56,7 @@ public:
 
 private:
     std::filesystem::path file_;
+    std::string what_;
 };
 
 }  // namespace zerbin

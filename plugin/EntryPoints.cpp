@@ -90,6 +90,26 @@ public:
             return false;
         }
     }
+    std::shared_ptr<pugi::xml_document> IProjectFiles_ReadAs(const std::string& file,
+                                                             const std::string& what,
+                                                             std::string& why) override {
+        try {
+            return zerbin::ProjectFile(file, what).Read();
+        } catch (const zerbin::ProjectFileError& error) {
+            why = error.what();
+            return nullptr;
+        }
+    }
+    bool IProjectFiles_WriteText(const std::string& file, const std::string& what,
+                                 const std::string& text, std::string& why) override {
+        try {
+            zerbin::ProjectFile(file, what).WriteText(text);
+            return true;
+        } catch (const zerbin::ProjectFileError& error) {
+            why = error.what();
+            return false;
+        }
+    }
 };
 
 }  // namespace

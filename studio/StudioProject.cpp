@@ -707,41 +707,6 @@ std::string StudioProject::Text() const {
     return out.str();
 }
 
-std::shared_ptr<const pugi::xml_document> StudioProject::ReadFile(const std::filesystem::path& file,
-                                                                  std::string* why) {
-    std::string reason;
-    std::shared_ptr<const pugi::xml_document> document =
-        BlockFactory::ProjectFiles()->IProjectFiles_Read(file.string(), reason);
-    if (document && std::string(document->document_element().name()) != kRoot) {
-        reason = "cannot read project '" + file.string() + "': the root element is not \"Project\"";
-        document.reset();
-    }
-    if (!document && why != nullptr) {
-        *why = reason;
-    }
-    return document;
-}
-
-bool StudioProject::WriteFile(const std::filesystem::path& file, std::string* why) const {
-    pugi::xml_document document;
-    std::string reason;
-    try {
-        Save(document);
-    } catch (const std::exception& refused) {
-        // A value XML cannot carry: the block refused to write it, and the file stays.
-        if (why != nullptr) {
-            *why = "cannot write project '" + file.string() + "': " + refused.what();
-        }
-        return false;
-    }
-    const bool written =
-        BlockFactory::ProjectFiles()->IProjectFiles_Write(file.string(), document, reason);
-    if (!written && why != nullptr) {
-        *why = reason;
-    }
-    return written;
-}
-
 void StudioProject::Load(const pugi::xml_document& document) {
     Clear();
     const pugi::xml_node root = document.document_element();

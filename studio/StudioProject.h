@@ -131,6 +131,16 @@ public:
 
     // The images of every block, one line each: key, user name, type, image, Intel image.
     std::string ImagesText() const;
+    // The images, or the lean form of every block for a simulator or for other tools, written
+    // through the project file service: all of it or, when false comes back with the reason
+    // in *why, nothing.
+    bool ExportImages(const std::filesystem::path& file, std::string* why) const;
+    bool ExportForm(const std::filesystem::path& file, bool simulator, std::string* why) const;
+    // Any other document the studio reads (a dictionary, a device document), read as strictly
+    // as a project; what names it in the reason.
+    static std::shared_ptr<const pugi::xml_document> ReadDocument(const std::filesystem::path& file,
+                                                                  const std::string& what,
+                                                                  std::string* why);
 
     // Told the name of the block the next messages are about, before each step on a block.
     void SetContextHook(std::function<void(const std::string&)> hook) {

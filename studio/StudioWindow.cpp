@@ -1,6 +1,5 @@
 #include "studio/StudioWindow.h"
 
-#include <fstream>
 #include <utility>
 
 #include <QAction>
@@ -33,23 +32,9 @@ namespace zerbin::studio {
 namespace {
 
 constexpr const char* kTitle = "Zerbin Studio";
-constexpr int kRecentFiles = 6;
 
 QString Q(const std::string& text) {
     return QString::fromStdString(text);
-}
-
-std::shared_ptr<const pugi::xml_document> ReadDocument(const QString& file, std::string* error) {
-    auto document = std::make_shared<pugi::xml_document>();
-    const pugi::xml_parse_result result = document->load_file(file.toStdString().c_str());
-    if (!result) {
-        if (error != nullptr) {
-            *error = std::string(result.description()) + " (at byte " +
-                     std::to_string(result.offset) + ")";
-        }
-        return nullptr;
-    }
-    return document;
 }
 
 // A project's file is an XML document; a name given without an extension gets that one.
@@ -59,13 +44,12 @@ QString WithProjectExtension(const QString& name) {
 
 }  // namespace
 
-template <typename Body>
-bool StudioWindow::Step(const std::string& what, Body&& body) {
+bool StudioWindow::Step(const std::string& what, const std::function<void()>& body) {
     if (busy_ == 0) {
         stepName_ = what;
     }
     ++busy_;
-    const bool done = GuardedCall(what, std::forward<Body>(body));
+    const bool done = GuardedCall(what, body);
     --busy_;
     if (busy_ == 0) {
         if (progress_ != nullptr) {
@@ -91,8 +75,9 @@ StudioWindow::StudioWindow(QWidget* parent)
     const std::filesystem::path data = BlockFactory::ShippedDataFolder();
     factory_.UseLibrary(data / "library");
     std::string error;
-    dictionary_ = ReadDocument(Q((data / "snvts.xml").string()), &error);
-    ownerDevice_ = ReadDocument(Q((data / "devices" / "Controller.xml").string()), &error);
+    dictionary_ = StudioProject::ReadDocument(data / "snvts.xml", "dictionary", &error);
+    ownerDevice_ =
+        StudioProject::ReadDocument(data / "devices" / "Controller.xml", "device document", &error);
 
     palette_ = new Palette;
     bytes_ = new BytesDock(this);
@@ -179,8 +164,7 @@ void StudioWindow::MakeProject() {
         view_->setScene(scene_);
         view_->SetZoom(1.0);
     }
-    states_.clear();
-    pending_.clear();
+    recorder_ = new EditRecorder(*project_, *undo_, project_);
     selected_.clear();
 
     connect(scene_, &CanvasScene::wireRequested, this, &StudioWindow::RequestWire);
@@ -196,32 +180,18 @@ void StudioWindow::MakeProject() {
             });
     connect(scene_, &CanvasScene::showRequested, this, &StudioWindow::ShowParameters);
     connect(scene_, &QGraphicsScene::selectionChanged, this, &StudioWindow::OnSelectionChanged);
-    connect(project_, &StudioProject::cleared, this, [this] {
-        states_.clear();
-        pending_.clear();
-        SelectBlock({});
-    });
+    connect(project_, &StudioProject::cleared, this, [this] { SelectBlock({}); });
     connect(project_, &StudioProject::loaded, this, [this] { OnSelectionChanged(); });
     connect(project_, &StudioProject::blockChanged, this, [this](const std::string& key) {
-        RememberState(key);
         if (key == selected_) {
             bytes_->Refresh();
         }
     });
     connect(project_, &StudioProject::blockRemoved, this, [this](const std::string& key) {
-        states_.erase(key);
         if (key == selected_) {
             SelectBlock({});
         }
     });
-    auto wireChanged = [this](const Wire& wire) {
-        RememberState(wire.source);
-        RememberState(wire.target);
-    };
-    connect(project_, &StudioProject::wireAdded, this, wireChanged);
-    connect(project_, &StudioProject::wireRemoved, this, wireChanged);
-    connect(project_, &StudioProject::valuesChangedOutside, this,
-            &StudioWindow::OnValuesChangedOutside);
     connect(project_, &StudioProject::progress, this, &StudioWindow::ShowProgress);
 }
 
@@ -242,156 +212,6 @@ void StudioWindow::ShowProgress(int percent) {
     }
     progress_->setValue(percent);
 }
-
-void StudioWindow::BuildActions() {
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    auto add = [this](QMenu* menu, const QString& name, const QString& text, QKeySequence shortcut,
-                      auto slot) {
-        QAction* action = menu->addAction(text);
-        action->setObjectName(name);
-        action->setShortcut(shortcut);
-        connect(action, &QAction::triggered, this, slot);
-        return action;
-    };
-    const QString projects = tr("Zerbin projects (*.xml);;All files (*)");
-    add(file, "actionNew", tr("&New"), QKeySequence::New, [this] {
-        if (MaybeSave()) {
-            NewProject();
-        }
-    });
-    add(file, "actionOpen", tr("&Open..."), QKeySequence::Open, [this, projects] {
-        if (!MaybeSave()) {
-            return;
-        }
-        const QString name = QFileDialog::getOpenFileName(this, tr("Open project"), {}, projects);
-        if (!name.isEmpty()) {
-            OpenProject(name);
-        }
-    });
-    recentMenu_ = file->addMenu(tr("Open &recent"));
-    FillRecent();
-    add(file, "actionSave", tr("&Save"), QKeySequence::Save, [this] { Save(); });
-    add(file, "actionSaveAs", tr("Save &as..."), QKeySequence::SaveAs, [this, projects] {
-        const QString name =
-            QFileDialog::getSaveFileName(this, tr("Save project"), file_, projects);
-        if (!name.isEmpty()) {
-            SaveProjectAs(name);
-        }
-    });
-    file->addSeparator();
-    add(file, "actionOpenLibrary", tr("Open library &folder..."), QKeySequence(), [this] {
-        const QString folder = QFileDialog::getExistingDirectory(this, tr("Block library"),
-                                                                 Q(factory_.Library().string()));
-        if (!folder.isEmpty()) {
-            OpenLibrary(folder);
-        }
-    });
-    add(file, "actionOpenDictionary", tr("Open &dictionary..."), QKeySequence(), [this] {
-        const QString name = QFileDialog::getOpenFileName(this, tr("SNVT dictionary"), {},
-                                                          tr("XML documents (*.xml)"));
-        if (!name.isEmpty()) {
-            OpenDictionary(name);
-        }
-    });
-    add(file, "actionOpenDevice", tr("Open owner &device document..."), QKeySequence(), [this] {
-        const QString name = QFileDialog::getOpenFileName(this, tr("Owner device document"), {},
-                                                          tr("XML documents (*.xml)"));
-        if (!name.isEmpty()) {
-            OpenOwnerDevice(name);
-        }
-    });
-    file->addSeparator();
-    add(file, "actionExportImages", tr("Export &images..."), QKeySequence(), [this] {
-        const QString name =
-            QFileDialog::getSaveFileName(this, tr("Export images"), {}, tr("Text files (*.txt)"));
-        if (!name.isEmpty()) {
-            ExportImages(name);
-        }
-    });
-    add(file, "actionExportSimulator", tr("Export for the &simulator..."), QKeySequence(), [this] {
-        const QString name = QFileDialog::getSaveFileName(this, tr("Simulator form"), {},
-                                                          tr("XML documents (*.xml)"));
-        if (!name.isEmpty()) {
-            ExportForm(name, true);
-        }
-    });
-    add(file, "actionExportInteroperability", tr("Export for &other tools..."), QKeySequence(),
-        [this] {
-            const QString name = QFileDialog::getSaveFileName(this, tr("Interoperability form"), {},
-                                                              tr("XML documents (*.xml)"));
-            if (!name.isEmpty()) {
-                ExportForm(name, false);
-            }
-        });
-    file->addSeparator();
-    add(file, "actionQuit", tr("&Quit"), QKeySequence::Quit, [this] { close(); });
-
-    QMenu* edit = menuBar()->addMenu(tr("&Edit"));
-    QAction* undo = add(edit, "actionUndo", tr("&Undo"), QKeySequence::Undo,
-                        [this] { Step("undo", [this] { undo_->undo(); }); });
-    QAction* redo = add(edit, "actionRedo", tr("&Redo"), QKeySequence::Redo,
-                        [this] { Step("redo", [this] { undo_->redo(); }); });
-    undo->setEnabled(false);
-    redo->setEnabled(false);
-    connect(undo_, &QUndoStack::canUndoChanged, undo, &QAction::setEnabled);
-    connect(undo_, &QUndoStack::canRedoChanged, redo, &QAction::setEnabled);
-    edit->addSeparator();
-    add(edit, "actionDelete", tr("&Delete"), QKeySequence::Delete, [this] { DeleteSelection(); });
-    add(edit, "actionRename", tr("Re&name"), QKeySequence(Qt::Key_F2), [this] {
-        if (!selected_.empty()) {
-            scene_->StartRename(selected_);
-        }
-    });
-    add(edit, "actionParameters", tr("&Parameters..."), QKeySequence(Qt::ALT | Qt::Key_Return),
-        [this] { ShowParameters(selected_); });
-    add(edit, "actionSelectAll", tr("Select &all"), QKeySequence::SelectAll,
-        [this] { scene_->SelectAll(); });
-
-    QMenu* view = menuBar()->addMenu(tr("&View"));
-    add(view, "actionZoomIn", tr("Zoom &in"), QKeySequence::ZoomIn,
-        [this] { view_->ZoomBy(1.25); });
-    add(view, "actionZoomOut", tr("Zoom &out"), QKeySequence::ZoomOut,
-        [this] { view_->ZoomBy(1 / 1.25); });
-    add(view, "actionZoomFit", tr("Zoom to &fit"), QKeySequence(Qt::CTRL | Qt::Key_0),
-        [this] { view_->ZoomToFit(); });
-    view->addSeparator();
-    for (QDockWidget* dock : findChildren<QDockWidget*>()) {
-        view->addAction(dock->toggleViewAction());
-    }
-
-    QMenu* project = menuBar()->addMenu(tr("&Project"));
-    usUnits_ = project->addAction(tr("&US customary units"));
-    usUnits_->setObjectName("actionUsUnits");
-    usUnits_->setCheckable(true);
-    connect(usUnits_, &QAction::triggered, this,
-            [this](bool on) { ApplySettings(on, project_->Settings().shortFloat); });
-    shortFloat_ = project->addAction(tr("&Short floats"));
-    shortFloat_->setObjectName("actionShortFloat");
-    shortFloat_->setCheckable(true);
-    connect(shortFloat_, &QAction::triggered, this,
-            [this](bool on) { ApplySettings(project_->Settings().usUnits, on); });
-    project->addSeparator();
-    loadToLog_ = project->addAction(tr("Messages while loading go to the &log"));
-    loadToLog_->setObjectName("actionLoadToLog");
-    loadToLog_->setCheckable(true);
-    loadToLog_->setChecked(QSettings().value("loadMessagesToLog", true).toBool());
-    connect(loadToLog_, &QAction::toggled, this, &StudioWindow::SetLoadMessagesToLog);
-
-    QToolBar* tools = addToolBar(tr("Main"));
-    tools->setObjectName("mainToolBar");
-    for (const char* name : {"actionNew", "actionOpen", "actionSave"}) {
-        tools->addAction(findChild<QAction*>(name));
-    }
-    tools->addSeparator();
-    tools->addAction(undo);
-    tools->addAction(redo);
-    tools->addSeparator();
-    for (const char* name : {"actionZoomIn", "actionZoomOut", "actionZoomFit"}) {
-        tools->addAction(findChild<QAction*>(name));
-    }
-}
-
-// ---- Steps --------------------------------------------------------------------------------------
 
 std::string StudioWindow::PlaceBlock(const std::string& type, QPointF scenePos) {
     std::string key;
@@ -475,49 +295,9 @@ void StudioWindow::ShowParameters(const std::string& key) {
     }
     // From now on the block's editors may write; keep its state to undo what they write.
     GuardedCall("show the parameters", [&] {
-        states_[key] = StateOf(*project_, key);
+        recorder_->Watch(key);
         log_->SetBlock(Q(block->IAppObject_UserName()));
         block->IAppObject_Show(BlockFactory::HostWindow(this));
-    });
-}
-
-void StudioWindow::RememberState(const std::string& key) {
-    if (states_.count(key) != 0 && pending_.count(key) == 0 && project_->Block(key)) {
-        states_[key] = StateOf(*project_, key);
-    }
-}
-
-void StudioWindow::OnValuesChangedOutside(const std::string& key) {
-    if (pending_.count(key) != 0) {
-        return;
-    }
-    if (states_.count(key) == 0) {
-        // A block whose editors were never opened here: its state from before is unknown,
-        // so the write can't become a step. Start watching it now.
-        states_[key] = StateOf(*project_, key);
-        return;
-    }
-    pending_[key] = states_[key];
-    // One step for everything that one write sets off, recorded once the write is over.
-    QTimer::singleShot(0, this, [this, key] {
-        const auto found = pending_.find(key);
-        if (found == pending_.end()) {
-            return;
-        }
-        const BlockState before = found->second;
-        pending_.erase(found);
-        if (!project_->Block(key)) {
-            return;
-        }
-        const BlockState after = StateOf(*project_, key);
-        states_[key] = after;
-        if (before.values != after.values || before.wires != after.wires) {
-            GuardedCall("record the edit", [&] {
-                undo_->push(new ValuesCommand(
-                    *project_, key, before, after,
-                    tr("Edit %1").arg(Q(project_->Block(key)->IAppObject_UserName()))));
-            });
-        }
     });
 }
 
@@ -563,7 +343,7 @@ bool StudioWindow::OpenProject(const QString& file) {
     file_ = file;
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
-    AddRecent(file);
+    recent_->Add(file);
     undo_->clear();
     UpdateTitle();
     view_->ZoomToFit();
@@ -591,7 +371,7 @@ bool StudioWindow::SaveProjectAs(const QString& name) {
     }
     file_ = file;
     undo_->setClean();
-    AddRecent(file);
+    recent_->Add(file);
     UpdateTitle();
     return true;
 }
@@ -626,29 +406,18 @@ bool StudioWindow::Save() {
 }
 
 bool StudioWindow::ExportImages(const QString& file) {
-    std::ofstream out(file.toStdString(), std::ios::binary);
-    out << project_->ImagesText();
-    out.close();
-    if (!out) {
-        ShowMessage("Cannot write '" + file.toStdString() + "'.", kTitle, MessageIcon::Critical);
+    std::string why;
+    if (!project_->ExportImages(file.toStdString(), &why)) {
+        ShowMessage(why, kTitle, MessageIcon::Critical);
         return false;
     }
     return true;
 }
 
 bool StudioWindow::ExportForm(const QString& file, bool simulator) {
-    pugi::xml_document document;
-    pugi::xml_node root = document.append_child("Project");
-    for (const std::string& key : project_->BlockKeys()) {
-        IAppObject& block = *project_->Block(key);
-        if (simulator) {
-            block.IAppObject_XMLSaveSim(root, document);
-        } else {
-            block.IAppObject_XMLSaveForInteroperability(root, document);
-        }
-    }
-    if (!document.save_file(file.toStdString().c_str(), "  ")) {
-        ShowMessage("Cannot write '" + file.toStdString() + "'.", kTitle, MessageIcon::Critical);
+    std::string why;
+    if (!project_->ExportForm(file.toStdString(), simulator, &why)) {
+        ShowMessage(why, kTitle, MessageIcon::Critical);
         return false;
     }
     return true;
@@ -667,11 +436,11 @@ bool StudioWindow::OpenLibrary(const QString& folder) {
 }
 
 bool StudioWindow::OpenDictionary(const QString& file) {
-    std::string error;
-    std::shared_ptr<const pugi::xml_document> document = ReadDocument(file, &error);
+    std::string why;
+    std::shared_ptr<const pugi::xml_document> document =
+        StudioProject::ReadDocument(file.toStdString(), "dictionary", &why);
     if (!document) {
-        ShowMessage("Cannot read the dictionary '" + file.toStdString() + "': " + error, kTitle,
-                    MessageIcon::Critical);
+        ShowMessage(why, kTitle, MessageIcon::Critical);
         return false;
     }
     if (!MaybeSave()) {
@@ -683,11 +452,11 @@ bool StudioWindow::OpenDictionary(const QString& file) {
 }
 
 bool StudioWindow::OpenOwnerDevice(const QString& file) {
-    std::string error;
-    std::shared_ptr<const pugi::xml_document> document = ReadDocument(file, &error);
+    std::string why;
+    std::shared_ptr<const pugi::xml_document> document =
+        StudioProject::ReadDocument(file.toStdString(), "device document", &why);
     if (!document) {
-        ShowMessage("Cannot read the owner device document '" + file.toStdString() + "': " + error,
-                    kTitle, MessageIcon::Critical);
+        ShowMessage(why, kTitle, MessageIcon::Critical);
         return false;
     }
     if (!MaybeSave()) {
@@ -746,32 +515,6 @@ void StudioWindow::UpdateTitle() {
     const QString name = file_.isEmpty() ? tr("untitled") : QFileInfo(file_).fileName();
     setWindowTitle(QString("%1[*] — %2").arg(name, kTitle));
     setWindowModified(!undo_->isClean());
-}
-
-void StudioWindow::AddRecent(const QString& file) {
-    QSettings settings;
-    QStringList files = settings.value("recentFiles").toStringList();
-    const QString path = QFileInfo(file).absoluteFilePath();
-    files.removeAll(path);
-    files.prepend(path);
-    while (files.size() > kRecentFiles) {
-        files.removeLast();
-    }
-    settings.setValue("recentFiles", files);
-    FillRecent();
-}
-
-void StudioWindow::FillRecent() {
-    recentMenu_->clear();
-    const QStringList files = QSettings().value("recentFiles").toStringList();
-    for (const QString& file : files) {
-        recentMenu_->addAction(file, this, [this, file] {
-            if (MaybeSave()) {
-                OpenProject(file);
-            }
-        });
-    }
-    recentMenu_->setEnabled(!files.isEmpty());
 }
 
 void StudioWindow::ApplySettings(bool usUnits, bool shortFloat) {

@@ -14,7 +14,9 @@
 #include <pugixml.hpp>
 
 #include "studio/BlockFactory.h"
+#include "studio/EditRecorder.h"
 #include "studio/MessageLog.h"
+#include "studio/RecentFiles.h"
 #include "studio/StudioProject.h"
 #include "studio/UndoCommands.h"
 
@@ -86,20 +88,15 @@ private:
     void BuildActions();
     void MakeProject();
     void OnSelectionChanged();
-    void OnValuesChangedOutside(const std::string& key);
-    void RememberState(const std::string& key);
     void UpdateTitle();
     // Shows how far a long step has got, once it has run a moment.
     void ShowProgress(int percent);
     void ShowLibrary();
-    void AddRecent(const QString& file);
-    void FillRecent();
     bool Save();
     bool OfferSaveAs(const std::string& why);
     void ApplySettings(bool usUnits, bool shortFloat);
     // Runs one step of the user's on the project, guarded; input waits until it is over.
-    template <typename Body>
-    bool Step(const std::string& what, Body&& body);
+    bool Step(const std::string& what, const std::function<void()>& body);
 
     BlockFactory factory_;
     std::shared_ptr<MessageLog> log_;
@@ -113,7 +110,7 @@ private:
     BytesDock* bytes_ = nullptr;
     ParametersDock* parameters_ = nullptr;
     MessageLogDock* logDock_ = nullptr;
-    QMenu* recentMenu_ = nullptr;
+    std::unique_ptr<RecentFiles> recent_;
     QAction* usUnits_ = nullptr;
     QAction* shortFloat_ = nullptr;
     QAction* loadToLog_ = nullptr;
@@ -122,8 +119,7 @@ private:
     std::string selected_;
     // Each block's values and wires as the last step left them, so that a write made in an
     // editor becomes an undoable step with its state from before.
-    std::map<std::string, BlockState> states_;
-    std::map<std::string, BlockState> pending_;
+    EditRecorder* recorder_ = nullptr;  // goes with the project
     int busy_ = 0;
     std::string stepName_;
     QProgressDialog* progress_ = nullptr;
