@@ -53,6 +53,41 @@ int StyleOf(const Message& message) {
 
 // The host's handler behind the component's message port. The answer numbers are the same on
 // both sides.
+// The message a style describes: what a host asks the component to show.
+Message MessageOfStyle(const char* text, const char* caption, int style) {
+    Message message{text, caption, MessageIcon::None, MessageButtons::Ok};
+    switch (style & ZERBIN_MB_BUTTONS) {
+        case ZERBIN_MB_OKCANCEL:
+            message.buttons = MessageButtons::OkCancel;
+            break;
+        case ZERBIN_MB_YESNO:
+            message.buttons = MessageButtons::YesNo;
+            break;
+        case ZERBIN_MB_YESNOCANCEL:
+            message.buttons = MessageButtons::YesNoCancel;
+            break;
+        default:
+            break;
+    }
+    switch (style & ZERBIN_MB_ICONS) {
+        case ZERBIN_MB_ICONCRITICAL:
+            message.icon = MessageIcon::Critical;
+            break;
+        case ZERBIN_MB_ICONQUESTION:
+            message.icon = MessageIcon::Question;
+            break;
+        case ZERBIN_MB_ICONEXCLAMATION:
+            message.icon = MessageIcon::Exclamation;
+            break;
+        case ZERBIN_MB_ICONINFORMATION:
+            message.icon = MessageIcon::Information;
+            break;
+        default:
+            break;
+    }
+    return message;
+}
+
 class HostMessageSink : public MessageSink {
 public:
     HostMessageSink(ZerbinMessageHandler handler, void* context)
@@ -132,6 +167,31 @@ ZERBIN_PLUGIN_API int ZerbinSetMessageHandler(ZerbinMessageHandler handler, void
             handler != nullptr ? std::make_shared<HostMessageSink>(handler, context) : nullptr;
         Apply();
     });
+}
+
+ZERBIN_PLUGIN_API int ZerbinShowMessageBox(const char* text, const char* caption, int style) {
+    if (text == nullptr || caption == nullptr) {
+        return ZERBIN_E_INVALID_ARGUMENT;
+    }
+    try {
+        UseQtWhenTheHostDoes();
+        const zerbin::Message message = MessageOfStyle(text, caption, style);
+#ifdef ZERBIN_PLUGIN_WITH_EDITORS
+        if (Settings().qt) {
+            return zerbin::ShowMessageBox(message);
+        }
+#endif
+        // The component's own headless box, not the host's handler: the host is the caller.
+        const std::shared_ptr<zerbin::MessageSink> host = zerbin::CurrentMessageSink();
+        zerbin::SetMessageSink(nullptr);
+        const int answer = zerbin::CurrentMessageSink()->Show(message);
+        zerbin::SetMessageSink(host);
+        return answer;
+    } catch (const std::bad_alloc&) {
+        return ZERBIN_E_OUT_OF_MEMORY;
+    } catch (...) {
+        return ZERBIN_E_UNEXPECTED;
+    }
 }
 
 ZERBIN_PLUGIN_API int ZerbinSetEventPump(ZerbinEventPump pump, void* context) {

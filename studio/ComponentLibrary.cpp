@@ -79,6 +79,7 @@ bool TryLoad(const fs::path& file, std::string* why) {
         !Find(handle, "ZerbinGetProjectFiles", entry.getProjectFiles, why) ||
         !Find(handle, "ZerbinSetBlockLibrary", entry.setBlockLibrary, why) ||
         !Find(handle, "ZerbinSetMessageHandler", entry.setMessageHandler, why) ||
+        !Find(handle, "ZerbinShowMessageBox", entry.showMessageBox, why) ||
         !Find(handle, "ZerbinSetEventPump", entry.setEventPump, why) ||
         !Find(handle, "ZerbinSetUnitSystem", entry.setUnitSystem, why)) {
         dlclose(handle);

@@ -16,6 +16,7 @@ struct ComponentEntryPoints {
     ZerbinGetProjectFilesFn getProjectFiles = nullptr;
     ZerbinSetBlockLibraryFn setBlockLibrary = nullptr;
     ZerbinSetMessageHandlerFn setMessageHandler = nullptr;
+    ZerbinShowMessageBoxFn showMessageBox = nullptr;
     ZerbinSetEventPumpFn setEventPump = nullptr;
     ZerbinSetUnitSystemFn setUnitSystem = nullptr;
 };

@@ -1,8 +1,8 @@
 #include "studio/MessageLog.h"
 
-#include <QApplication>
+#include "studio/ComponentLibrary.h"
+
 #include <QHeaderView>
-#include <QMessageBox>
 #include <QTableWidget>
 
 namespace zerbin::studio {
@@ -22,29 +22,13 @@ int MessageLog::Show(const Message& message) {
 }
 
 int MessageLog::ShowBox(const Message& message) {
-    static const QMessageBox::Icon icons[] = {QMessageBox::NoIcon, QMessageBox::Critical,
-                                              QMessageBox::Question, QMessageBox::Warning,
-                                              QMessageBox::Information};
-    static const QMessageBox::StandardButtons buttons[] = {
-        QMessageBox::Ok, QMessageBox::Ok | QMessageBox::Cancel, QMessageBox::Yes | QMessageBox::No,
-        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel};
-    QWidget* parent = QApplication::activeModalWidget() != nullptr
-                          ? QApplication::activeModalWidget()
-                          : QApplication::activeWindow();
-    // The component breaks its lines the Windows way.
-    QMessageBox box(icons[static_cast<int>(message.icon)], QString::fromStdString(message.title),
-                    QString::fromStdString(message.text).replace("\r\n", "\n"),
-                    buttons[static_cast<int>(message.buttons)], parent);
-    switch (box.exec()) {
-        case QMessageBox::Cancel:
-            return kMessageCancel;
-        case QMessageBox::Yes:
-            return kMessageYes;
-        case QMessageBox::No:
-            return kMessageNo;
-        default:
-            return kMessageOk;
+    // The component's own box, so that the studio's and the blocks' look and answer alike.
+    if (!ComponentLibrary::Loaded()) {
+        return kMessageOk;
     }
+    const int answer = ComponentLibrary::Entry().showMessageBox(
+        message.text.c_str(), message.title.c_str(), StyleOf(message));
+    return answer > 0 ? answer : kMessageOk;
 }
 
 MessageLogDock::MessageLogDock(QWidget* parent)

@@ -41,7 +41,7 @@ public:
     const std::vector<LoggedMessage>& Messages() const { return messages_; }
     void Clear() { messages_.clear(); }
 
-    // A QMessageBox with the message's title, icon and buttons.
+    // The component's own box with the message's title, icon and buttons.
     static int ShowBox(const Message& message);
 
 private:

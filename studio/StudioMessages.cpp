@@ -15,6 +15,14 @@ std::shared_ptr<MessageSink>& Installed() {
 
 }  // namespace
 
+int StyleOf(const Message& message) {
+    static constexpr int kButtons[] = {ZERBIN_MB_OK, ZERBIN_MB_OKCANCEL, ZERBIN_MB_YESNO,
+                                       ZERBIN_MB_YESNOCANCEL};
+    static constexpr int kIcons[] = {0, ZERBIN_MB_ICONCRITICAL, ZERBIN_MB_ICONQUESTION,
+                                     ZERBIN_MB_ICONEXCLAMATION, ZERBIN_MB_ICONINFORMATION};
+    return kButtons[static_cast<int>(message.buttons)] | kIcons[static_cast<int>(message.icon)];
+}
+
 Message MessageFromStyle(const char* text, const char* caption, int style) {
     Message message{text != nullptr ? text : "", caption != nullptr ? caption : "",
                     MessageIcon::None, MessageButtons::Ok};

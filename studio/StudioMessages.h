@@ -26,6 +26,8 @@ struct Message {
 
 // A box as the component describes it: a ZERBIN_MB_ style of buttons and icon.
 Message MessageFromStyle(const char* text, const char* caption, int style);
+// The ZERBIN_MB_ style of a box's buttons and icon.
+int StyleOf(const Message& message);
 
 class MessageSink {
 public:

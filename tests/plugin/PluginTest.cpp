@@ -110,8 +110,8 @@ TEST_F(PluginTest, ShowsTheEntryPointsAndHidesTheCore) {
     for (const char* name :
          {"ZerbinRegisterServer", "ZerbinUnregisterServer", "ZerbinGetClassObject",
           "ZerbinCanUnloadNow", "ZerbinReleaseObject", "ZerbinGetProjectFiles",
-          "ZerbinSetBlockLibrary", "ZerbinSetMessageHandler", "ZerbinSetEventPump",
-          "ZerbinSetUnitSystem"}) {
+          "ZerbinSetBlockLibrary", "ZerbinSetMessageHandler", "ZerbinShowMessageBox",
+          "ZerbinSetEventPump", "ZerbinSetUnitSystem"}) {
         EXPECT_NE(dlsym(plugin_.Handle(), name), nullptr) << name;
     }
     // CDBAppObject's constructor and a core helper stay inside.
@@ -265,6 +265,14 @@ TEST_F(PluginTest, MessageBoxesGoToTheHostsHandlerUntilItLetsGo) {
     EXPECT_NE(shown.front().text.find("NO_SUCH_TYPE"), std::string::npos) << shown.front().text;
     EXPECT_FALSE(shown.front().caption.empty());
     EXPECT_EQ(shown.front().style & ~(ZERBIN_MB_BUTTONS | ZERBIN_MB_ICONS), 0);
+    // The host asks for the component's own box: it is shown as such, never sent back to the
+    // host's handler, and answered as a headless component answers.
+    const auto showBox = plugin_.Get<ZerbinShowMessageBoxFn>("ZerbinShowMessageBox");
+    const std::size_t handled = shown.size();
+    EXPECT_EQ(showBox("Save?", "Host", ZERBIN_MB_YESNO | ZERBIN_MB_ICONQUESTION), ZERBIN_ID_YES);
+    EXPECT_EQ(showBox("Done", "Host", ZERBIN_MB_OK), ZERBIN_ID_OK);
+    EXPECT_EQ(showBox(nullptr, "Host", ZERBIN_MB_OK), ZERBIN_E_INVALID_ARGUMENT);
+    EXPECT_EQ(shown.size(), handled);
 
     ASSERT_EQ(setHandler(nullptr, nullptr), ZERBIN_OK);
     const std::size_t before = shown.size();

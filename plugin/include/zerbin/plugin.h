@@ -116,6 +116,13 @@ typedef int (*ZerbinMessageHandler)(void* context, const char* text, const char*
  * text on stderr, answered OK or Yes). ZERBIN_OK. */
 ZERBIN_PLUGIN_API int ZerbinSetMessageHandler(ZerbinMessageHandler handler, void* context);
 
+/* Shows a message box as the component shows its own, whatever handler is set: a Qt box in a
+ * Qt host, else the text on stderr answered OK (Yes for a question). For a host whose own boxes
+ * should look and answer as the component's. Text and caption are UTF-8; style is a
+ * ZERBIN_MB_ button set plus icon. Returns the answer (ZERBIN_ID_...), or
+ * ZERBIN_E_INVALID_ARGUMENT for a NULL text or caption. */
+ZERBIN_PLUGIN_API int ZerbinShowMessageBox(const char* text, const char* caption, int style);
+
 /* Lets the host's queued user-interface events run, then returns. */
 typedef void (*ZerbinEventPump)(void* context);
 
@@ -141,6 +148,7 @@ typedef void (*ZerbinReleaseObjectFn)(ZerbinObject*);
 typedef int (*ZerbinGetProjectFilesFn)(ZerbinObject**);
 typedef int (*ZerbinSetBlockLibraryFn)(const char*);
 typedef int (*ZerbinSetMessageHandlerFn)(ZerbinMessageHandler, void*);
+typedef int (*ZerbinShowMessageBoxFn)(const char*, const char*, int);
 typedef int (*ZerbinSetEventPumpFn)(ZerbinEventPump, void*);
 typedef int (*ZerbinSetUnitSystemFn)(int);
 
