@@ -5,11 +5,13 @@
 
 #include <QDragEnterEvent>
 #include <QGraphicsProxyWidget>
+#include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPainter>
+#include <QPainterPathStroker>
 #include <QScrollBar>
 #include <QStyleOptionGraphicsItem>
 #include <QWheelEvent>
@@ -47,22 +49,56 @@ protected:
 
 WireItem::WireItem(Wire wire) : wire_(std::move(wire)) {
     setFlag(ItemIsSelectable);
+    setAcceptHoverEvents(true);
     setZValue(-1);
-    setPen(QPen(QColor(0x55, 0x60, 0x6b), 2));
-    setToolTip(QString::fromStdString(wire_.source + "." + wire_.output + " → " + wire_.target +
-                                      "." + wire_.input));
 }
 
 void WireItem::Route(QPointF from, QPointF to) {
-    setPath(WirePath(from, to));
+    if (from != from_ || to != to_) {
+        prepareGeometryChange();
+        from_ = from;
+        to_ = to;
+    }
 }
 
-QVariant WireItem::itemChange(GraphicsItemChange change, const QVariant& value) {
-    if (change == ItemSelectedHasChanged) {
-        setPen(QPen(value.toBool() ? QColor(0xff, 0xb0, 0x20) : QColor(0x55, 0x60, 0x6b),
-                    value.toBool() ? 3 : 2));
+QRectF WireItem::boundingRect() const {
+    // The curve stays within its end and control points; the margin holds the selected pen.
+    const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
+    const qreal left = std::min(from_.x(), to_.x() - bend);
+    const qreal right = std::max(from_.x() + bend, to_.x());
+    return QRectF(QPointF(left, std::min(from_.y(), to_.y())),
+                  QPointF(right, std::max(from_.y(), to_.y())))
+        .adjusted(-2, -2, 2, 2);
+}
+
+QPainterPath WireItem::shape() const {
+    QPainterPathStroker stroker;
+    stroker.setWidth(2);
+    return stroker.createStroke(WirePath(from_, to_));
+}
+
+void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
+    static const QPen plain(QColor(0x55, 0x60, 0x6b), 2);
+    static const QPen selected(QColor(0xff, 0xb0, 0x20), 3);
+    const bool chosen = option->state & QStyle::State_Selected;
+    // Far out a wire is thinner than a pixel: a hairline draws the same at a fraction of the
+    // cost of a stroked curve, and a whole large project may be in view.
+    if (!chosen &&
+        option->levelOfDetailFromTransform(painter->worldTransform()) < BlockItem::kDetailZoom) {
+        painter->setPen(QPen(plain.color(), 0));
+    } else {
+        painter->setPen(chosen ? selected : plain);
     }
-    return QGraphicsPathItem::itemChange(change, value);
+    painter->setBrush(Qt::NoBrush);
+    painter->drawPath(WirePath(from_, to_));
+}
+
+void WireItem::hoverEnterEvent(QGraphicsSceneHoverEvent* event) {
+    if (toolTip().isEmpty()) {
+        setToolTip(QString::fromStdString(wire_.source + "." + wire_.output + " → " + wire_.target +
+                                          "." + wire_.input));
+    }
+    QGraphicsItem::hoverEnterEvent(event);
 }
 
 CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
@@ -406,6 +442,9 @@ CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scen
     setRenderHint(QPainter::Antialiasing);
     setTransformationAnchor(AnchorUnderMouse);
     setViewportUpdateMode(SmartViewportUpdate);
+    // Every item sets the pen, brush and font it draws with: saving and restoring the painter
+    // around each of a hundred thousand items would cost more than drawing them.
+    setOptimizationFlag(DontSavePainterState);
 }
 
 void CanvasView::ZoomBy(qreal factor) {

@@ -31,7 +31,10 @@ struct TerminalRef {
     QPointF pos;  // its centre in the scene
 };
 
-class WireItem : public QGraphicsPathItem {
+// A wire between two terminals. It keeps only its ends: a large project has tens of thousands
+// of wires, and a stored path with its pen would cost each of them kilobytes once painted. The
+// tip is set only once the mouse is over the wire.
+class WireItem : public QGraphicsItem {
 public:
     enum { Type = UserType + 3 };
     explicit WireItem(Wire wire);
@@ -39,11 +42,17 @@ public:
     const Wire& Connection() const { return wire_; }
     void Route(QPointF from, QPointF to);
 
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
 protected:
-    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
+    void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
 
 private:
     Wire wire_;
+    QPointF from_;
+    QPointF to_;
 };
 
 class CanvasScene : public QGraphicsScene {
