@@ -132,6 +132,7 @@ void BlockItem::Refresh() {
     refreshing_ = false;
     update();
     if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+        canvas->Grow(sceneBoundingRect());
         canvas->RouteWiresOf(key_);
     }
 }
@@ -249,6 +250,7 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
 QVariant BlockItem::itemChange(GraphicsItemChange change, const QVariant& value) {
     if (change == ItemPositionHasChanged && !refreshing_) {
         if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+            canvas->Grow(sceneBoundingRect());
             canvas->RouteWiresOf(key_);
         }
     }

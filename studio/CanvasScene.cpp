@@ -145,12 +145,41 @@ void CanvasScene::Follow(bool on) {
 }
 
 void CanvasScene::AddAll() {
+    adding_ = true;
     for (const std::string& key : project_.BlockKeys()) {
         AddBlock(key);
     }
     for (const Wire& wire : project_.Wires()) {
         AddWire(wire);
     }
+    adding_ = false;
+    if (!bounds_.isNull()) {
+        setSceneRect(bounds_);
+    }
+}
+
+void CanvasScene::Grow(const QRectF& sceneArea) {
+    // Like Qt's own bounds, these only grow while the project is open.
+    const QRectF grown = bounds_.isNull() ? sceneArea : bounds_ | sceneArea;
+    if (grown != bounds_) {
+        bounds_ = grown;
+        if (!adding_) {
+            setSceneRect(bounds_);
+        }
+    }
+}
+
+QRectF CanvasScene::ItemsBounds() const {
+    QRectF bounds;
+    for (const auto& [key, item] : blocks_) {
+        bounds |= item->sceneBoundingRect();
+    }
+    for (const auto& [wire, item] : wires_) {
+        if (item->isVisible()) {
+            bounds |= item->sceneBoundingRect();
+        }
+    }
+    return bounds;
 }
 
 void CanvasScene::FitIndex() {
@@ -243,6 +272,7 @@ void CanvasScene::AddBlock(const std::string& key) {
     auto* item = new BlockItem(key, block, look);
     blocks_[key] = item;
     addItem(item);
+    Grow(item->sceneBoundingRect());
 }
 
 void CanvasScene::RemoveBlock(const std::string& key) {
@@ -261,6 +291,8 @@ void CanvasScene::RemoveAll() {
     wires_.clear();
     wiresAt_.clear();
     clear();
+    bounds_ = QRectF();
+    setSceneRect(QRectF());
 }
 
 void CanvasScene::AddWire(const Wire& wire) {
@@ -289,13 +321,14 @@ void CanvasScene::RemoveWire(const Wire& wire) {
     }
 }
 
-void CanvasScene::Route(WireItem* item) const {
+void CanvasScene::Route(WireItem* item) {
     const Wire& wire = item->Connection();
     const std::optional<QPointF> from = TerminalPos(wire.source, wire.output, true);
     const std::optional<QPointF> to = TerminalPos(wire.target, wire.input, false);
     item->setVisible(from && to);
     if (from && to) {
         item->Route(*from, *to);
+        Grow(item->sceneBoundingRect());
     }
 }
 
@@ -457,7 +490,8 @@ void CanvasView::SetZoom(qreal zoom) {
 }
 
 void CanvasView::ZoomToFit(qreal maxZoom) {
-    const QRectF bounds = scene()->itemsBoundingRect().adjusted(-40, -40, 40, 40);
+    const QRectF bounds =
+        static_cast<CanvasScene*>(scene())->ItemsBounds().adjusted(-40, -40, 40, 40);
     if (!bounds.isEmpty()) {
         fitInView(bounds, Qt::KeepAspectRatio);
         if (Zoom() > maxZoom) {

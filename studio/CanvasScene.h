@@ -82,6 +82,11 @@ public:
     // Sizes the scene's index to where the blocks stand: its cells no smaller than a block, so
     // that memory does not depend on how close the blocks stand.
     void FitIndex();
+    // Widens the scene to take in an item's place: the scene keeps its own bounds, since Qt
+    // would find them by sorting every item of the scene.
+    void Grow(const QRectF& sceneArea);
+    // What the blocks and wires cover now, however wide the scene has grown.
+    QRectF ItemsBounds() const;
 
 signals:
     void wireRequested(const Wire& wire);
@@ -103,7 +108,7 @@ private:
     void RemoveAll();
     void AddAll();
     void SizeIndex(QRectF area, std::size_t items);
-    void Route(WireItem* item) const;
+    void Route(WireItem* item);
     std::optional<TerminalRef> TerminalAt(QPointF scenePos) const;
     void FinishRename(bool accept);
 
@@ -119,6 +124,9 @@ private:
     QGraphicsProxyWidget* renameEditor_ = nullptr;
     std::string renaming_;
     bool following_ = true;
+    // Set while the items are made in one pass, which tells the scene its bounds once.
+    bool adding_ = false;
+    QRectF bounds_;
 };
 
 class CanvasView : public QGraphicsView {
