@@ -1,6 +1,7 @@
 #include "studio/CanvasScene.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <QDragEnterEvent>
@@ -81,14 +82,27 @@ void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, 
     static const QPen plain(QColor(0x55, 0x60, 0x6b), 2);
     static const QPen selected(QColor(0xff, 0xb0, 0x20), 3);
     const bool chosen = option->state & QStyle::State_Selected;
-    // Far out a wire is thinner than a pixel: a hairline draws the same at a fraction of the
-    // cost of a stroked curve, and a whole large project may be in view.
+    // Far out a wire is thinner than a pixel: a hairline along a few straight pieces of the
+    // curve draws the same at a fraction of the cost of a stroked path, and a whole large
+    // project may be in view.
     if (!chosen &&
         option->levelOfDetailFromTransform(painter->worldTransform()) < BlockItem::kDetailZoom) {
+        constexpr int kPieces = 8;
+        const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
+        const QPointF c1 = from_ + QPointF(bend, 0);
+        const QPointF c2 = to_ - QPointF(bend, 0);
+        std::array<QPointF, kPieces + 1> points;
+        for (int i = 0; i <= kPieces; ++i) {
+            const qreal t = static_cast<qreal>(i) / kPieces;
+            const qreal u = 1 - t;
+            points[static_cast<std::size_t>(i)] =
+                u * u * u * from_ + 3 * u * u * t * c1 + 3 * u * t * t * c2 + t * t * t * to_;
+        }
         painter->setPen(QPen(plain.color(), 0));
-    } else {
-        painter->setPen(chosen ? selected : plain);
+        painter->drawPolyline(points.data(), static_cast<int>(points.size()));
+        return;
     }
+    painter->setPen(chosen ? selected : plain);
     painter->setBrush(Qt::NoBrush);
     painter->drawPath(WirePath(from_, to_));
 }

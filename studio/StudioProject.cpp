@@ -59,6 +59,12 @@ std::string OutputType(const std::shared_ptr<IOutput>& output) {
     return type ? type->ICompatibleSNVT_ID() : std::string();
 }
 
+bool Fits(const std::shared_ptr<IOutput>& output, const std::shared_ptr<IInput>& input) {
+    const std::string type = OutputType(output);
+    const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
+    return !type.empty() && accepted && accepted->ICompatibleSNVTs_Exists(type);
+}
+
 std::string BlockLabel(const std::shared_ptr<IAppObject>& block) {
     const std::string name = block->IAppObject_UserName();
     return name.empty() ? block->IAppObject_UniqueIDString() : name;
@@ -511,12 +517,7 @@ bool StudioProject::WriteValue(const std::string& key, const std::string& name,
 bool StudioProject::TypesFit(const Wire& wire) const {
     const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
     const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
-    if (!output || !input) {
-        return false;
-    }
-    const std::string type = OutputType(output);
-    const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
-    return !type.empty() && accepted && accepted->ICompatibleSNVTs_Exists(type);
+    return output && input && Fits(output, input);
 }
 
 std::string StudioProject::WhyNotConnect(const Wire& wire) const {
@@ -527,18 +528,21 @@ std::string StudioProject::WhyNotConnect(const Wire& wire) const {
     if (!output || !input) {
         return "The wire's ends are not in the project.";
     }
-    const std::string where = "output " + wire.output + " of " + BlockLabel(source) + " to input " +
-                              wire.input + " of " + BlockLabel(target);
+    // Named only for a refusal: a project read from a file makes tens of thousands of wires.
+    const auto where = [&] {
+        return "output " + wire.output + " of " + BlockLabel(source) + " to input " + wire.input +
+               " of " + BlockLabel(target);
+    };
     for (const Wire& other : WiresOf(wire.target)) {
         if (other.target == wire.target && other.input == wire.input) {
-            return "Cannot connect " + where + ": the input is already connected.";
+            return "Cannot connect " + where() + ": the input is already connected.";
         }
     }
-    if (!TypesFit(wire)) {
+    if (!Fits(output, input)) {
         const std::string type = OutputType(output);
         const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
         const std::string list = accepted ? accepted->ICompatibleSNVTs_ToString() : std::string();
-        return "Cannot connect " + where + ": the output's type " +
+        return "Cannot connect " + where() + ": the output's type " +
                (type.empty() ? std::string("(none)") : type) + " is not one the input accepts (" +
                list + ").";
     }
