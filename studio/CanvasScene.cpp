@@ -160,6 +160,8 @@ void CanvasScene::Follow(bool on) {
 
 void CanvasScene::AddAll() {
     adding_ = true;
+    blocks_.reserve(project_.BlockKeys().size());
+    wires_.reserve(project_.Wires().size());
     for (const std::string& key : project_.BlockKeys()) {
         AddBlock(key);
     }

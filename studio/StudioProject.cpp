@@ -520,11 +520,19 @@ bool StudioProject::TypesFit(const Wire& wire) const {
     return output && input && Fits(output, input);
 }
 
+StudioProject::Ends StudioProject::EndsOf(const Wire& wire) const {
+    Ends ends{Block(wire.source), Block(wire.target), nullptr, nullptr};
+    ends.output = OutputOf(ends.source, wire.output);
+    ends.input = InputOf(ends.target, wire.input);
+    return ends;
+}
+
 std::string StudioProject::WhyNotConnect(const Wire& wire) const {
-    const std::shared_ptr<IAppObject> source = Block(wire.source);
-    const std::shared_ptr<IAppObject> target = Block(wire.target);
-    const std::shared_ptr<IOutput> output = OutputOf(source, wire.output);
-    const std::shared_ptr<IInput> input = InputOf(target, wire.input);
+    return WhyNot(wire, EndsOf(wire));
+}
+
+std::string StudioProject::WhyNot(const Wire& wire, const Ends& ends) const {
+    const auto& [source, target, output, input] = ends;
     if (!output || !input) {
         return "The wire's ends are not in the project.";
     }
@@ -550,13 +558,14 @@ std::string StudioProject::WhyNotConnect(const Wire& wire) const {
 }
 
 bool StudioProject::Connect(const Wire& wire) {
-    const std::string why = WhyNotConnect(wire);
+    const Ends ends = EndsOf(wire);
+    const std::string why = WhyNot(wire, ends);
     if (!why.empty()) {
         ShowMessage(why, kTitle, MessageIcon::Exclamation);
         return false;
     }
-    const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
-    const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
+    const std::shared_ptr<IOutput>& output = ends.output;
+    const std::shared_ptr<IInput>& input = ends.input;
     const auto item = std::dynamic_pointer_cast<IDisplayItem>(output);
     std::string reference = item ? item->IDisplayItem_Reference() : std::string("0000");
     // An extended input takes three bytes; an output's code fills two of them.
@@ -756,6 +765,9 @@ void StudioProject::Load(const pugi::xml_document& document) {
     std::vector<std::pair<std::string, pugi::xml_node>> restored;
     const auto elements =
         static_cast<std::size_t>(std::distance(root.children().begin(), root.children().end()));
+    // Grown one block at a time, the tables would be built again at every doubling.
+    blocks_.reserve(elements);
+    order_.reserve(elements);
     std::size_t done = 0;
     for (pugi::xml_node element : root.children()) {
         Progress(++done, 2 * elements);
