@@ -374,21 +374,21 @@ bool CDBAppObject::IAppObject_IsDeviceDependent() {
 
 void CDBAppObject::IAppObject_CallBack(std::shared_ptr<IcbkAppObject> CallBack) {
     SkipStep([&] { callbackList_.Add(CallBack); });
-    // Each member keeps its own list; members made later never hear of this listener.
+    // Each member keeps its own list; members made later never hear of this listener. The
+    // members still the type's hear of it when the block first reaches them.
     if (attributes_) {
-        for (const auto& attribute : attributes_->Members()) {
-            SkipStep([&] { Need(attribute).IAttribute_CallBack(CallBack); });
-        }
+        attributes_->GiveToAll([CallBack](CDBAttribute& attribute) {
+            SkipStep([&] { attribute.IAttribute_CallBack(CallBack); });
+        });
     }
     if (inputs_) {
-        for (const auto& input : inputs_->Members()) {
-            SkipStep([&] { Need(input).IInput_CallBack(CallBack); });
-        }
+        inputs_->GiveToAll(
+            [CallBack](CDBInput& input) { SkipStep([&] { input.IInput_CallBack(CallBack); }); });
     }
     if (outputs_) {
-        for (const auto& output : outputs_->Members()) {
-            SkipStep([&] { Need(output).IOutput_CallBack(CallBack); });
-        }
+        outputs_->GiveToAll([CallBack](CDBOutput& output) {
+            SkipStep([&] { output.IOutput_CallBack(CallBack); });
+        });
     }
 }
 

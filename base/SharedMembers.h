@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -34,6 +35,7 @@ public:
         }
         count_ = count;
         owner_ = count > 0 ? std::move(owner) : nullptr;
+        later_.clear();
     }
 
     // False for a member added after ShareAll: the block's own from the start.
@@ -68,11 +70,22 @@ public:
         ForEachOwn(items, [&](T& member) { member.SetExtendedKey(under); });
     }
 
+    // Calls act(member) for every member the block has reached now, and for each of the
+    // others when the block reaches it: what is given to all of a block's members (a listener)
+    // must not make each of them the block's own.
+    void GiveToAll(const KeyedCollection<T>& items, std::function<void(T&)> act) {
+        ForEachOwn(items, act);
+        if (count_ > 0) {
+            later_.push_back(std::move(act));
+        }
+    }
+
     // The block is going: the members not yet reached need no owner any more.
     void Forget() {
         owner_.reset();
         global_.reset();
         extended_.reset();
+        later_.clear();
     }
 
     // Puts the block's own copy in place of the member at index when it is still the type's.
@@ -87,6 +100,9 @@ public:
             }
             if (extended_) {
                 own->SetExtendedKey(*extended_);
+            }
+            for (const std::function<void(T&)>& act : later_) {
+                act(*own);
             }
         } catch (...) {
             if constexpr (requires { own->Release(); }) {
@@ -104,6 +120,7 @@ public:
             // Every member holds its owner now; the list need not.
             more_.clear();
             owner_.reset();
+            later_.clear();
         }
     }
 
@@ -134,6 +151,7 @@ private:
     std::shared_ptr<Owner> owner_;
     std::optional<MemberKey> global_;
     std::optional<MemberKey> extended_;
+    std::vector<std::function<void(T&)>> later_;
 };
 
 }  // namespace zerbin

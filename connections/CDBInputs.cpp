@@ -94,4 +94,8 @@ const std::vector<std::shared_ptr<CDBInput>>& CDBInputs::Members() const {
     return items_.Items();
 }
 
+void CDBInputs::GiveToAll(std::function<void(CDBInput&)> act) {
+    shared_.GiveToAll(items_, std::move(act));
+}
+
 }  // namespace zerbin

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -35,6 +36,9 @@ public:
     void Destroy();
     // Every member, each the block's own.
     const std::vector<std::shared_ptr<CDBInput>>& Members() const;
+    // Calls act on every member: at once on those the block has made its own, on the others
+    // when the block first reaches them, so that giving all members something makes none.
+    void GiveToAll(std::function<void(CDBInput&)> act);
     // Every member copied (CDBInput::CopyFor) under parent; no key, no listener.
     std::shared_ptr<CDBInputs> CopyFor(const std::shared_ptr<IAppObject>& parent,
                                        bool shareCompatibles) const;

@@ -86,4 +86,8 @@ const std::vector<std::shared_ptr<CDBOutput>>& CDBOutputs::Members() const {
     return items_.Items();
 }
 
+void CDBOutputs::GiveToAll(std::function<void(CDBOutput&)> act) {
+    shared_.GiveToAll(items_, std::move(act));
+}
+
 }  // namespace zerbin

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,6 +33,9 @@ public:
     void PropagateExtendedKey(const std::string& key);
     // Every member, each the block's own.
     const std::vector<std::shared_ptr<CDBOutput>>& Members() const;
+    // Calls act on every member: at once on those the block has made its own, on the others
+    // when the block first reaches them, so that giving all members something makes none.
+    void GiveToAll(std::function<void(CDBOutput&)> act);
     // Every member copied (CDBOutput::CopyFor) under parent; no key, no listener.
     std::shared_ptr<CDBOutputs> CopyFor(const std::shared_ptr<IAppObject>& parent,
                                         bool shareRecords) const;

@@ -1,5 +1,7 @@
 #include "parameters/CDBAttributes.h"
 
+#include <utility>
+
 #include "base/MMain.h"
 
 namespace zerbin {
@@ -115,6 +117,10 @@ std::shared_ptr<CDBAttribute> CDBAttributes::At(std::size_t index) const {
 
 void CDBAttributes::ReachAll() const {
     shared_.ReachAll(items_);
+}
+
+void CDBAttributes::GiveToAll(std::function<void(CDBAttribute&)> act) {
+    shared_.GiveToAll(items_, std::move(act));
 }
 
 }  // namespace zerbin

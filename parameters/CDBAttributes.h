@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -40,6 +41,9 @@ public:
     void PropagateExtendedKey(const std::string& key);
     // Every member, each the block's own.
     const std::vector<std::shared_ptr<CDBAttribute>>& Members() const;
+    // Calls act on every member: at once on those the block has made its own, on the others
+    // when the block first reaches them, so that giving all members something makes none.
+    void GiveToAll(std::function<void(CDBAttribute&)> act);
     // IAttributes_Item without the interface: by key, else by 1-based position.
     std::shared_ptr<CDBAttribute> Item(std::string_view key) const;
     // Every member copied (CDBAttribute::CopyFor) under owner; no key.

@@ -172,17 +172,21 @@ std::string ComponentBaseName() {
     if (!BaseNameOverride().empty()) {
         return BaseNameOverride();
     }
-    const std::filesystem::path file = OwnFile();
-    // Linked into a program, the program's name says nothing about the component.
-    if (file.empty() || !IsSharedObject(file)) {
-        return kFallbackBaseName;
-    }
-    std::string name = file.filename().string();
-    name = name.substr(0, name.find('.'));
-    if (name.starts_with("lib")) {
-        name.erase(0, 3);
-    }
-    return name.empty() ? kFallbackBaseName : name;
+    // Found once, as the file is: a host asks for every block it creates.
+    static const std::string own = [] {
+        const std::filesystem::path& file = OwnFile();
+        // Linked into a program, the program's name says nothing about the component.
+        if (file.empty() || !IsSharedObject(file)) {
+            return std::string(kFallbackBaseName);
+        }
+        std::string name = file.filename().string();
+        name = name.substr(0, name.find('.'));
+        if (name.starts_with("lib")) {
+            name.erase(0, 3);
+        }
+        return name.empty() ? std::string(kFallbackBaseName) : name;
+    }();
+    return own;
 }
 
 void SetComponentBaseName(std::string baseName) {

@@ -97,8 +97,13 @@ std::shared_ptr<const BlockLook> BlockItem::LookOf(IAppObject& block) {
         }
     }
     const qreal terminals = Labelled(look->inputs) + Labelled(look->outputs);
-    look->minWidth = std::max(
-        {kMinWidth, SmallAdvance(look->type) + 20 + 3 * kPadding, terminals + 5 * kPadding});
+    // A block is named after its type and a number until the user names it otherwise: room
+    // for that, and a longer name is cut short with an ellipsis. Measuring each block's own
+    // name would cost a text layout per block of a large project.
+    static const QFontMetricsF names(NameFont());
+    look->width = std::max({kMinWidth, SmallAdvance(look->type) + 20 + 3 * kPadding,
+                            names.horizontalAdvance(look->type + " 000") + 20 + 3 * kPadding,
+                            terminals + 5 * kPadding});
     return look;
 }
 
@@ -113,11 +118,8 @@ BlockItem::BlockItem(std::string key, std::shared_ptr<IAppObject> block,
 void BlockItem::Refresh() {
     name_ = QString::fromStdString(block_->IAppObject_UserName());
     colour_ = ColourOf(block_->IAppObject_Color());
-    static const QFontMetricsF names(NameFont());
-    const qreal width =
-        std::max(look_->minWidth, names.horizontalAdvance(name_) + 20 + 3 * kPadding);
     const std::size_t rows = std::max(look_->inputs.size(), look_->outputs.size());
-    const QRectF rect(0, 0, width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
+    const QRectF rect(0, 0, look_->width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
     // Most changes are of values, which leave the shape: telling the scene of a change of
     // shape costs a pass over its index for every block a large step touches.
     if (rect != rect_) {
@@ -130,6 +132,7 @@ void BlockItem::Refresh() {
     refreshing_ = false;
     update();
     if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+        canvas->Grow(sceneBoundingRect());
         canvas->RouteWiresOf(key_);
     }
 }
@@ -190,6 +193,7 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
         painter->fillRect(rect_, body);
         painter->fillRect(head, colour_);
         painter->setPen(selected ? edge : QPen(edge.color(), 0));
+        painter->setBrush(Qt::NoBrush);
         painter->drawRect(rect_);
         return;
     }
@@ -203,6 +207,7 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     painter->fillPath(header, colour_);
     painter->fillRect(QRectF(0, kHeader - 8, rect_.width(), 8), colour_);
     painter->setPen(edge);
+    painter->setBrush(Qt::NoBrush);
     painter->drawPath(outline);
 
     painter->drawPixmap(QPointF(kPadding, 9), look_->icon);
@@ -245,6 +250,7 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
 QVariant BlockItem::itemChange(GraphicsItemChange change, const QVariant& value) {
     if (change == ItemPositionHasChanged && !refreshing_) {
         if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+            canvas->Grow(sceneBoundingRect());
             canvas->RouteWiresOf(key_);
         }
     }

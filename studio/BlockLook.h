@@ -23,8 +23,9 @@ struct BlockLook {
     QPixmap icon;
     std::vector<TerminalName> inputs;
     std::vector<TerminalName> outputs;
-    // The width the type's own texts need; a block's user name may need more.
-    qreal minWidth = 0;
+    // The width of every block of the type: its own texts, and a name of the type and a
+    // number.
+    qreal width = 0;
 };
 
 }  // namespace zerbin::studio

@@ -1,15 +1,18 @@
 #include "studio/CanvasScene.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <QDragEnterEvent>
 #include <QGraphicsProxyWidget>
+#include <QGraphicsSceneHoverEvent>
 #include <QGraphicsSceneMouseEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPainter>
+#include <QPainterPathStroker>
 #include <QScrollBar>
 #include <QStyleOptionGraphicsItem>
 #include <QWheelEvent>
@@ -47,22 +50,69 @@ protected:
 
 WireItem::WireItem(Wire wire) : wire_(std::move(wire)) {
     setFlag(ItemIsSelectable);
+    setAcceptHoverEvents(true);
     setZValue(-1);
-    setPen(QPen(QColor(0x55, 0x60, 0x6b), 2));
-    setToolTip(QString::fromStdString(wire_.source + "." + wire_.output + " → " + wire_.target +
-                                      "." + wire_.input));
 }
 
 void WireItem::Route(QPointF from, QPointF to) {
-    setPath(WirePath(from, to));
+    if (from != from_ || to != to_) {
+        prepareGeometryChange();
+        from_ = from;
+        to_ = to;
+    }
 }
 
-QVariant WireItem::itemChange(GraphicsItemChange change, const QVariant& value) {
-    if (change == ItemSelectedHasChanged) {
-        setPen(QPen(value.toBool() ? QColor(0xff, 0xb0, 0x20) : QColor(0x55, 0x60, 0x6b),
-                    value.toBool() ? 3 : 2));
+QRectF WireItem::boundingRect() const {
+    // The curve stays within its end and control points; the margin holds the selected pen.
+    const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
+    const qreal left = std::min(from_.x(), to_.x() - bend);
+    const qreal right = std::max(from_.x() + bend, to_.x());
+    return QRectF(QPointF(left, std::min(from_.y(), to_.y())),
+                  QPointF(right, std::max(from_.y(), to_.y())))
+        .adjusted(-2, -2, 2, 2);
+}
+
+QPainterPath WireItem::shape() const {
+    QPainterPathStroker stroker;
+    stroker.setWidth(2);
+    return stroker.createStroke(WirePath(from_, to_));
+}
+
+void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
+    static const QPen plain(QColor(0x55, 0x60, 0x6b), 2);
+    static const QPen selected(QColor(0xff, 0xb0, 0x20), 3);
+    const bool chosen = option->state & QStyle::State_Selected;
+    // Far out a wire is thinner than a pixel: a hairline along a few straight pieces of the
+    // curve draws the same at a fraction of the cost of a stroked path, and a whole large
+    // project may be in view.
+    if (!chosen &&
+        option->levelOfDetailFromTransform(painter->worldTransform()) < BlockItem::kDetailZoom) {
+        constexpr int kPieces = 8;
+        const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
+        const QPointF c1 = from_ + QPointF(bend, 0);
+        const QPointF c2 = to_ - QPointF(bend, 0);
+        std::array<QPointF, kPieces + 1> points;
+        for (int i = 0; i <= kPieces; ++i) {
+            const qreal t = static_cast<qreal>(i) / kPieces;
+            const qreal u = 1 - t;
+            points[static_cast<std::size_t>(i)] =
+                u * u * u * from_ + 3 * u * u * t * c1 + 3 * u * t * t * c2 + t * t * t * to_;
+        }
+        painter->setPen(QPen(plain.color(), 0));
+        painter->drawPolyline(points.data(), static_cast<int>(points.size()));
+        return;
     }
-    return QGraphicsPathItem::itemChange(change, value);
+    painter->setPen(chosen ? selected : plain);
+    painter->setBrush(Qt::NoBrush);
+    painter->drawPath(WirePath(from_, to_));
+}
+
+void WireItem::hoverEnterEvent(QGraphicsSceneHoverEvent* event) {
+    if (toolTip().isEmpty()) {
+        setToolTip(QString::fromStdString(wire_.source + "." + wire_.output + " → " + wire_.target +
+                                          "." + wire_.input));
+    }
+    QGraphicsItem::hoverEnterEvent(event);
 }
 
 CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
@@ -109,12 +159,43 @@ void CanvasScene::Follow(bool on) {
 }
 
 void CanvasScene::AddAll() {
+    adding_ = true;
+    blocks_.reserve(project_.BlockKeys().size());
+    wires_.reserve(project_.Wires().size());
     for (const std::string& key : project_.BlockKeys()) {
         AddBlock(key);
     }
     for (const Wire& wire : project_.Wires()) {
         AddWire(wire);
     }
+    adding_ = false;
+    if (!bounds_.isNull()) {
+        setSceneRect(bounds_);
+    }
+}
+
+void CanvasScene::Grow(const QRectF& sceneArea) {
+    // Like Qt's own bounds, these only grow while the project is open.
+    const QRectF grown = bounds_.isNull() ? sceneArea : bounds_ | sceneArea;
+    if (grown != bounds_) {
+        bounds_ = grown;
+        if (!adding_) {
+            setSceneRect(bounds_);
+        }
+    }
+}
+
+QRectF CanvasScene::ItemsBounds() const {
+    QRectF bounds;
+    for (const auto& [key, item] : blocks_) {
+        bounds |= item->sceneBoundingRect();
+    }
+    for (const auto& [wire, item] : wires_) {
+        if (item->isVisible()) {
+            bounds |= item->sceneBoundingRect();
+        }
+    }
+    return bounds;
 }
 
 void CanvasScene::FitIndex() {
@@ -207,6 +288,7 @@ void CanvasScene::AddBlock(const std::string& key) {
     auto* item = new BlockItem(key, block, look);
     blocks_[key] = item;
     addItem(item);
+    Grow(item->sceneBoundingRect());
 }
 
 void CanvasScene::RemoveBlock(const std::string& key) {
@@ -225,6 +307,8 @@ void CanvasScene::RemoveAll() {
     wires_.clear();
     wiresAt_.clear();
     clear();
+    bounds_ = QRectF();
+    setSceneRect(QRectF());
 }
 
 void CanvasScene::AddWire(const Wire& wire) {
@@ -253,13 +337,14 @@ void CanvasScene::RemoveWire(const Wire& wire) {
     }
 }
 
-void CanvasScene::Route(WireItem* item) const {
+void CanvasScene::Route(WireItem* item) {
     const Wire& wire = item->Connection();
     const std::optional<QPointF> from = TerminalPos(wire.source, wire.output, true);
     const std::optional<QPointF> to = TerminalPos(wire.target, wire.input, false);
     item->setVisible(from && to);
     if (from && to) {
         item->Route(*from, *to);
+        Grow(item->sceneBoundingRect());
     }
 }
 
@@ -406,6 +491,9 @@ CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scen
     setRenderHint(QPainter::Antialiasing);
     setTransformationAnchor(AnchorUnderMouse);
     setViewportUpdateMode(SmartViewportUpdate);
+    // Every item sets the pen, brush and font it draws with: saving and restoring the painter
+    // around each of a hundred thousand items would cost more than drawing them.
+    setOptimizationFlag(DontSavePainterState);
 }
 
 void CanvasView::ZoomBy(qreal factor) {
@@ -418,7 +506,8 @@ void CanvasView::SetZoom(qreal zoom) {
 }
 
 void CanvasView::ZoomToFit(qreal maxZoom) {
-    const QRectF bounds = scene()->itemsBoundingRect().adjusted(-40, -40, 40, 40);
+    const QRectF bounds =
+        static_cast<CanvasScene*>(scene())->ItemsBounds().adjusted(-40, -40, 40, 40);
     if (!bounds.isEmpty()) {
         fitInView(bounds, Qt::KeepAspectRatio);
         if (Zoom() > maxZoom) {

@@ -31,7 +31,10 @@ struct TerminalRef {
     QPointF pos;  // its centre in the scene
 };
 
-class WireItem : public QGraphicsPathItem {
+// A wire between two terminals. It keeps only its ends: a large project has tens of thousands
+// of wires, and a stored path with its pen would cost each of them kilobytes once painted. The
+// tip is set only once the mouse is over the wire.
+class WireItem : public QGraphicsItem {
 public:
     enum { Type = UserType + 3 };
     explicit WireItem(Wire wire);
@@ -39,11 +42,17 @@ public:
     const Wire& Connection() const { return wire_; }
     void Route(QPointF from, QPointF to);
 
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
+
 protected:
-    QVariant itemChange(GraphicsItemChange change, const QVariant& value) override;
+    void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
 
 private:
     Wire wire_;
+    QPointF from_;
+    QPointF to_;
 };
 
 class CanvasScene : public QGraphicsScene {
@@ -73,6 +82,11 @@ public:
     // Sizes the scene's index to where the blocks stand: its cells no smaller than a block, so
     // that memory does not depend on how close the blocks stand.
     void FitIndex();
+    // Widens the scene to take in an item's place: the scene keeps its own bounds, since Qt
+    // would find them by sorting every item of the scene.
+    void Grow(const QRectF& sceneArea);
+    // What the blocks and wires cover now, however wide the scene has grown.
+    QRectF ItemsBounds() const;
 
 signals:
     void wireRequested(const Wire& wire);
@@ -94,7 +108,7 @@ private:
     void RemoveAll();
     void AddAll();
     void SizeIndex(QRectF area, std::size_t items);
-    void Route(WireItem* item) const;
+    void Route(WireItem* item);
     std::optional<TerminalRef> TerminalAt(QPointF scenePos) const;
     void FinishRename(bool accept);
 
@@ -110,6 +124,9 @@ private:
     QGraphicsProxyWidget* renameEditor_ = nullptr;
     std::string renaming_;
     bool following_ = true;
+    // Set while the items are made in one pass, which tells the scene its bounds once.
+    bool adding_ = false;
+    QRectF bounds_;
 };
 
 class CanvasView : public QGraphicsView {

@@ -59,6 +59,12 @@ std::string OutputType(const std::shared_ptr<IOutput>& output) {
     return type ? type->ICompatibleSNVT_ID() : std::string();
 }
 
+bool Fits(const std::shared_ptr<IOutput>& output, const std::shared_ptr<IInput>& input) {
+    const std::string type = OutputType(output);
+    const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
+    return !type.empty() && accepted && accepted->ICompatibleSNVTs_Exists(type);
+}
+
 std::string BlockLabel(const std::shared_ptr<IAppObject>& block) {
     const std::string name = block->IAppObject_UserName();
     return name.empty() ? block->IAppObject_UniqueIDString() : name;
@@ -511,34 +517,40 @@ bool StudioProject::WriteValue(const std::string& key, const std::string& name,
 bool StudioProject::TypesFit(const Wire& wire) const {
     const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
     const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
-    if (!output || !input) {
-        return false;
-    }
-    const std::string type = OutputType(output);
-    const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
-    return !type.empty() && accepted && accepted->ICompatibleSNVTs_Exists(type);
+    return output && input && Fits(output, input);
+}
+
+StudioProject::Ends StudioProject::EndsOf(const Wire& wire) const {
+    Ends ends{Block(wire.source), Block(wire.target), nullptr, nullptr};
+    ends.output = OutputOf(ends.source, wire.output);
+    ends.input = InputOf(ends.target, wire.input);
+    return ends;
 }
 
 std::string StudioProject::WhyNotConnect(const Wire& wire) const {
-    const std::shared_ptr<IAppObject> source = Block(wire.source);
-    const std::shared_ptr<IAppObject> target = Block(wire.target);
-    const std::shared_ptr<IOutput> output = OutputOf(source, wire.output);
-    const std::shared_ptr<IInput> input = InputOf(target, wire.input);
+    return WhyNot(wire, EndsOf(wire));
+}
+
+std::string StudioProject::WhyNot(const Wire& wire, const Ends& ends) const {
+    const auto& [source, target, output, input] = ends;
     if (!output || !input) {
         return "The wire's ends are not in the project.";
     }
-    const std::string where = "output " + wire.output + " of " + BlockLabel(source) + " to input " +
-                              wire.input + " of " + BlockLabel(target);
+    // Named only for a refusal: a project read from a file makes tens of thousands of wires.
+    const auto where = [&] {
+        return "output " + wire.output + " of " + BlockLabel(source) + " to input " + wire.input +
+               " of " + BlockLabel(target);
+    };
     for (const Wire& other : WiresOf(wire.target)) {
         if (other.target == wire.target && other.input == wire.input) {
-            return "Cannot connect " + where + ": the input is already connected.";
+            return "Cannot connect " + where() + ": the input is already connected.";
         }
     }
-    if (!TypesFit(wire)) {
+    if (!Fits(output, input)) {
         const std::string type = OutputType(output);
         const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
         const std::string list = accepted ? accepted->ICompatibleSNVTs_ToString() : std::string();
-        return "Cannot connect " + where + ": the output's type " +
+        return "Cannot connect " + where() + ": the output's type " +
                (type.empty() ? std::string("(none)") : type) + " is not one the input accepts (" +
                list + ").";
     }
@@ -546,13 +558,14 @@ std::string StudioProject::WhyNotConnect(const Wire& wire) const {
 }
 
 bool StudioProject::Connect(const Wire& wire) {
-    const std::string why = WhyNotConnect(wire);
+    const Ends ends = EndsOf(wire);
+    const std::string why = WhyNot(wire, ends);
     if (!why.empty()) {
         ShowMessage(why, kTitle, MessageIcon::Exclamation);
         return false;
     }
-    const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
-    const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
+    const std::shared_ptr<IOutput>& output = ends.output;
+    const std::shared_ptr<IInput>& input = ends.input;
     const auto item = std::dynamic_pointer_cast<IDisplayItem>(output);
     std::string reference = item ? item->IDisplayItem_Reference() : std::string("0000");
     // An extended input takes three bytes; an output's code fills two of them.
@@ -717,6 +730,9 @@ void StudioProject::Load(const pugi::xml_document& document) {
     std::vector<std::pair<std::string, pugi::xml_node>> restored;
     const auto elements =
         static_cast<std::size_t>(std::distance(root.children().begin(), root.children().end()));
+    // Grown one block at a time, the tables would be built again at every doubling.
+    blocks_.reserve(elements);
+    order_.reserve(elements);
     std::size_t done = 0;
     for (pugi::xml_node element : root.children()) {
         Progress(++done, 2 * elements);

@@ -168,6 +168,15 @@ signals:
 
 private:
     struct Entry;
+    // A wire's blocks and terminals, nullptr where the project has none.
+    struct Ends {
+        std::shared_ptr<IAppObject> source;
+        std::shared_ptr<IAppObject> target;
+        std::shared_ptr<IOutput> output;
+        std::shared_ptr<IInput> input;
+    };
+    Ends EndsOf(const Wire& wire) const;
+    std::string WhyNot(const Wire& wire, const Ends& ends) const;
     Entry* Find(const std::string& key) const;
     bool NameTaken(const std::string& name) const;
     void KeepBlock(pugi::xml_node element);

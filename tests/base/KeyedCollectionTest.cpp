@@ -150,5 +150,25 @@ TEST(SharedMembers, ABlockCopiesOnlyWhatItReachesAndGivesItItsKeys) {
     }
 }
 
+// A listener given to all members must reach each one without making it the block's own.
+TEST(SharedMembers, WhatIsGivenToAllReachesEachMemberOnceWhenTheBlockReachesIt) {
+    KeyedCollection<TypeMember> items;
+    for (const char* name : {"A", "B", "C"}) {
+        items.Add(name, std::make_shared<TypeMember>());
+    }
+    SharedMembers<TypeMember, int> shared;
+    shared.ShareAll(3, std::make_shared<int>(0));
+    shared.Reach(items, 0);
+    shared.GiveToAll(items, [](TypeMember& member) { member.key += "+"; });
+    EXPECT_EQ(items.Items()[0]->key, "+");
+    EXPECT_TRUE(shared.IsTheTypes(1));
+    EXPECT_EQ(items.Items()[1]->key, "") << "the type's member is left as it is";
+    shared.ReachAll(items);
+    for (const auto& member : items.Items()) {
+        EXPECT_EQ(member->key, "+");
+        EXPECT_EQ(member->copies, 1);
+    }
+}
+
 }  // namespace
 }  // namespace zerbin
