@@ -324,14 +324,12 @@ int16_t NarrowToInt16(int32_t value) {
 
 // ---- Writing numbers -----------------------------------------------------------------------
 
-std::string FormatDouble(double value) {
-    if (value == 0.0) {
-        return "0";  // also for -0, which the host never writes with a sign
-    }
-    std::array<char, 64> buffer{};
-    auto [end, ec] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                   std::chars_format::general, 15);
-    std::string text(buffer.data(), ec == std::errc{} ? end : buffer.data());
+namespace {
+
+// The digits to_chars wrote, as the host writes numbers: "E" for the exponent, the separator
+// in force for the point.
+std::string HostNumberText(const char* first, std::to_chars_result written) {
+    std::string text(first, written.ec == std::errc{} ? written.ptr : first);
     for (char& c : text) {
         if (c == 'e') {
             c = 'E';
@@ -342,10 +340,20 @@ std::string FormatDouble(double value) {
     return text;
 }
 
+}  // namespace
+
+std::string FormatDouble(double value) {
+    if (value == 0.0) {
+        return "0";  // also for -0, which the host never writes with a sign
+    }
+    std::array<char, 64> buffer{};
+    return HostNumberText(buffer.data(), std::to_chars(buffer.data(), buffer.data() + buffer.size(),
+                                                       value, std::chars_format::general, 15));
+}
+
 std::string FormatDoubleExact(double value) {
-    std::string text = FormatDouble(value);
     if (!std::isfinite(value) || value == 0.0) {
-        return text;
+        return FormatDouble(value);
     }
     std::array<char, 64> buffer{};
     const std::to_chars_result fifteen = std::to_chars(buffer.data(), buffer.data() + buffer.size(),
@@ -353,19 +361,10 @@ std::string FormatDoubleExact(double value) {
     double back = 0.0;
     std::from_chars(buffer.data(), fifteen.ptr, back);
     if (fifteen.ec == std::errc{} && back == value) {
-        return text;
+        return HostNumberText(buffer.data(), fifteen);
     }
-    const std::to_chars_result shortest =
-        std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    text.assign(buffer.data(), shortest.ec == std::errc{} ? shortest.ptr : buffer.data());
-    for (char& c : text) {
-        if (c == 'e') {
-            c = 'E';
-        } else if (c == '.') {
-            c = DecimalSeparator().front();
-        }
-    }
-    return text;
+    return HostNumberText(buffer.data(),
+                          std::to_chars(buffer.data(), buffer.data() + buffer.size(), value));
 }
 
 std::string FormatSingle(float value) {

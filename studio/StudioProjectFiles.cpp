@@ -28,24 +28,34 @@ std::shared_ptr<const pugi::xml_document> StudioProject::ReadFile(const std::fil
     return document;
 }
 
-bool StudioProject::WriteFile(const std::filesystem::path& file, std::string* why) const {
+namespace {
+
+// Fills a document and writes it through the project file service: all of it or, when false
+// comes back with the reason in *why, nothing. A value XML cannot carry is refused while the
+// document is filled, before the file is touched.
+template <typename Fill>
+bool WriteDocument(const std::filesystem::path& file, const std::string& what, Fill&& fill,
+                   std::string* why) {
     pugi::xml_document document;
     std::string reason;
     try {
-        Save(document);
+        fill(document);
     } catch (const std::exception& refused) {
-        // A value XML cannot carry: the block refused to write it, and the file stays.
-        if (why != nullptr) {
-            *why = "cannot write project '" + file.string() + "': " + refused.what();
-        }
-        return false;
+        reason = "cannot write " + what + " '" + file.string() + "': " + refused.what();
     }
-    const bool written =
-        BlockFactory::ProjectFiles()->IProjectFiles_Write(file.string(), document, reason);
+    const bool written = reason.empty() && BlockFactory::ProjectFiles()->IProjectFiles_Write(
+                                               file.string(), document, reason);
     if (!written && why != nullptr) {
         *why = reason;
     }
     return written;
+}
+
+}  // namespace
+
+bool StudioProject::WriteFile(const std::filesystem::path& file, std::string* why) const {
+    return WriteDocument(
+        file, "project", [this](pugi::xml_document& document) { Save(document); }, why);
 }
 
 bool StudioProject::ExportImages(const std::filesystem::path& file, std::string* why) const {
@@ -60,30 +70,20 @@ bool StudioProject::ExportImages(const std::filesystem::path& file, std::string*
 
 bool StudioProject::ExportForm(const std::filesystem::path& file, bool simulator,
                                std::string* why) const {
-    pugi::xml_document document;
-    pugi::xml_node root = document.append_child(kRoot);
-    std::string reason;
-    try {
-        for (const std::string& key : BlockKeys()) {
-            IAppObject& block = *Block(key);
-            if (simulator) {
-                block.IAppObject_XMLSaveSim(root, document);
-            } else {
-                block.IAppObject_XMLSaveForInteroperability(root, document);
+    return WriteDocument(
+        file, "export",
+        [this, simulator](pugi::xml_document& document) {
+            pugi::xml_node root = document.append_child(kRoot);
+            for (const std::string& key : BlockKeys()) {
+                IAppObject& block = *Block(key);
+                if (simulator) {
+                    block.IAppObject_XMLSaveSim(root, document);
+                } else {
+                    block.IAppObject_XMLSaveForInteroperability(root, document);
+                }
             }
-        }
-    } catch (const std::exception& refused) {
-        if (why != nullptr) {
-            *why = "cannot write export '" + file.string() + "': " + refused.what();
-        }
-        return false;
-    }
-    const bool written =
-        BlockFactory::ProjectFiles()->IProjectFiles_Write(file.string(), document, reason);
-    if (!written && why != nullptr) {
-        *why = reason;
-    }
-    return written;
+        },
+        why);
 }
 
 std::shared_ptr<const pugi::xml_document> StudioProject::ReadDocument(
