@@ -58,5 +58,5 @@ ZERBIN_API const char* ZerbinLastError(void) {
 }
 
 ZERBIN_API int ZerbinVersion(void) {
-    return ZERBIN_VERSION;
+    return ZERBIN_HEADER_VERSION;
 }

@@ -141,7 +141,7 @@ TEST_F(CInterfaceTest, WhatCannotBeMadeOrReadIsAListedCode) {
     ZerbinProject* project = nullptr;
     EXPECT_EQ(ZerbinProjectLoad("/no/such/project.xml", &project), ZERBIN_E_FILE);
     EXPECT_EQ(project, nullptr);
-    EXPECT_EQ(ZerbinVersion(), ZERBIN_VERSION);
+    EXPECT_EQ(ZerbinVersion(), ZERBIN_HEADER_VERSION);
 }
 
 TEST_F(CInterfaceTest, ProjectSavedAndLoadedKeepsEveryBlock) {

@@ -6,5 +6,5 @@ int zerbin_header_c89(void) {
     ZerbinBlock* block = 0;
     ZerbinGetClassObjectFn getClassObject = 0;
     (void)getClassObject;
-    return ZerbinBlockNew("T", &block) == ZERBIN_OK ? ZERBIN_VERSION : ZERBIN_E_NOT_FOUND;
+    return ZerbinBlockNew("T", &block) == ZERBIN_OK ? ZERBIN_HEADER_VERSION : ZERBIN_E_NOT_FOUND;
 }

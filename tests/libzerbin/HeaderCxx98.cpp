@@ -3,5 +3,5 @@
 
 int ZerbinHeaderCxx98() {
     ZerbinBlock* block = 0;
-    return ZerbinBlockNew("T", &block) == ZERBIN_OK ? ZERBIN_VERSION : ZERBIN_E_NOT_FOUND;
+    return ZerbinBlockNew("T", &block) == ZERBIN_OK ? ZERBIN_HEADER_VERSION : ZERBIN_E_NOT_FOUND;
 }

@@ -38,7 +38,7 @@
 #define ZERBIN_VERSION_MAJOR 1
 #define ZERBIN_VERSION_MINOR 0
 #define ZERBIN_VERSION_PATCH 0
-#define ZERBIN_VERSION \
+#define ZERBIN_HEADER_VERSION \
     (ZERBIN_VERSION_MAJOR * 10000 + ZERBIN_VERSION_MINOR * 100 + ZERBIN_VERSION_PATCH)
 
 /* Result codes, shared with the plug-in's entry points (zerbin/plugin.h). */
@@ -88,7 +88,8 @@ typedef int (*ZerbinMessageHandler)(void* context, const char* text, const char*
 
 /* ---- The library -------------------------------------------------------------------------- */
 
-/* ZERBIN_VERSION of the library loaded: a host built against a newer minor version checks it. */
+/* ZERBIN_HEADER_VERSION of the library loaded: a host built against a newer minor version checks
+ * it. */
 ZERBIN_API int ZerbinVersion(void);
 
 /* The last failure of the calling thread, in words; "" when there was none. Valid until the
