@@ -15,6 +15,7 @@
 #include "interfaces/IProjectFiles.h"
 #include "platform/DefinitionStore.h"
 #include "platform/Files.h"
+#include "platform/HostThread.h"
 #include "platform/LibraryHold.h"
 #include "platform/ProjectFile.h"
 #include "plugin/HostServices.h"
@@ -30,10 +31,6 @@ namespace fs = std::filesystem;
 // runs on one thread: a host may drop its last reference on another.
 std::atomic<long> liveObjects{0};
 
-std::string ProgId() {
-    return ComponentBaseName() + ".CDBAppObject";
-}
-
 fs::path LibraryPath() {
     Dl_info info{};
     if (dladdr(reinterpret_cast<const void*>(&ZerbinRegisterServer), &info) == 0 ||
@@ -41,6 +38,25 @@ fs::path LibraryPath() {
         throw std::runtime_error("the plug-in cannot find its own file");
     }
     return fs::weakly_canonical(info.dli_fname);
+}
+
+// The engine lives in libzerbin.so.1 and would take that file for the component's: the
+// ProgID and the default block library are this file's, so the plug-in names itself once,
+// before any block is made.
+std::string AdoptedBaseName() {
+    static const std::string baseName = [] {
+        const fs::path self = LibraryPath();
+        std::string name = self.filename().string();
+        name = name.substr(0, name.find('.'));
+        zerbin::SetComponentBaseName(name);
+        zerbin::SetComponentFolder(self.parent_path());
+        return name;
+    }();
+    return baseName;
+}
+
+std::string ProgId() {
+    return AdoptedBaseName() + ".CDBAppObject";
 }
 
 // The block library installed with the plug-in, else the one of the source tree it was
@@ -60,6 +76,9 @@ fs::path ShippedBlockLibrary(const fs::path& library) {
 // What no exception may cross: the host is C.
 template <typename Body>
 int Guarded(int failure, Body body) noexcept {
+    if (!zerbin::OnHostThread()) {
+        return ZERBIN_E_WRONG_THREAD;
+    }
     try {
         return body();
     } catch (const std::bad_alloc&) {
@@ -138,6 +157,9 @@ ZERBIN_PLUGIN_API int ZerbinGetClassObject(const char* progId, ZerbinObject** ob
     if (progId == nullptr) {
         return ZERBIN_E_INVALID_ARGUMENT;
     }
+    if (!zerbin::ClaimHostThread()) {
+        return ZERBIN_E_WRONG_THREAD;
+    }
     return Guarded(ZERBIN_E_UNEXPECTED, [&] {
         // ProgIDs are looked up without regard to letter case, as the host's registry does.
         if (!zerbin::EqualsNoCase(progId, ProgId())) {
@@ -186,9 +208,10 @@ ZERBIN_PLUGIN_API void ZerbinReleaseObject(ZerbinObject* object) {
 ZERBIN_PLUGIN_API int ZerbinSetBlockLibrary(const char* library) {
     return Guarded(ZERBIN_E_UNEXPECTED, [&] {
         // Type T is the folder beside the component's folder: the library holds both.
+        const std::string baseName = AdoptedBaseName();
         const fs::path folder = library == nullptr || library[0] == '\0'
-                                    ? fs::path()
-                                    : fs::path(library) / zerbin::ComponentBaseName();
+                                    ? LibraryPath().parent_path()
+                                    : fs::path(library) / baseName;
         if (folder != zerbin::ComponentFolder()) {
             // The types read from the old library must not pass for the new one's; blocks
             // alive keep the types they were made of.

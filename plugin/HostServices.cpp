@@ -8,7 +8,9 @@
 #include <string>
 
 #include "datatypes/UnitConverter.h"
+#include "libzerbin/HostMessageSink.h"
 #include "platform/Events.h"
+#include "platform/HostThread.h"
 #include "platform/Messages.h"
 #include "zerbin/plugin.h"
 
@@ -21,38 +23,6 @@
 namespace zerbin::plugin {
 namespace {
 
-int StyleOf(const Message& message) {
-    int style = ZERBIN_MB_OK;
-    switch (message.buttons) {
-        case MessageButtons::OkCancel:
-            style = ZERBIN_MB_OKCANCEL;
-            break;
-        case MessageButtons::YesNo:
-            style = ZERBIN_MB_YESNO;
-            break;
-        case MessageButtons::YesNoCancel:
-            style = ZERBIN_MB_YESNOCANCEL;
-            break;
-        case MessageButtons::Ok:
-            break;
-    }
-    switch (message.icon) {
-        case MessageIcon::Critical:
-            return style | ZERBIN_MB_ICONCRITICAL;
-        case MessageIcon::Question:
-            return style | ZERBIN_MB_ICONQUESTION;
-        case MessageIcon::Exclamation:
-            return style | ZERBIN_MB_ICONEXCLAMATION;
-        case MessageIcon::Information:
-            return style | ZERBIN_MB_ICONINFORMATION;
-        case MessageIcon::None:
-            break;
-    }
-    return style;
-}
-
-// The host's handler behind the component's message port. The answer numbers are the same on
-// both sides.
 // The message a style describes: what a host asks the component to show.
 Message MessageOfStyle(const char* text, const char* caption, int style) {
     Message message{text, caption, MessageIcon::None, MessageButtons::Ok};
@@ -88,19 +58,6 @@ Message MessageOfStyle(const char* text, const char* caption, int style) {
     return message;
 }
 
-class HostMessageSink : public MessageSink {
-public:
-    HostMessageSink(ZerbinMessageHandler handler, void* context)
-        : handler_(handler), context_(context) {}
-    int Show(const Message& message) override {
-        return handler_(context_, message.text.c_str(), message.title.c_str(), StyleOf(message));
-    }
-
-private:
-    ZerbinMessageHandler handler_;
-    void* context_;
-};
-
 // What the host has set; nothing set means the component's own.
 struct HostSettings {
     std::shared_ptr<MessageSink> messages;
@@ -134,6 +91,9 @@ void Apply() {
 
 template <typename Body>
 int Guarded(Body body) noexcept {
+    if (!OnHostThread()) {
+        return ZERBIN_E_WRONG_THREAD;
+    }
     try {
         body();
         return ZERBIN_OK;
@@ -164,7 +124,8 @@ ZERBIN_PLUGIN_API int ZerbinSetMessageHandler(ZerbinMessageHandler handler, void
     return Guarded([&] {
         UseQtWhenTheHostDoes();
         Settings().messages =
-            handler != nullptr ? std::make_shared<HostMessageSink>(handler, context) : nullptr;
+            handler != nullptr ? std::make_shared<zerbin::capi::HostMessageSink>(handler, context)
+                               : nullptr;
         Apply();
     });
 }

@@ -10,15 +10,17 @@ set(allowed_connections ${allowed_datatypes} connections)
 set(allowed_parameters ${allowed_datatypes} parameters)
 set(allowed_app_object ${allowed_connections} parameters app_object)
 set(allowed_editors ${allowed_app_object} editors)
+# libzerbin.so.1 is the engine with its C interface zerbin/; no windows.
+set(allowed_libzerbin ${allowed_app_object} libzerbin zerbin)
 set(allowed_interfaces interfaces)
 # The plug-in holds the core (and the editors when built) and its own public header zerbin/.
-set(allowed_plugin ${allowed_editors} plugin zerbin)
+set(allowed_plugin ${allowed_editors} libzerbin plugin zerbin)
 # The desktop host is a third-party host: the interfaces and the plug-in's public headers only.
 set(allowed_studio interfaces studio zerbin)
 
 set(failures "")
 foreach(folder IN ITEMS base platform datatypes connections parameters app_object editors
-                        interfaces plugin studio)
+                        interfaces libzerbin plugin studio)
     file(GLOB files "${ROOT}/${folder}/*.h" "${ROOT}/${folder}/*.cpp")
     foreach(file IN LISTS files)
         file(STRINGS "${file}" includes REGEX "^#include \"[a-z_]+/")

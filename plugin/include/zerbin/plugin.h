@@ -5,8 +5,10 @@
  *
  * Calling convention: C linkage and the platform's C calling convention (the System V ABI on
  * Linux). The entry points never throw or unwind into the host; they answer with the result
- * codes below. Like every operation of the component they are called on the host's
- * user-interface thread only.
+ * codes of zerbin/zerbin.h. Like every operation of the component they are called on the
+ * host's user-interface thread only: the thread of the first ZerbinGetClassObject is taken
+ * for it, and an entry point called from another thread does nothing and returns
+ * ZERBIN_E_WRONG_THREAD (ZerbinCanUnloadNow and ZerbinReleaseObject answer on any thread).
  *
  * Ownership: ZerbinGetClassObject hands the caller one counted reference to the new object in
  * a ZerbinObject. The caller owns it and gives it back with ZerbinReleaseObject; a C++ host
@@ -25,20 +27,14 @@
 #define ZERBIN_PLUGIN_EXPORT
 #endif
 
+/* The result codes, message box styles and answers, unit systems and handler types. */
+#include "zerbin/zerbin.h"
+
 #ifdef __cplusplus
 #define ZERBIN_PLUGIN_API extern "C" ZERBIN_PLUGIN_EXPORT
 #else
 #define ZERBIN_PLUGIN_API ZERBIN_PLUGIN_EXPORT
 #endif
-
-/* Result codes. */
-#define ZERBIN_OK 0                       /* done; for ZerbinCanUnloadNow: it may be unloaded */
-#define ZERBIN_FALSE 1                    /* ZerbinCanUnloadNow: objects of it are alive */
-#define ZERBIN_E_CLASS_NOT_AVAILABLE (-1) /* no class of that ProgID in this library */
-#define ZERBIN_E_INVALID_ARGUMENT (-2)    /* a null pointer where one is needed */
-#define ZERBIN_E_REGISTRATION (-3)        /* the registration file can't be written or removed */
-#define ZERBIN_E_OUT_OF_MEMORY (-4)
-#define ZERBIN_E_UNEXPECTED (-5) /* the object could not be constructed */
 
 /* The ProgID of the one class, made of the library's base name; as it ships: */
 #define ZERBIN_PROGID "Zerbin.CDBAppObject"
@@ -88,29 +84,6 @@ ZERBIN_PLUGIN_API int ZerbinSetBlockLibrary(const char* library);
  * every block of the process. A Qt host that has made its QApplication gets the component's
  * own Qt message boxes and event serving without them. */
 
-/* The style of a message box: one of the button sets plus one of the icons. */
-#define ZERBIN_MB_OK 0x00
-#define ZERBIN_MB_OKCANCEL 0x01
-#define ZERBIN_MB_YESNOCANCEL 0x03
-#define ZERBIN_MB_YESNO 0x04
-#define ZERBIN_MB_BUTTONS 0x0F /* the mask of the button set */
-#define ZERBIN_MB_ICONCRITICAL 0x10
-#define ZERBIN_MB_ICONQUESTION 0x20
-#define ZERBIN_MB_ICONEXCLAMATION 0x30
-#define ZERBIN_MB_ICONINFORMATION 0x40
-#define ZERBIN_MB_ICONS 0xF0 /* the mask of the icon */
-
-/* What the user answered a message box. */
-#define ZERBIN_ID_OK 1
-#define ZERBIN_ID_CANCEL 2
-#define ZERBIN_ID_YES 6
-#define ZERBIN_ID_NO 7
-
-/* Shows one message box of the component and returns the answer (ZERBIN_ID_...). Text and
- * caption are UTF-8; lines in the text are broken with "\r\n". */
-typedef int (*ZerbinMessageHandler)(void* context, const char* text, const char* caption,
-                                    int style);
-
 /* Every message box of the component goes to handler from now on, with context as its first
  * argument. NULL gives the component its own boxes back (Qt boxes in a Qt host, else the
  * text on stderr, answered OK or Yes). ZERBIN_OK. */
@@ -130,10 +103,6 @@ typedef void (*ZerbinEventPump)(void* context);
  * stays alive. NULL: nothing is called, not even the component's own Qt event serving; a host
  * sets that before it tears its windows down. ZERBIN_OK. */
 ZERBIN_PLUGIN_API int ZerbinSetEventPump(ZerbinEventPump pump, void* context);
-
-/* The units the user sees values in. */
-#define ZERBIN_UNITS_SI 0
-#define ZERBIN_UNITS_US 1 /* US customary */
 
 /* The unit system of every block's displayed values. ZERBIN_OK, or ZERBIN_E_INVALID_ARGUMENT
  * for another number. */
