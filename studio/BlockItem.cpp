@@ -5,6 +5,7 @@
 #include <QCursor>
 #include <QFontMetricsF>
 #include <QGraphicsSceneHoverEvent>
+#include <QObject>
 #include <QPainter>
 #include <QPixmap>
 #include <QStyleOptionGraphicsItem>
@@ -115,9 +116,45 @@ BlockItem::BlockItem(std::string key, std::shared_ptr<IAppObject> block,
     Refresh();
 }
 
+namespace {
+
+std::shared_ptr<const BlockLook> StandInLook(const MissingBlock& missing) {
+    auto look = std::make_shared<BlockLook>();
+    look->type = QObject::tr("%1 (type missing)").arg(QString::fromStdString(missing.type));
+    look->description =
+        QObject::tr("The library has no block type '%1'. The block is kept as it was saved.")
+            .arg(QString::fromStdString(missing.type));
+    look->icon = QPixmap(20, 20);
+    look->icon.fill(QColor(0xd0, 0xd0, 0xd0));
+    for (const std::string& input : missing.inputs) {
+        look->inputs.push_back({input, {}});
+    }
+    for (const std::string& output : missing.outputs) {
+        look->outputs.push_back({output, {}});
+    }
+    const qreal terminals = Labelled(look->inputs) + Labelled(look->outputs);
+    look->width = std::max(
+        {kMinWidth, SmallAdvance(look->type) + 20 + 3 * kPadding, terminals + 5 * kPadding});
+    return look;
+}
+
+}  // namespace
+
+BlockItem::BlockItem(const MissingBlock& missing)
+    : key_(missing.key),
+      look_(StandInLook(missing)),
+      name_(QString::fromStdString(missing.name)),
+      colour_(0x8c, 0x8c, 0x8c) {
+    setAcceptHoverEvents(true);
+    setPos(missing.pos);
+    Refresh();
+}
+
 void BlockItem::Refresh() {
-    name_ = QString::fromStdString(block_->IAppObject_UserName());
-    colour_ = ColourOf(block_->IAppObject_Color());
+    if (block_) {
+        name_ = QString::fromStdString(block_->IAppObject_UserName());
+        colour_ = ColourOf(block_->IAppObject_Color());
+    }
     const std::size_t rows = std::max(look_->inputs.size(), look_->outputs.size());
     const QRectF rect(0, 0, look_->width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
     // Most changes are of values, which leave the shape: telling the scene of a change of
@@ -127,9 +164,11 @@ void BlockItem::Refresh() {
         rect_ = rect;
     }
 
-    refreshing_ = true;
-    setPos(block_->IAppObject_XPosition(), block_->IAppObject_YPosition());
-    refreshing_ = false;
+    if (block_) {
+        refreshing_ = true;
+        setPos(block_->IAppObject_XPosition(), block_->IAppObject_YPosition());
+        refreshing_ = false;
+    }
     update();
     if (auto* canvas = static_cast<CanvasScene*>(scene())) {
         canvas->Grow(sceneBoundingRect());
@@ -183,9 +222,12 @@ QRectF BlockItem::boundingRect() const {
 
 void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
     const bool selected = option->state & QStyle::State_Selected;
-    const QColor body(0xfb, 0xfc, 0xfd);
-    const QPen edge(selected ? QColor(0xff, 0xb0, 0x20) : colour_.darker(140),
-                    selected ? 2.5 : 1.2);
+    // A stand-in's body is grey and its edge dashed: nothing of it can be edited.
+    const QColor body = StandIn() ? QColor(0xe4, 0xe4, 0xe4) : QColor(0xfb, 0xfc, 0xfd);
+    QPen edge(selected ? QColor(0xff, 0xb0, 0x20) : colour_.darker(140), selected ? 2.5 : 1.2);
+    if (StandIn()) {
+        edge.setStyle(Qt::DashLine);
+    }
     const QRectF head(0, 0, rect_.width(), kHeader);
     // Far out, names, terminals and round corners would be unreadable specks: the block's
     // shape and colour suffice, and ten thousand of them must paint fast.

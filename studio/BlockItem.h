@@ -13,6 +13,7 @@
 
 #include "interfaces/IAppObject.h"
 #include "studio/BlockLook.h"
+#include "studio/KeptBlocks.h"
 
 namespace zerbin::studio {
 
@@ -36,7 +37,11 @@ public:
 
     BlockItem(std::string key, std::shared_ptr<IAppObject> block,
               std::shared_ptr<const BlockLook> look);
+    // A grey stand-in for a block whose type the library lacks, with the terminals its wires
+    // name. It cannot be moved, selected or wired: nothing of it may change.
+    explicit BlockItem(const MissingBlock& missing);
     int type() const override { return Type; }
+    bool StandIn() const { return block_ == nullptr; }
 
     const std::string& Key() const { return key_; }
     // Reads name, colour and place from the block again.

@@ -81,6 +81,8 @@ QPainterPath WireItem::shape() const {
 void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
     static const QPen plain(QColor(0x55, 0x60, 0x6b), 2);
     static const QPen selected(QColor(0xff, 0xb0, 0x20), 3);
+    // A wire at a stand-in cannot be chosen, and shows it: grey and dashed.
+    static const QPen kept(QColor(0x9a, 0x9a, 0x9a), 2, Qt::DashLine);
     const bool chosen = option->state & QStyle::State_Selected;
     // Far out a wire is thinner than a pixel: a hairline along a few straight pieces of the
     // curve draws the same at a fraction of the cost of a stroked path, and a whole large
@@ -102,7 +104,7 @@ void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, 
         painter->drawPolyline(points.data(), static_cast<int>(points.size()));
         return;
     }
-    painter->setPen(chosen ? selected : plain);
+    painter->setPen(chosen ? selected : (flags() & ItemIsSelectable) ? plain : kept);
     painter->setBrush(Qt::NoBrush);
     painter->drawPath(WirePath(from_, to_));
 }
@@ -136,6 +138,11 @@ CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
     });
     connect(&project, &StudioProject::wireRemoved, this, &CanvasScene::RemoveWire);
     connect(&project, &StudioProject::cleared, this, &CanvasScene::RemoveAll);
+    connect(&project, &StudioProject::loaded, this, [this] {
+        if (following_) {
+            AddStandIns();
+        }
+    });
     AddAll();
 }
 
@@ -168,6 +175,7 @@ void CanvasScene::AddAll() {
     for (const Wire& wire : project_.Wires()) {
         AddWire(wire);
     }
+    AddStandIns();
     adding_ = false;
     if (!bounds_.isNull()) {
         setSceneRect(bounds_);
@@ -187,8 +195,10 @@ void CanvasScene::Grow(const QRectF& sceneArea) {
 
 QRectF CanvasScene::ItemsBounds() const {
     QRectF bounds;
-    for (const auto& [key, item] : blocks_) {
-        bounds |= item->sceneBoundingRect();
+    for (const auto* items : {&blocks_, &standIns_}) {
+        for (const auto& [key, item] : *items) {
+            bounds |= item->sceneBoundingRect();
+        }
     }
     for (const auto& [wire, item] : wires_) {
         if (item->isVisible()) {
@@ -271,7 +281,7 @@ std::vector<Wire> CanvasScene::SelectedWires() const {
 
 std::optional<QPointF> CanvasScene::TerminalPos(const std::string& key, const std::string& name,
                                                 bool output) const {
-    const BlockItem* item = Item(key);
+    const BlockItem* item = Drawn(key);
     const std::optional<Terminal> terminal = item ? item->FindTerminal(name, output) : std::nullopt;
     if (!terminal) {
         return std::nullopt;
@@ -289,6 +299,41 @@ void CanvasScene::AddBlock(const std::string& key) {
     blocks_[key] = item;
     addItem(item);
     Grow(item->sceneBoundingRect());
+    // Wires from stand-ins come back with a block brought back by an undo.
+    if (!standIns_.empty()) {
+        for (const Wire& wire : project_.KeptWiresTo(key)) {
+            AddKeptWire(wire);
+        }
+    }
+}
+
+void CanvasScene::AddStandIns() {
+    for (const MissingBlock& missing : project_.MissingBlocksShown()) {
+        if (standIns_.count(missing.key) == 0) {
+            auto* item = new BlockItem(missing);
+            standIns_[missing.key] = item;
+            addItem(item);
+            Grow(item->sceneBoundingRect());
+        }
+    }
+    for (const Wire& wire : project_.KeptWires()) {
+        AddKeptWire(wire);
+    }
+}
+
+void CanvasScene::AddKeptWire(const Wire& wire) {
+    if (wires_.count(wire) == 0) {
+        AddWire(wire);
+        wires_[wire]->setFlag(QGraphicsItem::ItemIsSelectable, false);
+    }
+}
+
+const BlockItem* CanvasScene::Drawn(const std::string& key) const {
+    if (const BlockItem* item = Item(key)) {
+        return item;
+    }
+    const auto found = standIns_.find(key);
+    return found == standIns_.end() ? nullptr : found->second;
 }
 
 void CanvasScene::RemoveBlock(const std::string& key) {
@@ -298,12 +343,22 @@ void CanvasScene::RemoveBlock(const std::string& key) {
             FinishRename(false);
         }
         delete item;
+        // The project has taken its wires away; those left are from stand-ins.
+        std::vector<Wire> left;
+        const auto [first, last] = wiresAt_.equal_range(key);
+        for (auto at = first; at != last; ++at) {
+            left.push_back(at->second->Connection());
+        }
+        for (const Wire& wire : left) {
+            RemoveWire(wire);
+        }
     }
 }
 
 void CanvasScene::RemoveAll() {
     FinishRename(false);
     blocks_.clear();
+    standIns_.clear();
     wires_.clear();
     wiresAt_.clear();
     clear();
@@ -360,7 +415,8 @@ std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {
     constexpr qreal kSlack = 4;
     const QRectF near(scenePos - QPointF(kSlack, kSlack), QSizeF(2 * kSlack, 2 * kSlack));
     for (QGraphicsItem* item : items(near)) {
-        if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item)) {
+        if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item);
+            block != nullptr && !block->StandIn()) {
             if (const std::optional<Terminal> terminal =
                     block->TerminalAt(block->mapFromScene(scenePos), kSlack)) {
                 return TerminalRef{block->Key(), terminal->name, terminal->output,
@@ -429,7 +485,7 @@ void CanvasScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event) {
 
 void CanvasScene::mouseDoubleClickEvent(QGraphicsSceneMouseEvent* event) {
     for (QGraphicsItem* item : items(event->scenePos())) {
-        if (auto* block = qgraphicsitem_cast<BlockItem*>(item)) {
+        if (auto* block = qgraphicsitem_cast<BlockItem*>(item); block && !block->StandIn()) {
             if (block->NameRect().contains(block->mapFromScene(event->scenePos()))) {
                 StartRename(block->Key());
             } else {

@@ -105,6 +105,11 @@ private:
     void RemoveBlock(const std::string& key);
     void AddWire(const Wire& wire);
     void RemoveWire(const Wire& wire);
+    // The stand-ins of the blocks whose type is missing, and the wires at them.
+    void AddStandIns();
+    void AddKeptWire(const Wire& wire);
+    // A block as drawn, shown or stand-in.
+    const BlockItem* Drawn(const std::string& key) const;
     void RemoveAll();
     void AddAll();
     void SizeIndex(QRectF area, std::size_t items);
@@ -114,6 +119,7 @@ private:
 
     StudioProject& project_;
     std::unordered_map<std::string, BlockItem*> blocks_;
+    std::unordered_map<std::string, BlockItem*> standIns_;
     std::unordered_map<Wire, WireItem*, WireHash> wires_;
     // One look per block type, for as long as the scene: another library makes another scene.
     std::unordered_map<std::string, std::shared_ptr<const BlockLook>> looks_;

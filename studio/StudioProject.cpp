@@ -9,6 +9,7 @@
 
 #include "interfaces/ICanvasElement.h"
 #include "studio/BlockFactory.h"
+#include "studio/NestedCount.h"
 #include "studio/ProjectMacro.h"
 #include "studio/StudioMessages.h"
 
@@ -16,7 +17,6 @@ namespace zerbin::studio {
 namespace {
 
 constexpr const char* kRoot = "Project";
-constexpr const char* kConnection = "Connection";
 constexpr const char* kTitle = "Zerbin Studio";
 
 // Tells the project what its blocks raise. Held by the blocks; the project may go first.
@@ -43,56 +43,6 @@ private:
     QPointer<StudioProject> project_;
 };
 
-std::shared_ptr<IInput> InputOf(const std::shared_ptr<IAppObject>& block, const std::string& name) {
-    const std::shared_ptr<IInputs> inputs = block ? block->IAppObject_Inputs() : nullptr;
-    return inputs ? inputs->IInputs_Item(name) : nullptr;
-}
-
-std::shared_ptr<IOutput> OutputOf(const std::shared_ptr<IAppObject>& block,
-                                  const std::string& name) {
-    const std::shared_ptr<IOutputs> outputs = block ? block->IAppObject_Outputs() : nullptr;
-    return outputs ? outputs->IOutputs_Item(name) : nullptr;
-}
-
-std::string OutputType(const std::shared_ptr<IOutput>& output) {
-    const std::shared_ptr<ICompatibleSNVT> type = output->IOutput_SNVTCompatible();
-    return type ? type->ICompatibleSNVT_ID() : std::string();
-}
-
-bool Fits(const std::shared_ptr<IOutput>& output, const std::shared_ptr<IInput>& input) {
-    const std::string type = OutputType(output);
-    const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
-    return !type.empty() && accepted && accepted->ICompatibleSNVTs_Exists(type);
-}
-
-std::string BlockLabel(const std::shared_ptr<IAppObject>& block) {
-    const std::string name = block->IAppObject_UserName();
-    return name.empty() ? block->IAppObject_UniqueIDString() : name;
-}
-
-// The key's first part is the block's key: "Block3\RIN\In1" belongs to Block3.
-std::pair<std::string, std::string> SplitMemberKey(const std::string& globalKey) {
-    const std::size_t first = globalKey.find('\\');
-    const std::size_t last = globalKey.rfind('\\');
-    if (first == std::string::npos) {
-        return {globalKey, {}};
-    }
-    return {globalKey.substr(0, first), globalKey.substr(last + 1)};
-}
-
-// Counts one level of a nested activity for as long as it lives, also when an exception ends
-// it: a count left raised would silence the project's notifications for good.
-class Nested {
-public:
-    explicit Nested(int& count) : count_(count) { ++count_; }
-    ~Nested() { --count_; }
-    Nested(const Nested&) = delete;
-    Nested& operator=(const Nested&) = delete;
-
-private:
-    int& count_;
-};
-
 bool ParseShort(const char* text, int16_t& value) {
     const std::string_view view(text);
     const auto [end, error] = std::from_chars(view.data(), view.data() + view.size(), value);
@@ -100,15 +50,6 @@ bool ParseShort(const char* text, int16_t& value) {
 }
 
 }  // namespace
-
-std::size_t WireHash::operator()(const Wire& wire) const noexcept {
-    const std::hash<std::string> hash;
-    std::size_t seed = hash(wire.source);
-    for (const std::string* part : {&wire.output, &wire.target, &wire.input}) {
-        seed ^= hash(*part) + 0x9e3779b97f4a7c15ULL + (seed << 6) + (seed >> 2);
-    }
-    return seed;
-}
 
 struct StudioProject::Entry {
     std::string key;
@@ -135,12 +76,23 @@ StudioProject::~StudioProject() {
 
 void StudioProject::ApplySettings(const ProjectSettings& settings) {
     const bool reload = settings.shortFloat != settings_.shortFloat;
+    const ProjectSettings previous = settings_;
     settings_ = settings;
     BlockFactory::UseUnitSystem(settings.usUnits);
     if (reload) {
         pugi::xml_document document;
         Save(document);
-        Load(document);
+        try {
+            Load(document);
+        } catch (...) {
+            // The project as it stood comes back, under the settings it had.
+            settings_ = previous;
+            BlockFactory::UseUnitSystem(previous.usUnits);
+            document.document_element().attribute("ShortFloat") = previous.shortFloat ? "1" : "0";
+            document.document_element().attribute("UnitSystem") = previous.usUnits ? "US" : "SI";
+            Load(document);
+            throw;
+        }
     } else {
         for (const std::string& key : order_) {
             emit blockChanged(key);
@@ -172,12 +124,12 @@ std::string StudioProject::NextKey() {
     std::string key;
     do {
         key = "Block" + std::to_string(nextKey_++);
-    } while (Find(key) != nullptr || keptKeys_.count(key) != 0);
+    } while (Find(key) != nullptr || kept_.HasKey(key));
     return key;
 }
 
 bool StudioProject::NameTaken(const std::string& name) const {
-    if (keptNames_.count(name) != 0) {
+    if (kept_.HasName(name)) {
         return true;
     }
     return std::any_of(blocks_.begin(), blocks_.end(), [&](const auto& entry) {
@@ -186,15 +138,11 @@ bool StudioProject::NameTaken(const std::string& name) const {
 }
 
 void StudioProject::KeepBlock(pugi::xml_node element) {
-    kept_.append_copy(element);
-    if (const pugi::xml_attribute key = element.attribute("Key")) {
-        keptKeys_.insert(key.as_string());
-    }
+    kept_.Keep(element);
     int16_t exportIndex = 0;
     if (ParseShort(element.attribute("ExportIndex").as_string(), exportIndex)) {
         exportIndexes_.insert(exportIndex);
     }
-    keptNames_.insert(element.child_value("UserName"));
 }
 
 int16_t StudioProject::NextExportIndex() {
@@ -244,7 +192,7 @@ std::string StudioProject::AddBlock(const std::string& type, QPointF pos, std::s
                     MessageIcon::Exclamation);
         return {};
     }
-    if (key.empty() || Find(key) != nullptr || keptKeys_.count(key) != 0) {
+    if (key.empty() || Find(key) != nullptr || kept_.HasKey(key)) {
         key = NextKey();
     }
     CreateBlock(type, key, NextExportIndex());
@@ -275,6 +223,17 @@ std::string StudioProject::RestoreBlock(pugi::xml_node element, int position) {
     if (!ParseShort(element.attribute("ExportIndex").as_string(), exportIndex)) {
         exportIndex = NextExportIndex();
     }
+    // A project being read finds the wires from kept blocks once all its blocks are known; a
+    // block brought back by an undo takes back its own.
+    if (loading_ == 0) {
+        for (pugi::xml_node connection : element.children(kConnectionElement)) {
+            const std::string source = connection.attribute("Source").as_string();
+            if (kept_.HasKey(source)) {
+                kept_.KeepWire(Wire{source, connection.attribute("Output").as_string(), key,
+                                    connection.attribute("Input").as_string()});
+            }
+        }
+    }
     {
         const Nested loading(loading_);
         CreateBlock(type, key, exportIndex);
@@ -284,9 +243,9 @@ std::string StudioProject::RestoreBlock(pugi::xml_node element, int position) {
             block->IAppObject_Color(color.as_int());
         }
         // The wires are the studio's: a block that kept them would write them back twice.
-        if (element.child(kConnection)) {
+        if (element.child(kConnectionElement)) {
             pugi::xml_node copy = scratch_.append_copy(element);
-            while (pugi::xml_node connection = copy.child(kConnection)) {
+            while (pugi::xml_node connection = copy.child(kConnectionElement)) {
                 copy.remove_child(connection);
             }
             struct Drop {
@@ -325,11 +284,12 @@ void StudioProject::DestroyBlock(const std::string& key) {
     exportIndexes_.erase(exportIndexes_.find(exportIndex));
     freeExportIndex_ = std::min(freeExportIndex_, std::max<int>(exportIndex, 0));
     blocks_.erase(key);
+    kept_.DropWiresTo(key);
     block->IAppObject_Destroy();
     emit blockRemoved(key);
 }
 
-std::vector<int> StudioProject::RemoveBlocks(const std::vector<std::string>& keys) {
+std::vector<int> StudioProject::PlacesOf(const std::vector<std::string>& keys) const {
     std::unordered_map<std::string, int> place;
     place.reserve(order_.size());
     for (std::size_t i = 0; i < order_.size(); ++i) {
@@ -341,17 +301,33 @@ std::vector<int> StudioProject::RemoveBlocks(const std::vector<std::string>& key
         const auto found = place.find(key);
         positions.push_back(found == place.end() ? -1 : found->second);
     }
-    // Taken out of the order in one pass: one at a time would move the rest for each.
-    for (const int position : positions) {
-        if (position >= 0) {
-            order_[static_cast<std::size_t>(position)].clear();
+    return positions;
+}
+
+std::vector<int> StudioProject::RemoveBlocks(const std::vector<std::string>& keys) {
+    const std::vector<int> positions = PlacesOf(keys);
+    // The blocks gone leave the order in one pass at the end, also when one of them fails to
+    // go: one at a time would move the rest for each.
+    std::size_t gone = 0;
+    struct Tidy {
+        StudioProject& project;
+        const std::vector<int>& positions;
+        const std::size_t& gone;
+        ~Tidy() {
+            for (std::size_t i = 0; i < gone; ++i) {
+                if (positions[i] >= 0) {
+                    project.order_[static_cast<std::size_t>(positions[i])].clear();
+                }
+            }
+            std::vector<std::string>& order = project.order_;
+            order.erase(std::remove(order.begin(), order.end(), std::string()), order.end());
         }
-    }
-    order_.erase(std::remove(order_.begin(), order_.end(), std::string()), order_.end());
+    } tidy{*this, positions, gone};
     for (std::size_t i = 0; i < keys.size(); ++i) {
         if (positions[i] >= 0) {
             DestroyBlock(keys[i]);
         }
+        gone = i + 1;
         Progress(i + 1, keys.size());
     }
     return positions;
@@ -439,16 +415,14 @@ pugi::xml_node StudioProject::BlockElement(const std::string& key, pugi::xml_doc
             AppendConnection(element, wire);
         }
     }
-    if (const auto kept = keptWires_.find(key); kept != keptWires_.end()) {
-        for (const Wire& wire : kept->second) {
-            AppendConnection(element, wire);
-        }
+    for (const Wire& wire : kept_.WiresTo(key)) {
+        AppendConnection(element, wire);
     }
     return element;
 }
 
 void StudioProject::AppendConnection(pugi::xml_node element, const Wire& wire) {
-    pugi::xml_node connection = element.append_child(kConnection);
+    pugi::xml_node connection = element.append_child(kConnectionElement);
     connection.append_attribute("Input") = wire.input.c_str();
     connection.append_attribute("Source") = wire.source.c_str();
     connection.append_attribute("Output") = wire.output.c_str();
@@ -512,172 +486,6 @@ bool StudioProject::WriteValue(const std::string& key, const std::string& name,
     return attribute->IAttribute_Value() != before;
 }
 
-// ---- Wires ------------------------------------------------------------------------------------
-
-bool StudioProject::TypesFit(const Wire& wire) const {
-    const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
-    const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
-    return output && input && Fits(output, input);
-}
-
-StudioProject::Ends StudioProject::EndsOf(const Wire& wire) const {
-    Ends ends{Block(wire.source), Block(wire.target), nullptr, nullptr};
-    ends.output = OutputOf(ends.source, wire.output);
-    ends.input = InputOf(ends.target, wire.input);
-    return ends;
-}
-
-std::string StudioProject::WhyNotConnect(const Wire& wire) const {
-    return WhyNot(wire, EndsOf(wire));
-}
-
-std::string StudioProject::WhyNot(const Wire& wire, const Ends& ends) const {
-    const auto& [source, target, output, input] = ends;
-    if (!output || !input) {
-        return "The wire's ends are not in the project.";
-    }
-    // Named only for a refusal: a project read from a file makes tens of thousands of wires.
-    const auto where = [&] {
-        return "output " + wire.output + " of " + BlockLabel(source) + " to input " + wire.input +
-               " of " + BlockLabel(target);
-    };
-    for (const Wire& other : WiresOf(wire.target)) {
-        if (other.target == wire.target && other.input == wire.input) {
-            return "Cannot connect " + where() + ": the input is already connected.";
-        }
-    }
-    if (!Fits(output, input)) {
-        const std::string type = OutputType(output);
-        const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
-        const std::string list = accepted ? accepted->ICompatibleSNVTs_ToString() : std::string();
-        return "Cannot connect " + where() + ": the output's type " +
-               (type.empty() ? std::string("(none)") : type) + " is not one the input accepts (" +
-               list + ").";
-    }
-    return {};
-}
-
-bool StudioProject::Connect(const Wire& wire) {
-    const Ends ends = EndsOf(wire);
-    const std::string why = WhyNot(wire, ends);
-    if (!why.empty()) {
-        ShowMessage(why, kTitle, MessageIcon::Exclamation);
-        return false;
-    }
-    const std::shared_ptr<IOutput>& output = ends.output;
-    const std::shared_ptr<IInput>& input = ends.input;
-    const auto item = std::dynamic_pointer_cast<IDisplayItem>(output);
-    std::string reference = item ? item->IDisplayItem_Reference() : std::string("0000");
-    // An extended input takes three bytes; an output's code fills two of them.
-    if (input->IInput_Extended()) {
-        reference += "00";
-    }
-    wireAt_.emplace(wire, wires_.size());
-    wires_.push_back(wire);
-    wiresAt_[wire.source].push_back(wire);
-    if (wire.target != wire.source) {
-        wiresAt_[wire.target].push_back(wire);
-    }
-    {
-        const Nested writing(writing_);
-        input->IInput_Value(reference);
-        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(input)) {
-            end->ISubItemConnable_IsConnected(true);
-            end->ISubItemConnable_ConnectedType(output->IOutput_SNVTType());
-        }
-        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(output)) {
-            end->ISubItemConnable_IsConnected(true);
-        }
-    }
-    emit wireAdded(wire);
-    if (loading_ == 0) {
-        emit blockChanged(wire.target);
-    }
-    return true;
-}
-
-void StudioProject::Disconnect(const Wire& wire) {
-    DropWire(wire, true);
-}
-
-void StudioProject::DropWire(const Wire& wire, bool clearReference) {
-    const auto found = wireAt_.find(wire);
-    if (found == wireAt_.end()) {
-        return;
-    }
-    // The last wire takes the place of the one that goes: the file's order of wires is each
-    // block's (wiresAt_), which keeps the order they were made in.
-    const std::size_t at = found->second;
-    wireAt_.erase(found);
-    if (at + 1 != wires_.size()) {
-        wires_[at] = std::move(wires_.back());
-        wireAt_[wires_[at]] = at;
-    }
-    wires_.pop_back();
-    for (const std::string& end : {wire.source, wire.target}) {
-        std::vector<Wire>& at = wiresAt_[end];
-        at.erase(std::remove(at.begin(), at.end(), wire), at.end());
-        if (at.empty()) {
-            wiresAt_.erase(end);
-        }
-    }
-    const std::shared_ptr<IOutput> output = OutputOf(Block(wire.source), wire.output);
-    const std::shared_ptr<IInput> input = InputOf(Block(wire.target), wire.input);
-    {
-        const Nested writing(writing_);
-        if (input && clearReference) {
-            input->IInput_Value(input->IInput_Extended() ? "000000" : "0000");
-        }
-        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(input)) {
-            end->ISubItemConnable_IsConnected(false);
-        }
-        if (const auto end = std::dynamic_pointer_cast<ISubItemConnable>(output)) {
-            end->ISubItemConnable_IsConnected(false);
-        }
-    }
-    emit wireRemoved(wire);
-    emit blockChanged(wire.target);
-}
-
-const std::vector<Wire>& StudioProject::WiresOf(const std::string& key) const {
-    static const std::vector<Wire> none;
-    const auto found = wiresAt_.find(key);
-    return found == wiresAt_.end() ? none : found->second;
-}
-
-void StudioProject::OnAttributeChanged(const std::string& globalKey) {
-    const std::string key = SplitMemberKey(globalKey).first;
-    if (loading_ > 0) {
-        return;
-    }
-    // Told before anything changes on the studio's side, so that a listener can still see
-    // the state from before the write.
-    if (writing_ == 0) {
-        emit valuesChangedOutside(key);
-    }
-    emit blockChanged(key);
-}
-
-void StudioProject::OnTypeChanged(const std::string& globalKey) {
-    const auto [key, member] = SplitMemberKey(globalKey);
-    if (writing_ == 0 && loading_ == 0) {
-        emit valuesChangedOutside(key);
-    }
-    // The member's type is already the new one: the wires at it that no longer fit go.
-    const std::vector<Wire> wires = WiresOf(key);
-    for (const Wire& wire : wires) {
-        const bool atMember = (wire.target == key && wire.input == member) ||
-                              (wire.source == key && wire.output == member);
-        if (atMember && !TypesFit(wire)) {
-            DropWire(wire, true);
-            ShowMessage("The wire from output " + wire.output + " to input " + wire.input +
-                            " was removed: its types no longer match.",
-                        kTitle, MessageIcon::Information);
-        }
-    }
-    emit blockChanged(key);
-}
-
 // ---- Files ------------------------------------------------------------------------------------
 
 void StudioProject::Clear() {
@@ -692,10 +500,7 @@ void StudioProject::Clear() {
     order_.clear();
     exportIndexes_.clear();
     freeExportIndex_ = 0;
-    kept_.reset();
-    keptWires_.clear();
-    keptKeys_.clear();
-    keptNames_.clear();
+    kept_.Clear();
     nextKey_ = 1;
     emit cleared();
 }
@@ -707,9 +512,7 @@ void StudioProject::Save(pugi::xml_document& document) const {
     for (const std::string& key : order_) {
         BlockElement(key, document, root);
     }
-    for (pugi::xml_node kept : kept_.children()) {
-        root.append_copy(kept);
-    }
+    kept_.AppendTo(root);
 }
 
 std::string StudioProject::Text() const {
@@ -742,9 +545,10 @@ void StudioProject::Load(const pugi::xml_document& document) {
         const std::string key = RestoreBlock(element, -1);
         if (key.empty()) {
             KeepBlock(element);
+            Context(element.child_value("UserName"));
             ShowMessage("The library has no block type '" + std::string(element.name()) +
                             "'; the block '" + element.child_value("UserName") +
-                            "' is kept in the project as it is, but not shown.",
+                            "' is kept in the project as it is, drawn in grey.",
                         kTitle, MessageIcon::Exclamation);
         } else {
             restored.emplace_back(key, element);
@@ -753,23 +557,19 @@ void StudioProject::Load(const pugi::xml_document& document) {
     for (std::size_t i = 0; i < restored.size(); ++i) {
         const auto& [key, element] = restored[i];
         Progress(restored.size() + i + 1, 2 * restored.size());
-        for (pugi::xml_node connection : element.children(kConnection)) {
+        for (pugi::xml_node connection : element.children(kConnectionElement)) {
             const Wire wire{connection.attribute("Source").as_string(),
                             connection.attribute("Output").as_string(), key,
                             connection.attribute("Input").as_string()};
             if (Find(wire.source) == nullptr) {
                 // Its source is a kept block: the wire is written back as it was read.
-                keptWires_[key].push_back(wire);
+                kept_.KeepWire(wire);
                 continue;
             }
             Connect(wire);
         }
     }
     emit loaded();
-}
-
-int StudioProject::MissingBlocks() const {
-    return static_cast<int>(std::distance(kept_.children().begin(), kept_.children().end()));
 }
 
 std::string StudioProject::ImagesText() const {

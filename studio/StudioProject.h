@@ -19,24 +19,13 @@
 #include <pugixml.hpp>
 
 #include "interfaces/IAppObject.h"
+#include "studio/KeptBlocks.h"
+#include "studio/Wire.h"
 
 namespace zerbin::studio {
 
 class BlockFactory;
 class ProjectMacro;
-
-// One connection: output `output` of block `source` feeds input `input` of block `target`.
-struct Wire {
-    std::string source;
-    std::string output;
-    std::string target;
-    std::string input;
-    bool operator==(const Wire&) const = default;
-};
-
-struct WireHash {
-    std::size_t operator()(const Wire& wire) const noexcept;
-};
 
 // A block dragged on the canvas from one place to another.
 struct BlockMove {
@@ -79,8 +68,11 @@ public:
                        const std::vector<int>& positions);
     // Clears the references of the block's wires, then destroys it.
     void RemoveBlock(const std::string& key);
-    // Many blocks at once; gives the place each had in the project's order.
+    // Many blocks at once; gives the place each had in the project's order. When one fails to
+    // go, those before it are gone and the rest stay, each in its place.
     std::vector<int> RemoveBlocks(const std::vector<std::string>& keys);
+    // The place of each block in the project's order, -1 for a key it lacks.
+    std::vector<int> PlacesOf(const std::vector<std::string>& keys) const;
     std::shared_ptr<IAppObject> Block(const std::string& key) const;
     const std::vector<std::string>& BlockKeys() const { return order_; }
     std::string KeyOf(const IAppObject* block) const;
@@ -108,6 +100,7 @@ public:
     // Clears the input's reference and tells both ends.
     void Disconnect(const Wire& wire);
     const std::vector<Wire>& Wires() const { return wires_; }
+    bool HasWire(const Wire& wire) const { return wireAt_.count(wire) != 0; }
     // Valid until the next change of wires: copy it to walk it while wires change.
     const std::vector<Wire>& WiresOf(const std::string& key) const;
 
@@ -127,7 +120,14 @@ public:
     void Load(const pugi::xml_document& document);
     bool Loading() const { return loading_ > 0; }
     // Blocks of the project whose type the library lacks.
-    int MissingBlocks() const;
+    int MissingBlocks() const { return kept_.Count(); }
+    // What the canvas draws of them, and the wires at them, in and out.
+    std::vector<MissingBlock> MissingBlocksShown() const { return kept_.Blocks(); }
+    std::vector<Wire> KeptWires() const { return kept_.Wires(); }
+    // The wires from a block whose type is missing into the shown block.
+    const std::vector<Wire>& KeptWiresTo(const std::string& key) const {
+        return kept_.WiresTo(key);
+    }
 
     // The images of every block, one line each: key, user name, type, image, Intel image.
     std::string ImagesText() const;
@@ -206,15 +206,10 @@ private:
     // The wires at each block, in the order they were made: a large project asks this often.
     std::unordered_map<std::string, std::vector<Wire>> wiresAt_;
     // Kept as read and written back: blocks of missing types, wires that lead to them.
-    pugi::xml_document kept_;
-    // By target block.
-    std::unordered_map<std::string, std::vector<Wire>> keptWires_;
+    KeptBlocks kept_;
     // Where a block's element is copied to leave its wires out: one document for all, so that
     // its memory is taken once rather than for every block.
     pugi::xml_document scratch_;
-    // What the kept blocks hold of the project's identities, so that no new block takes it.
-    std::set<std::string> keptKeys_;
-    std::set<std::string> keptNames_;
     std::function<void(const std::string&)> context_;
     int nextKey_ = 1;
     int loading_ = 0;

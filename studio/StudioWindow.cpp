@@ -67,6 +67,19 @@ bool StudioWindow::Step(const std::string& what, const std::function<void()>& bo
     return done;
 }
 
+bool StudioWindow::Do(const std::string& what, QUndoCommand* command) {
+    std::unique_ptr<QUndoCommand> owned(command);
+    return Step(what, [&] {
+        try {
+            undo_->push(owned.get());
+            owned.release();
+        } catch (...) {
+            GuardedCall("take back the step that failed", [&] { owned->undo(); });
+            throw;
+        }
+    });
+}
+
 StudioWindow::StudioWindow(QWidget* parent)
     : QMainWindow(parent), log_(std::make_shared<MessageLog>()), undo_(new QUndoStack(this)) {
     setObjectName("studio");
@@ -169,14 +182,14 @@ void StudioWindow::MakeProject() {
 
     connect(scene_, &CanvasScene::wireRequested, this, &StudioWindow::RequestWire);
     connect(scene_, &CanvasScene::blocksMoved, this, [this](const std::vector<BlockMove>& moves) {
-        Step("move the blocks", [&] { undo_->push(new MoveCommand(*project_, moves)); });
+        Do("move the blocks", new MoveCommand(*project_, moves));
     });
     connect(scene_, &CanvasScene::renameRequested, this,
             [this](const std::string& key, const std::string& name) {
-                Step("rename the block", [&] {
-                    undo_->push(new RenameCommand(
-                        *project_, key, project_->Block(key)->IAppObject_UserName(), name));
-                });
+                if (const std::shared_ptr<IAppObject> block = project_->Block(key)) {
+                    Do("rename the block",
+                       new RenameCommand(*project_, key, block->IAppObject_UserName(), name));
+                }
             });
     connect(scene_, &CanvasScene::showRequested, this, &StudioWindow::ShowParameters);
     connect(scene_, &QGraphicsScene::selectionChanged, this, &StudioWindow::OnSelectionChanged);
@@ -215,11 +228,7 @@ void StudioWindow::ShowProgress(int percent) {
 
 std::string StudioWindow::PlaceBlock(const std::string& type, QPointF scenePos) {
     std::string key;
-    Step("place the block", [&] {
-        auto* command = new PlaceCommand(*project_, type, scenePos);
-        undo_->push(command);
-        key = command->Key();
-    });
+    Do("place the block", new PlaceCommand(*project_, type, scenePos, &key));
     if (!key.empty()) {
         SelectBlock(key);
     }
@@ -235,7 +244,7 @@ bool StudioWindow::RequestWire(const Wire& wire) {
         ShowMessage(why, kTitle, MessageIcon::Exclamation);
         return false;
     }
-    return Step("connect the wire", [&] { undo_->push(new WireCommand(*project_, wire, true)); });
+    return Do("connect the wire", new WireCommand(*project_, wire, true));
 }
 
 void StudioWindow::SetValue(const std::string& key, const std::string& attribute,
@@ -245,7 +254,12 @@ void StudioWindow::SetValue(const std::string& key, const std::string& attribute
     }
     Step("set " + attribute, [&] {
         const BlockState before = StateOf(*project_, key);
-        project_->WriteValue(key, attribute, value);
+        try {
+            project_->WriteValue(key, attribute, value);
+        } catch (...) {
+            GuardedCall("take back the value", [&] { ApplyState(*project_, key, before); });
+            throw;
+        }
         const BlockState after = StateOf(*project_, key);
         if (before.values != after.values || before.wires != after.wires) {
             undo_->push(new ValuesCommand(*project_, key, before, after,
@@ -261,8 +275,7 @@ void StudioWindow::DeleteSelection() {
     // Once, rather than once for each selected item as it goes.
     scene_->clearSelection();
     if (!keys.empty() || !wires.empty()) {
-        Step("delete",
-             [&] { undo_->push(new DeleteCommand(*project_, std::move(keys), std::move(wires))); });
+        Do("delete", new DeleteCommand(*project_, std::move(keys), std::move(wires)));
     }
 }
 
@@ -349,7 +362,7 @@ bool StudioWindow::OpenProject(const QString& file) {
     view_->ZoomToFit();
     if (project_->MissingBlocks() > 0) {
         statusBar()->showMessage(
-            tr("%n block(s) of types the library lacks are kept but not shown.", nullptr,
+            tr("%n block(s) of types the library lacks are kept and drawn in grey.", nullptr,
                project_->MissingBlocks()));
     }
     return true;
@@ -521,8 +534,7 @@ void StudioWindow::ApplySettings(bool usUnits, bool shortFloat) {
     ProjectSettings next = project_->Settings();
     next.usUnits = usUnits;
     next.shortFloat = shortFloat;
-    Step("change the project settings",
-         [&] { undo_->push(new SettingsCommand(*project_, project_->Settings(), next)); });
+    Do("change the project settings", new SettingsCommand(*project_, project_->Settings(), next));
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
     OnSelectionChanged();

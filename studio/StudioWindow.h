@@ -97,6 +97,9 @@ private:
     void ApplySettings(bool usUnits, bool shortFloat);
     // Runs one step of the user's on the project, guarded; input waits until it is over.
     bool Step(const std::string& what, const std::function<void()>& body);
+    // One undoable step as a Step: done and put on the undo stack, or, when it fails halfway,
+    // taken back so that the project is as it was. The window owns the command until then.
+    bool Do(const std::string& what, QUndoCommand* command);
 
     BlockFactory factory_;
     std::shared_ptr<MessageLog> log_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
 #include <QObject>
 
@@ -18,8 +19,9 @@ BlockState StateOf(const StudioProject& project, const std::string& key) {
     return BlockState{project.Values(key), project.WiresOf(key)};
 }
 
-PlaceCommand::PlaceCommand(StudioProject& project, std::string type, QPointF pos)
-    : project_(project), type_(std::move(type)), pos_(pos) {
+PlaceCommand::PlaceCommand(StudioProject& project, std::string type, QPointF pos,
+                           std::string* placed)
+    : project_(project), type_(std::move(type)), pos_(pos), placed_(placed) {
     setText(QObject::tr("Place %1").arg(Q(type_)));
 }
 
@@ -28,6 +30,9 @@ void PlaceCommand::redo() {
         project_.RestoreBlock(saved_.first_child(), -1);
     } else {
         key_ = project_.AddBlock(type_, pos_);
+        if (placed_ != nullptr) {
+            *std::exchange(placed_, nullptr) = key_;
+        }
         if (key_.empty()) {
             setObsolete(true);
         }
@@ -74,17 +79,28 @@ void DeleteCommand::redo() {
     for (const std::string& key : keys_) {
         project_.BlockElement(key, saved_, root);
     }
-    positions_ = project_.RemoveBlocks(keys_);
+    // Known before any block goes, so that an undo after a failure halfway finds them.
+    positions_ = project_.PlacesOf(keys_);
+    project_.RemoveBlocks(keys_);
 }
 
 void DeleteCommand::undo() {
+    // Only what went comes back: a redo that failed halfway left the rest in place.
     std::vector<pugi::xml_node> elements;
+    std::vector<int> positions;
+    std::size_t i = 0;
     for (pugi::xml_node element : saved_.first_child().children()) {
-        elements.push_back(element);
+        if (i < positions_.size() && !project_.Block(keys_[i])) {
+            elements.push_back(element);
+            positions.push_back(positions_[i]);
+        }
+        ++i;
     }
-    project_.RestoreBlocks(elements, positions_);
+    project_.RestoreBlocks(elements, positions);
     for (const Wire& wire : wires_) {
-        project_.Connect(wire);
+        if (!project_.HasWire(wire)) {
+            project_.Connect(wire);
+        }
     }
     for (const auto& [key, values] : targetValues_) {
         project_.ApplyValues(key, values);
@@ -181,18 +197,22 @@ void ValuesCommand::undo() {
 }
 
 void ValuesCommand::Apply(const BlockState& state) {
+    ApplyState(project_, key_, state);
+}
+
+void ApplyState(StudioProject& project, const std::string& key, const BlockState& state) {
     // Wires that the state lacks go first, so that a type selector is free to change.
-    const std::vector<Wire> before = project_.WiresOf(key_);
+    const std::vector<Wire> before = project.WiresOf(key);
     for (const Wire& wire : before) {
         if (std::find(state.wires.begin(), state.wires.end(), wire) == state.wires.end()) {
-            project_.Disconnect(wire);
+            project.Disconnect(wire);
         }
     }
-    project_.ApplyValues(key_, state.values);
-    const std::vector<Wire> now = project_.WiresOf(key_);
+    project.ApplyValues(key, state.values);
+    const std::vector<Wire> now = project.WiresOf(key);
     for (const Wire& wire : state.wires) {
         if (std::find(now.begin(), now.end(), wire) == now.end()) {
-            project_.Connect(wire);
+            project.Connect(wire);
         }
     }
 }

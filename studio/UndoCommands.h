@@ -16,15 +16,18 @@ namespace zerbin::studio {
 
 class PlaceCommand : public QUndoCommand {
 public:
-    PlaceCommand(StudioProject& project, std::string type, QPointF pos);
+    // The new block's key goes to *placed as well, once: a command that places nothing is
+    // dropped by the undo stack as it is pushed.
+    PlaceCommand(StudioProject& project, std::string type, QPointF pos,
+                 std::string* placed = nullptr);
     void redo() override;
     void undo() override;
-    const std::string& Key() const { return key_; }
 
 private:
     StudioProject& project_;
     std::string type_;
     QPointF pos_;
+    std::string* placed_;
     std::string key_;
     pugi::xml_document saved_;
 };
@@ -122,5 +125,7 @@ private:
 };
 
 BlockState StateOf(const StudioProject& project, const std::string& key);
+// Brings the block's values and wires to the state.
+void ApplyState(StudioProject& project, const std::string& key, const BlockState& state);
 
 }  // namespace zerbin::studio

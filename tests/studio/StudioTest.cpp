@@ -485,7 +485,8 @@ private slots:
         const QString file = folder.filePath("old.xml");
         std::ofstream(file.toStdString())
             << "<Project><GONE_TYPE Key=\"Block1\" ExportIndex=\"0\"><UserName>Thermostat "
-               "1</UserName></GONE_TYPE><TYPE_MUX Key=\"Mux\" ExportIndex=\"1\"><Connection "
+               "1</UserName><X_Position>40</X_Position></GONE_TYPE><TYPE_MUX Key=\"Mux\" "
+               "ExportIndex=\"1\"><Connection "
                "Input=\"In1\" Source=\"Block1\" Output=\"Value\"/></TYPE_MUX></Project>";
         QVERIFY(window_->OpenProject(file));
         const std::string placed = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
@@ -498,6 +499,51 @@ private slots:
         QCOMPARE(window_->Project().MissingBlocks(), 1);
         QVERIFY(window_->Project().Wires().empty());
         QVERIFY(FileText(file).find("Source=\"Block1\"") != std::string::npos);
+        // Drawn as a stand-in at its place, with the output its wire names, and the wire.
+        QVERIFY(TerminalCentre(*window_, "Block1", "Value", true).x() > 40 + 100);
+        const auto drawn = [&] {
+            int wires = 0;
+            for (QGraphicsItem* item : window_->Scene().items()) {
+                const auto* wire = qgraphicsitem_cast<WireItem*>(item);
+                wires += wire && wire->isVisible() && wire->Connection().source == "Block1";
+            }
+            return wires;
+        };
+        QCOMPARE(drawn(), 1);
+        // Deleting the wired block takes the wire from the file; undo brings both back.
+        window_->Scene().SelectAll();
+        Trigger(*window_, "actionDelete");
+        QCOMPARE(drawn(), 0);
+        QVERIFY(window_->Project().Text().find("Source=\"Block1\"") == std::string::npos);
+        Trigger(*window_, "actionUndo");
+        QCOMPARE(drawn(), 1);
+        QVERIFY(window_->Project().Text().find("Source=\"Block1\"") != std::string::npos);
+    }
+
+    // A step that fails halfway is taken back whole: a delete that cannot save the third of
+    // four blocks (a name XML cannot carry) leaves every block, wire and reference, and no
+    // step to undo.
+    void aStepThatFailsHalfwayLeavesTheProjectAsItWas() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("pairs.xml");
+        std::ofstream(file.toStdString())
+            << "<Project><IO_CHANNEL Key=\"S1\"/><TYPE_MUX Key=\"M1\"><Connection Input=\"In1\" "
+               "Source=\"S1\" Output=\"Value\"/></TYPE_MUX><IO_CHANNEL Key=\"S2\"/><TYPE_MUX "
+               "Key=\"M2\"><Connection Input=\"In1\" Source=\"S2\" Output=\"Value\"/></TYPE_MUX>"
+               "</Project>";
+        QVERIFY(window_->OpenProject(file));
+        emit window_->Scene().renameRequested("S2", "Sensor\x1B");
+        auto* undo = window_->findChild<QUndoStack*>();
+        const int steps = undo->count();
+        const std::string reference = InputValue(*window_, "M1", "In1");
+        Trigger(*window_, "actionSelectAll");
+        Trigger(*window_, "actionDelete");
+        QVERIFY(LogHas(*window_, "Could not delete"));
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{4});
+        QCOMPARE(window_->Project().Wires().size(), std::size_t{2});
+        QCOMPARE(InputValue(*window_, "M1", "In1"), reference);
+        QCOMPARE(undo->count(), steps);
+        QVERIFY(!window_->Busy());
     }
 
     // A block whose type the library lacks is kept as it stands, said once, and written back.
