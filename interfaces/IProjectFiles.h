@@ -31,6 +31,11 @@ struct IProjectFiles : virtual IObject {
                                                                      std::string& why) = 0;
     virtual bool IProjectFiles_WriteText(const std::string& file, const std::string& what,
                                          const std::string& text, std::string& why) = 0;
+    // As ReadAs for a document that comes as text (blocks on the host's clipboard): "cannot
+    // read WHAT: REASON".
+    virtual std::shared_ptr<pugi::xml_document> IProjectFiles_ReadText(const std::string& text,
+                                                                       const std::string& what,
+                                                                       std::string& why) = 0;
 };
 
 }  // namespace zerbin

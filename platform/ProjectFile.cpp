@@ -178,6 +178,16 @@ std::shared_ptr<pugi::xml_document> ProjectFile::Read() const {
     return document;
 }
 
+std::shared_ptr<pugi::xml_document> ReadDocumentText(std::string_view text,
+                                                     const std::string& what) {
+    xml::ParseError error;
+    std::shared_ptr<pugi::xml_document> document = xml::LoadString(text, &error);
+    if (!document) {
+        throw ProjectFileError("cannot read " + what + ": " + LowerFirst(error.reason), 0);
+    }
+    return document;
+}
+
 void ProjectFile::Write(const pugi::xml_document& document) const {
     std::ostringstream text;
     try {

@@ -59,4 +59,9 @@ private:
     std::string what_;
 };
 
+// A document that comes as text rather than a file (a host's clipboard), read as strictly as a
+// project file. Throws ProjectFileError "cannot read WHAT: REASON".
+std::shared_ptr<pugi::xml_document> ReadDocumentText(std::string_view text,
+                                                     const std::string& what);
+
 }  // namespace zerbin

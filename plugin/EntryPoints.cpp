@@ -129,6 +129,16 @@ public:
             return false;
         }
     }
+    std::shared_ptr<pugi::xml_document> IProjectFiles_ReadText(const std::string& text,
+                                                               const std::string& what,
+                                                               std::string& why) override {
+        try {
+            return zerbin::ReadDocumentText(text, what);
+        } catch (const zerbin::ProjectFileError& error) {
+            why = error.what();
+            return nullptr;
+        }
+    }
 };
 
 }  // namespace

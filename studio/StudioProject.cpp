@@ -137,6 +137,14 @@ bool StudioProject::NameTaken(const std::string& name) const {
     });
 }
 
+std::string StudioProject::FreeName(const std::string& wanted) const {
+    std::string name = wanted;
+    for (int more = 2; NameTaken(name); ++more) {
+        name = wanted + "." + std::to_string(more);
+    }
+    return name;
+}
+
 void StudioProject::KeepBlock(pugi::xml_node element) {
     kept_.Keep(element);
     int16_t exportIndex = 0;
@@ -160,11 +168,8 @@ int16_t StudioProject::NextExportIndex() {
     return static_cast<int16_t>(exportIndexes_.size() % (kLast + 1));
 }
 
-std::string StudioProject::CreateBlock(const std::string& type, const std::string& key,
-                                       int16_t exportIndex) {
-    // The order a host must keep: dictionary, type, what the members load with, creation,
-    // then keys, parent and listener.
-    Context(type + " " + key);
+std::shared_ptr<IAppObject> StudioProject::MakeBlock(const std::string& type) const {
+    // The order a host must keep: dictionary, type, what the members load with, creation.
     std::shared_ptr<IAppObject> block = factory_.CreateBlock();
     block->IAppObject_XmlSNVTDoc(dictionary_);
     int32_t errorCode = 0;
@@ -172,6 +177,14 @@ std::string StudioProject::CreateBlock(const std::string& type, const std::strin
     block->IAppObject_OwnerDeviceXML(ownerDevice_);
     block->IAppObject_ManageShortFloat(settings_.shortFloat);
     block->IAppObject_Create();
+    return block;
+}
+
+std::string StudioProject::CreateBlock(const std::string& type, const std::string& key,
+                                       int16_t exportIndex) {
+    // Then keys, parent and listener.
+    Context(type + " " + key);
+    std::shared_ptr<IAppObject> block = MakeBlock(type);
     block->IAppObject_GlobalKey(key);
     block->IAppObject_ExtendedKey(key);
     block->IAppObject_Parent(macro_);
@@ -201,11 +214,7 @@ std::string StudioProject::AddBlock(const std::string& type, QPointF pos, std::s
     block->IAppObject_YPosition(pos.y());
     // A new block is named after its type and its number, as an engineer would name it; a
     // name some block has already gets the next number.
-    std::string name = block->IAppObject_Name() + " " + key.substr(5);
-    for (int more = 2; NameTaken(name); ++more) {
-        name = block->IAppObject_Name() + " " + key.substr(5) + "." + std::to_string(more);
-    }
-    block->IAppObject_UserName(name);
+    block->IAppObject_UserName(FreeName(block->IAppObject_Name() + " " + key.substr(5)));
     emit blockAdded(key);
     return key;
 }

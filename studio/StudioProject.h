@@ -89,6 +89,25 @@ public:
     // One value write; false when the block refused it (the value did not change).
     bool WriteValue(const std::string& key, const std::string& attribute, const std::string& value);
 
+    // ---- Copies and many values at once ----
+    // The blocks as the text of a project document: their elements, with the wires among them.
+    std::string CopyText(const std::vector<std::string>& keys) const;
+    // The document of a copy's text, read as strictly as a project file; nullptr with the
+    // reason in *why when it is no project.
+    static std::shared_ptr<pugi::xml_document> ReadCopy(const std::string& text, std::string* why);
+    // Adds the blocks of a copy's root, moved by offset, each under a key, export index and
+    // name of its own, and the wires among them. Each new key goes to keys as its block comes,
+    // so that a paste that fails halfway can be taken back; a block of a type the library
+    // lacks is left out and said once for its type.
+    void PasteBlocks(pugi::xml_node root, QPointF offset, std::vector<std::string>& keys);
+    // The values of the first block of a copy's root, by attribute name.
+    static ValueSnapshot CopiedValues(pugi::xml_node root);
+    // Writes each value whose attribute the block has and whose rules take it, a unit selector
+    // first; gives "NAME: why" for each one not written.
+    std::vector<std::string> WriteValues(const std::string& key, const ValueSnapshot& values);
+    // The values a new block of the block's type starts with.
+    ValueSnapshot DefaultValues(const std::string& key) const;
+
     // ---- Wires ----
     // Empty when the wire can be made, else why not, in the user's words.
     std::string WhyNotConnect(const Wire& wire) const;
@@ -179,6 +198,10 @@ private:
     std::string WhyNot(const Wire& wire, const Ends& ends) const;
     Entry* Find(const std::string& key) const;
     bool NameTaken(const std::string& name) const;
+    // The name, or the name with the lowest number after it that no block has.
+    std::string FreeName(const std::string& wanted) const;
+    // A block of the type as the project makes them, not in the project.
+    std::shared_ptr<IAppObject> MakeBlock(const std::string& type) const;
     void KeepBlock(pugi::xml_node element);
     std::string NextKey();
     int16_t NextExportIndex();

@@ -247,28 +247,6 @@ bool StudioWindow::RequestWire(const Wire& wire) {
     return Do("connect the wire", new WireCommand(*project_, wire, true));
 }
 
-void StudioWindow::SetValue(const std::string& key, const std::string& attribute,
-                            const std::string& value) {
-    if (!project_->Block(key)) {
-        return;
-    }
-    Step("set " + attribute, [&] {
-        const BlockState before = StateOf(*project_, key);
-        try {
-            project_->WriteValue(key, attribute, value);
-        } catch (...) {
-            GuardedCall("take back the value", [&] { ApplyState(*project_, key, before); });
-            throw;
-        }
-        const BlockState after = StateOf(*project_, key);
-        if (before.values != after.values || before.wires != after.wires) {
-            undo_->push(new ValuesCommand(*project_, key, before, after,
-                                          tr("Set %1 to %2").arg(Q(attribute), Q(value))));
-        }
-    });
-    parameters_->Refresh();
-}
-
 void StudioWindow::DeleteSelection() {
     std::vector<std::string> keys = scene_->SelectedBlocks();
     std::vector<Wire> wires = scene_->SelectedWires();
@@ -294,10 +272,12 @@ void StudioWindow::OnSelectionChanged() {
     }
     const std::vector<std::string> keys = scene_->SelectedBlocks();
     selected_ = keys.size() == 1 ? keys.front() : std::string();
-    const std::shared_ptr<IAppObject> block = project_->Block(selected_);
+    // With several selected, the first one's values show; a value set there goes to each.
+    const std::string shown = keys.empty() ? std::string() : keys.front();
+    const std::shared_ptr<IAppObject> block = project_->Block(shown);
     GuardedCall("show the block", [&] {
         bytes_->ShowBlock(block);
-        parameters_->ShowBlock(selected_, block);
+        parameters_->ShowBlock(shown, block);
     });
 }
 

@@ -65,7 +65,21 @@ public slots:
     bool RequestWire(const Wire& wire);
     void SetValue(const std::string& key, const std::string& attribute, const std::string& value);
     void DeleteSelection();
+    // The selected blocks with the wires among them, on the clipboard as a project's text
+    // that another studio pastes as well; Cut deletes them as it copies.
+    void CopySelection();
+    void CutSelection();
+    // The clipboard's blocks added under keys, export indexes and names of their own, moved a
+    // little from the copied ones each time, and selected. One undoable step.
+    void Paste();
+    void DuplicateSelection();
+    // The clipboard's first block's values written by name to each selected block where the
+    // block has the parameter and takes the value; the rest is listed in the log.
+    void PasteParameters();
+    // The selected blocks' values back to their type's; names, places and wires stay.
+    void ResetSelection();
     void SelectBlock(const std::string& key);
+    void SelectBlocks(const std::vector<std::string>& keys);
     // Opens the block's parameter list (IAppObject_Show).
     void ShowParameters(const std::string& key);
     // The file actions after their dialogs.
@@ -100,6 +114,12 @@ private:
     // One undoable step as a Step: done and put on the undo stack, or, when it fails halfway,
     // taken back so that the project is as it was. The window owns the command until then.
     bool Do(const std::string& what, QUndoCommand* command);
+    // Writes values into each of the blocks as one undoable step named text; write gives the
+    // values a block did not take, "NAME: why", which are told in the log.
+    void WriteBlocks(const std::string& what, const QString& text,
+                     const std::vector<std::string>& keys,
+                     const std::function<std::vector<std::string>(const std::string&)>& write);
+    void PasteText(const std::string& text, const QString& step);
 
     BlockFactory factory_;
     std::shared_ptr<MessageLog> log_;
@@ -126,6 +146,9 @@ private:
     int busy_ = 0;
     std::string stepName_;
     QProgressDialog* progress_ = nullptr;
+    // How many times the clipboard's blocks were pasted since they were copied: each paste
+    // lands a step further from the copied blocks.
+    int pastes_ = 0;
     bool saveWanted_ = false;
     QString saveAsWanted_;
     std::function<QString()> askSaveName_;

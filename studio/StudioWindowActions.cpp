@@ -114,6 +114,15 @@ void StudioWindow::BuildActions() {
     connect(undo_, &QUndoStack::canUndoChanged, undo, &QAction::setEnabled);
     connect(undo_, &QUndoStack::canRedoChanged, redo, &QAction::setEnabled);
     edit->addSeparator();
+    add(edit, "actionCut", tr("Cu&t"), QKeySequence::Cut, [this] { CutSelection(); });
+    add(edit, "actionCopy", tr("&Copy"), QKeySequence::Copy, [this] { CopySelection(); });
+    add(edit, "actionPaste", tr("&Paste"), QKeySequence::Paste, [this] { Paste(); });
+    add(edit, "actionDuplicate", tr("D&uplicate"), QKeySequence(Qt::CTRL | Qt::Key_D),
+        [this] { DuplicateSelection(); });
+    add(edit, "actionPasteParameters", tr("Paste para&meters"),
+        QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V), [this] { PasteParameters(); });
+    add(edit, "actionReset", tr("Reset to &defaults"), QKeySequence(),
+        [this] { ResetSelection(); });
     add(edit, "actionDelete", tr("&Delete"), QKeySequence::Delete, [this] { DeleteSelection(); });
     add(edit, "actionRename", tr("Re&name"), QKeySequence(Qt::Key_F2), [this] {
         if (!selected_.empty()) {

@@ -107,6 +107,51 @@ void DeleteCommand::undo() {
     }
 }
 
+PasteCommand::PasteCommand(StudioProject& project, std::shared_ptr<const pugi::xml_document> copy,
+                           QPointF offset, const QString& text)
+    : project_(project), copy_(std::move(copy)), offset_(offset) {
+    setText(text);
+}
+
+void PasteCommand::redo() {
+    if (!saved_.first_child()) {
+        keys_.clear();
+        project_.PasteBlocks(copy_->document_element(), offset_, keys_);
+        if (keys_.empty()) {
+            setObsolete(true);
+        }
+        return;
+    }
+    std::vector<pugi::xml_node> elements;
+    std::vector<int> positions;
+    for (pugi::xml_node element : saved_.first_child().children()) {
+        positions.push_back(static_cast<int>(project_.BlockKeys().size() + elements.size()));
+        elements.push_back(element);
+    }
+    project_.RestoreBlocks(elements, positions);
+    for (const Wire& wire : wires_) {
+        if (!project_.HasWire(wire)) {
+            project_.Connect(wire);
+        }
+    }
+}
+
+void PasteCommand::undo() {
+    saved_.reset();
+    pugi::xml_node root = saved_.append_child("Pasted");
+    wires_.clear();
+    std::unordered_set<Wire, WireHash> listed;
+    for (const std::string& key : keys_) {
+        project_.BlockElement(key, saved_, root);
+        for (const Wire& wire : project_.WiresOf(key)) {
+            if (listed.insert(wire).second) {
+                wires_.push_back(wire);
+            }
+        }
+    }
+    project_.RemoveBlocks(keys_);
+}
+
 SettingsCommand::SettingsCommand(StudioProject& project, ProjectSettings from, ProjectSettings to)
     : project_(project), from_(from), to_(to) {
     setText(QObject::tr("Project settings"));
@@ -176,8 +221,9 @@ void WireCommand::undo() {
 }
 
 ValuesCommand::ValuesCommand(StudioProject& project, std::string key, BlockState before,
-                             BlockState after, const QString& text)
-    : project_(project),
+                             BlockState after, const QString& text, QUndoCommand* parent)
+    : QUndoCommand(parent),
+      project_(project),
       key_(std::move(key)),
       before_(std::move(before)),
       after_(std::move(after)) {

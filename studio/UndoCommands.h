@@ -2,6 +2,7 @@
 // still finds its block after the block was deleted and restored by other steps.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -46,6 +47,24 @@ private:
     std::vector<int> positions_;
     // The values of the blocks that stay at the wires' far ends, to put back on undo.
     std::vector<std::pair<std::string, ValueSnapshot>> targetValues_;
+    pugi::xml_document saved_;
+};
+
+// Adds the blocks of a copy, with the wires among them; an undo takes them away and a redo
+// brings them back under the same keys.
+class PasteCommand : public QUndoCommand {
+public:
+    PasteCommand(StudioProject& project, std::shared_ptr<const pugi::xml_document> copy,
+                 QPointF offset, const QString& text);
+    void redo() override;
+    void undo() override;
+
+private:
+    StudioProject& project_;
+    std::shared_ptr<const pugi::xml_document> copy_;
+    QPointF offset_;
+    std::vector<std::string> keys_;
+    std::vector<Wire> wires_;
     pugi::xml_document saved_;
 };
 
@@ -110,7 +129,7 @@ struct BlockState {
 class ValuesCommand : public QUndoCommand {
 public:
     ValuesCommand(StudioProject& project, std::string key, BlockState before, BlockState after,
-                  const QString& text);
+                  const QString& text, QUndoCommand* parent = nullptr);
     void redo() override;
     void undo() override;
 

@@ -1,6 +1,7 @@
 // Scenarios of the studio as a user drives it: drop blocks from the palette, draw wires
 // between terminals, move and rename on the canvas, set values, undo and redo, save and open.
 #include <QApplication>
+#include <QClipboard>
 #include <QGraphicsProxyWidget>
 #include <QLineEdit>
 #include <QMimeData>
@@ -544,6 +545,84 @@ private slots:
         QCOMPARE(InputValue(*window_, "M1", "In1"), reference);
         QCOMPARE(undo->count(), steps);
         QVERIFY(!window_->Busy());
+    }
+
+    // Copied blocks come back with the wires among them (not those to blocks left behind),
+    // under keys and names of their own, a step from the copied ones; undo takes the paste
+    // away and redo brings back the same blocks. Another project takes the clipboard as well.
+    void copiesKeepTheWiresAmongTheBlocks() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("pair.xml");
+        std::ofstream(file.toStdString())
+            << "<Project><IO_CHANNEL Key=\"S1\"><UserName>Sensor</UserName></IO_CHANNEL>"
+               "<TYPE_MUX Key=\"M1\"><UserName>Mux</UserName><Connection Input=\"In1\" "
+               "Source=\"S1\" Output=\"Value\"/></TYPE_MUX><TYPE_MUX Key=\"M2\"><Connection "
+               "Input=\"In1\" Source=\"S1\" Output=\"Value\"/></TYPE_MUX></Project>";
+        QVERIFY(window_->OpenProject(file));
+        const std::string opened = window_->Project().Text();
+        window_->SelectBlocks({"S1", "M1"});
+        Trigger(*window_, "actionCopy");
+        Trigger(*window_, "actionPaste");
+        const std::vector<std::string> keys = window_->Project().BlockKeys();
+        QCOMPARE(keys.size(), std::size_t{5});
+        const std::string sensor = keys[3];
+        const std::string mux = keys[4];
+        QCOMPARE(window_->Scene().SelectedBlocks(), (std::vector<std::string>{sensor, mux}));
+        QCOMPARE(window_->Project().WiresOf(sensor),
+                 (std::vector<Wire>{{sensor, "Value", mux, "In1"}}));
+        QCOMPARE(window_->Project().Block(sensor)->IAppObject_UserName(), std::string("Sensor.2"));
+        QCOMPARE(window_->Project().Block(mux)->IAppObject_XPosition(),
+                 window_->Project().Block("M1")->IAppObject_XPosition() + 30);
+        const std::string pasted = window_->Project().Text();
+        Trigger(*window_, "actionUndo");
+        QCOMPARE(window_->Project().Text(), opened);
+        Trigger(*window_, "actionRedo");
+        QCOMPARE(window_->Project().Text(), pasted);
+        // Duplicate leaves the clipboard; a new project pastes what it holds.
+        window_->SelectBlocks({sensor, mux});
+        Trigger(*window_, "actionDuplicate");
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{7});
+        window_->NewProject();
+        Trigger(*window_, "actionPaste");
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{2});
+        QCOMPARE(window_->Project().Wires().size(), std::size_t{1});
+        QApplication::clipboard()->setText("<Project><unclosed></Project>");
+        Trigger(*window_, "actionPaste");
+        QVERIFY(LogHas(*window_, "Cannot paste: cannot read the clipboard"));
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{2});
+    }
+
+    // Values go to several blocks in one step each way: a value set with several selected,
+    // parameters pasted by name (a block without the parameter is listed, not written), and
+    // a reset to the type's values. Each is undone whole.
+    void valuesGoToEverySelectedBlockThatTakesThem() {
+        const std::string a = Drop(*window_, "THERMOSTAT", QPoint(100, 100));
+        const std::string b = Drop(*window_, "THERMOSTAT", QPoint(100, 300));
+        const std::string pid = Drop(*window_, "PID_LOOP", QPoint(400, 100));
+        const std::string start = Value(*window_, a, "HeatSetpoint");
+        window_->SelectBlocks({a, b});
+        window_->SetValue(a, "HeatSetpoint", "23");
+        QCOMPARE(Value(*window_, b, "HeatSetpoint"), std::string("23"));
+        Trigger(*window_, "actionUndo");
+        QCOMPARE(Value(*window_, a, "HeatSetpoint"), start);
+        QCOMPARE(Value(*window_, b, "HeatSetpoint"), start);
+
+        window_->SelectBlocks({a});
+        window_->SetValue(a, "HeatSetpoint", "25");
+        Trigger(*window_, "actionCopy");
+        window_->SelectBlocks({b, pid});
+        Trigger(*window_, "actionPasteParameters");
+        QCOMPARE(Value(*window_, b, "HeatSetpoint"), std::string("25"));
+        QVERIFY(LogHas(*window_, "HeatSetpoint: the block has no such parameter"));
+        Trigger(*window_, "actionUndo");
+        QCOMPARE(Value(*window_, b, "HeatSetpoint"), start);
+
+        window_->SelectBlocks({a});
+        Trigger(*window_, "actionReset");
+        QCOMPARE(Value(*window_, a, "HeatSetpoint"), start);
+        QVERIFY(window_->Project().Block(a)->IAppObject_UserName() != "");
+        Trigger(*window_, "actionUndo");
+        QCOMPARE(Value(*window_, a, "HeatSetpoint"), std::string("25"));
     }
 
     // A block whose type the library lacks is kept as it stands, said once, and written back.
