@@ -178,19 +178,95 @@ void CanvasScene::AddAll() {
     AddStandIns();
     adding_ = false;
     if (!bounds_.isNull()) {
-        setSceneRect(bounds_);
+        SetRect(bounds_);
     }
 }
 
 void CanvasScene::Grow(const QRectF& sceneArea) {
-    // Like Qt's own bounds, these only grow while the project is open.
+    // Like Qt's own bounds, these only grow while the project is open; and not while the user
+    // holds a block or a wire, so that nothing moves under the hand.
     const QRectF grown = bounds_.isNull() ? sceneArea : bounds_ | sceneArea;
     if (grown != bounds_) {
         bounds_ = grown;
-        if (!adding_) {
-            setSceneRect(bounds_);
+        if (!adding_ && !holding_) {
+            SetRect(bounds_);
         }
     }
+}
+
+void CanvasScene::SetRect(const QRectF& rect) {
+    // A view keeps the scene's point at its top left corner, so that what it shows stays where
+    // it was: scroll bars with a new range would otherwise move it.
+    std::vector<std::pair<QGraphicsView*, QPointF>> corners;
+    for (QGraphicsView* view : views()) {
+        corners.emplace_back(view, view->mapToScene(0, 0));
+    }
+    setSceneRect(rect);
+    for (const auto& [view, corner] : corners) {
+        const QPoint shift = view->mapFromScene(corner);
+        view->horizontalScrollBar()->setValue(view->horizontalScrollBar()->value() + shift.x());
+        view->verticalScrollBar()->setValue(view->verticalScrollBar()->value() + shift.y());
+    }
+}
+
+void CanvasScene::CoverView(const QRectF& visible) {
+    Grow(visible);
+}
+
+QPointF CanvasScene::Snapped(QPointF pos) const {
+    if (!snap_) {
+        return pos;
+    }
+    return QPointF(std::round(pos.x() / kGrid) * kGrid, std::round(pos.y() / kGrid) * kGrid);
+}
+
+Wire CanvasScene::WireTo(const TerminalRef& end) const {
+    const TerminalRef& from = *dragFrom_;
+    const TerminalRef& output = from.output ? from : end;
+    const TerminalRef& input = from.output ? end : from;
+    return Wire{output.block, output.name, input.block, input.name};
+}
+
+CanvasScene::Guide CanvasScene::GuideOf(const std::string& key, const std::string& terminal,
+                                        bool output) const {
+    if (!dragFrom_) {
+        return Guide::Plain;
+    }
+    if (output == dragFrom_->output) {
+        return Guide::Dimmed;
+    }
+    const std::string id = key + '\n' + terminal;
+    auto found = takes_.find(id);
+    if (found == takes_.end()) {
+        const bool takes = project_.Block(key) &&
+                           project_.WhyNotConnect(WireTo({key, terminal, output, {}})).empty();
+        found = takes_.emplace(id, takes).first;
+    }
+    return found->second ? Guide::Lit : Guide::Dimmed;
+}
+
+std::optional<TerminalRef> CanvasScene::TakerNear(QPointF scenePos) const {
+    // Within a few pixels of the pointer, the nearest terminal that takes the wire.
+    constexpr qreal kReach = 14;
+    const QRectF near(scenePos - QPointF(kReach, kReach), QSizeF(2 * kReach, 2 * kReach));
+    std::optional<TerminalRef> best;
+    qreal bestDistance = kReach;
+    for (QGraphicsItem* item : items(near)) {
+        const auto* block = qgraphicsitem_cast<const BlockItem*>(item);
+        if (block == nullptr || block->StandIn()) {
+            continue;
+        }
+        for (const Terminal& terminal : block->Terminals()) {
+            const QPointF at = block->mapToScene(terminal.centre);
+            const qreal distance = QLineF(at, scenePos).length();
+            if (distance <= bestDistance &&
+                GuideOf(block->Key(), terminal.name, terminal.output) == Guide::Lit) {
+                bestDistance = distance;
+                best = TerminalRef{block->Key(), terminal.name, terminal.output, at};
+            }
+        }
+    }
+    return best;
 }
 
 QRectF CanvasScene::ItemsBounds() const {
@@ -428,10 +504,14 @@ std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {
 }
 
 void CanvasScene::mousePressEvent(QGraphicsSceneMouseEvent* event) {
+    holding_ = true;
     if (event->button() == Qt::LeftButton) {
         if (std::optional<TerminalRef> terminal = TerminalAt(event->scenePos())) {
             dragFrom_ = std::move(terminal);
+            takes_.clear();
             dragWire_ = addPath(QPainterPath(), QPen(QColor(0x2a, 0x7a, 0xd0), 2, Qt::DashLine));
+            // The terminals light up or dim as they are painted.
+            update();
             event->accept();
             return;
         }
@@ -455,21 +535,34 @@ void CanvasScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event) {
 }
 
 void CanvasScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event) {
+    holding_ = false;
     if (dragFrom_) {
-        const TerminalRef from = *dragFrom_;
+        // A release near a terminal that takes the wire lands on it; one on a terminal that
+        // does not is asked for, so that the user hears why not.
+        std::optional<TerminalRef> to = TakerNear(event->scenePos());
+        if (!to) {
+            to = TerminalAt(event->scenePos());
+        }
+        const std::optional<Wire> wire =
+            to && to->output != dragFrom_->output ? std::optional<Wire>(WireTo(*to)) : std::nullopt;
         dragFrom_.reset();
+        takes_.clear();
         delete dragWire_;
         dragWire_ = nullptr;
-        const std::optional<TerminalRef> to = TerminalAt(event->scenePos());
-        if (to && to->output != from.output) {
-            const TerminalRef& output = from.output ? from : *to;
-            const TerminalRef& input = from.output ? *to : from;
-            emit wireRequested(Wire{output.block, output.name, input.block, input.name});
+        update();
+        if (!bounds_.isNull()) {
+            SetRect(bounds_);
+        }
+        if (wire) {
+            emit wireRequested(*wire);
         }
         event->accept();
         return;
     }
     QGraphicsScene::mouseReleaseEvent(event);
+    if (!bounds_.isNull()) {
+        SetRect(bounds_);
+    }
     std::vector<BlockMove> moves;
     for (const auto& [key, from] : pressed_) {
         const BlockItem* item = Item(key);
@@ -550,15 +643,41 @@ CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scen
     // Every item sets the pen, brush and font it draws with: saving and restoring the painter
     // around each of a hundred thousand items would cost more than drawing them.
     setOptimizationFlag(DontSavePainterState);
+    // Scroll bars that came and went as the drawing grows would change the view's size, and
+    // the view would move what it shows under the user's hand.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
 }
 
 void CanvasView::ZoomBy(qreal factor) {
     const qreal next = std::clamp(Zoom() * factor, 0.05, 8.0);
     scale(next / Zoom(), next / Zoom());
+    Cover();
 }
 
 void CanvasView::SetZoom(qreal zoom) {
     setTransform(QTransform::fromScale(zoom, zoom));
+    Cover();
+}
+
+QPointF CanvasView::Centre() const {
+    return mapToScene(viewport()->rect().center());
+}
+
+void CanvasView::Cover() {
+    if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+        canvas->CoverView(mapToScene(viewport()->rect()).boundingRect());
+    }
+}
+
+void CanvasView::resizeEvent(QResizeEvent* event) {
+    QGraphicsView::resizeEvent(event);
+    Cover();
+}
+
+void CanvasView::scrollContentsBy(int dx, int dy) {
+    QGraphicsView::scrollContentsBy(dx, dy);
+    Cover();
 }
 
 void CanvasView::ZoomToFit(qreal maxZoom) {
@@ -570,6 +689,7 @@ void CanvasView::ZoomToFit(qreal maxZoom) {
             setTransform(QTransform::fromScale(maxZoom, maxZoom));
             centerOn(bounds.center());
         }
+        Cover();
     }
 }
 

@@ -228,7 +228,7 @@ void StudioWindow::ShowProgress(int percent) {
 
 std::string StudioWindow::PlaceBlock(const std::string& type, QPointF scenePos) {
     std::string key;
-    Do("place the block", new PlaceCommand(*project_, type, scenePos, &key));
+    Do("place the block", new PlaceCommand(*project_, type, scene_->Snapped(scenePos), &key));
     if (!key.empty()) {
         SelectBlock(key);
     }
@@ -241,7 +241,8 @@ bool StudioWindow::RequestWire(const Wire& wire) {
         log_->SetBlock(Q(project_->Block(wire.target)
                              ? project_->Block(wire.target)->IAppObject_UserName()
                              : wire.target));
-        ShowMessage(why, kTitle, MessageIcon::Exclamation);
+        log_->Note(Message{why, kTitle, MessageIcon::Exclamation, MessageButtons::Ok});
+        statusBar()->showMessage(Q(why), 10000);
         return false;
     }
     return Do("connect the wire", new WireCommand(*project_, wire, true));

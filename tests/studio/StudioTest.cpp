@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QStandardPaths>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -13,6 +14,7 @@
 
 #include <sys/resource.h>
 
+#include <cmath>
 #include <csignal>
 #include <fstream>
 #include <sstream>
@@ -158,20 +160,55 @@ private slots:
         QTest::newRow("105 to a 95,22 input") << QString("Select") << false;
     }
 
-    // An input channel's Value (105) wired to a multiplexer (In1: 105, Select: 95,22).
+    // A wire dragged from an input channel's Value (SNVT_temp_p) lights the inputs of a
+    // multiplexer that take it (In1: 105; Select: 95,22 does not); released a few pixels off
+    // one that takes it, it lands there. A refusal is told in the status bar and the log, by
+    // the types' names, and opens no box.
     void wiresAreCheckedAgainstTheInputsTypes() {
         QFETCH(QString, input);
         QFETCH(bool, accepted);
+        int boxes = 0;
+        window_->Log().SetPresenter([&](const Message&) {
+            ++boxes;
+            return kMessageOk;
+        });
         const std::string sensor = Drop(*window_, "IO_CHANNEL", QPoint(120, 120));
         const std::string mux = Drop(*window_, "TYPE_MUX", QPoint(450, 120));
         const Wire wire{sensor, "Value", mux, input.toStdString()};
-        DrawWire(*window_, wire);
+        QWidget* viewport = window_->View().viewport();
+        const QPoint from = ViewPoint(*window_, TerminalCentre(*window_, sensor, "Value", true));
+        const QPoint to =
+            ViewPoint(*window_, TerminalCentre(*window_, mux, wire.input, false)) + QPoint(5, 4);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        QTest::mouseMove(viewport, to);
+        QCOMPARE(window_->Scene().GuideOf(mux, wire.input, false) == CanvasScene::Guide::Lit,
+                 accepted);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
         const auto& wires = window_->Project().Wires();
         QCOMPARE(std::find(wires.begin(), wires.end(), wire) != wires.end(), accepted);
         QCOMPARE(LogHas(*window_, "Cannot connect"), !accepted);
+        QCOMPARE(window_->statusBar()->currentMessage().contains("SNVT_temp_p"), !accepted);
+        QCOMPARE(boxes, 0);
         // The input's reference is the output's code, or nothing was written.
         QCOMPARE(InputValue(*window_, mux, wire.input),
                  accepted ? Reference(*window_, sensor, wire.output) : std::string());
+    }
+
+    // On an empty canvas as beside other blocks, a dropped block lands under the pointer, on
+    // the grid, and the view does not move.
+    void aDroppedBlockLandsUnderThePointer() {
+        const std::vector<QPoint> points{{300, 200}, {80, 500}, {600, 40}};
+        std::vector<std::string> keys;
+        for (const QPoint& at : points) {
+            keys.push_back(Drop(*window_, "THERMOSTAT", at));
+        }
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const std::shared_ptr<IAppObject> block = window_->Project().Block(keys[i]);
+            const QPointF pos(block->IAppObject_XPosition(), block->IAppObject_YPosition());
+            QVERIFY((ViewPoint(*window_, pos) - points[i]).manhattanLength() <=
+                    2 * CanvasScene::kGrid);
+            QCOMPARE(std::fmod(pos.x(), CanvasScene::kGrid), 0.0);
+        }
     }
 
     // Over a terminal the block names it and shows the cursor of a wire's start.
