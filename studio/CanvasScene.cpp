@@ -668,6 +668,7 @@ void CanvasView::Cover() {
     if (auto* canvas = static_cast<CanvasScene*>(scene())) {
         canvas->CoverView(mapToScene(viewport()->rect()).boundingRect());
     }
+    emit zoomed(Zoom());
 }
 
 void CanvasView::resizeEvent(QResizeEvent* event) {

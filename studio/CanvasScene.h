@@ -175,6 +175,8 @@ public:
 
 signals:
     void placeRequested(const std::string& type, QPointF scenePos);
+    // The view's magnification, told whenever it may have changed.
+    void zoomed(qreal zoom);
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;

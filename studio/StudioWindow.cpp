@@ -1,5 +1,6 @@
 #include "studio/StudioWindow.h"
 
+#include <cmath>
 #include <utility>
 
 #include <QAction>
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 #include <QKeySequence>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressDialog>
@@ -19,6 +21,7 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUndoStack>
+#include <QVBoxLayout>
 
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
@@ -100,7 +103,17 @@ StudioWindow::StudioWindow(QWidget* parent)
 
     auto* paletteDock = new QDockWidget(tr("Library"), this);
     paletteDock->setObjectName("library");
-    paletteDock->setWidget(palette_);
+    auto* paletteBox = new QWidget(paletteDock);
+    auto* search = new QLineEdit(paletteBox);
+    search->setObjectName("paletteSearch");
+    search->setPlaceholderText(tr("Search blocks"));
+    search->setClearButtonEnabled(true);
+    connect(search, &QLineEdit::textChanged, palette_, &Palette::Filter);
+    auto* paletteLayout = new QVBoxLayout(paletteBox);
+    paletteLayout->setContentsMargins(0, 0, 0, 0);
+    paletteLayout->addWidget(search);
+    paletteLayout->addWidget(palette_);
+    paletteDock->setWidget(paletteBox);
     addDockWidget(Qt::LeftDockWidgetArea, paletteDock);
     addDockWidget(Qt::RightDockWidgetArea, parameters_);
     addDockWidget(Qt::RightDockWidgetArea, bytes_);
@@ -134,6 +147,10 @@ StudioWindow::StudioWindow(QWidget* parent)
 
     BuildActions();
     UpdateTitle();
+    zoomLabel_ = new QLabel(tr("100 %"), this);
+    zoomLabel_->setObjectName("zoom");
+    zoomLabel_->setToolTip(tr("Zoom"));
+    statusBar()->addPermanentWidget(zoomLabel_);
     libraryLabel_ = new QLabel(this);
     statusBar()->addPermanentWidget(libraryLabel_);
     ShowLibrary();
@@ -167,12 +184,19 @@ void StudioWindow::MakeProject() {
     project_ = new StudioProject(factory_, dictionary_, ownerDevice_, this);
     project_->SetContextHook([this](const std::string& block) { log_->SetBlock(Q(block)); });
     scene_ = new CanvasScene(*project_, this);
+    scene_->SetSnap(snap_ == nullptr || snap_->isChecked());
+    found_.clear();
     // One view for the window's life: a new central widget would lose the docks' sizes.
     if (view_ == nullptr) {
         view_ = new CanvasView(scene_);
         view_->setObjectName("canvas");
         setCentralWidget(view_);
         connect(view_, &CanvasView::placeRequested, this, &StudioWindow::PlaceBlock);
+        connect(view_, &CanvasView::zoomed, this, [this](qreal zoom) {
+            if (zoomLabel_ != nullptr) {
+                zoomLabel_->setText(tr("%1 %").arg(std::lround(zoom * 100)));
+            }
+        });
     } else {
         view_->setScene(scene_);
         view_->SetZoom(1.0);

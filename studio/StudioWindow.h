@@ -21,8 +21,11 @@
 #include "studio/UndoCommands.h"
 
 class QLabel;
+class QLineEdit;
+class QPrinter;
 class QMenu;
 class QProgressDialog;
+class QPainter;
 class QUndoStack;
 
 namespace zerbin::studio {
@@ -58,6 +61,8 @@ public:
     // an empty name declines.
     void SetSaveNameQuestion(std::function<QString()> ask) { askSaveName_ = std::move(ask); }
 
+    enum class Arrangement { AlignLeft, AlignTop, SpreadAcross, SpreadDown };
+
 public slots:
     // What the canvas's drop does: an undoable placement. Returns the new block's key.
     std::string PlaceBlock(const std::string& type, QPointF scenePos);
@@ -80,6 +85,16 @@ public slots:
     void ResetSelection();
     void SelectBlock(const std::string& key);
     void SelectBlocks(const std::vector<std::string>& keys);
+    // The next block after the last one found whose user name, type or key holds the text
+    // (in any case), selected and centred in view; false, told in the status bar, when none.
+    bool FindBlock(const QString& text);
+    // The selected blocks lined up on their left edges or their tops, or spread evenly from
+    // the first to the last across or down: one undoable move.
+    void Arrange(Arrangement arrangement);
+    // The drawing as PDF, SVG or PNG by the file's extension, written whole or not at all.
+    bool ExportDrawing(const QString& file);
+    // The drawing on the printer's pages, scaled to fit one page.
+    void PrintDrawing(QPrinter& printer);
     // Opens the block's parameter list (IAppObject_Show).
     void ShowParameters(const std::string& key);
     // The file actions after their dialogs.
@@ -100,6 +115,9 @@ protected:
 
 private:
     void BuildActions();
+    void BuildHelp();
+    // Renders the drawing (every block and wire, nothing selected) into the painter's area.
+    void RenderDrawing(QPainter& painter, const QRectF& target);
     void MakeProject();
     void OnSelectionChanged();
     void UpdateTitle();
@@ -138,6 +156,10 @@ private:
     QAction* shortFloat_ = nullptr;
     QAction* loadToLog_ = nullptr;
     QLabel* libraryLabel_ = nullptr;
+    QLabel* zoomLabel_ = nullptr;
+    QLineEdit* findField_ = nullptr;
+    QAction* snap_ = nullptr;
+    std::string found_;
     QString file_;
     std::string selected_;
     // Each block's values and wires as the last step left them, so that a write made in an

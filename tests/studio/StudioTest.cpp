@@ -23,6 +23,7 @@
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
 #include "studio/CanvasScene.h"
+#include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 #include "studio/StudioWindow.h"
 
@@ -660,6 +661,44 @@ private slots:
         QVERIFY(window_->Project().Block(a)->IAppObject_UserName() != "");
         Trigger(*window_, "actionUndo");
         QCOMPARE(Value(*window_, a, "HeatSetpoint"), std::string("25"));
+    }
+
+    // Find goes from match to match by name, type or key; blocks line up in one undoable
+    // step; the drawing exports as each format with its header, and a format the studio
+    // cannot write leaves no file.
+    void findArrangeAndExportTheDrawing() {
+        const std::string a = Drop(*window_, "THERMOSTAT", QPoint(100, 100));
+        const std::string b = Drop(*window_, "PID_LOOP", QPoint(400, 300));
+        emit window_->Scene().renameRequested(b, "Boiler loop");
+        QVERIFY(window_->FindBlock("boiler"));
+        QCOMPARE(window_->Scene().SelectedBlocks(), std::vector<std::string>{b});
+        QVERIFY(window_->FindBlock("thermostat"));
+        QCOMPARE(window_->Scene().SelectedBlocks(), std::vector<std::string>{a});
+        QVERIFY(!window_->FindBlock("nothing like it"));
+        QCOMPARE(window_->BlockPalette().Filter("nothing like it"), 0);
+        QVERIFY(window_->BlockPalette().Filter("pid") > 0);
+
+        window_->SelectBlocks({a, b});
+        window_->Arrange(StudioWindow::Arrangement::AlignLeft);
+        const auto x = [&](const std::string& key) {
+            return window_->Project().Block(key)->IAppObject_XPosition();
+        };
+        QCOMPARE(x(a), x(b));
+        Trigger(*window_, "actionUndo");
+        QVERIFY(x(a) != x(b));
+
+        QTemporaryDir folder;
+        std::vector<std::pair<QString, std::string>> formats{{"pdf", "%PDF"}, {"png", "\x89PNG"}};
+#ifdef ZERBIN_STUDIO_WITH_SVG
+        formats.emplace_back("svg", "<?xml");
+#endif
+        for (const auto& [suffix, header] : formats) {
+            const QString file = folder.filePath("drawing." + suffix);
+            QVERIFY(window_->ExportDrawing(file));
+            QVERIFY(FileText(file).rfind(header, 0) == 0);
+        }
+        QVERIFY(!window_->ExportDrawing(folder.filePath("drawing.bmp")));
+        QVERIFY(!QFile::exists(folder.filePath("drawing.bmp")));
     }
 
     // A block whose type the library lacks is kept as it stands, said once, and written back.
