@@ -145,6 +145,8 @@ StudioWindow::StudioWindow(QWidget* parent)
         parameters_->Refresh();
     });
 
+    autosave_ = new Autosave([this] { return !undo_->isClean(); },
+                             [this] { return project_->Text(); }, this);
     BuildActions();
     UpdateTitle();
     zoomLabel_ = new QLabel(tr("100 %"), this);
@@ -324,6 +326,7 @@ void StudioWindow::ShowParameters(const std::string& key) {
 void StudioWindow::NewProject() {
     MakeProject();
     file_.clear();
+    autosave_->SetProject({});
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
     UpdateTitle();
@@ -359,6 +362,7 @@ bool StudioWindow::OpenProject(const QString& file) {
         return false;
     }
     file_ = file;
+    autosave_->SetProject(file);
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
     recent_->Add(file);
@@ -370,6 +374,7 @@ bool StudioWindow::OpenProject(const QString& file) {
             tr("%n block(s) of types the library lacks are kept and drawn in grey.", nullptr,
                project_->MissingBlocks()));
     }
+    OfferRecovery(file);
     return true;
 }
 
@@ -387,10 +392,59 @@ bool StudioWindow::SaveProjectAs(const QString& name) {
     if (!written) {
         return !why.empty() && OfferSaveAs(why);
     }
+    // Saved: what the recovery held is in the file now.
+    autosave_->Discard();
     file_ = file;
+    autosave_->SetProject(file);
     undo_->setClean();
     recent_->Add(file);
     UpdateTitle();
+    return true;
+}
+
+bool StudioWindow::OfferRecovery(const QString& project) {
+    if (!Autosave::HasRecovery(project)) {
+        return false;
+    }
+    const QString recovery = Autosave::RecoveryOf(project);
+    log_->SetBlock({});
+    const int answer = ShowMessage(
+        tr("Zerbin Studio stopped before %1 was saved. A recovery of the work, from %2, is in "
+           "%3.\n\nBring back that work?")
+            .arg(project.isEmpty() ? tr("the untitled project") : QFileInfo(project).fileName(),
+                 QFileInfo(recovery).lastModified().toString(Qt::TextDate), recovery)
+            .toStdString(),
+        kTitle, MessageIcon::Question, MessageButtons::YesNo);
+    if (answer != kMessageYes) {
+        return false;
+    }
+    std::string why;
+    std::shared_ptr<const pugi::xml_document> document;
+    GuardedCall("read the recovery",
+                [&] { document = StudioProject::ReadFile(recovery.toStdString(), &why); });
+    if (!document) {
+        ShowMessage("Cannot bring back the work: " + why + ".", kTitle, MessageIcon::Critical);
+        return false;
+    }
+    MakeProject();
+    scene_->Follow(false);
+    const bool read = Step("bring back the work", [&] {
+        project_->Load(*document);
+        scene_->Follow(true);
+    });
+    if (!read) {
+        NewProject();
+        return false;
+    }
+    file_ = project;
+    autosave_->SetProject(project);
+    usUnits_->setChecked(project_->Settings().usUnits);
+    shortFloat_->setChecked(project_->Settings().shortFloat);
+    // Not saved yet: the title says so until the user saves the work into the project.
+    undo_->clear();
+    undo_->resetClean();
+    UpdateTitle();
+    view_->ZoomToFit();
     return true;
 }
 
@@ -500,6 +554,8 @@ bool StudioWindow::MaybeSave() {
         case kMessageYes:
             return Save();
         case kMessageNo:
+            // Let go on purpose: nothing is left to recover.
+            autosave_->Discard();
             return true;
         default:
             return false;

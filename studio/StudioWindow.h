@@ -13,6 +13,7 @@
 
 #include <pugixml.hpp>
 
+#include "studio/Autosave.h"
 #include "studio/BlockFactory.h"
 #include "studio/EditRecorder.h"
 #include "studio/MessageLog.h"
@@ -109,6 +110,10 @@ public slots:
     void SetLoadMessagesToLog(bool log);
     // Asks what to do with unsaved changes; false when the user cancels.
     bool MaybeSave();
+    // When the project (empty: the untitled work) has a recovery file newer than itself,
+    // offers to bring back the work it holds; true when it was brought back.
+    bool OfferRecovery(const QString& project);
+    Autosave& Recovery() { return *autosave_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -152,6 +157,7 @@ private:
     ParametersDock* parameters_ = nullptr;
     MessageLogDock* logDock_ = nullptr;
     std::unique_ptr<RecentFiles> recent_;
+    Autosave* autosave_ = nullptr;
     QAction* usUnits_ = nullptr;
     QAction* shortFloat_ = nullptr;
     QAction* loadToLog_ = nullptr;

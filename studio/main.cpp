@@ -73,6 +73,8 @@ int main(int argc, char* argv[]) {
     window.show();
     if (!files.isEmpty()) {
         window.OpenProject(files.front());
+    } else {
+        window.OfferRecovery({});
     }
     return QApplication::exec();
 }

@@ -701,6 +701,28 @@ private slots:
         QVERIFY(!QFile::exists(folder.filePath("drawing.bmp")));
     }
 
+    // Unsaved work goes to a recovery file beside the project; a studio that opens the project
+    // after a crash offers the work back, and the save that keeps it removes the file.
+    void unsavedWorkComesBackAfterACrash() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("plant.xml");
+        Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        QVERIFY(window_->SaveProjectAs(file));
+        QVERIFY(window_->Recovery().SaveNow());
+        QVERIFY(!QFile::exists(file + ".recovery"));
+        const std::string added = Drop(*window_, "PID_LOOP", QPoint(500, 200));
+        QVERIFY(window_->Recovery().SaveNow());
+        QVERIFY(QFile::exists(file + ".recovery"));
+        // The window goes as a crash takes it: no close, no save.
+        init();
+        QVERIFY(window_->OpenProject(file));
+        QVERIFY(window_->Project().Block(added));
+        QVERIFY(window_->isWindowModified());
+        Trigger(*window_, "actionSave");
+        QVERIFY(!QFile::exists(file + ".recovery"));
+        QVERIFY(FileText(file).find("Key=\"" + added + "\"") != std::string::npos);
+    }
+
     // A block whose type the library lacks is kept as it stands, said once, and written back.
     void aProjectWithAMissingTypeKeepsThatBlock() {
         QTemporaryDir folder;
