@@ -291,7 +291,8 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     static const QBrush inputBrush(QColor(0x3d, 0x8b, 0x5a));
     static const QBrush outputBrush(QColor(0xe0, 0x8a, 0x2e));
     static const QBrush dimmedBrush(QColor(0xc8, 0xcc, 0xd0));
-    static const QPen litPen(QColor(0x2a, 0x7a, 0xd0), 3);
+    static const QBrush litBrush(QColor(0x1f, 0x6f, 0xe0));
+    static const QPen litPen(QColor(0x9c, 0xc8, 0xff), 3);
     static const QPen plainPen(Qt::white, 1.5);
     const auto* canvas = static_cast<const CanvasScene*>(scene());
     for (const bool output : {false, true}) {
@@ -302,9 +303,10 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
                                                  ? canvas->GuideOf(key_, names[row].name, output)
                                                  : CanvasScene::Guide::Plain;
             painter->setPen(guide == CanvasScene::Guide::Lit ? litPen : plainPen);
-            painter->setBrush(guide == CanvasScene::Guide::Dimmed ? dimmedBrush
-                              : output                            ? outputBrush
-                                                                  : inputBrush);
+            painter->setBrush(guide == CanvasScene::Guide::Lit      ? litBrush
+                              : guide == CanvasScene::Guide::Dimmed ? dimmedBrush
+                              : output                              ? outputBrush
+                                                                    : inputBrush);
             const qreal radius =
                 guide == CanvasScene::Guide::Lit ? kTerminalRadius + 1.5 : kTerminalRadius;
             painter->drawEllipse(QPointF(output ? rect_.width() : 0, rowOf(row)), radius, radius);
@@ -318,10 +320,13 @@ QVariant BlockItem::itemChange(GraphicsItemChange change, const QVariant& value)
             return canvas->Snapped(value.toPointF());
         }
     }
-    if (change == ItemPositionHasChanged && !refreshing_) {
+    if (change == ItemPositionHasChanged) {
         if (auto* canvas = static_cast<CanvasScene*>(scene())) {
-            canvas->Grow(sceneBoundingRect());
-            canvas->RouteWiresOf(key_);
+            canvas->RerouteAcross(sceneBoundingRect());
+            if (!refreshing_) {
+                canvas->Grow(sceneBoundingRect());
+                canvas->RouteWiresOf(key_);
+            }
         }
     }
     return QGraphicsItem::itemChange(change, value);

@@ -53,6 +53,8 @@ public:
     std::optional<Terminal> TerminalAt(QPointF itemPos, qreal slack) const;
     // The header area where the user name stands, in item coordinates.
     QRectF NameRect() const;
+    // The block's body without its terminals, in item coordinates.
+    const QRectF& Body() const { return rect_; }
 
     QRectF boundingRect() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;

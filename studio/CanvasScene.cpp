@@ -18,14 +18,17 @@
 #include <QWheelEvent>
 
 #include "studio/BlockItem.h"
+#include "studio/WireRouter.h"
 
 namespace zerbin::studio {
 namespace {
 
 QPainterPath WirePath(QPointF from, QPointF to) {
-    QPainterPath path(from);
-    const qreal bend = std::max(40.0, std::abs(to.x() - from.x()) / 2);
-    path.cubicTo(from + QPointF(bend, 0), to - QPointF(bend, 0), to);
+    const std::vector<QPointF> points = WireRouter::Plain(from, to);
+    QPainterPath path(points.front());
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        path.lineTo(points[i]);
+    }
     return path;
 }
 
@@ -59,23 +62,42 @@ void WireItem::Route(QPointF from, QPointF to) {
         prepareGeometryChange();
         from_ = from;
         to_ = to;
+        route_.clear();
     }
 }
 
+void WireItem::Reroute() {
+    if (!route_.empty()) {
+        route_.clear();
+        update();
+    }
+}
+
+const std::vector<QPointF>& WireItem::Points() const {
+    if (route_.empty()) {
+        const auto* canvas = static_cast<const CanvasScene*>(scene());
+        route_ = canvas == nullptr ? WireRouter::Plain(from_, to_)
+                                   : WireRouter::Route(from_, to_, [canvas](const QRectF& area) {
+                                         return canvas->BlockRects(area);
+                                     });
+    }
+    return route_;
+}
+
 QRectF WireItem::boundingRect() const {
-    // The curve stays within its end and control points; the margin holds the selected pen.
-    const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
-    const qreal left = std::min(from_.x(), to_.x() - bend);
-    const qreal right = std::max(from_.x() + bend, to_.x());
-    return QRectF(QPointF(left, std::min(from_.y(), to_.y())),
-                  QPointF(right, std::max(from_.y(), to_.y())))
-        .adjusted(-2, -2, 2, 2);
+    // Every route keeps within this box, so the scene knows it before the route is found.
+    return WireRouter::Bounds(from_, to_).adjusted(-2, -2, 2, 2);
 }
 
 QPainterPath WireItem::shape() const {
+    const std::vector<QPointF>& points = Points();
+    QPainterPath path(points.front());
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        path.lineTo(points[i]);
+    }
     QPainterPathStroker stroker;
-    stroker.setWidth(2);
-    return stroker.createStroke(WirePath(from_, to_));
+    stroker.setWidth(4);
+    return stroker.createStroke(path);
 }
 
 void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
@@ -84,29 +106,20 @@ void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, 
     // A wire at a stand-in cannot be chosen, and shows it: grey and dashed.
     static const QPen kept(QColor(0x9a, 0x9a, 0x9a), 2, Qt::DashLine);
     const bool chosen = option->state & QStyle::State_Selected;
-    // Far out a wire is thinner than a pixel: a hairline along a few straight pieces of the
-    // curve draws the same at a fraction of the cost of a stroked path, and a whole large
-    // project may be in view.
+    painter->setBrush(Qt::NoBrush);
+    // Far out a wire is thinner than a pixel and the blocks are specks: a hairline along the
+    // plain route draws the same at a fraction of the cost, and a whole large project may be
+    // in view, none of whose routes need be found.
     if (!chosen &&
         option->levelOfDetailFromTransform(painter->worldTransform()) < BlockItem::kDetailZoom) {
-        constexpr int kPieces = 8;
-        const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
-        const QPointF c1 = from_ + QPointF(bend, 0);
-        const QPointF c2 = to_ - QPointF(bend, 0);
-        std::array<QPointF, kPieces + 1> points;
-        for (int i = 0; i <= kPieces; ++i) {
-            const qreal t = static_cast<qreal>(i) / kPieces;
-            const qreal u = 1 - t;
-            points[static_cast<std::size_t>(i)] =
-                u * u * u * from_ + 3 * u * u * t * c1 + 3 * u * t * t * c2 + t * t * t * to_;
-        }
+        const std::vector<QPointF> points = WireRouter::Plain(from_, to_);
         painter->setPen(QPen(plain.color(), 0));
         painter->drawPolyline(points.data(), static_cast<int>(points.size()));
         return;
     }
     painter->setPen(chosen ? selected : (flags() & ItemIsSelectable) ? plain : kept);
-    painter->setBrush(Qt::NoBrush);
-    painter->drawPath(WirePath(from_, to_));
+    const std::vector<QPointF>& points = Points();
+    painter->drawPolyline(points.data(), static_cast<int>(points.size()));
 }
 
 void WireItem::hoverEnterEvent(QGraphicsSceneHoverEvent* event) {
@@ -484,6 +497,27 @@ void CanvasScene::RouteWiresOf(const std::string& key) {
     for (auto at = first; at != last; ++at) {
         Route(at->second);
     }
+}
+
+void CanvasScene::RerouteAcross(const QRectF& area) {
+    if (adding_) {
+        return;
+    }
+    for (QGraphicsItem* item : items(area)) {
+        if (auto* wire = qgraphicsitem_cast<WireItem*>(item)) {
+            wire->Reroute();
+        }
+    }
+}
+
+std::vector<QRectF> CanvasScene::BlockRects(const QRectF& area) const {
+    std::vector<QRectF> rects;
+    for (QGraphicsItem* item : items(area, Qt::IntersectsItemBoundingRect)) {
+        if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item)) {
+            rects.push_back(block->mapRectToScene(block->Body()));
+        }
+    }
+    return rects;
 }
 
 std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {

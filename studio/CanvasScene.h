@@ -41,6 +41,10 @@ public:
     int type() const override { return Type; }
     const Wire& Connection() const { return wire_; }
     void Route(QPointF from, QPointF to);
+    // The wire's way around the blocks, found when it is first drawn near enough to see it
+    // and kept until its ends or the blocks in its way move.
+    const std::vector<QPointF>& Points() const;
+    void Reroute();
 
     QRectF boundingRect() const override;
     QPainterPath shape() const override;
@@ -53,6 +57,7 @@ private:
     Wire wire_;
     QPointF from_;
     QPointF to_;
+    mutable std::vector<QPointF> route_;
 };
 
 class CanvasScene : public QGraphicsScene {
@@ -79,6 +84,8 @@ public:
     void Follow(bool on);
     // Routes the wires at the block again, after it moved.
     void RouteWiresOf(const std::string& key);
+    // The wires that run across the area (where a block now stands) find their way again.
+    void RerouteAcross(const QRectF& area);
     // Sizes the scene's index to where the blocks stand: its cells no smaller than a block, so
     // that memory does not depend on how close the blocks stand.
     void FitIndex();
@@ -87,6 +94,8 @@ public:
     void Grow(const QRectF& sceneArea);
     // What the blocks and wires cover now, however wide the scene has grown.
     QRectF ItemsBounds() const;
+    // The rectangles of the blocks, shown or stand-in, that meet the area.
+    std::vector<QRectF> BlockRects(const QRectF& area) const;
     // The part of the scene a view shows: the scene always takes it in, so that nothing the
     // user does in view makes the view shift what it shows.
     void CoverView(const QRectF& visible);

@@ -28,6 +28,7 @@
 #include "studio/CanvasScene.h"
 #include "studio/ComponentLibrary.h"
 #include "studio/GuardedCall.h"
+#include "studio/OverviewDock.h"
 #include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 
@@ -99,6 +100,7 @@ StudioWindow::StudioWindow(QWidget* parent)
     bytes_ = new BytesDock(this);
     parameters_ = new ParametersDock(this);
     logDock_ = new MessageLogDock(this);
+    overview_ = new OverviewDock(this);
     log_->SetListener([this](const LoggedMessage& entry) { logDock_->Append(entry); });
 
     auto* paletteDock = new QDockWidget(tr("Library"), this);
@@ -118,9 +120,11 @@ StudioWindow::StudioWindow(QWidget* parent)
     addDockWidget(Qt::RightDockWidgetArea, parameters_);
     addDockWidget(Qt::RightDockWidgetArea, bytes_);
     addDockWidget(Qt::BottomDockWidgetArea, logDock_);
+    addDockWidget(Qt::LeftDockWidgetArea, overview_);
     resizeDocks({paletteDock}, {250}, Qt::Horizontal);
     resizeDocks({parameters_}, {360}, Qt::Horizontal);
     resizeDocks({logDock_}, {120}, Qt::Vertical);
+    resizeDocks({paletteDock, overview_}, {470, 170}, Qt::Vertical);
     resizeDocks({parameters_, bytes_}, {300, 330}, Qt::Vertical);
 
     MakeProject();
@@ -202,6 +206,9 @@ void StudioWindow::MakeProject() {
     } else {
         view_->setScene(scene_);
         view_->SetZoom(1.0);
+    }
+    if (overview_ != nullptr) {
+        overview_->Watch(scene_, view_);
     }
     recorder_ = new EditRecorder(*project_, *undo_, project_);
     selected_.clear();

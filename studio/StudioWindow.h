@@ -35,6 +35,7 @@ class BytesDock;
 class CanvasScene;
 class CanvasView;
 class MessageLogDock;
+class OverviewDock;
 class Palette;
 class ParametersDock;
 
@@ -55,6 +56,7 @@ public:
     BytesDock& Bytes() { return *bytes_; }
     ParametersDock& Parameters() { return *parameters_; }
     Palette& BlockPalette() { return *palette_; }
+    OverviewDock& Overview() { return *overview_; }
     const QString& FileName() const { return file_; }
     // True while a step runs: a save asked for meanwhile waits until the step is whole.
     bool Busy() const { return busy_ > 0; }
@@ -156,6 +158,7 @@ private:
     BytesDock* bytes_ = nullptr;
     ParametersDock* parameters_ = nullptr;
     MessageLogDock* logDock_ = nullptr;
+    OverviewDock* overview_ = nullptr;
     std::unique_ptr<RecentFiles> recent_;
     Autosave* autosave_ = nullptr;
     QAction* usUnits_ = nullptr;
