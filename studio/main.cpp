@@ -55,6 +55,8 @@ int main(int argc, char* argv[]) {
         return 0;
     }
     QApplication app(argc, argv);
+    // Names the installed desktop entry, whose icon the desktop then shows for the window.
+    QGuiApplication::setDesktopFileName("org.zerbin.studio");
     QCommandLineParser parser;
     Describe(parser);
     parser.process(app);
