@@ -26,6 +26,7 @@
 #include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 #include "studio/StudioWindow.h"
+#include "studio/WireRouter.h"
 
 using namespace zerbin;
 using namespace zerbin::studio;
@@ -661,6 +662,38 @@ private slots:
         QVERIFY(window_->Project().Block(a)->IAppObject_UserName() != "");
         Trigger(*window_, "actionUndo");
         QCOMPARE(Value(*window_, a, "HeatSetpoint"), std::string("25"));
+    }
+
+    // A wire with a block in its straight way runs around it at right angles, and crosses no
+    // block; the block moved away, the wire runs straight again.
+    void aRoutedWireCrossesNoBlock() {
+        const std::string sensor = window_->PlaceBlock("IO_CHANNEL", QPointF(0, 0));
+        const std::string mux = window_->PlaceBlock("TYPE_MUX", QPointF(600, 0));
+        const std::string between = window_->PlaceBlock("THERMOSTAT", QPointF(280, 0));
+        const Wire wire{sensor, "Value", mux, "In1"};
+        QVERIFY(window_->RequestWire(wire));
+        const WireItem* item = nullptr;
+        for (QGraphicsItem* any : window_->Scene().items()) {
+            if (const auto* found = qgraphicsitem_cast<const WireItem*>(any);
+                found && found->Connection() == wire) {
+                item = found;
+            }
+        }
+        QVERIFY(item != nullptr);
+        const auto bodyOf = [&](const std::string& key) {
+            const BlockItem* block = window_->Scene().Item(key);
+            return block->mapRectToScene(block->Body());
+        };
+        const std::vector<QPointF>& route = item->Points();
+        for (const std::string& key : {sensor, mux, between}) {
+            QVERIFY(!WireRouter::Crosses(route, bodyOf(key)));
+        }
+        for (std::size_t i = 1; i < route.size(); ++i) {
+            QVERIFY(route[i].x() == route[i - 1].x() || route[i].y() == route[i - 1].y());
+        }
+        QVERIFY(route.size() > 4);
+        window_->Project().MoveBlock(between, QPointF(280, 400));
+        QCOMPARE(item->Points().size(), std::size_t{4});
     }
 
     // Find goes from match to match by name, type or key; blocks line up in one undoable
