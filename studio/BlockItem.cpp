@@ -315,9 +315,13 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
 }
 
 QVariant BlockItem::itemChange(GraphicsItemChange change, const QVariant& value) {
-    if (change == ItemPositionChange && !refreshing_) {
-        if (const auto* canvas = static_cast<const CanvasScene*>(scene())) {
-            return canvas->Snapped(value.toPointF());
+    if (change == ItemPositionChange) {
+        if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+            // The wires that went around the block where it stood may run straight now.
+            canvas->RerouteAcross(sceneBoundingRect());
+            if (!refreshing_) {
+                return canvas->Snapped(value.toPointF());
+            }
         }
     }
     if (change == ItemPositionHasChanged) {

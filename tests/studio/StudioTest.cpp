@@ -664,6 +664,17 @@ private slots:
         QCOMPARE(Value(*window_, a, "HeatSetpoint"), std::string("25"));
     }
 
+    // A long name leaves the canvas its width: the docks keep theirs and cut the name short.
+    void aLongNameLeavesTheCanvasItsWidth() {
+        const std::string key = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        QTest::qWait(20);
+        const int width = window_->View().width();
+        emit window_->Scene().renameRequested(key, std::string(112, 'W'));
+        window_->SelectBlock(key);
+        QTest::qWait(20);
+        QCOMPARE(window_->View().width(), width);
+    }
+
     // A wire with a block in its straight way runs around it at right angles, and crosses no
     // block; the block moved away, the wire runs straight again.
     void aRoutedWireCrossesNoBlock() {
