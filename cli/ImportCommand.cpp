@@ -1,4 +1,5 @@
 // import: the blocks of one project merged into another by key.
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -41,27 +42,41 @@ int RunImport(const CommandContext& context) {
             continue;
         }
         // The block stays where it is in the project and keeps its export index; the rest
-        // comes from FROM, values through the editors' rules.
+        // comes from FROM, values through the editors' rules. What FROM has as the project
+        // has it already is no update: the block is brought to life only for values that
+        // change.
+        const Settings have = ReadSettings(existing->element);
+        const auto same = [&](const std::string& name, const std::string& value) {
+            const auto found = std::find_if(have.begin(), have.end(), [&](const auto& setting) {
+                return setting.first == name;
+            });
+            return found != have.end() && found->second == value;
+        };
         std::vector<Assignment> values;
         for (const auto& [name, value] : ReadSettings(block.element)) {
+            if (same(name, value)) {
+                continue;
+            }
             if (name[0] != '@') {
                 values.push_back(Assignment{name, value});
             } else if (name != kExportIndexSetting && name != kTypeSetting) {
                 WriteSetting(existing->element, name, value);
             }
         }
-        ProjectBlockEdit edit(host, existing->element, existing->id);
-        const ValueList before = edit.Values();
-        std::vector<Assignment> known;
-        for (const Assignment& value : values) {
-            if (edit.Attribute(value.name)) {
-                known.push_back(value);
+        if (!values.empty()) {
+            ProjectBlockEdit edit(host, existing->element, existing->id);
+            const ValueList before = edit.Values();
+            std::vector<Assignment> known;
+            for (const Assignment& value : values) {
+                if (edit.Attribute(value.name)) {
+                    known.push_back(value);
+                }
             }
+            for (std::string& objection : edit.Write(known)) {
+                objections.push_back(std::move(objection));
+            }
+            edit.Store(before);
         }
-        for (std::string& objection : edit.Write(known)) {
-            objections.push_back(std::move(objection));
-        }
-        edit.Store(before);
         report += "updated\t" + EscapedLine(existing->id) + '\n';
     }
     for (const std::string& objection : objections) {

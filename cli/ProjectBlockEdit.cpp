@@ -101,11 +101,20 @@ std::vector<std::string> ProjectBlockEdit::Write(const std::vector<Assignment>& 
     return objections;
 }
 
-void ProjectBlockEdit::Store(const ValueList& before) {
-    const std::string image = (*block_)->IAppObject_Stream();
+std::string ProjectBlockEdit::Image() const {
+    std::string image = (*block_)->IAppObject_Stream();
     if (image.empty()) {
         throw Error("the image of block '" + id_ + "' cannot be made");
     }
+    return image;
+}
+
+void ProjectBlockEdit::StoreImage() {
+    WriteImage(element_, Image());
+}
+
+void ProjectBlockEdit::Store(const ValueList& before) {
+    const std::string image = Image();
     const ValueList after = Values();
     for (std::size_t i = 0; i < after.size(); ++i) {
         const auto& [name, value] = after[i];

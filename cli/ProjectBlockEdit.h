@@ -39,8 +39,14 @@ public:
     // Writes into the element the parameters whose value differs from before (every one when
     // before is empty, against the element's own text) and the image as the block makes it.
     void Store(const ValueList& before);
+    // Writes only the image as the block makes it: for values written into the element
+    // before the block was restored from it.
+    void StoreImage();
 
 private:
+    // Throws Error when the block cannot make one.
+    std::string Image() const;
+
     pugi::xml_node element_;
     std::string id_;
     std::unique_ptr<HostedBlock> block_;
