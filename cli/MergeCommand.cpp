@@ -128,12 +128,20 @@ public:
         }
     }
 
-    void Conflict(const std::string& line) {
-        context_.err << line << '\n';
-        conflicts_ = true;
-    }
+    // Conflicts are told in the order of the blocks they concern (theirs' order, then ours'
+    // blocks that theirs deleted), whichever step finds them.
+    void At(std::size_t place) { place_ = place; }
+    void Conflict(const std::string& line) { conflicts_.emplace_back(place_, line); }
 
-    bool Conflicts() const { return conflicts_; }
+    // Tells the conflicts; true when there was one.
+    bool TellConflicts() {
+        std::stable_sort(conflicts_.begin(), conflicts_.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (const auto& conflict : conflicts_) {
+            context_.err << conflict.second << '\n';
+        }
+        return !conflicts_.empty();
+    }
 
 private:
     // The values taken from theirs must hold together with ours (a unit or type selector
@@ -151,6 +159,9 @@ private:
             return;
         }
         bool reverted = false;
+        const bool rewired = std::any_of(taken.begin(), taken.end(), [](const std::string& name) {
+            return name.rfind(kWirePrefix, 0) == 0;
+        });
         {
             ProjectBlockEdit edit(host, element, id);
             for (const std::string& name : taken) {
@@ -170,18 +181,26 @@ private:
                 }
             }
             if (!reverted) {
+                if (rewired) {
+                    edit.Rewire(ours_);
+                }
                 edit.StoreImage();
             }
         }
         if (reverted) {
-            ProjectBlockEdit(host, element, id).StoreImage();
+            ProjectBlockEdit edit(host, element, id);
+            if (rewired) {
+                edit.Rewire(ours_);
+            }
+            edit.StoreImage();
         }
     }
 
     const CommandContext& context_;
     Project& ours_;
     std::unordered_map<std::string, bool> knownTypes_;
-    bool conflicts_ = false;
+    std::size_t place_ = 0;
+    std::vector<std::pair<std::size_t, std::string>> conflicts_;
 };
 
 }  // namespace
@@ -190,7 +209,8 @@ int RunMerge(const CommandContext& context) {
     const std::vector<std::string>& args = context.invocation.arguments;
     const Project base(args[0]);
     Project ours(args[1]);
-    const Project theirs(args[2]);
+    // Changed in memory only: its wires follow the blocks it added that come in renamed.
+    Project theirs(args[2]);
 
     // Most blocks are as base has them on one side at least: their elements compare equal
     // without being read as settings, which is what a merge of thousands of blocks costs.
@@ -205,7 +225,18 @@ int RunMerge(const CommandContext& context) {
     std::unordered_set<std::string> inTheirs;
     Merge merge(context, ours);
     std::vector<pugi::xml_node> added;
-    for (const ProjectBlock& block : theirs.Blocks()) {
+    // Blocks both sides kept, merged once the blocks theirs added have their keys here.
+    struct Kept {
+        std::size_t place;
+        std::string id;
+        pugi::xml_node mine;
+        pugi::xml_node was;
+        pugi::xml_node theirs;
+    };
+    std::vector<Kept> kept;
+    for (std::size_t i = 0; i < theirs.Blocks().size(); ++i) {
+        const ProjectBlock& block = theirs.Blocks()[i];
+        merge.At(i);
         inTheirs.insert(block.id);
         const auto was = baseById.find(block.id);
         const auto mine = oursById.find(block.id);
@@ -215,19 +246,14 @@ int RunMerge(const CommandContext& context) {
                 added.push_back(block.element);
             }
         } else if (mine != oursById.end()) {
-            if (!SameTree(was->second, block.element)) {
-                const Settings baseSettings = ReadSettings(was->second);
-                Settings theirsSettings = ReadSettings(block.element);
-                if (theirsSettings != baseSettings) {
-                    merge.Block(block.id, mine->second, &baseSettings, theirsSettings);
-                }
-            }
+            kept.push_back(Kept{i, block.id, mine->second, was->second, block.element});
         } else if (was == baseById.end()) {
             added.push_back(block.element);
         } else if (!SameSettings(block.element, was->second)) {
             merge.Conflict(EscapedLine(block.id) + ": deleted in ours, changed in theirs");
         }
     }
+    merge.At(theirs.Blocks().size());
     for (const ProjectBlock& block : ours.Blocks()) {
         const auto was = baseById.find(block.id);
         if (inTheirs.count(block.id) != 0 || was == baseById.end()) {
@@ -240,11 +266,46 @@ int RunMerge(const CommandContext& context) {
         }
     }
     ours.Reindex();
+    // A block theirs added under a key ours has given to another block comes in under a new
+    // one, and theirs' wires from it follow it there, before any of them is merged.
+    std::vector<pugi::xml_node> copies;
+    std::unordered_map<std::string, std::string> renames;
     for (const pugi::xml_node element : added) {
-        ours.Adopt(element);
+        const auto [copy, key] = ours.Adopt(element);
+        if (const std::string was = KeyOf(element); !was.empty() && was != key) {
+            renames.emplace(was, key);
+        }
+        copies.push_back(copy);
+    }
+    if (!renames.empty()) {
+        for (const ProjectBlock& block : theirs.Blocks()) {
+            RenameWireSources(block.element, renames);
+        }
+        for (const pugi::xml_node copy : copies) {
+            RenameWireSources(copy, renames);
+        }
+    }
+    for (const Kept& block : kept) {
+        merge.At(block.place);
+        if (!SameTree(block.was, block.theirs)) {
+            const Settings baseSettings = ReadSettings(block.was);
+            const Settings theirsSettings = ReadSettings(block.theirs);
+            if (theirsSettings != baseSettings) {
+                merge.Block(block.id, block.mine, &baseSettings, theirsSettings);
+            }
+        }
+    }
+    // The references of the added blocks' wires follow their sources as ours numbers them.
+    const HostSettings host = ProjectHost(context.host, ours.ShortFloat());
+    for (const pugi::xml_node copy : copies) {
+        if (copy.child("Connection") && HasBlockType(host.library, copy.name())) {
+            ProjectBlockEdit edit(host, copy, KeyOf(copy));
+            edit.Rewire(ours);
+            edit.StoreImage();
+        }
     }
     ours.Write();
-    return merge.Conflicts() ? kExitFailure : kExitOk;
+    return merge.TellConflicts() ? kExitFailure : kExitOk;
 }
 
 }  // namespace zerbin::cli

@@ -146,7 +146,7 @@ Project::Project(std::filesystem::path file) : file_(std::move(file)) {
 
 void Project::Reindex() {
     blocks_.clear();
-    keys_.clear();
+    byKey_.clear();
     indexes_.clear();
     std::unordered_set<std::string> taken;
     std::size_t position = 0;
@@ -164,7 +164,7 @@ void Project::Reindex() {
             id = "#" + std::to_string(position);
         }
         blocks_.push_back(ProjectBlock{element, std::move(id)});
-        keys_.insert(KeyOf(element));
+        byKey_.emplace(KeyOf(element), element);
         indexes_.insert(element.attribute(kExportIndex).as_string());
     }
 }
@@ -207,13 +207,13 @@ const ProjectBlock& Project::Find(const std::string& name) const {
 std::pair<pugi::xml_node, std::string> Project::Adopt(pugi::xml_node element) {
     pugi::xml_node copy = Root().append_copy(element);
     std::string key = KeyOf(copy);
-    if (key.empty() || keys_.count(key) != 0) {
+    if (key.empty() || byKey_.count(key) != 0) {
         do {
             key = "Block" + std::to_string(nextKey_++);
-        } while (keys_.count(key) != 0);
+        } while (byKey_.count(key) != 0);
         xml::SetAttribute(copy, kKey, key);
     }
-    keys_.insert(key);
+    byKey_.emplace(key, copy);
     const std::string index = copy.attribute(kExportIndex).as_string();
     if (!index.empty() && !indexes_.insert(index).second) {
         while (nextIndex_ < 32767 && indexes_.count(std::to_string(nextIndex_)) != 0) {
@@ -226,6 +226,11 @@ std::pair<pugi::xml_node, std::string> Project::Adopt(pugi::xml_node element) {
     return {copy, key};
 }
 
+pugi::xml_node Project::ByKey(const std::string& key) const {
+    const auto found = byKey_.find(key);
+    return found == byKey_.end() || key.empty() ? pugi::xml_node() : found->second;
+}
+
 bool Project::ShortFloat() const {
     return std::string_view(Root().attribute("ShortFloat").as_string()) == "1";
 }
@@ -236,6 +241,19 @@ void Project::Write() const {
 
 std::string KeyOf(pugi::xml_node element) {
     return element.attribute(kKey).as_string();
+}
+
+bool RenameWireSources(pugi::xml_node element,
+                       const std::unordered_map<std::string, std::string>& renames) {
+    bool renamed = false;
+    for (pugi::xml_node connection : element.children(kConnection)) {
+        const auto found = renames.find(connection.attribute("Source").as_string());
+        if (found != renames.end()) {
+            xml::SetAttribute(connection, "Source", found->second);
+            renamed = true;
+        }
+    }
+    return renamed;
 }
 
 Settings ReadSettings(pugi::xml_node element) {
