@@ -95,15 +95,17 @@ void Save(const pugi::xml_document& document, std::ostream& out) {
             if (!IsValidName(node.name())) {
                 throw Error("'" + std::string(node.name()) + "' is not a valid XML name");
             }
-            for (pugi::xml_attribute attribute : node.attributes()) {
+            for (pugi::xml_attribute attribute = node.first_attribute(); attribute;
+                 attribute = attribute.next_attribute()) {
                 if (!IsValidName(attribute.name())) {
                     throw Error("'" + std::string(attribute.name()) + "' is not a valid XML name");
                 }
                 RequireWritable(attribute.value(), node);
             }
         } else if (node.type() == pugi::node_pcdata) {
-            RequireWritable(node.value(), node.parent());
-            marks = marks || NeedsMarks(node.value());
+            const std::string_view text = node.value();
+            RequireWritable(text, node.parent());
+            marks = marks || NeedsMarks(text);
         } else if (node.type() == pugi::node_declaration && node.attribute("encoding")) {
             declaredEncoding = std::string_view(node.attribute("encoding").value()) != "UTF-8";
         }
