@@ -3,6 +3,7 @@
 // the definition file of that name and the SNVT dictionary.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -11,10 +12,12 @@
 
 #include <pugixml.hpp>
 
+#include "app_object/TypeStamp.h"
 #include "base/CallbackList.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IHostServices.h"
 #include "interfaces/IMemberOwner.h"
+#include "interfaces/ITypeChange.h"
 
 namespace zerbin {
 
@@ -30,6 +33,7 @@ struct Message;
 
 class CDBAppObject : public IAppObject,
                      public IInterceptableAttribute,
+                     public ITypeChange,
                      public IMemberOwner,
                      public std::enable_shared_from_this<CDBAppObject> {
 public:
@@ -119,6 +123,12 @@ public:
     bool IAppObject_IsHidden() override;
     bool IAppObject_IsVirtual() override;
 
+    // ITypeChange, over the internal operations below.
+    std::string ITypeChange_Stamp() override;
+    bool ITypeChange_IsChanged() override;
+    std::vector<std::string> ITypeChange_Changes() override;
+    std::vector<std::string> ITypeChange_Update() override;
+
     // IInterceptableAttribute: kept for the attributes created from now on.
     void IInterceptableAttribute_SetInterceptor(
         std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) override;
@@ -143,6 +153,26 @@ public:
     // kept to be saved back unchanged: "Attributes/NAME", "Outputs/NAME" or the name of an
     // element of the entry itself. Empty when the type understood the whole entry.
     std::vector<std::string> KeptProjectEntries() const;
+
+    // Internal: types that change under saved projects (ITypeChange tells the contract).
+    // IAppObject_XmlSave writes the block's subtree alone; the host records the stamp. When
+    // IAppObject_XmlLoad finds the element's stamp is not the type's, every saved value is
+    // judged by the editors' rules before it is taken; one that no longer fits is not taken,
+    // and a project save writes it back as it came until the parameter is given another
+    // value, as a value whose parameter is gone is kept. The user hears of it once per type.
+    //
+    // ITypeChange_Stamp().
+    std::string TypeStamp();
+    // What the last project load found of a changed type, or nullptr: the type's stamp was the
+    // saved one (or the project had none) and the project named nothing the type lacks. A host
+    // marks the blocks that have one.
+    const TypeChange* ChangedType() const;
+    // "Update to the library's type": each value the last load kept is written through the
+    // editors' rules where an attribute of its name now takes it; the values none takes and
+    // the displayable outputs the type lacks are dropped and returned, in the project's order.
+    // The block is then its type as it stands: ChangedType() is nullptr, TypeStamp() the
+    // type's. Entries of the block element itself that the type does not read are kept.
+    std::vector<TypeChange::Value> UpdateToLibraryType();
 
 private:
     // Hands key, with each collection's section, to the collections the block has.
@@ -183,6 +213,16 @@ private:
     pugi::xml_node KeptSection(const char* section) const;
     // Tells the user, once per type, that entries of a project were kept.
     void TellOfKeptEntries();
+    static constexpr const char* kNoSuchParameter = "the type has no such parameter";
+    static constexpr const char* kNoSuchOutput = "the type has no such output";
+    // Starts a type change when the element's stamp is not the type's.
+    void NoteSavedTypeStamp(pugi::xml_node element);
+    // In a type change, whether the saved text fits the attribute at index; one that does not
+    // is kept and recorded.
+    bool TakesSavedValue(std::size_t index, pugi::xml_node element, const std::string& text);
+    // Completes the record of a type change, or starts one for a project that names members
+    // the type lacks.
+    void FinishTypeChange(bool attributesLoaded);
 
     std::string uniqueIdString_;
     std::string name_;
@@ -225,6 +265,17 @@ private:
     std::string lastStream_;
     // Copies of what the last project load did not understand, or nullptr.
     std::shared_ptr<pugi::xml_document> keptEntries_;
+    // What the last project load found of a changed type, or nullptr.
+    std::unique_ptr<TypeChange> typeChange_;
+    // Saved values that a changed type's attributes no longer take. A project save writes
+    // each back as it came in place of the value the load left, so that nothing is lost and
+    // no attribute is written twice, until the attribute is given another value.
+    struct RefusedValue {
+        std::size_t index;  // of the attribute
+        std::string saved;
+        std::string left;  // the attribute's value after the load
+    };
+    std::vector<RefusedValue> refused_;
     std::shared_ptr<IUnitConverter> unitsManager_;
     std::shared_ptr<DefinitionCache> definitionCache_;
     std::shared_ptr<AttributeInterceptor> interceptor_;

@@ -72,10 +72,18 @@ void CDBAppObject::SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& do
 
     pugi::xml_node attributes = AppendElement(doc, block, "Attributes", kNoTextField);
     if (attributes_) {
-        for (const auto& attribute : attributes_->Members()) {
+        const auto& members = attributes_->Members();
+        for (std::size_t i = 0; i < members.size(); ++i) {
             ServePendingEvents();
-            AppendTextElement(attributes, attribute->IAttribute_Name(),
-                              attribute->IAttribute_Value());
+            std::string value = members[i]->IAttribute_Value();
+            if (forProject) {
+                for (const RefusedValue& refused : refused_) {
+                    if (refused.index == i && refused.left == value) {
+                        value = refused.saved;
+                    }
+                }
+            }
+            AppendTextElement(attributes, members[i]->IAttribute_Name(), value);
         }
     }
     if (forProject) {
@@ -127,6 +135,10 @@ void CDBAppObject::IAppObject_XMLSaveForInteroperability(pugi::xml_node ParentNo
 
 void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
     keptEntries_.reset();
+    typeChange_.reset();
+    refused_.clear();
+    SkipStep([&] { NoteSavedTypeStamp(ParentNode); });
+    bool attributesLoaded = false;
     for (pugi::xml_node child : ParentNode.children()) {
         ServePendingEvents();
         if (xml::IsComment(child)) {
@@ -144,6 +156,7 @@ void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
         } else if (EqualsNoCase(key, "Y_POSITION")) {
             SkipStep([&] { LoadPosition(child, yPosition_); });
         } else if (EqualsNoCase(key, "ATTRIBUTES")) {
+            attributesLoaded = true;
             LoadAttributeValues(child);
         } else if (EqualsNoCase(key, "OUTPUTS")) {
             LoadDisplayableOutputs(child);
@@ -151,6 +164,7 @@ void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
             Keep(kKeptBlock, child);
         }
     }
+    FinishTypeChange(attributesLoaded);
     TellOfKeptEntries();
 }
 
@@ -207,6 +221,9 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         // No text is the empty value the selector was saved with, as for any attribute.
         std::string text;
         SkipStep([&] { text = xml::FirstChildText(child); });
+        if (typeChange_ && !TakesSavedValue(static_cast<std::size_t>(index), child, text)) {
+            continue;
+        }
         SkipStep([&] { selector->RestoreSavedValue(text); });
     }
     for (const auto& entry : named) {
@@ -217,6 +234,12 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
             // A value the type no longer defines goes back into the project as it came.
             if (child.type() == pugi::node_element) {
                 Keep(kKeptAttributes, child);
+                if (typeChange_) {
+                    typeChange_->unmapped.push_back(
+                        {child.name(),
+                         std::string(xml::FirstChildTextView(child).value_or(std::string_view())),
+                         kNoSuchParameter});
+                }
             }
             continue;
         }
@@ -230,11 +253,27 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         if (text && attributes_->IsTheTypes(at) && standing(index).RestoringLeavesAsIs(*text)) {
             continue;
         }
+        if (text && typeChange_ && !TakesSavedValue(at, child, std::string(*text))) {
+            continue;
+        }
         const std::shared_ptr<CDBAttribute> loaded = attributes_->At(at);
         // An element without text leaves the value empty, not at its default.
         SkipStep([&] { loaded->ClearLoadedValue(); });
         if (text) {
             SkipStep([&] { loaded->RestoreSavedValue(std::string(*text)); });
+        }
+    }
+    if (typeChange_ && attributes_) {
+        std::vector<bool> saved(attributes_->AsTheyStand().size(), false);
+        for (const auto& entry : named) {
+            if (entry.second >= 0) {
+                saved[static_cast<std::size_t>(entry.second)] = true;
+            }
+        }
+        for (std::size_t i = 0; i < saved.size(); ++i) {
+            if (!saved[i]) {
+                typeChange_->added.push_back(attributes_->AsTheyStand()[i]->IAttribute_Name());
+            }
         }
     }
 }
@@ -281,6 +320,10 @@ pugi::xml_node CDBAppObject::KeptSection(const char* section) const {
 
 std::vector<std::string> CDBAppObject::KeptProjectEntries() const {
     std::vector<std::string> names;
+    for (const RefusedValue& refused : refused_) {
+        names.push_back(std::string(kKeptAttributes) + "/" +
+                        attributes_->AsTheyStand()[refused.index]->IAttribute_Name());
+    }
     if (!keptEntries_) {
         return names;  // nearly every block: its project held nothing unknown
     }
@@ -309,6 +352,12 @@ void CDBAppObject::TellOfKeptEntries() {
     std::string names;
     for (const std::string& name : kept) {
         names += (names.empty() ? "" : ", ") + name;
+    }
+    if (typeChange_ && !typeChange_->savedStamp.empty()) {
+        ShowMessage(uniqueIdString_ + ": the block type has changed since the project was " +
+                    "saved; what it no longer takes is kept and saved back unchanged (" + names +
+                    ").");
+        return;
     }
     ShowMessage(uniqueIdString_ + ": the project holds entries that this block type does not " +
                 "define (" + names + "); they are kept and saved back unchanged.");

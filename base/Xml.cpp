@@ -1,6 +1,7 @@
 #include "base/Xml.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -222,16 +223,30 @@ bool IsValidName(std::string_view name) {
     if (name.empty()) {
         return false;
     }
-    // Nearly every name is ASCII: a byte test decides it without decoding, and the first byte
+    // Nearly every name is ASCII: a table decides it without decoding, and the first byte
     // beyond ASCII hands the rest to the decoder.
-    const auto asciiNameChar = [](unsigned char c, bool first) {
-        const bool start = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == ':';
-        return start || (!first && ((c >= '0' && c <= '9') || c == '-' || c == '.'));
-    };
+    static constexpr auto kAscii = [] {
+        // Bit 1: may start a name; bit 2: may stand inside one.
+        std::array<unsigned char, 128> table{};
+        for (int c = 0; c < 128; ++c) {
+            const bool start =
+                (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_' || c == ':';
+            const bool inside = start || (c >= '0' && c <= '9') || c == '-' || c == '.';
+            table[static_cast<std::size_t>(c)] =
+                static_cast<unsigned char>((start ? 1 : 0) | (inside ? 2 : 0));
+        }
+        return table;
+    }();
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(name[at]); };
     std::size_t i = 0;
-    for (; i < name.size() && static_cast<unsigned char>(name[i]) < 0x80; ++i) {
-        if (!asciiNameChar(static_cast<unsigned char>(name[i]), i == 0)) {
+    if (byte(0) < 0x80) {
+        if ((kAscii[byte(0)] & 1) == 0) {
             return false;
+        }
+        for (i = 1; i < name.size() && byte(i) < 0x80; ++i) {
+            if ((kAscii[byte(i)] & 2) == 0) {
+                return false;
+            }
         }
     }
     bool first = i == 0;

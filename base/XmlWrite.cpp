@@ -21,6 +21,13 @@ bool IsBlank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
+// Whether an XML parser would change the text on the way back: a carriage return anywhere,
+// or a blank at either end.
+bool NeedsMarks(std::string_view text) {
+    return !text.empty() && (IsBlank(text.front()) || IsBlank(text.back()) ||
+                             text.find('\r') != std::string_view::npos);
+}
+
 std::string Marked(std::string_view text) {
     std::size_t first = 0;
     while (first < text.size() && IsBlank(text[first])) {
@@ -78,21 +85,52 @@ private:
 }  // namespace
 
 void Save(const pugi::xml_document& document, std::ostream& out) {
-    pugi::xml_document copy;
-    copy.reset(document);
-    for (pugi::xml_node node = copy.first_child(); node; node = NextInDocumentOrder(node, copy)) {
+    // Checked where it stands; copied to be marked only when a text needs it, which few
+    // documents have: copying a project of thousands of blocks costs more than writing it.
+    bool marks = false;
+    bool declaredEncoding = false;
+    pugi::xml_node node = document.first_child();
+    while (node) {
         if (node.type() == pugi::node_element) {
             if (!IsValidName(node.name())) {
                 throw Error("'" + std::string(node.name()) + "' is not a valid XML name");
             }
-            for (pugi::xml_attribute attribute : node.attributes()) {
+            for (pugi::xml_attribute attribute = node.first_attribute(); attribute;
+                 attribute = attribute.next_attribute()) {
                 if (!IsValidName(attribute.name())) {
                     throw Error("'" + std::string(attribute.name()) + "' is not a valid XML name");
                 }
                 RequireWritable(attribute.value(), node);
             }
         } else if (node.type() == pugi::node_pcdata) {
-            RequireWritable(node.value(), node.parent());
+            const std::string_view text = node.value();
+            RequireWritable(text, node.parent());
+            marks = marks || NeedsMarks(text);
+        } else if (node.type() == pugi::node_declaration && node.attribute("encoding")) {
+            declaredEncoding = std::string_view(node.attribute("encoding").value()) != "UTF-8";
+        }
+        // The next node in document order, without a call per step through the library.
+        if (pugi::xml_node child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling()) {
+            node = node.parent();
+        }
+        if (node) {
+            node = node.next_sibling();
+        }
+    }
+    if (!marks && !declaredEncoding) {
+        pugi::xml_writer_stream writer(out);
+        document.save(writer, "  ", pugi::format_default, pugi::encoding_utf8);
+        return;
+    }
+    ReferenceWriter writer(out);
+    pugi::xml_document copy;
+    copy.reset(document);
+    for (pugi::xml_node node = copy.first_child(); node; node = NextInDocumentOrder(node, copy)) {
+        if (node.type() == pugi::node_pcdata && NeedsMarks(node.value())) {
             node.set_value(Marked(node.value()).c_str());
         }
     }
@@ -102,7 +140,6 @@ void Save(const pugi::xml_document& document, std::ostream& out) {
             node.attribute("encoding").set_value("UTF-8");
         }
     }
-    ReferenceWriter writer(out);
     copy.save(writer, "  ", pugi::format_default, pugi::encoding_utf8);
 }
 

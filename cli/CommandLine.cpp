@@ -35,6 +35,7 @@ enum class Opt {
     Interop,
     Update,
     Keep,
+    Project,
 };
 
 struct OptionInfo {
@@ -64,6 +65,7 @@ constexpr std::array kOptions{
     OptionInfo{Opt::Interop, "--interop", false},
     OptionInfo{Opt::Update, "--update", false},
     OptionInfo{Opt::Keep, "--keep", false},
+    OptionInfo{Opt::Project, "--project", true},
 };
 
 struct CommandInfo {
@@ -101,7 +103,7 @@ const std::vector<CommandInfo>& Commands() {
          1,
          1},
         {Command::Load, "load", {Opt::Intel}, "a project file", 1, 1},
-        {Command::Check, "check", {}, "block types", 0, kAny},
+        {Command::Check, "check", {Opt::Project}, "block types", 0, kAny},
         {Command::Set, "set", {}, "PROJECT BLOCK NAME=VALUE...", 3, kAny},
         {Command::Flat, "flat", {}, "a project file", 1, 1},
         {Command::Diff, "diff", {}, "two project files", 2, 2},
@@ -294,6 +296,9 @@ void ApplyOption(const OptionInfo& info, std::optional<std::string>& inlineValue
             result.exportForm = form;
             break;
         }
+        case Opt::Project:
+            result.project = value();
+            break;
         case Opt::Update:
         case Opt::Keep:
             (info.id == Opt::Update ? result.update : result.keep) = true;
@@ -328,6 +333,10 @@ void CheckArguments(const CommandInfo& info, const Invocation& result) {
     }
     if (count > info.maxArguments) {
         throw UsageError("unexpected argument '" + result.arguments[info.maxArguments] + "'" +
+                         Hint(info.command));
+    }
+    if (info.command == Command::Check && result.project && count > 0) {
+        throw UsageError("'check --project' checks the project's blocks and takes no block types" +
                          Hint(info.command));
     }
     if (info.command == Command::Export && result.exportForm == ExportForm::None) {

@@ -68,6 +68,8 @@ struct Invocation {
     // import: replace the values of blocks PROJECT has already (else they are kept).
     bool update = false;
     bool keep = false;
+    // check: the project whose blocks are checked against the library.
+    std::optional<std::filesystem::path> project;
 };
 
 // Reads the arguments after the program name. Throws UsageError for an unknown command or

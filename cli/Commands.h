@@ -24,6 +24,9 @@ int RunSave(const CommandContext& context);
 int RunExport(const CommandContext& context);
 int RunLoad(const CommandContext& context);
 int RunCheck(const CommandContext& context);
+// check --project: every block of the project whose type changed since it was saved, and
+// what changed, one line each on out; exit status 1 when there is any.
+int CheckProject(const CommandContext& context);
 int RunSet(const CommandContext& context);
 int RunFlat(const CommandContext& context);
 int RunDiff(const CommandContext& context);

@@ -22,8 +22,10 @@ COMMANDS:
   save TYPE           a project document holding a new block
   export TYPE         the simulator or interoperability form of a new block
   load FILE           user name, type and image of each block of a project
-  check [TYPE...]     create block types and show their messages;
-                      exit status 1 when any message was shown
+  check [TYPE... | --project PROJECT]
+                      create block types and show their messages; or list the blocks
+                      of PROJECT whose type changed since it was saved;
+                      exit status 1 when any message was shown or block listed
   set PROJECT BLOCK NAME=VALUE...
                       write parameter values into a saved project
   flat PROJECT        one line per block setting: BLOCK, NAME, VALUE
@@ -115,10 +117,25 @@ read).
 )txt";
         case Command::Check:
             return R"txt(USAGE: zerbin [options] check [TYPE...]
+       zerbin [options] check --project PROJECT
+
+First, when the library has a manifest (library.xml) that names the least dictionary
+version it needs, a dictionary of an older version, or of none, refuses the library:
+exit status 1.
 
 Creates each TYPE, or every type of the library, and builds its image. The messages the
 blocks show go to stderr; a type that fails is named there and the rest go on. Exit status
 1 when any message was shown or any type failed, 3 when a definition cannot be read, else 0.
+
+With --project, restores every block of PROJECT instead and lists, one line each, the
+blocks whose type changed since the project was saved (the block element's TypeStamp is
+not the type's now, or the project names a parameter or output the type no longer has):
+  BLOCK (TYPE): type changed: saved as STAMP, now STAMP
+  BLOCK (TYPE): NAME 'VALUE' kept: REASON   a value the type no longer takes, kept as saved
+  BLOCK (TYPE): output NAME kept: ...       a displayable output the type no longer has
+  BLOCK (TYPE): NAME new: 'VALUE'           a parameter the block had no value for
+  BLOCK (TYPE): type not in the library; the block is kept as saved
+Exit status 1 when any block is listed, else 0.
 )txt";
         case Command::Set:
             return R"txt(USAGE: zerbin [options] set PROJECT BLOCK NAME=VALUE...

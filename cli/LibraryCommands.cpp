@@ -2,11 +2,14 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/CliErrors.h"
 #include "cli/Commands.h"
+#include "cli/DataFolder.h"
+#include "platform/LibraryManifest.h"
 
 namespace zerbin::cli {
 namespace {
@@ -45,7 +48,46 @@ int RunTypes(const CommandContext& context) {
     return status;
 }
 
+namespace {
+
+// The library's manifest against the dictionary: a library that needs a newer dictionary is
+// refused before any of its types is made with the older one.
+int CheckManifest(const CommandContext& context) {
+    std::optional<LibraryManifest> manifest;
+    try {
+        manifest = ReadLibraryManifest(context.host.library);
+    } catch (const LibraryManifestError& error) {
+        context.err << kErrorPrefix << error.what() << '\n';
+        return error.Unreadable() ? kExitUnreadable : kExitFailure;
+    }
+    if (!manifest || manifest->dictionaryVersion.empty()) {
+        return kExitOk;
+    }
+    const std::string have = DictionaryVersion(*context.host.dictionary);
+    if (!have.empty() && IsVersion(have) &&
+        CompareVersions(have, manifest->dictionaryVersion) >= 0) {
+        return kExitOk;
+    }
+    const std::string dictionary =
+        context.invocation.dictionary.value_or(ShippedDictionary()).string();
+    context.err << kErrorPrefix << "library '" << context.host.library.string() << "'"
+                << (manifest->name.empty() ? "" : " (" + manifest->name + ")")
+                << " needs dictionary version " << manifest->dictionaryVersion
+                << " or later; dictionary '" << dictionary << "' "
+                << (have.empty() ? std::string("gives no version") : "is version '" + have + "'")
+                << '\n';
+    return kExitFailure;
+}
+
+}  // namespace
+
 int RunCheck(const CommandContext& context) {
+    if (const int status = CheckManifest(context); status != kExitOk) {
+        return status;
+    }
+    if (context.invocation.project) {
+        return CheckProject(context);
+    }
     std::vector<std::string> types = context.invocation.arguments;
     if (types.empty()) {
         types = LibraryTypes(context.host.library);

@@ -1,15 +1,25 @@
 #include "cli/ProjectBlockEdit.h"
 
 #include <cctype>
+#include <charconv>
+#include <cstdint>
 
 #include "base/Xml.h"
 #include "cli/CliErrors.h"
 #include "cli/ProjectModel.h"
 #include "interfaces/Error.h"
+#include "interfaces/IOutput.h"
 #include "parameters/ValueRules.h"
 
 namespace zerbin::cli {
 namespace {
+
+// An export index as the studio writes it. A block without one has none yet: the host that
+// opens the project gives it one, so no reference can be worked out before.
+bool ParseExportIndex(std::string_view text, int16_t& index) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), index);
+    return error == std::errc() && end == text.data() + text.size() && !text.empty();
+}
 
 bool IsHex(std::string_view text) {
     for (const char c : text) {
@@ -30,7 +40,7 @@ HostSettings ProjectHost(const HostSettings& host, bool projectShortFloat) {
 
 ProjectBlockEdit::ProjectBlockEdit(const HostSettings& host, pugi::xml_node element,
                                    const std::string& id)
-    : element_(element), id_(id) {
+    : host_(host), element_(element), id_(id) {
     const std::string type = element.name();
     if (!HasBlockType(host.library, type)) {
         throw Error("block '" + id + "' is of type '" + type + "', which library '" +
@@ -101,11 +111,49 @@ std::vector<std::string> ProjectBlockEdit::Write(const std::vector<Assignment>& 
     return objections;
 }
 
-void ProjectBlockEdit::Store(const ValueList& before) {
-    const std::string image = (*block_)->IAppObject_Stream();
+void ProjectBlockEdit::Rewire(const Project& project) {
+    const std::shared_ptr<IInputs> inputs = (*block_)->IAppObject_Inputs();
+    if (!inputs) {
+        return;
+    }
+    for (pugi::xml_node connection : element_.children("Connection")) {
+        const std::shared_ptr<IInput> input =
+            inputs->IInputs_Item(connection.attribute("Input").as_string());
+        const pugi::xml_node source = project.ByKey(connection.attribute("Source").as_string());
+        int16_t index = 0;
+        if (!input || !source || !HasBlockType(host_.library, source.name()) ||
+            !ParseExportIndex(source.attribute("ExportIndex").as_string(), index)) {
+            continue;
+        }
+        // The reference is the source block's to give, as a host asks it when it wires.
+        HostedBlock from(host_, source.name(), BlockKeys{KeyOf(source), {}, {}});
+        from->IAppObject_ExportIndex(index);
+        const std::shared_ptr<IOutputs> outputs = from->IAppObject_Outputs();
+        const auto output = std::dynamic_pointer_cast<IDisplayItem>(
+            outputs ? outputs->IOutputs_Item(connection.attribute("Output").as_string()) : nullptr);
+        if (!output) {
+            continue;
+        }
+        // An extended input takes three bytes; an output's code fills two of them.
+        input->IInput_Value(output->IDisplayItem_Reference() +
+                            (input->IInput_Extended() ? "00" : ""));
+    }
+}
+
+std::string ProjectBlockEdit::Image() const {
+    std::string image = (*block_)->IAppObject_Stream();
     if (image.empty()) {
         throw Error("the image of block '" + id_ + "' cannot be made");
     }
+    return image;
+}
+
+void ProjectBlockEdit::StoreImage() {
+    WriteImage(element_, Image());
+}
+
+void ProjectBlockEdit::Store(const ValueList& before) {
+    const std::string image = Image();
     const ValueList after = Values();
     for (std::size_t i = 0; i < after.size(); ++i) {
         const auto& [name, value] = after[i];

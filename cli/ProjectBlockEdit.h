@@ -16,6 +16,8 @@
 
 namespace zerbin::cli {
 
+class Project;
+
 // Every parameter value of a block, by name, in collection order.
 using ValueList = std::vector<std::pair<std::string, std::string>>;
 
@@ -39,8 +41,21 @@ public:
     // Writes into the element the parameters whose value differs from before (every one when
     // before is empty, against the element's own text) and the image as the block makes it.
     void Store(const ValueList& before);
+    // Gives each wired input (a "Connection" of the element) the reference of its source's
+    // output as project holds the source now: its key and export index may have changed since
+    // the image was made. A wire whose source, its type or its output is not found is left as
+    // the image has it.
+    void Rewire(const Project& project);
+
+    // Writes only the image as the block makes it: for values written into the element
+    // before the block was restored from it.
+    void StoreImage();
 
 private:
+    // Throws Error when the block cannot make one.
+    std::string Image() const;
+
+    HostSettings host_;
     pugi::xml_node element_;
     std::string id_;
     std::unique_ptr<HostedBlock> block_;

@@ -1,7 +1,10 @@
 #include "cli/ProjectModel.h"
 
+#include <array>
 #include <cctype>
+#include <cstring>
 #include <unordered_set>
+#include <vector>
 
 #include "base/MMain.h"
 #include "base/Xml.h"
@@ -143,7 +146,7 @@ Project::Project(std::filesystem::path file) : file_(std::move(file)) {
 
 void Project::Reindex() {
     blocks_.clear();
-    keys_.clear();
+    byKey_.clear();
     indexes_.clear();
     std::unordered_set<std::string> taken;
     std::size_t position = 0;
@@ -161,7 +164,7 @@ void Project::Reindex() {
             id = "#" + std::to_string(position);
         }
         blocks_.push_back(ProjectBlock{element, std::move(id)});
-        keys_.insert(KeyOf(element));
+        byKey_.emplace(KeyOf(element), element);
         indexes_.insert(element.attribute(kExportIndex).as_string());
     }
 }
@@ -204,13 +207,13 @@ const ProjectBlock& Project::Find(const std::string& name) const {
 std::pair<pugi::xml_node, std::string> Project::Adopt(pugi::xml_node element) {
     pugi::xml_node copy = Root().append_copy(element);
     std::string key = KeyOf(copy);
-    if (key.empty() || keys_.count(key) != 0) {
+    if (key.empty() || byKey_.count(key) != 0) {
         do {
             key = "Block" + std::to_string(nextKey_++);
-        } while (keys_.count(key) != 0);
+        } while (byKey_.count(key) != 0);
         xml::SetAttribute(copy, kKey, key);
     }
-    keys_.insert(key);
+    byKey_.emplace(key, copy);
     const std::string index = copy.attribute(kExportIndex).as_string();
     if (!index.empty() && !indexes_.insert(index).second) {
         while (nextIndex_ < 32767 && indexes_.count(std::to_string(nextIndex_)) != 0) {
@@ -221,6 +224,11 @@ std::pair<pugi::xml_node, std::string> Project::Adopt(pugi::xml_node element) {
     }
     blocks_.push_back(ProjectBlock{copy, key});
     return {copy, key};
+}
+
+pugi::xml_node Project::ByKey(const std::string& key) const {
+    const auto found = byKey_.find(key);
+    return found == byKey_.end() || key.empty() ? pugi::xml_node() : found->second;
 }
 
 bool Project::ShortFloat() const {
@@ -235,14 +243,58 @@ std::string KeyOf(pugi::xml_node element) {
     return element.attribute(kKey).as_string();
 }
 
+bool RenameWireSources(pugi::xml_node element,
+                       const std::unordered_map<std::string, std::string>& renames) {
+    bool renamed = false;
+    for (pugi::xml_node connection : element.children(kConnection)) {
+        const auto found = renames.find(connection.attribute("Source").as_string());
+        if (found != renames.end()) {
+            xml::SetAttribute(connection, "Source", found->second);
+            renamed = true;
+        }
+    }
+    return renamed;
+}
+
 Settings ReadSettings(pugi::xml_node element) {
+    // One walk over the element's children finds the first of each of the block's own
+    // elements, as the block's load would take them; the settings still come in one order.
+    enum Own { kName, kX, kY, kParameters, kDisplayable, kOwnCount };
+    const std::pair<Own, const char*> ownNames[] = {{kName, kUserName},
+                                                    {kX, kXPosition},
+                                                    {kY, kYPosition},
+                                                    {kParameters, kAttributes},
+                                                    {kDisplayable, kOutputs}};
+    std::array<pugi::xml_node, kOwnCount> own{};
+    std::vector<pugi::xml_node> wires;
+    std::vector<pugi::xml_node> others;
+    std::size_t count = 0;
+    for (pugi::xml_node child : element.children()) {
+        ++count;
+        if (child.type() != pugi::node_element) {
+            continue;
+        }
+        const std::string_view name = xml::BaseNameView(child);
+        for (const auto& [slot, ownName] : ownNames) {
+            if (!own[slot] && EqualsNoCase(name, ownName)) {
+                own[slot] = child;
+                break;
+            }
+        }
+        if (std::string_view(child.name()) == kConnection) {
+            wires.push_back(child);
+        } else if (!IsOwnElement(child.name())) {
+            others.push_back(child);
+        }
+    }
     Settings settings;
+    settings.reserve(count + 8);
     settings.emplace_back(kTypeSetting, element.name());
-    const std::pair<std::string_view, const char*> own[] = {
-        {kNameSetting, kUserName}, {kXSetting, kXPosition}, {kYSetting, kYPosition}};
-    for (const auto& [setting, name] : own) {
-        if (pugi::xml_node child = ChildNoCase(element, name)) {
-            settings.emplace_back(setting, TextOf(child));
+    const std::pair<std::string_view, Own> placed[] = {
+        {kNameSetting, kName}, {kXSetting, kX}, {kYSetting, kY}};
+    for (const auto& [setting, slot] : placed) {
+        if (own[slot]) {
+            settings.emplace_back(setting, TextOf(own[slot]));
         }
     }
     if (pugi::xml_attribute index = element.attribute(kExportIndex)) {
@@ -251,17 +303,17 @@ Settings ReadSettings(pugi::xml_node element) {
     if (pugi::xml_attribute color = element.attribute(kColor)) {
         settings.emplace_back(kColorSetting, color.value());
     }
-    for (pugi::xml_node parameter : ChildNoCase(element, kAttributes).children()) {
+    for (pugi::xml_node parameter : own[kParameters].children()) {
         if (parameter.type() == pugi::node_element) {
             settings.emplace_back(parameter.name(), TextOf(parameter));
         }
     }
-    for (pugi::xml_node output : ChildNoCase(element, kOutputs).children()) {
+    for (pugi::xml_node output : own[kDisplayable].children()) {
         if (output.type() == pugi::node_element && output.attribute(kIsDisplayable)) {
             settings.emplace_back(std::string(kDisplayablePrefix) + output.name(), "1");
         }
     }
-    for (pugi::xml_node connection : element.children(kConnection)) {
+    for (pugi::xml_node connection : wires) {
         settings.emplace_back(std::string(kWirePrefix) + connection.attribute("Input").as_string(),
                               std::string(connection.attribute("Source").as_string()) + "/" +
                                   connection.attribute("Output").as_string());
@@ -272,12 +324,61 @@ Settings ReadSettings(pugi::xml_node element) {
             settings.emplace_back(std::string("@") + attribute.name(), attribute.value());
         }
     }
-    for (pugi::xml_node child : element.children()) {
-        if (child.type() == pugi::node_element && !IsOwnElement(child.name())) {
-            settings.emplace_back(std::string("@") + child.name(), TextOf(child));
-        }
+    for (pugi::xml_node child : others) {
+        settings.emplace_back(std::string("@") + child.name(), TextOf(child));
     }
     return settings;
+}
+
+namespace {
+
+bool SameAttributes(pugi::xml_node a, pugi::xml_node b) {
+    pugi::xml_attribute x = a.first_attribute();
+    pugi::xml_attribute y = b.first_attribute();
+    for (; x && y; x = x.next_attribute(), y = y.next_attribute()) {
+        if (std::strcmp(x.name(), y.name()) != 0 || std::strcmp(x.value(), y.value()) != 0) {
+            return false;
+        }
+    }
+    return !x && !y;
+}
+
+bool SameNode(pugi::xml_node a, pugi::xml_node b) {
+    return a.type() == b.type() && std::strcmp(a.name(), b.name()) == 0 &&
+           std::strcmp(a.value(), b.value()) == 0 && SameAttributes(a, b);
+}
+
+}  // namespace
+
+// A block element is shallow, but a project may nest deeper than any call stack, so the walk
+// keeps its own.
+bool SameTree(pugi::xml_node a, pugi::xml_node b) {
+    if (!SameNode(a, b)) {
+        return false;
+    }
+    std::vector<std::pair<pugi::xml_node, pugi::xml_node>> pending{{a, b}};
+    while (!pending.empty()) {
+        const auto [x, y] = pending.back();
+        pending.pop_back();
+        pugi::xml_node i = x.first_child();
+        pugi::xml_node j = y.first_child();
+        for (; i && j; i = i.next_sibling(), j = j.next_sibling()) {
+            if (!SameNode(i, j)) {
+                return false;
+            }
+            if (i.first_child() || j.first_child()) {
+                pending.emplace_back(i, j);
+            }
+        }
+        if (i || j) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool SameSettings(pugi::xml_node a, pugi::xml_node b) {
+    return SameTree(a, b) || ReadSettings(a) == ReadSettings(b);
 }
 
 void WriteSetting(pugi::xml_node element, const std::string& name,

@@ -65,6 +65,11 @@ ZERBIN_API int ZerbinProjectSave(const ZerbinProject* project, const char* file)
         pugi::xml_node root = document.append_child(project->root.c_str());
         for (const auto& block : project->blocks) {
             block->block->IAppObject_XmlSave(root, document);
+            // What the block's type was, so that a later load can tell it changed since.
+            const std::string stamp = block->block->ITypeChange_Stamp();
+            if (!stamp.empty()) {
+                root.last_child().append_attribute(zerbin::kTypeStampAttribute) = stamp.c_str();
+            }
         }
         try {
             zerbin::ProjectFile(file).Write(document);

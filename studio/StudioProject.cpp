@@ -8,6 +8,7 @@
 #include <QPointer>
 
 #include "interfaces/ICanvasElement.h"
+#include "interfaces/ITypeChange.h"
 #include "studio/BlockFactory.h"
 #include "studio/NestedCount.h"
 #include "studio/ProjectMacro.h"
@@ -418,6 +419,13 @@ pugi::xml_node StudioProject::BlockElement(const std::string& key, pugi::xml_doc
     const int32_t color = block.IAppObject_Color();
     if (color != 0) {
         element.append_attribute("Color") = std::to_string(color).c_str();
+    }
+    // What the block's type was, so that a later load can tell it changed under the project.
+    if (const auto typed = std::dynamic_pointer_cast<ITypeChange>(entry->object)) {
+        const std::string stamp = typed->ITypeChange_Stamp();
+        if (!stamp.empty()) {
+            element.append_attribute(kTypeStampAttribute) = stamp.c_str();
+        }
     }
     for (const Wire& wire : WiresOf(key)) {
         if (wire.target == key) {

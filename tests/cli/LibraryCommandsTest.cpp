@@ -1,5 +1,7 @@
 // types and check on a library the test writes.
 
+#include <gmock/gmock.h>
+
 #include "tests/support/ProgramRunner.h"
 
 namespace zerbin::testing {
@@ -68,6 +70,64 @@ TEST_F(FaultyLibrary, CheckAndTypesReportEachTypesMessages) {
         EXPECT_EQ(result.out, row.out);
         EXPECT_EQ(result.err, row.err);
     }
+}
+
+// The manifest's least dictionary version against the dictionary's own, checked before any
+// type; then check --project lists the blocks whose type changed since they were saved.
+TEST_F(FaultyLibrary, CheckRefusesANewerDictionaryNeedAndListsChangedBlocks) {
+    const std::string shipped = ReadWhole(std::filesystem::path(ZERBIN_DATA_DIR) / "snvts.xml");
+    const auto dictionary = [&](const std::string& version) {
+        std::string text = shipped;
+        text.replace(text.find("<SNVTS VERSION=\"1.0\">"), 20,
+                     version.empty() ? "<SNVTS>" : "<SNVTS VERSION=\"" + version + "\">");
+        return folder_.Write("d" + version + ".xml", text).string();
+    };
+    const std::string needs =
+        "<LIBRARY><NAME>Plant</NAME><DICTIONARYVERSION>1.2</DICTIONARYVERSION>"
+        "</LIBRARY>";
+    const struct {
+        const char* manifest;  // nullptr: none
+        std::string dictionary;
+        int status;
+        std::string err;
+    } rows[] = {
+        {nullptr, dictionary(""), 0, ""},
+        {needs.c_str(), dictionary("1.10"), 0, ""},
+        {needs.c_str(), dictionary("1.1"), 1,
+         "zerbin: error: library '" + library_ + "' (Plant) needs dictionary version 1.2 or " +
+             "later; dictionary '" + folder_.Path().string() + "/d1.1.xml' is version '1.1'\n"},
+        {needs.c_str(), dictionary(""), 1, "gives no version\n"},
+        {"<LIBRARY>", dictionary("1.2"), 3, "cannot read library manifest"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.dictionary);
+        std::filesystem::remove(folder_.Path() / "lib" / "library.xml");
+        if (row.manifest != nullptr) {
+            folder_.Write("lib/library.xml", row.manifest);
+        }
+        const ProgramResult result =
+            RunProgram({"--library", library_, "--dictionary", row.dictionary, "check", "GOOD"});
+        EXPECT_EQ(result.status, row.status);
+        EXPECT_THAT(result.err, ::testing::HasSubstr(row.err));
+    }
+
+    std::filesystem::remove(folder_.Path() / "lib" / "library.xml");
+    const std::string project = folder_
+                                    .Write("p.xml", R"(<Project>
+  <GOOD Key="Block1" TypeStamp="00000000"><Attributes><Mode>99</Mode></Attributes></GOOD>
+  <GOOD Key="Block2"><Attributes><Mode>1</Mode></Attributes></GOOD>
+  <GONE Key="Block3"/>
+</Project>)")
+                                    .string();
+    const ProgramResult listed = RunProgram({"--library", library_, "check", "--project", project});
+    EXPECT_EQ(listed.status, 1);
+    EXPECT_THAT(listed.out,
+                ::testing::MatchesRegex(
+                    "Block1 \\(GOOD\\): type changed: saved as 00000000, now [0-9a-f]{8}\n"
+                    "Block1 \\(GOOD\\): Mode '99' kept: .*\n"
+                    "Block3 \\(GONE\\): type not in the library; the block is kept as "
+                    "saved\n"));
+    EXPECT_EQ(RunProgram({"--library", library_, "check", "--project", project, "GOOD"}).status, 2);
 }
 
 }  // namespace

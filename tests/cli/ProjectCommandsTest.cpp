@@ -197,6 +197,46 @@ TEST(ProjectCommands, ImportCreatesUnderFreeKeysAndUpdatesOrKeepsByKey) {
     EXPECT_EQ(RunProgram({"import", project, from, "--update", "--keep"}).status, 2);
 }
 
+// A block that comes in under a new key and index takes the wires that name it along: they
+// name its new key, and the reference in the wired block's image is its output's under the
+// new index (4002: the alarm's first output at index 2), not the block now under the old key.
+TEST(ProjectCommands, WiresFollowABlockThatComesInUnderANewKey) {
+    const std::string unwired = [] {
+        std::string text = kProject;
+        const std::size_t wire = text.find("    <Connection");
+        return text.erase(wire, text.find('\n', wire) + 1 - wire);
+    }();
+    std::string theirs = kProject;
+    theirs.replace(theirs.find("<HighLimit>30"), 13, "<HighLimit>40");
+    std::string thermostatAtBlock2 = WithoutBlock(unwired, "ALARM_LIMITS");
+    const std::string firstKey = "Key=\"Block1\" ExportIndex=\"0\"";
+    thermostatAtBlock2.replace(thermostatAtBlock2.find(firstKey), firstKey.size(),
+                               "Key=\"Block2\" ExportIndex=\"1\"");
+    const struct {
+        std::vector<std::string> args;  // files: base (merge only), the project written, from
+        std::vector<std::string> texts;
+    } rows[] = {
+        {{"import", "P", "F"}, {thermostatAtBlock2, kProject}},
+        // Both sides added a block as Block2; theirs is wired from theirs.
+        {{"merge", "B", "P", "F"}, {WithoutBlock(unwired, "ALARM_LIMITS"), unwired, theirs}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.args[0]);
+        TempFolder folder;
+        std::vector<std::string> args{row.args[0]};
+        for (std::size_t i = 1; i < row.args.size(); ++i) {
+            args.push_back(folder.Write(row.args[i] + ".xml", row.texts[i - 1]).string());
+        }
+        const std::string project = folder.Path() / "P.xml";
+        const ProgramResult result = RunProgram(args);
+        ASSERT_EQ(result.status, 0) << result.err;
+        EXPECT_NE(Flat(project).find("Block1\t@wire SpaceTemp\tBlock3/Alarm\n"), std::string::npos)
+            << Flat(project);
+        EXPECT_NE(Flat(project).find("Block3\t@export-index\t2\n"), std::string::npos);
+        EXPECT_NE(ReadWhole(project).find("<CDB>10012E4002"), std::string::npos);
+    }
+}
+
 TEST(ProjectCommands, DiffTellsWhatChangedAndExitsAsDiffDoes) {
     TempFolder folder;
     const std::string a = folder.Write("a.xml", kProject).string();
