@@ -11,6 +11,7 @@
 #include <QStyleOptionGraphicsItem>
 
 #include "interfaces/ICanvasElement.h"
+#include "interfaces/ITypeChange.h"
 #include "studio/CanvasScene.h"
 #include "zerbin/QtPicture.h"
 
@@ -154,6 +155,8 @@ void BlockItem::Refresh() {
     if (block_) {
         name_ = QString::fromStdString(block_->IAppObject_UserName());
         colour_ = ColourOf(block_->IAppObject_Color());
+        const auto typed = std::dynamic_pointer_cast<ITypeChange>(block_);
+        typeChanged_ = typed && typed->ITypeChange_IsChanged();
     }
     const std::size_t rows = std::max(look_->inputs.size(), look_->outputs.size());
     const QRectF rect(0, 0, look_->width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
@@ -265,6 +268,16 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     painter->drawPath(outline);
 
     painter->drawPixmap(QPointF(kPadding, 9), look_->icon);
+    if (typeChanged_) {
+        // A changed type: an amber badge on the icon until the block is updated.
+        static const QBrush badge(QColor(0xf5, 0xa6, 0x23));
+        painter->setPen(QPen(Qt::white, 1.2));
+        painter->setBrush(badge);
+        painter->drawEllipse(QPointF(kPadding + 18, 11), 7, 7);
+        painter->setFont(NameFont());
+        painter->setPen(Qt::black);
+        painter->drawText(QRectF(kPadding + 11, 4, 14, 14), Qt::AlignCenter, QStringLiteral("!"));
+    }
     painter->setPen(Qt::white);
     painter->setFont(NameFont());
     painter->drawText(
@@ -348,7 +361,15 @@ void BlockItem::hoverLeaveEvent(QGraphicsSceneHoverEvent* event) {
 
 // Over a terminal the cursor says a wire can start here, and the tip names the terminal.
 void BlockItem::PointAt(const std::optional<Terminal>& terminal) {
-    const QString tip = terminal ? terminal->label : look_->description;
+    QString tip = terminal ? terminal->label : look_->description;
+    if (!terminal && typeChanged_) {
+        if (const auto typed = std::dynamic_pointer_cast<ITypeChange>(block_)) {
+            tip = QObject::tr("The block's type changed since the project was saved:");
+            for (const std::string& line : typed->ITypeChange_Changes()) {
+                tip += "\n" + QString::fromStdString(line);
+            }
+        }
+    }
     if (toolTip() != tip) {
         setToolTip(tip);
     }

@@ -43,6 +43,7 @@ public:
     explicit BlockItem(const MissingBlock& missing);
     int type() const override { return Type; }
     bool StandIn() const { return block_ == nullptr; }
+    bool TypeChanged() const { return typeChanged_; }
 
     const std::string& Key() const { return key_; }
     // Reads name, colour and place from the block again.
@@ -75,6 +76,8 @@ private:
     QColor colour_;
     QRectF rect_;
     bool refreshing_ = false;
+    // The block's type changed since the project was saved: marked until it is updated.
+    bool typeChanged_ = false;
 };
 
 }  // namespace zerbin::studio

@@ -108,6 +108,15 @@ public:
     // The values a new block of the block's type starts with.
     ValueSnapshot DefaultValues(const std::string& key) const;
 
+    // ---- Types that changed under the project ----
+    // Whether the block's type changed since the project was saved, and what changed, one
+    // line each.
+    bool TypeChanged(const std::string& key) const;
+    std::vector<std::string> TypeChanges(const std::string& key) const;
+    // Brings the block to the library's type: what can be mapped is, the rest is given back,
+    // one line each.
+    std::vector<std::string> UpdateType(const std::string& key);
+
     // ---- Wires ----
     // Empty when the wire can be made, else why not, in the user's words.
     std::string WhyNotConnect(const Wire& wire) const;

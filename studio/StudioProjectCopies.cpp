@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "interfaces/ITypeChange.h"
 #include "studio/BlockFactory.h"
 #include "studio/StudioMessages.h"
 #include "studio/StudioProject.h"
@@ -163,6 +164,38 @@ std::vector<std::string> StudioProject::WriteValues(const std::string& key,
         }
     }
     return refused;
+}
+
+namespace {
+
+std::shared_ptr<ITypeChange> TypeChangeOf(const std::shared_ptr<IAppObject>& block) {
+    return std::dynamic_pointer_cast<ITypeChange>(block);
+}
+
+}  // namespace
+
+bool StudioProject::TypeChanged(const std::string& key) const {
+    const std::shared_ptr<ITypeChange> typed = TypeChangeOf(Block(key));
+    return typed && typed->ITypeChange_IsChanged();
+}
+
+std::vector<std::string> StudioProject::TypeChanges(const std::string& key) const {
+    const std::shared_ptr<ITypeChange> typed = TypeChangeOf(Block(key));
+    return typed ? typed->ITypeChange_Changes() : std::vector<std::string>();
+}
+
+std::vector<std::string> StudioProject::UpdateType(const std::string& key) {
+    const std::shared_ptr<ITypeChange> typed = TypeChangeOf(Block(key));
+    if (!typed) {
+        return {};
+    }
+    std::vector<std::string> dropped;
+    {
+        Context(Block(key)->IAppObject_UserName());
+        dropped = typed->ITypeChange_Update();
+    }
+    emit blockChanged(key);
+    return dropped;
 }
 
 ValueSnapshot StudioProject::DefaultValues(const std::string& key) const {

@@ -381,6 +381,18 @@ bool StudioWindow::OpenProject(const QString& file) {
             tr("%n block(s) of types the library lacks are kept and drawn in grey.", nullptr,
                project_->MissingBlocks()));
     }
+    int changed = 0;
+    GuardedCall("find the changed types", [&] {
+        for (const std::string& key : project_->BlockKeys()) {
+            changed += project_->TypeChanged(key) ? 1 : 0;
+        }
+    });
+    if (changed > 0) {
+        statusBar()->showMessage(
+            tr("%n block(s) whose type changed since the project was saved "
+               "are marked !; Edit → Update to the library's type.",
+               nullptr, changed));
+    }
     OfferRecovery(file);
     return true;
 }

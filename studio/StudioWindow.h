@@ -86,6 +86,10 @@ public slots:
     void PasteParameters();
     // The selected blocks' values back to their type's; names, places and wires stay.
     void ResetSelection();
+    // The selected blocks whose type changed since the project was saved (all such blocks when
+    // none is selected) brought to the library's type, as one undoable step; what could not be
+    // mapped is listed in the log.
+    void UpdateTypes();
     void SelectBlock(const std::string& key);
     void SelectBlocks(const std::vector<std::string>& keys);
     // The next block after the last one found whose user name, type or key holds the text

@@ -147,6 +147,8 @@ void StudioWindow::BuildActions() {
         QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_V), [this] { PasteParameters(); });
     add(edit, "actionReset", tr("Reset to &defaults"), QKeySequence(),
         [this] { ResetSelection(); });
+    add(edit, "actionUpdateType", tr("Update to the library's t&ype"), QKeySequence(),
+        [this] { UpdateTypes(); });
     add(edit, "actionDelete", tr("&Delete"), QKeySequence::Delete, [this] { DeleteSelection(); });
     add(edit, "actionRename", tr("Re&name"), QKeySequence(Qt::Key_F2), [this] {
         if (!selected_.empty()) {

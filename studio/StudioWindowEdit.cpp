@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QMimeData>
+#include <QStatusBar>
 #include <QUndoStack>
 
 #include "studio/BlockItem.h"
@@ -110,6 +111,36 @@ void StudioWindow::ResetSelection() {
                 [&](const std::string& key) {
                     return project_->WriteValues(key, project_->DefaultValues(key));
                 });
+}
+
+void StudioWindow::UpdateTypes() {
+    std::vector<std::string> keys;
+    std::vector<std::string> candidates = scene_->SelectedBlocks();
+    if (candidates.empty()) {
+        candidates = project_->BlockKeys();
+    }
+    GuardedCall("find the changed types", [&] {
+        for (const std::string& key : candidates) {
+            if (project_->TypeChanged(key)) {
+                keys.push_back(key);
+            }
+        }
+    });
+    if (keys.empty()) {
+        statusBar()->showMessage(tr("No block's type changed since the project was saved."), 8000);
+        return;
+    }
+    std::vector<std::string> dropped;
+    if (Do("update the blocks to the library's type",
+           new UpdateTypeCommand(*project_, keys, &dropped)) &&
+        !dropped.empty()) {
+        std::string list;
+        for (const std::string& line : dropped) {
+            list += "\n" + line;
+        }
+        ShowMessage("Updated to the library's type; not kept:" + list, kTitle,
+                    MessageIcon::Information);
+    }
 }
 
 void StudioWindow::SetValue(const std::string& key, const std::string& attribute,

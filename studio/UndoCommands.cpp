@@ -152,6 +152,65 @@ void PasteCommand::undo() {
     project_.RemoveBlocks(keys_);
 }
 
+UpdateTypeCommand::UpdateTypeCommand(StudioProject& project, std::vector<std::string> keys,
+                                     std::vector<std::string>* dropped)
+    : project_(project), keys_(std::move(keys)), dropped_(dropped) {
+    setText(QObject::tr("Update %n block(s) to the library's type", nullptr,
+                        static_cast<int>(keys_.size())));
+}
+
+void UpdateTypeCommand::redo() {
+    saved_.reset();
+    pugi::xml_node root = saved_.append_child("Updated");
+    wires_.clear();
+    targetValues_.clear();
+    const std::unordered_set<std::string> updated(keys_.begin(), keys_.end());
+    std::unordered_set<Wire, WireHash> listed;
+    std::unordered_set<std::string> targets;
+    for (const std::string& key : keys_) {
+        project_.BlockElement(key, saved_, root);
+        for (const Wire& wire : project_.WiresOf(key)) {
+            if (listed.insert(wire).second) {
+                wires_.push_back(wire);
+            }
+            if (updated.count(wire.target) == 0 && targets.insert(wire.target).second) {
+                targetValues_.emplace_back(wire.target, project_.Values(wire.target));
+            }
+        }
+    }
+    positions_ = project_.PlacesOf(keys_);
+    for (const std::string& key : keys_) {
+        std::vector<std::string> lines = project_.UpdateType(key);
+        if (dropped_ != nullptr) {
+            const std::shared_ptr<IAppObject> block = project_.Block(key);
+            const std::string name = block ? block->IAppObject_UserName() : key;
+            for (const std::string& line : lines) {
+                dropped_->push_back(name + ": " + line);
+            }
+        }
+    }
+    dropped_ = nullptr;
+}
+
+void UpdateTypeCommand::undo() {
+    // The blocks as they were saved: their element still holds the values the type no longer
+    // takes and the stamp of the type they were saved under.
+    project_.RemoveBlocks(keys_);
+    std::vector<pugi::xml_node> elements;
+    for (pugi::xml_node element : saved_.first_child().children()) {
+        elements.push_back(element);
+    }
+    project_.RestoreBlocks(elements, positions_);
+    for (const Wire& wire : wires_) {
+        if (!project_.HasWire(wire)) {
+            project_.Connect(wire);
+        }
+    }
+    for (const auto& [key, values] : targetValues_) {
+        project_.ApplyValues(key, values);
+    }
+}
+
 SettingsCommand::SettingsCommand(StudioProject& project, ProjectSettings from, ProjectSettings to)
     : project_(project), from_(from), to_(to) {
     setText(QObject::tr("Project settings"));

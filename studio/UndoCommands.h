@@ -68,6 +68,26 @@ private:
     pugi::xml_document saved_;
 };
 
+// Brings blocks whose type changed under the project to the library's type; what could not be
+// mapped goes to *dropped, "BLOCK: NAME 'VALUE': why", on the first redo. Undo brings the
+// blocks back as they were saved before, with their wires.
+class UpdateTypeCommand : public QUndoCommand {
+public:
+    UpdateTypeCommand(StudioProject& project, std::vector<std::string> keys,
+                      std::vector<std::string>* dropped);
+    void redo() override;
+    void undo() override;
+
+private:
+    StudioProject& project_;
+    std::vector<std::string> keys_;
+    std::vector<std::string>* dropped_;
+    std::vector<int> positions_;
+    std::vector<Wire> wires_;
+    std::vector<std::pair<std::string, ValueSnapshot>> targetValues_;
+    pugi::xml_document saved_;
+};
+
 class SettingsCommand : public QUndoCommand {
 public:
     SettingsCommand(StudioProject& project, ProjectSettings from, ProjectSettings to);

@@ -767,6 +767,28 @@ private slots:
         QVERIFY(FileText(file).find("Key=\"" + added + "\"") != std::string::npos);
     }
 
+    // A block saved under another version of its type is marked; Update to the library's
+    // type keeps what the type takes, names what it drops, and is undone whole.
+    void aChangedTypeIsMarkedAndUpdatedInOneStep() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("old.xml");
+        std::ofstream(file.toStdString())
+            << "<Project><THERMOSTAT Key=\"T\" TypeStamp=\"00000000@0.9\"><UserName>Zone"
+               "</UserName><Attributes><HeatSetpoint>22</HeatSetpoint><Gone>5</Gone>"
+               "</Attributes></THERMOSTAT></Project>";
+        QVERIFY(window_->OpenProject(file));
+        const BlockItem* item = window_->Scene().Item("T");
+        QVERIFY(item->TypeChanged());
+        const std::string opened = window_->Project().Text();
+        Trigger(*window_, "actionUpdateType");
+        QVERIFY(!window_->Scene().Item("T")->TypeChanged());
+        QVERIFY(LogHas(*window_, "Gone"));
+        QCOMPARE(Value(*window_, "T", "HeatSetpoint"), std::string("22"));
+        Trigger(*window_, "actionUndo");
+        QVERIFY(window_->Scene().Item("T")->TypeChanged());
+        QCOMPARE(window_->Project().Text(), opened);
+    }
+
     // A block whose type the library lacks is kept as it stands, said once, and written back.
     void aProjectWithAMissingTypeKeepsThatBlock() {
         QTemporaryDir folder;
