@@ -23,9 +23,12 @@
 #include <string>
 
 #include "studio/BlockFactory.h"
+#include "studio/BlockItem.h"
 #include "studio/CanvasScene.h"
+#include "studio/OverviewDock.h"
 #include "studio/StudioProject.h"
 #include "studio/StudioWindow.h"
+#include "studio/WireRouter.h"
 
 namespace {
 
@@ -260,6 +263,65 @@ void ZoomFrame(benchmark::State& state) {
     }
 }
 BENCHMARK(ZoomFrame)->Unit(benchmark::kMillisecond);
+
+// Find by name as one types, among 10,000 blocks: the worst case, no block matches.
+void FindBlock(benchmark::State& state) {
+    StudioWindow window;
+    ShowQuietly(window);
+    Open(window, LargeProject(10000), state);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(window.FindBlock("no such block"));
+    }
+}
+BENCHMARK(FindBlock)->Unit(benchmark::kMillisecond);
+
+// A block dragged one step, its wires and those it now stands across routed again and found
+// their way, as the frame that follows the move draws them.
+void RouteMovedBlock(benchmark::State& state) {
+    StudioWindow window;
+    ShowQuietly(window);
+    Open(window, LargeProject(10000), state);
+    window.View().SetZoom(1.0);
+    const std::string key = window.Project().BlockKeys()[window.Project().BlockKeys().size() / 2];
+    zerbin::studio::BlockItem* block = window.Scene().Item(key);
+    window.View().centerOn(block);
+    qreal step = zerbin::studio::CanvasScene::kGrid;
+    for (auto _ : state) {
+        block->setPos(block->pos() + QPointF(step, 0));
+        step = -step;
+        for (QGraphicsItem* item : window.Scene().items(block->sceneBoundingRect().adjusted(
+                 -zerbin::studio::WireRouter::kDetour, -zerbin::studio::WireRouter::kDetour,
+                 zerbin::studio::WireRouter::kDetour, zerbin::studio::WireRouter::kDetour))) {
+            if (const auto* wire = qgraphicsitem_cast<zerbin::studio::WireItem*>(item)) {
+                benchmark::DoNotOptimize(wire->Points().size());
+            }
+        }
+    }
+}
+BENCHMARK(RouteMovedBlock)->Unit(benchmark::kMillisecond);
+
+// One paint of the overview of 10,000 blocks, and one picture of the drawing made again.
+void OverviewPaint(benchmark::State& state) {
+    StudioWindow window;
+    ShowQuietly(window);
+    Open(window, LargeProject(10000), state);
+    window.Overview().Redraw();
+    QWidget* map = window.Overview().widget();
+    for (auto _ : state) {
+        map->repaint();
+    }
+}
+BENCHMARK(OverviewPaint)->Unit(benchmark::kMillisecond);
+
+void OverviewRedraw(benchmark::State& state) {
+    StudioWindow window;
+    ShowQuietly(window);
+    Open(window, LargeProject(10000), state);
+    for (auto _ : state) {
+        window.Overview().Redraw();
+    }
+}
+BENCHMARK(OverviewRedraw)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

@@ -194,6 +194,17 @@ std::optional<Terminal> BlockItem::FindTerminal(const std::string& name, bool ou
     return std::nullopt;
 }
 
+std::vector<Terminal> BlockItem::Terminals() const {
+    std::vector<Terminal> terminals;
+    for (const bool output : {false, true}) {
+        const std::size_t rows = (output ? look_->outputs : look_->inputs).size();
+        for (std::size_t row = 0; row < rows; ++row) {
+            terminals.push_back(TerminalOf(row, output));
+        }
+    }
+    return terminals;
+}
+
 std::optional<Terminal> BlockItem::TerminalAt(QPointF itemPos, qreal slack) const {
     const qreal reach = kTerminalRadius + slack;
     // Only the two edges carry terminals, one to a row.
@@ -217,7 +228,8 @@ QRectF BlockItem::NameRect() const {
 }
 
 QRectF BlockItem::boundingRect() const {
-    return rect_.adjusted(-kTerminalRadius - 2, -2, kTerminalRadius + 2, 2);
+    // Room for a terminal's ring while a wire is dragged.
+    return rect_.adjusted(-kTerminalRadius - 4, -2, kTerminalRadius + 4, 2);
 }
 
 void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
@@ -278,22 +290,47 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     }
     static const QBrush inputBrush(QColor(0x3d, 0x8b, 0x5a));
     static const QBrush outputBrush(QColor(0xe0, 0x8a, 0x2e));
-    painter->setPen(QPen(Qt::white, 1.5));
+    static const QBrush dimmedBrush(QColor(0xc8, 0xcc, 0xd0));
+    static const QBrush litBrush(QColor(0x1f, 0x6f, 0xe0));
+    static const QPen litPen(QColor(0x9c, 0xc8, 0xff), 3);
+    static const QPen plainPen(Qt::white, 1.5);
+    const auto* canvas = static_cast<const CanvasScene*>(scene());
     for (const bool output : {false, true}) {
-        const std::size_t rows = (output ? look_->outputs : look_->inputs).size();
-        painter->setBrush(output ? outputBrush : inputBrush);
-        for (std::size_t row = 0; row < rows; ++row) {
-            painter->drawEllipse(QPointF(output ? rect_.width() : 0, rowOf(row)), kTerminalRadius,
-                                 kTerminalRadius);
+        const std::vector<TerminalName>& names = output ? look_->outputs : look_->inputs;
+        for (std::size_t row = 0; row < names.size(); ++row) {
+            // While a wire is dragged the terminals that take it are ringed, the rest dimmed.
+            const CanvasScene::Guide guide = canvas != nullptr && !StandIn()
+                                                 ? canvas->GuideOf(key_, names[row].name, output)
+                                                 : CanvasScene::Guide::Plain;
+            painter->setPen(guide == CanvasScene::Guide::Lit ? litPen : plainPen);
+            painter->setBrush(guide == CanvasScene::Guide::Lit      ? litBrush
+                              : guide == CanvasScene::Guide::Dimmed ? dimmedBrush
+                              : output                              ? outputBrush
+                                                                    : inputBrush);
+            const qreal radius =
+                guide == CanvasScene::Guide::Lit ? kTerminalRadius + 1.5 : kTerminalRadius;
+            painter->drawEllipse(QPointF(output ? rect_.width() : 0, rowOf(row)), radius, radius);
         }
     }
 }
 
 QVariant BlockItem::itemChange(GraphicsItemChange change, const QVariant& value) {
-    if (change == ItemPositionHasChanged && !refreshing_) {
+    if (change == ItemPositionChange) {
         if (auto* canvas = static_cast<CanvasScene*>(scene())) {
-            canvas->Grow(sceneBoundingRect());
-            canvas->RouteWiresOf(key_);
+            // The wires that went around the block where it stood may run straight now.
+            canvas->RerouteAcross(sceneBoundingRect());
+            if (!refreshing_) {
+                return canvas->Snapped(value.toPointF());
+            }
+        }
+    }
+    if (change == ItemPositionHasChanged) {
+        if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+            canvas->RerouteAcross(sceneBoundingRect());
+            if (!refreshing_) {
+                canvas->Grow(sceneBoundingRect());
+                canvas->RouteWiresOf(key_);
+            }
         }
     }
     return QGraphicsItem::itemChange(change, value);

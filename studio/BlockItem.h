@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include <QGraphicsItem>
 
@@ -47,10 +48,13 @@ public:
     // Reads name, colour and place from the block again.
     void Refresh();
     std::optional<Terminal> FindTerminal(const std::string& name, bool output) const;
+    std::vector<Terminal> Terminals() const;
     // The terminal within reach of a point in item coordinates (a few pixels of slack).
     std::optional<Terminal> TerminalAt(QPointF itemPos, qreal slack) const;
     // The header area where the user name stands, in item coordinates.
     QRectF NameRect() const;
+    // The block's body without its terminals, in item coordinates.
+    const QRectF& Body() const { return rect_; }
 
     QRectF boundingRect() const override;
     void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;

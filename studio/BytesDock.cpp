@@ -58,9 +58,33 @@ std::vector<ImageSpan> ImageSpans(IAppObject& block) {
     return spans;
 }
 
+// A line of text that never asks for more width than it gets: a long name is cut short with an
+// ellipsis, and the tip holds it whole. The dock keeps its width whatever the user names.
+class ElidedLabel : public QLabel {
+public:
+    void SetFullText(const QString& text) {
+        full_ = text;
+        setToolTip(text);
+        Elide();
+    }
+    QSize sizeHint() const override { return QSize(0, QLabel::sizeHint().height()); }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void resizeEvent(QResizeEvent* event) override {
+        QLabel::resizeEvent(event);
+        Elide();
+    }
+
+private:
+    void Elide() { setText(fontMetrics().elidedText(full_, Qt::ElideRight, width())); }
+
+    QString full_;
+};
+
 BytesDock::BytesDock(QWidget* parent)
     : QDockWidget(tr("Bytes"), parent),
-      title_(new QLabel),
+      title_(new ElidedLabel),
       motorola_(new QTableWidget(0, kColumns)),
       intel_(new QTableWidget(0, kColumns)) {
     setObjectName("bytes");
@@ -98,15 +122,15 @@ void BytesDock::ShowBlock(std::shared_ptr<IAppObject> block) {
 
 void BytesDock::Refresh() {
     if (!block_) {
-        title_->setText(tr("Select a block to see its image."));
+        title_->SetFullText(tr("Select a block to see its image."));
         images_[0].clear();
         images_[1].clear();
         FillTable(motorola_, {}, {});
         FillTable(intel_, {}, {});
         return;
     }
-    title_->setText(QString::fromStdString(block_->IAppObject_UserName() + " (" +
-                                           block_->IAppObject_UniqueIDString() + ")"));
+    title_->SetFullText(QString::fromStdString(block_->IAppObject_UserName() + " (" +
+                                               block_->IAppObject_UniqueIDString() + ")"));
     const std::vector<ImageSpan> spans = ImageSpans(*block_);
     images_[0] = QString::fromStdString(block_->IAppObject_Stream());
     images_[1] = QString::fromStdString(block_->IAppObject_IntelStream());

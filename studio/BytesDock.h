@@ -15,6 +15,8 @@ class QTableWidget;
 
 namespace zerbin::studio {
 
+class ElidedLabel;
+
 // One member's bytes in the image.
 struct ImageSpan {
     QString name;
@@ -43,7 +45,7 @@ private:
     void FillTable(QTableWidget* table, const QString& image, const std::vector<ImageSpan>& spans);
 
     std::shared_ptr<IAppObject> block_;
-    QLabel* title_;
+    ElidedLabel* title_;
     QTableWidget* motorola_;
     QTableWidget* intel_;
     QString images_[2];

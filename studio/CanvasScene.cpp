@@ -18,14 +18,17 @@
 #include <QWheelEvent>
 
 #include "studio/BlockItem.h"
+#include "studio/WireRouter.h"
 
 namespace zerbin::studio {
 namespace {
 
 QPainterPath WirePath(QPointF from, QPointF to) {
-    QPainterPath path(from);
-    const qreal bend = std::max(40.0, std::abs(to.x() - from.x()) / 2);
-    path.cubicTo(from + QPointF(bend, 0), to - QPointF(bend, 0), to);
+    const std::vector<QPointF> points = WireRouter::Plain(from, to);
+    QPainterPath path(points.front());
+    for (std::size_t i = 1; i < points.size(); ++i) {
+        path.lineTo(points[i]);
+    }
     return path;
 }
 
@@ -47,75 +50,6 @@ protected:
 };
 
 }  // namespace
-
-WireItem::WireItem(Wire wire) : wire_(std::move(wire)) {
-    setFlag(ItemIsSelectable);
-    setAcceptHoverEvents(true);
-    setZValue(-1);
-}
-
-void WireItem::Route(QPointF from, QPointF to) {
-    if (from != from_ || to != to_) {
-        prepareGeometryChange();
-        from_ = from;
-        to_ = to;
-    }
-}
-
-QRectF WireItem::boundingRect() const {
-    // The curve stays within its end and control points; the margin holds the selected pen.
-    const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
-    const qreal left = std::min(from_.x(), to_.x() - bend);
-    const qreal right = std::max(from_.x() + bend, to_.x());
-    return QRectF(QPointF(left, std::min(from_.y(), to_.y())),
-                  QPointF(right, std::max(from_.y(), to_.y())))
-        .adjusted(-2, -2, 2, 2);
-}
-
-QPainterPath WireItem::shape() const {
-    QPainterPathStroker stroker;
-    stroker.setWidth(2);
-    return stroker.createStroke(WirePath(from_, to_));
-}
-
-void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget*) {
-    static const QPen plain(QColor(0x55, 0x60, 0x6b), 2);
-    static const QPen selected(QColor(0xff, 0xb0, 0x20), 3);
-    // A wire at a stand-in cannot be chosen, and shows it: grey and dashed.
-    static const QPen kept(QColor(0x9a, 0x9a, 0x9a), 2, Qt::DashLine);
-    const bool chosen = option->state & QStyle::State_Selected;
-    // Far out a wire is thinner than a pixel: a hairline along a few straight pieces of the
-    // curve draws the same at a fraction of the cost of a stroked path, and a whole large
-    // project may be in view.
-    if (!chosen &&
-        option->levelOfDetailFromTransform(painter->worldTransform()) < BlockItem::kDetailZoom) {
-        constexpr int kPieces = 8;
-        const qreal bend = std::max(40.0, std::abs(to_.x() - from_.x()) / 2);
-        const QPointF c1 = from_ + QPointF(bend, 0);
-        const QPointF c2 = to_ - QPointF(bend, 0);
-        std::array<QPointF, kPieces + 1> points;
-        for (int i = 0; i <= kPieces; ++i) {
-            const qreal t = static_cast<qreal>(i) / kPieces;
-            const qreal u = 1 - t;
-            points[static_cast<std::size_t>(i)] =
-                u * u * u * from_ + 3 * u * u * t * c1 + 3 * u * t * t * c2 + t * t * t * to_;
-        }
-        painter->setPen(QPen(plain.color(), 0));
-        painter->drawPolyline(points.data(), static_cast<int>(points.size()));
-        return;
-    }
-    painter->setPen(chosen ? selected : (flags() & ItemIsSelectable) ? plain : kept);
-    painter->setBrush(Qt::NoBrush);
-    painter->drawPath(WirePath(from_, to_));
-}
-
-void WireItem::hoverEnterEvent(QGraphicsSceneHoverEvent* event) {
-    if (toolTip().isEmpty()) {
-        setToolTip(QString::fromStdString(wire_.source + "." + wire_.output + " → " + wire_.target +
-                                          "." + wire_.input));
-    }
-    QGraphicsItem::hoverEnterEvent(event);
-}
 
 CanvasScene::CanvasScene(StudioProject& project, QObject* parent)
     : QGraphicsScene(parent), project_(project) {
@@ -178,19 +112,95 @@ void CanvasScene::AddAll() {
     AddStandIns();
     adding_ = false;
     if (!bounds_.isNull()) {
-        setSceneRect(bounds_);
+        SetRect(bounds_);
     }
 }
 
 void CanvasScene::Grow(const QRectF& sceneArea) {
-    // Like Qt's own bounds, these only grow while the project is open.
+    // Like Qt's own bounds, these only grow while the project is open; and not while the user
+    // holds a block or a wire, so that nothing moves under the hand.
     const QRectF grown = bounds_.isNull() ? sceneArea : bounds_ | sceneArea;
     if (grown != bounds_) {
         bounds_ = grown;
-        if (!adding_) {
-            setSceneRect(bounds_);
+        if (!adding_ && !holding_) {
+            SetRect(bounds_);
         }
     }
+}
+
+void CanvasScene::SetRect(const QRectF& rect) {
+    // A view keeps the scene's point at its top left corner, so that what it shows stays where
+    // it was: scroll bars with a new range would otherwise move it.
+    std::vector<std::pair<QGraphicsView*, QPointF>> corners;
+    for (QGraphicsView* view : views()) {
+        corners.emplace_back(view, view->mapToScene(0, 0));
+    }
+    setSceneRect(rect);
+    for (const auto& [view, corner] : corners) {
+        const QPoint shift = view->mapFromScene(corner);
+        view->horizontalScrollBar()->setValue(view->horizontalScrollBar()->value() + shift.x());
+        view->verticalScrollBar()->setValue(view->verticalScrollBar()->value() + shift.y());
+    }
+}
+
+void CanvasScene::CoverView(const QRectF& visible) {
+    Grow(visible);
+}
+
+QPointF CanvasScene::Snapped(QPointF pos) const {
+    if (!snap_) {
+        return pos;
+    }
+    return QPointF(std::round(pos.x() / kGrid) * kGrid, std::round(pos.y() / kGrid) * kGrid);
+}
+
+Wire CanvasScene::WireTo(const TerminalRef& end) const {
+    const TerminalRef& from = *dragFrom_;
+    const TerminalRef& output = from.output ? from : end;
+    const TerminalRef& input = from.output ? end : from;
+    return Wire{output.block, output.name, input.block, input.name};
+}
+
+CanvasScene::Guide CanvasScene::GuideOf(const std::string& key, const std::string& terminal,
+                                        bool output) const {
+    if (!dragFrom_) {
+        return Guide::Plain;
+    }
+    if (output == dragFrom_->output) {
+        return Guide::Dimmed;
+    }
+    const std::string id = key + '\n' + terminal;
+    auto found = takes_.find(id);
+    if (found == takes_.end()) {
+        const bool takes = project_.Block(key) &&
+                           project_.WhyNotConnect(WireTo({key, terminal, output, {}})).empty();
+        found = takes_.emplace(id, takes).first;
+    }
+    return found->second ? Guide::Lit : Guide::Dimmed;
+}
+
+std::optional<TerminalRef> CanvasScene::TakerNear(QPointF scenePos) const {
+    // Within a few pixels of the pointer, the nearest terminal that takes the wire.
+    constexpr qreal kReach = 14;
+    const QRectF near(scenePos - QPointF(kReach, kReach), QSizeF(2 * kReach, 2 * kReach));
+    std::optional<TerminalRef> best;
+    qreal bestDistance = kReach;
+    for (QGraphicsItem* item : items(near)) {
+        const auto* block = qgraphicsitem_cast<const BlockItem*>(item);
+        if (block == nullptr || block->StandIn()) {
+            continue;
+        }
+        for (const Terminal& terminal : block->Terminals()) {
+            const QPointF at = block->mapToScene(terminal.centre);
+            const qreal distance = QLineF(at, scenePos).length();
+            if (distance <= bestDistance &&
+                GuideOf(block->Key(), terminal.name, terminal.output) == Guide::Lit) {
+                bestDistance = distance;
+                best = TerminalRef{block->Key(), terminal.name, terminal.output, at};
+            }
+        }
+    }
+    return best;
 }
 
 QRectF CanvasScene::ItemsBounds() const {
@@ -410,6 +420,29 @@ void CanvasScene::RouteWiresOf(const std::string& key) {
     }
 }
 
+void CanvasScene::RerouteAcross(const QRectF& area) {
+    if (adding_) {
+        return;
+    }
+    // By bounds, not shape: a wire that went around the area does not meet it, and its shape
+    // would have to find its route first.
+    for (QGraphicsItem* item : items(area, Qt::IntersectsItemBoundingRect)) {
+        if (auto* wire = qgraphicsitem_cast<WireItem*>(item)) {
+            wire->Reroute();
+        }
+    }
+}
+
+std::vector<QRectF> CanvasScene::BlockRects(const QRectF& area) const {
+    std::vector<QRectF> rects;
+    for (QGraphicsItem* item : items(area, Qt::IntersectsItemBoundingRect)) {
+        if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item)) {
+            rects.push_back(block->mapRectToScene(block->Body()));
+        }
+    }
+    return rects;
+}
+
 std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {
     // A terminal is small; accept a press or release a few pixels off it.
     constexpr qreal kSlack = 4;
@@ -428,10 +461,14 @@ std::optional<TerminalRef> CanvasScene::TerminalAt(QPointF scenePos) const {
 }
 
 void CanvasScene::mousePressEvent(QGraphicsSceneMouseEvent* event) {
+    holding_ = true;
     if (event->button() == Qt::LeftButton) {
         if (std::optional<TerminalRef> terminal = TerminalAt(event->scenePos())) {
             dragFrom_ = std::move(terminal);
+            takes_.clear();
             dragWire_ = addPath(QPainterPath(), QPen(QColor(0x2a, 0x7a, 0xd0), 2, Qt::DashLine));
+            // The terminals light up or dim as they are painted.
+            update();
             event->accept();
             return;
         }
@@ -455,21 +492,34 @@ void CanvasScene::mouseMoveEvent(QGraphicsSceneMouseEvent* event) {
 }
 
 void CanvasScene::mouseReleaseEvent(QGraphicsSceneMouseEvent* event) {
+    holding_ = false;
     if (dragFrom_) {
-        const TerminalRef from = *dragFrom_;
+        // A release near a terminal that takes the wire lands on it; one on a terminal that
+        // does not is asked for, so that the user hears why not.
+        std::optional<TerminalRef> to = TakerNear(event->scenePos());
+        if (!to) {
+            to = TerminalAt(event->scenePos());
+        }
+        const std::optional<Wire> wire =
+            to && to->output != dragFrom_->output ? std::optional<Wire>(WireTo(*to)) : std::nullopt;
         dragFrom_.reset();
+        takes_.clear();
         delete dragWire_;
         dragWire_ = nullptr;
-        const std::optional<TerminalRef> to = TerminalAt(event->scenePos());
-        if (to && to->output != from.output) {
-            const TerminalRef& output = from.output ? from : *to;
-            const TerminalRef& input = from.output ? *to : from;
-            emit wireRequested(Wire{output.block, output.name, input.block, input.name});
+        update();
+        if (!bounds_.isNull()) {
+            SetRect(bounds_);
+        }
+        if (wire) {
+            emit wireRequested(*wire);
         }
         event->accept();
         return;
     }
     QGraphicsScene::mouseReleaseEvent(event);
+    if (!bounds_.isNull()) {
+        SetRect(bounds_);
+    }
     std::vector<BlockMove> moves;
     for (const auto& [key, from] : pressed_) {
         const BlockItem* item = Item(key);
@@ -550,15 +600,42 @@ CanvasView::CanvasView(CanvasScene* scene, QWidget* parent) : QGraphicsView(scen
     // Every item sets the pen, brush and font it draws with: saving and restoring the painter
     // around each of a hundred thousand items would cost more than drawing them.
     setOptimizationFlag(DontSavePainterState);
+    // Scroll bars that came and went as the drawing grows would change the view's size, and
+    // the view would move what it shows under the user's hand.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
 }
 
 void CanvasView::ZoomBy(qreal factor) {
     const qreal next = std::clamp(Zoom() * factor, 0.05, 8.0);
     scale(next / Zoom(), next / Zoom());
+    Cover();
 }
 
 void CanvasView::SetZoom(qreal zoom) {
     setTransform(QTransform::fromScale(zoom, zoom));
+    Cover();
+}
+
+QPointF CanvasView::Centre() const {
+    return mapToScene(viewport()->rect().center());
+}
+
+void CanvasView::Cover() {
+    if (auto* canvas = static_cast<CanvasScene*>(scene())) {
+        canvas->CoverView(mapToScene(viewport()->rect()).boundingRect());
+    }
+    emit zoomed(Zoom());
+}
+
+void CanvasView::resizeEvent(QResizeEvent* event) {
+    QGraphicsView::resizeEvent(event);
+    Cover();
+}
+
+void CanvasView::scrollContentsBy(int dx, int dy) {
+    QGraphicsView::scrollContentsBy(dx, dy);
+    Cover();
 }
 
 void CanvasView::ZoomToFit(qreal maxZoom) {
@@ -570,6 +647,7 @@ void CanvasView::ZoomToFit(qreal maxZoom) {
             setTransform(QTransform::fromScale(maxZoom, maxZoom));
             centerOn(bounds.center());
         }
+        Cover();
     }
 }
 

@@ -16,6 +16,7 @@
 
 #include "studio/BlockLook.h"
 #include "studio/StudioProject.h"
+#include "studio/WireItem.h"
 
 class QGraphicsProxyWidget;
 
@@ -29,30 +30,6 @@ struct TerminalRef {
     std::string name;
     bool output = false;
     QPointF pos;  // its centre in the scene
-};
-
-// A wire between two terminals. It keeps only its ends: a large project has tens of thousands
-// of wires, and a stored path with its pen would cost each of them kilobytes once painted. The
-// tip is set only once the mouse is over the wire.
-class WireItem : public QGraphicsItem {
-public:
-    enum { Type = UserType + 3 };
-    explicit WireItem(Wire wire);
-    int type() const override { return Type; }
-    const Wire& Connection() const { return wire_; }
-    void Route(QPointF from, QPointF to);
-
-    QRectF boundingRect() const override;
-    QPainterPath shape() const override;
-    void paint(QPainter* painter, const QStyleOptionGraphicsItem* option, QWidget* widget) override;
-
-protected:
-    void hoverEnterEvent(QGraphicsSceneHoverEvent* event) override;
-
-private:
-    Wire wire_;
-    QPointF from_;
-    QPointF to_;
 };
 
 class CanvasScene : public QGraphicsScene {
@@ -79,6 +56,8 @@ public:
     void Follow(bool on);
     // Routes the wires at the block again, after it moved.
     void RouteWiresOf(const std::string& key);
+    // The wires that run across the area (where a block now stands) find their way again.
+    void RerouteAcross(const QRectF& area);
     // Sizes the scene's index to where the blocks stand: its cells no smaller than a block, so
     // that memory does not depend on how close the blocks stand.
     void FitIndex();
@@ -87,6 +66,22 @@ public:
     void Grow(const QRectF& sceneArea);
     // What the blocks and wires cover now, however wide the scene has grown.
     QRectF ItemsBounds() const;
+    // The rectangles of the blocks, shown or stand-in, that meet the area.
+    std::vector<QRectF> BlockRects(const QRectF& area) const;
+    // The part of the scene a view shows: the scene always takes it in, so that nothing the
+    // user does in view makes the view shift what it shows.
+    void CoverView(const QRectF& visible);
+
+    // Blocks land and move on a grid of kGrid points while snapping is on (it is at first).
+    static constexpr qreal kGrid = 10;
+    void SetSnap(bool on) { snap_ = on; }
+    bool Snap() const { return snap_; }
+    QPointF Snapped(QPointF pos) const;
+
+    // While a wire is dragged: whether a terminal would take it (lit), would not (dimmed),
+    // or no wire is dragged (plain).
+    enum class Guide { Plain, Lit, Dimmed };
+    Guide GuideOf(const std::string& key, const std::string& terminal, bool output) const;
 
 signals:
     void wireRequested(const Wire& wire);
@@ -113,8 +108,12 @@ private:
     void RemoveAll();
     void AddAll();
     void SizeIndex(QRectF area, std::size_t items);
+    void SetRect(const QRectF& rect);
     void Route(WireItem* item);
     std::optional<TerminalRef> TerminalAt(QPointF scenePos) const;
+    // The nearest terminal within reach that takes the dragged wire.
+    std::optional<TerminalRef> TakerNear(QPointF scenePos) const;
+    Wire WireTo(const TerminalRef& end) const;
     void FinishRename(bool accept);
 
     StudioProject& project_;
@@ -130,6 +129,11 @@ private:
     QGraphicsProxyWidget* renameEditor_ = nullptr;
     std::string renaming_;
     bool following_ = true;
+    bool snap_ = true;
+    // Set while a mouse button is down on the scene: the scene's bounds wait for its release.
+    bool holding_ = false;
+    // Whether each terminal takes the dragged wire, as painted: asked of the project once.
+    mutable std::unordered_map<std::string, bool> takes_;
     // Set while the items are made in one pass, which tells the scene its bounds once.
     bool adding_ = false;
     QRectF bounds_;
@@ -145,11 +149,15 @@ public:
     // The whole project in view, magnified no more than maxZoom.
     void ZoomToFit(qreal maxZoom = 1.0);
     qreal Zoom() const { return transform().m11(); }
+    // The view's centre in the scene, and the view centred on a point.
+    QPointF Centre() const;
     // The MIME type of a palette entry: the block type's name.
     static constexpr const char* kMimeType = "application/x-zerbin-block-type";
 
 signals:
     void placeRequested(const std::string& type, QPointF scenePos);
+    // The view's magnification, told whenever it may have changed.
+    void zoomed(qreal zoom);
 
 protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
@@ -159,8 +167,13 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
 
 private:
+    // Tells the scene what is in view, so that it takes it in.
+    void Cover();
+
     bool panning_ = false;
     QPoint panFrom_;
 };

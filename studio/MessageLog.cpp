@@ -8,17 +8,21 @@
 namespace zerbin::studio {
 
 int MessageLog::Show(const Message& message) {
-    LoggedMessage entry{QDateTime::currentDateTime(), block_, message};
-    messages_.push_back(entry);
-    if (listener_) {
-        listener_(entry);
-    }
+    Note(message);
     if (quiet_ || !presenter_) {
         const bool asks = message.buttons == MessageButtons::YesNo ||
                           message.buttons == MessageButtons::YesNoCancel;
         return asks ? kMessageYes : kMessageOk;
     }
     return presenter_(message);
+}
+
+void MessageLog::Note(const Message& message) {
+    LoggedMessage entry{QDateTime::currentDateTime(), block_, message};
+    messages_.push_back(entry);
+    if (listener_) {
+        listener_(entry);
+    }
 }
 
 int MessageLog::ShowBox(const Message& message) {

@@ -29,6 +29,9 @@ public:
     using Presenter = std::function<int(const Message&)>;
 
     int Show(const Message& message) override;
+    // Kept in the log and never shown as a box: what the user did not wait for (a refused
+    // wire) must not take the keys typed meanwhile.
+    void Note(const Message& message);
 
     // The block messages are about from now on; empty for none.
     void SetBlock(const QString& block) { block_ = block; }

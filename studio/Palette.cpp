@@ -70,6 +70,26 @@ QTreeWidgetItem* Palette::Entry(const std::string& type) const {
     return nullptr;
 }
 
+int Palette::Filter(const QString& text) {
+    int shown = 0;
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        QTreeWidgetItem* group = topLevelItem(i);
+        const bool groupMatches = group->text(0).contains(text, Qt::CaseInsensitive);
+        int inGroup = 0;
+        for (int j = 0; j < group->childCount(); ++j) {
+            QTreeWidgetItem* item = group->child(j);
+            const bool matches = groupMatches ||
+                                 item->text(0).contains(text, Qt::CaseInsensitive) ||
+                                 item->toolTip(0).contains(text, Qt::CaseInsensitive);
+            item->setHidden(!matches);
+            inGroup += matches ? 1 : 0;
+        }
+        group->setHidden(inGroup == 0);
+        shown += inGroup;
+    }
+    return shown;
+}
+
 QStringList Palette::mimeTypes() const {
     return {CanvasView::kMimeType};
 }

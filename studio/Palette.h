@@ -18,6 +18,9 @@ public:
     void Fill(const BlockFactory& factory);
     // The item of a type, or nullptr.
     QTreeWidgetItem* Entry(const std::string& type) const;
+    // Shows only the types whose name, category, type or description holds the text (in any
+    // case); an empty text shows them all. Gives how many are shown.
+    int Filter(const QString& text);
     static constexpr int kTypeRole = Qt::UserRole + 1;
 
 signals:

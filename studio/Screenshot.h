@@ -12,7 +12,9 @@ class StudioWindow;
 void BuildExample(StudioWindow& window);
 
 // Opens project (or builds the example when it is empty), selects a block, fits the canvas and
-// writes the window to file. False when the picture can't be written.
-bool RenderScreenshot(StudioWindow& window, const QString& project, const QString& file);
+// writes the window to file. With wiring, a wire is being dragged from the example's input
+// channel, the terminals that take it lit. False when the picture can't be written.
+bool RenderScreenshot(StudioWindow& window, const QString& project, const QString& file,
+                      bool wiring = false);
 
 }  // namespace zerbin::studio

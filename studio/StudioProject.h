@@ -111,6 +111,9 @@ public:
     // ---- Wires ----
     // Empty when the wire can be made, else why not, in the user's words.
     std::string WhyNotConnect(const Wire& wire) const;
+    // The dictionary's names of types given by their numbers, "105,22" as "SNVT_temp_p,
+    // SNVT_lev_disc".
+    std::string TypeNames(const std::string& ids) const;
     // True when the input accepts the output's type.
     bool TypesFit(const Wire& wire) const;
     // Sets the input's reference from the output's code and tells both ends; a refusal is

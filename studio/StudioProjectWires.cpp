@@ -73,6 +73,23 @@ StudioProject::Ends StudioProject::EndsOf(const Wire& wire) const {
     return ends;
 }
 
+std::string StudioProject::TypeNames(const std::string& ids) const {
+    // A user knows a type by its name in the dictionary; a number it lacks stays a number.
+    std::string names;
+    std::size_t from = 0;
+    while (from <= ids.size()) {
+        const std::size_t comma = std::min(ids.find(',', from), ids.size());
+        const std::string id = ids.substr(from, comma - from);
+        const char* name =
+            dictionary_
+                ? dictionary_->document_element().child(("SNVT_" + id).c_str()).child_value("NAME")
+                : "";
+        names += (names.empty() ? "" : ", ") + (*name != '\0' ? std::string(name) : id);
+        from = comma + 1;
+    }
+    return names;
+}
+
 std::string StudioProject::WhyNotConnect(const Wire& wire) const {
     return WhyNot(wire, EndsOf(wire));
 }
@@ -97,8 +114,8 @@ std::string StudioProject::WhyNot(const Wire& wire, const Ends& ends) const {
         const std::shared_ptr<ICompatibleSNVTs> accepted = input->Iinput_SNVTCompatibles();
         const std::string list = accepted ? accepted->ICompatibleSNVTs_ToString() : std::string();
         return "Cannot connect " + where() + ": the output's type " +
-               (type.empty() ? std::string("(none)") : type) + " is not one the input accepts (" +
-               list + ").";
+               (type.empty() ? std::string("(none)") : TypeNames(type)) +
+               " is not one the input accepts (" + TypeNames(list) + ").";
     }
     return {};
 }

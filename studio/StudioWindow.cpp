@@ -1,5 +1,6 @@
 #include "studio/StudioWindow.h"
 
+#include <cmath>
 #include <utility>
 
 #include <QAction>
@@ -11,6 +12,7 @@
 #include <QFileInfo>
 #include <QKeySequence>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QProgressDialog>
@@ -19,12 +21,14 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QUndoStack>
+#include <QVBoxLayout>
 
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
 #include "studio/CanvasScene.h"
 #include "studio/ComponentLibrary.h"
 #include "studio/GuardedCall.h"
+#include "studio/OverviewDock.h"
 #include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 
@@ -96,18 +100,31 @@ StudioWindow::StudioWindow(QWidget* parent)
     bytes_ = new BytesDock(this);
     parameters_ = new ParametersDock(this);
     logDock_ = new MessageLogDock(this);
+    overview_ = new OverviewDock(this);
     log_->SetListener([this](const LoggedMessage& entry) { logDock_->Append(entry); });
 
     auto* paletteDock = new QDockWidget(tr("Library"), this);
     paletteDock->setObjectName("library");
-    paletteDock->setWidget(palette_);
+    auto* paletteBox = new QWidget(paletteDock);
+    auto* search = new QLineEdit(paletteBox);
+    search->setObjectName("paletteSearch");
+    search->setPlaceholderText(tr("Search blocks"));
+    search->setClearButtonEnabled(true);
+    connect(search, &QLineEdit::textChanged, palette_, &Palette::Filter);
+    auto* paletteLayout = new QVBoxLayout(paletteBox);
+    paletteLayout->setContentsMargins(0, 0, 0, 0);
+    paletteLayout->addWidget(search);
+    paletteLayout->addWidget(palette_);
+    paletteDock->setWidget(paletteBox);
     addDockWidget(Qt::LeftDockWidgetArea, paletteDock);
     addDockWidget(Qt::RightDockWidgetArea, parameters_);
     addDockWidget(Qt::RightDockWidgetArea, bytes_);
     addDockWidget(Qt::BottomDockWidgetArea, logDock_);
+    addDockWidget(Qt::LeftDockWidgetArea, overview_);
     resizeDocks({paletteDock}, {250}, Qt::Horizontal);
     resizeDocks({parameters_}, {360}, Qt::Horizontal);
     resizeDocks({logDock_}, {120}, Qt::Vertical);
+    resizeDocks({paletteDock, overview_}, {470, 170}, Qt::Vertical);
     resizeDocks({parameters_, bytes_}, {300, 330}, Qt::Vertical);
 
     MakeProject();
@@ -132,8 +149,14 @@ StudioWindow::StudioWindow(QWidget* parent)
         parameters_->Refresh();
     });
 
+    autosave_ = new Autosave([this] { return !undo_->isClean(); },
+                             [this] { return project_->Text(); }, this);
     BuildActions();
     UpdateTitle();
+    zoomLabel_ = new QLabel(tr("100 %"), this);
+    zoomLabel_->setObjectName("zoom");
+    zoomLabel_->setToolTip(tr("Zoom"));
+    statusBar()->addPermanentWidget(zoomLabel_);
     libraryLabel_ = new QLabel(this);
     statusBar()->addPermanentWidget(libraryLabel_);
     ShowLibrary();
@@ -167,15 +190,25 @@ void StudioWindow::MakeProject() {
     project_ = new StudioProject(factory_, dictionary_, ownerDevice_, this);
     project_->SetContextHook([this](const std::string& block) { log_->SetBlock(Q(block)); });
     scene_ = new CanvasScene(*project_, this);
+    scene_->SetSnap(snap_ == nullptr || snap_->isChecked());
+    found_.clear();
     // One view for the window's life: a new central widget would lose the docks' sizes.
     if (view_ == nullptr) {
         view_ = new CanvasView(scene_);
         view_->setObjectName("canvas");
         setCentralWidget(view_);
         connect(view_, &CanvasView::placeRequested, this, &StudioWindow::PlaceBlock);
+        connect(view_, &CanvasView::zoomed, this, [this](qreal zoom) {
+            if (zoomLabel_ != nullptr) {
+                zoomLabel_->setText(tr("%1 %").arg(std::lround(zoom * 100)));
+            }
+        });
     } else {
         view_->setScene(scene_);
         view_->SetZoom(1.0);
+    }
+    if (overview_ != nullptr) {
+        overview_->Watch(scene_, view_);
     }
     recorder_ = new EditRecorder(*project_, *undo_, project_);
     selected_.clear();
@@ -228,7 +261,7 @@ void StudioWindow::ShowProgress(int percent) {
 
 std::string StudioWindow::PlaceBlock(const std::string& type, QPointF scenePos) {
     std::string key;
-    Do("place the block", new PlaceCommand(*project_, type, scenePos, &key));
+    Do("place the block", new PlaceCommand(*project_, type, scene_->Snapped(scenePos), &key));
     if (!key.empty()) {
         SelectBlock(key);
     }
@@ -241,7 +274,8 @@ bool StudioWindow::RequestWire(const Wire& wire) {
         log_->SetBlock(Q(project_->Block(wire.target)
                              ? project_->Block(wire.target)->IAppObject_UserName()
                              : wire.target));
-        ShowMessage(why, kTitle, MessageIcon::Exclamation);
+        log_->Note(Message{why, kTitle, MessageIcon::Exclamation, MessageButtons::Ok});
+        statusBar()->showMessage(Q(why), 10000);
         return false;
     }
     return Do("connect the wire", new WireCommand(*project_, wire, true));
@@ -299,6 +333,7 @@ void StudioWindow::ShowParameters(const std::string& key) {
 void StudioWindow::NewProject() {
     MakeProject();
     file_.clear();
+    autosave_->SetProject({});
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
     UpdateTitle();
@@ -334,6 +369,7 @@ bool StudioWindow::OpenProject(const QString& file) {
         return false;
     }
     file_ = file;
+    autosave_->SetProject(file);
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
     recent_->Add(file);
@@ -345,6 +381,7 @@ bool StudioWindow::OpenProject(const QString& file) {
             tr("%n block(s) of types the library lacks are kept and drawn in grey.", nullptr,
                project_->MissingBlocks()));
     }
+    OfferRecovery(file);
     return true;
 }
 
@@ -362,10 +399,59 @@ bool StudioWindow::SaveProjectAs(const QString& name) {
     if (!written) {
         return !why.empty() && OfferSaveAs(why);
     }
+    // Saved: what the recovery held is in the file now.
+    autosave_->Discard();
     file_ = file;
+    autosave_->SetProject(file);
     undo_->setClean();
     recent_->Add(file);
     UpdateTitle();
+    return true;
+}
+
+bool StudioWindow::OfferRecovery(const QString& project) {
+    if (!Autosave::HasRecovery(project)) {
+        return false;
+    }
+    const QString recovery = Autosave::RecoveryOf(project);
+    log_->SetBlock({});
+    const int answer = ShowMessage(
+        tr("Zerbin Studio stopped before %1 was saved. A recovery of the work, from %2, is in "
+           "%3.\n\nBring back that work?")
+            .arg(project.isEmpty() ? tr("the untitled project") : QFileInfo(project).fileName(),
+                 QFileInfo(recovery).lastModified().toString(Qt::TextDate), recovery)
+            .toStdString(),
+        kTitle, MessageIcon::Question, MessageButtons::YesNo);
+    if (answer != kMessageYes) {
+        return false;
+    }
+    std::string why;
+    std::shared_ptr<const pugi::xml_document> document;
+    GuardedCall("read the recovery",
+                [&] { document = StudioProject::ReadFile(recovery.toStdString(), &why); });
+    if (!document) {
+        ShowMessage("Cannot bring back the work: " + why + ".", kTitle, MessageIcon::Critical);
+        return false;
+    }
+    MakeProject();
+    scene_->Follow(false);
+    const bool read = Step("bring back the work", [&] {
+        project_->Load(*document);
+        scene_->Follow(true);
+    });
+    if (!read) {
+        NewProject();
+        return false;
+    }
+    file_ = project;
+    autosave_->SetProject(project);
+    usUnits_->setChecked(project_->Settings().usUnits);
+    shortFloat_->setChecked(project_->Settings().shortFloat);
+    // Not saved yet: the title says so until the user saves the work into the project.
+    undo_->clear();
+    undo_->resetClean();
+    UpdateTitle();
+    view_->ZoomToFit();
     return true;
 }
 
@@ -475,6 +561,8 @@ bool StudioWindow::MaybeSave() {
         case kMessageYes:
             return Save();
         case kMessageNo:
+            // Let go on purpose: nothing is left to recover.
+            autosave_->Discard();
             return true;
         default:
             return false;

@@ -13,6 +13,7 @@
 
 #include <pugixml.hpp>
 
+#include "studio/Autosave.h"
 #include "studio/BlockFactory.h"
 #include "studio/EditRecorder.h"
 #include "studio/MessageLog.h"
@@ -21,8 +22,11 @@
 #include "studio/UndoCommands.h"
 
 class QLabel;
+class QLineEdit;
+class QPrinter;
 class QMenu;
 class QProgressDialog;
+class QPainter;
 class QUndoStack;
 
 namespace zerbin::studio {
@@ -31,6 +35,7 @@ class BytesDock;
 class CanvasScene;
 class CanvasView;
 class MessageLogDock;
+class OverviewDock;
 class Palette;
 class ParametersDock;
 
@@ -51,12 +56,15 @@ public:
     BytesDock& Bytes() { return *bytes_; }
     ParametersDock& Parameters() { return *parameters_; }
     Palette& BlockPalette() { return *palette_; }
+    OverviewDock& Overview() { return *overview_; }
     const QString& FileName() const { return file_; }
     // True while a step runs: a save asked for meanwhile waits until the step is whole.
     bool Busy() const { return busy_ > 0; }
     // Where a failed save's offer of Save As gets its name (a file dialog unless replaced);
     // an empty name declines.
     void SetSaveNameQuestion(std::function<QString()> ask) { askSaveName_ = std::move(ask); }
+
+    enum class Arrangement { AlignLeft, AlignTop, SpreadAcross, SpreadDown };
 
 public slots:
     // What the canvas's drop does: an undoable placement. Returns the new block's key.
@@ -80,6 +88,16 @@ public slots:
     void ResetSelection();
     void SelectBlock(const std::string& key);
     void SelectBlocks(const std::vector<std::string>& keys);
+    // The next block after the last one found whose user name, type or key holds the text
+    // (in any case), selected and centred in view; false, told in the status bar, when none.
+    bool FindBlock(const QString& text);
+    // The selected blocks lined up on their left edges or their tops, or spread evenly from
+    // the first to the last across or down: one undoable move.
+    void Arrange(Arrangement arrangement);
+    // The drawing as PDF, SVG or PNG by the file's extension, written whole or not at all.
+    bool ExportDrawing(const QString& file);
+    // The drawing on the printer's pages, scaled to fit one page.
+    void PrintDrawing(QPrinter& printer);
     // Opens the block's parameter list (IAppObject_Show).
     void ShowParameters(const std::string& key);
     // The file actions after their dialogs.
@@ -94,12 +112,19 @@ public slots:
     void SetLoadMessagesToLog(bool log);
     // Asks what to do with unsaved changes; false when the user cancels.
     bool MaybeSave();
+    // When the project (empty: the untitled work) has a recovery file newer than itself,
+    // offers to bring back the work it holds; true when it was brought back.
+    bool OfferRecovery(const QString& project);
+    Autosave& Recovery() { return *autosave_; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
     void BuildActions();
+    void BuildHelp();
+    // Renders the drawing (every block and wire, nothing selected) into the painter's area.
+    void RenderDrawing(QPainter& painter, const QRectF& target);
     void MakeProject();
     void OnSelectionChanged();
     void UpdateTitle();
@@ -133,11 +158,17 @@ private:
     BytesDock* bytes_ = nullptr;
     ParametersDock* parameters_ = nullptr;
     MessageLogDock* logDock_ = nullptr;
+    OverviewDock* overview_ = nullptr;
     std::unique_ptr<RecentFiles> recent_;
+    Autosave* autosave_ = nullptr;
     QAction* usUnits_ = nullptr;
     QAction* shortFloat_ = nullptr;
     QAction* loadToLog_ = nullptr;
     QLabel* libraryLabel_ = nullptr;
+    QLabel* zoomLabel_ = nullptr;
+    QLineEdit* findField_ = nullptr;
+    QAction* snap_ = nullptr;
+    std::string found_;
     QString file_;
     std::string selected_;
     // Each block's values and wires as the last step left them, so that a write made in an

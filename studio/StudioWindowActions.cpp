@@ -6,8 +6,11 @@
 #include <QDockWidget>
 #include <QFileDialog>
 #include <QKeySequence>
+#include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPrintDialog>
+#include <QPrinter>
 #include <QSettings>
 #include <QToolBar>
 #include <QUndoStack>
@@ -49,13 +52,15 @@ void StudioWindow::BuildActions() {
                                                 }
                                             });
     add(file, "actionSave", tr("&Save"), QKeySequence::Save, [this] { Save(); });
-    add(file, "actionSaveAs", tr("Save &as..."), QKeySequence::SaveAs, [this, projects] {
-        const QString name =
-            QFileDialog::getSaveFileName(this, tr("Save project"), file_, projects);
-        if (!name.isEmpty()) {
-            SaveProjectAs(name);
-        }
-    });
+    QAction* saveAs =
+        add(file, "actionSaveAs", tr("Save &as..."), QKeySequence::SaveAs, [this, projects] {
+            const QString name =
+                QFileDialog::getSaveFileName(this, tr("Save project"), file_, projects);
+            if (!name.isEmpty()) {
+                SaveProjectAs(name);
+            }
+        });
+    saveAs->setShortcuts({QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S)});
     file->addSeparator();
     add(file, "actionOpenLibrary", tr("Open library &folder..."), QKeySequence(), [this] {
         const QString folder = QFileDialog::getExistingDirectory(
@@ -101,6 +106,23 @@ void StudioWindow::BuildActions() {
                 ExportForm(name, false);
             }
         });
+    add(file, "actionExportDrawing", tr("Export &drawing..."), QKeySequence(), [this] {
+        QString filters = tr("PDF documents (*.pdf);;PNG images (*.png)");
+#ifdef ZERBIN_STUDIO_WITH_SVG
+        filters += tr(";;SVG drawings (*.svg)");
+#endif
+        const QString name = QFileDialog::getSaveFileName(this, tr("Export drawing"), {}, filters);
+        if (!name.isEmpty()) {
+            ExportDrawing(name);
+        }
+    });
+    add(file, "actionPrint", tr("&Print..."), QKeySequence::Print, [this] {
+        QPrinter printer;
+        QPrintDialog dialog(&printer, this);
+        if (dialog.exec() == QDialog::Accepted) {
+            PrintDrawing(printer);
+        }
+    });
     file->addSeparator();
     add(file, "actionQuit", tr("&Quit"), QKeySequence::Quit, [this] { close(); });
 
@@ -109,6 +131,8 @@ void StudioWindow::BuildActions() {
                         [this] { Step("undo", [this] { undo_->undo(); }); });
     QAction* redo = add(edit, "actionRedo", tr("&Redo"), QKeySequence::Redo,
                         [this] { Step("redo", [this] { undo_->redo(); }); });
+    redo->setShortcuts(
+        {QKeySequence(Qt::CTRL | Qt::Key_Y), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z)});
     undo->setEnabled(false);
     redo->setEnabled(false);
     connect(undo_, &QUndoStack::canUndoChanged, undo, &QAction::setEnabled);
@@ -133,14 +157,33 @@ void StudioWindow::BuildActions() {
         [this] { ShowParameters(selected_); });
     add(edit, "actionSelectAll", tr("Select &all"), QKeySequence::SelectAll,
         [this] { scene_->SelectAll(); });
+    add(edit, "actionFind", tr("&Find block..."), QKeySequence::Find, [this] {
+        findField_->setFocus();
+        findField_->selectAll();
+    });
+    QMenu* arrange = edit->addMenu(tr("Arra&nge"));
+    add(arrange, "actionAlignLeft", tr("Align &left edges"), QKeySequence(),
+        [this] { Arrange(Arrangement::AlignLeft); });
+    add(arrange, "actionAlignTop", tr("Align &tops"), QKeySequence(),
+        [this] { Arrange(Arrangement::AlignTop); });
+    add(arrange, "actionSpreadAcross", tr("Spread &across"), QKeySequence(),
+        [this] { Arrange(Arrangement::SpreadAcross); });
+    add(arrange, "actionSpreadDown", tr("Spread &down"), QKeySequence(),
+        [this] { Arrange(Arrangement::SpreadDown); });
 
     QMenu* view = menuBar()->addMenu(tr("&View"));
-    add(view, "actionZoomIn", tr("Zoom &in"), QKeySequence::ZoomIn,
-        [this] { view_->ZoomBy(1.25); });
-    add(view, "actionZoomOut", tr("Zoom &out"), QKeySequence::ZoomOut,
-        [this] { view_->ZoomBy(1 / 1.25); });
+    QAction* zoomIn = add(view, "actionZoomIn", tr("Zoom &in"), QKeySequence::ZoomIn,
+                          [this] { view_->ZoomBy(1.25); });
+    zoomIn->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Equal), QKeySequence::ZoomIn});
+    QAction* zoomOut = add(view, "actionZoomOut", tr("Zoom &out"), QKeySequence::ZoomOut,
+                           [this] { view_->ZoomBy(1 / 1.25); });
+    zoomOut->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_Minus), QKeySequence::ZoomOut});
     add(view, "actionZoomFit", tr("Zoom to &fit"), QKeySequence(Qt::CTRL | Qt::Key_0),
         [this] { view_->ZoomToFit(); });
+    snap_ = add(view, "actionSnap", tr("&Snap to grid"), QKeySequence(),
+                [this](bool on) { scene_->SetSnap(on); });
+    snap_->setCheckable(true);
+    snap_->setChecked(true);
     view->addSeparator();
     for (QDockWidget* dock : findChildren<QDockWidget*>()) {
         view->addAction(dock->toggleViewAction());
@@ -176,6 +219,15 @@ void StudioWindow::BuildActions() {
     for (const char* name : {"actionZoomIn", "actionZoomOut", "actionZoomFit"}) {
         tools->addAction(findChild<QAction*>(name));
     }
+    tools->addSeparator();
+    findField_ = new QLineEdit(tools);
+    findField_->setObjectName("find");
+    findField_->setPlaceholderText(tr("Find block (Ctrl+F)"));
+    findField_->setClearButtonEnabled(true);
+    findField_->setMaximumWidth(220);
+    connect(findField_, &QLineEdit::returnPressed, this, [this] { FindBlock(findField_->text()); });
+    tools->addWidget(findField_);
+    BuildHelp();
 }
 
 // ---- Steps --------------------------------------------------------------------------------------

@@ -15,6 +15,9 @@
 namespace {
 
 const QCommandLineOption screenshot("screenshot", "Render the window to FILE and quit.", "FILE");
+const QCommandLineOption wiring("wiring",
+                                "With --screenshot: a wire is being dragged, the terminals that "
+                                "take it lit.");
 
 void Describe(QCommandLineParser& parser) {
     QCoreApplication::setOrganizationName("Zerbin");
@@ -25,6 +28,7 @@ void Describe(QCommandLineParser& parser) {
     parser.addVersionOption();
     parser.addPositionalArgument("project", "A project file to open.");
     parser.addOption(screenshot);
+    parser.addOption(wiring);
 }
 
 // Help, the version and a mistyped option need no window: answered before QApplication,
@@ -51,6 +55,8 @@ int main(int argc, char* argv[]) {
         return 0;
     }
     QApplication app(argc, argv);
+    // Names the installed desktop entry, whose icon the desktop then shows for the window.
+    QGuiApplication::setDesktopFileName("org.zerbin.studio");
     QCommandLineParser parser;
     Describe(parser);
     parser.process(app);
@@ -65,7 +71,8 @@ int main(int argc, char* argv[]) {
     const QStringList files = parser.positionalArguments();
     if (parser.isSet(screenshot)) {
         std::printf("component: %s\n", zerbin::studio::ComponentLibrary::File().c_str());
-        return zerbin::studio::RenderScreenshot(window, files.value(0), parser.value(screenshot))
+        return zerbin::studio::RenderScreenshot(window, files.value(0), parser.value(screenshot),
+                                                parser.isSet(wiring))
                    ? 0
                    : 1;
     }
@@ -73,6 +80,8 @@ int main(int argc, char* argv[]) {
     window.show();
     if (!files.isEmpty()) {
         window.OpenProject(files.front());
+    } else {
+        window.OfferRecovery({});
     }
     return QApplication::exec();
 }

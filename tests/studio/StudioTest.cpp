@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QStandardPaths>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -13,6 +14,7 @@
 
 #include <sys/resource.h>
 
+#include <cmath>
 #include <csignal>
 #include <fstream>
 #include <sstream>
@@ -21,8 +23,10 @@
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
 #include "studio/CanvasScene.h"
+#include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 #include "studio/StudioWindow.h"
+#include "studio/WireRouter.h"
 
 using namespace zerbin;
 using namespace zerbin::studio;
@@ -158,20 +162,55 @@ private slots:
         QTest::newRow("105 to a 95,22 input") << QString("Select") << false;
     }
 
-    // An input channel's Value (105) wired to a multiplexer (In1: 105, Select: 95,22).
+    // A wire dragged from an input channel's Value (SNVT_temp_p) lights the inputs of a
+    // multiplexer that take it (In1: 105; Select: 95,22 does not); released a few pixels off
+    // one that takes it, it lands there. A refusal is told in the status bar and the log, by
+    // the types' names, and opens no box.
     void wiresAreCheckedAgainstTheInputsTypes() {
         QFETCH(QString, input);
         QFETCH(bool, accepted);
+        int boxes = 0;
+        window_->Log().SetPresenter([&](const Message&) {
+            ++boxes;
+            return kMessageOk;
+        });
         const std::string sensor = Drop(*window_, "IO_CHANNEL", QPoint(120, 120));
         const std::string mux = Drop(*window_, "TYPE_MUX", QPoint(450, 120));
         const Wire wire{sensor, "Value", mux, input.toStdString()};
-        DrawWire(*window_, wire);
+        QWidget* viewport = window_->View().viewport();
+        const QPoint from = ViewPoint(*window_, TerminalCentre(*window_, sensor, "Value", true));
+        const QPoint to =
+            ViewPoint(*window_, TerminalCentre(*window_, mux, wire.input, false)) + QPoint(5, 4);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, from);
+        QTest::mouseMove(viewport, to);
+        QCOMPARE(window_->Scene().GuideOf(mux, wire.input, false) == CanvasScene::Guide::Lit,
+                 accepted);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
         const auto& wires = window_->Project().Wires();
         QCOMPARE(std::find(wires.begin(), wires.end(), wire) != wires.end(), accepted);
         QCOMPARE(LogHas(*window_, "Cannot connect"), !accepted);
+        QCOMPARE(window_->statusBar()->currentMessage().contains("SNVT_temp_p"), !accepted);
+        QCOMPARE(boxes, 0);
         // The input's reference is the output's code, or nothing was written.
         QCOMPARE(InputValue(*window_, mux, wire.input),
                  accepted ? Reference(*window_, sensor, wire.output) : std::string());
+    }
+
+    // On an empty canvas as beside other blocks, a dropped block lands under the pointer, on
+    // the grid, and the view does not move.
+    void aDroppedBlockLandsUnderThePointer() {
+        const std::vector<QPoint> points{{300, 200}, {80, 500}, {600, 40}};
+        std::vector<std::string> keys;
+        for (const QPoint& at : points) {
+            keys.push_back(Drop(*window_, "THERMOSTAT", at));
+        }
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const std::shared_ptr<IAppObject> block = window_->Project().Block(keys[i]);
+            const QPointF pos(block->IAppObject_XPosition(), block->IAppObject_YPosition());
+            QVERIFY((ViewPoint(*window_, pos) - points[i]).manhattanLength() <=
+                    2 * CanvasScene::kGrid);
+            QCOMPARE(std::fmod(pos.x(), CanvasScene::kGrid), 0.0);
+        }
     }
 
     // Over a terminal the block names it and shows the cursor of a wire's start.
@@ -623,6 +662,109 @@ private slots:
         QVERIFY(window_->Project().Block(a)->IAppObject_UserName() != "");
         Trigger(*window_, "actionUndo");
         QCOMPARE(Value(*window_, a, "HeatSetpoint"), std::string("25"));
+    }
+
+    // A long name leaves the canvas its width: the docks keep theirs and cut the name short.
+    void aLongNameLeavesTheCanvasItsWidth() {
+        const std::string key = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        QTest::qWait(20);
+        const int width = window_->View().width();
+        emit window_->Scene().renameRequested(key, std::string(112, 'W'));
+        window_->SelectBlock(key);
+        QTest::qWait(20);
+        QCOMPARE(window_->View().width(), width);
+    }
+
+    // A wire with a block in its straight way runs around it at right angles, and crosses no
+    // block; the block moved away, the wire runs straight again.
+    void aRoutedWireCrossesNoBlock() {
+        const std::string sensor = window_->PlaceBlock("IO_CHANNEL", QPointF(0, 0));
+        const std::string mux = window_->PlaceBlock("TYPE_MUX", QPointF(600, 0));
+        const std::string between = window_->PlaceBlock("THERMOSTAT", QPointF(280, 0));
+        const Wire wire{sensor, "Value", mux, "In1"};
+        QVERIFY(window_->RequestWire(wire));
+        const WireItem* item = nullptr;
+        for (QGraphicsItem* any : window_->Scene().items()) {
+            if (const auto* found = qgraphicsitem_cast<const WireItem*>(any);
+                found && found->Connection() == wire) {
+                item = found;
+            }
+        }
+        QVERIFY(item != nullptr);
+        const auto bodyOf = [&](const std::string& key) {
+            const BlockItem* block = window_->Scene().Item(key);
+            return block->mapRectToScene(block->Body());
+        };
+        const std::vector<QPointF>& route = item->Points();
+        for (const std::string& key : {sensor, mux, between}) {
+            QVERIFY(!WireRouter::Crosses(route, bodyOf(key)));
+        }
+        for (std::size_t i = 1; i < route.size(); ++i) {
+            QVERIFY(route[i].x() == route[i - 1].x() || route[i].y() == route[i - 1].y());
+        }
+        QVERIFY(route.size() > 4);
+        window_->Project().MoveBlock(between, QPointF(280, 400));
+        QCOMPARE(item->Points().size(), std::size_t{4});
+    }
+
+    // Find goes from match to match by name, type or key; blocks line up in one undoable
+    // step; the drawing exports as each format with its header, and a format the studio
+    // cannot write leaves no file.
+    void findArrangeAndExportTheDrawing() {
+        const std::string a = Drop(*window_, "THERMOSTAT", QPoint(100, 100));
+        const std::string b = Drop(*window_, "PID_LOOP", QPoint(400, 300));
+        emit window_->Scene().renameRequested(b, "Boiler loop");
+        QVERIFY(window_->FindBlock("boiler"));
+        QCOMPARE(window_->Scene().SelectedBlocks(), std::vector<std::string>{b});
+        QVERIFY(window_->FindBlock("thermostat"));
+        QCOMPARE(window_->Scene().SelectedBlocks(), std::vector<std::string>{a});
+        QVERIFY(!window_->FindBlock("nothing like it"));
+        QCOMPARE(window_->BlockPalette().Filter("nothing like it"), 0);
+        QVERIFY(window_->BlockPalette().Filter("pid") > 0);
+
+        window_->SelectBlocks({a, b});
+        window_->Arrange(StudioWindow::Arrangement::AlignLeft);
+        const auto x = [&](const std::string& key) {
+            return window_->Project().Block(key)->IAppObject_XPosition();
+        };
+        QCOMPARE(x(a), x(b));
+        Trigger(*window_, "actionUndo");
+        QVERIFY(x(a) != x(b));
+
+        QTemporaryDir folder;
+        std::vector<std::pair<QString, std::string>> formats{{"pdf", "%PDF"}, {"png", "\x89PNG"}};
+#ifdef ZERBIN_STUDIO_WITH_SVG
+        formats.emplace_back("svg", "<?xml");
+#endif
+        for (const auto& [suffix, header] : formats) {
+            const QString file = folder.filePath("drawing." + suffix);
+            QVERIFY(window_->ExportDrawing(file));
+            QVERIFY(FileText(file).rfind(header, 0) == 0);
+        }
+        QVERIFY(!window_->ExportDrawing(folder.filePath("drawing.bmp")));
+        QVERIFY(!QFile::exists(folder.filePath("drawing.bmp")));
+    }
+
+    // Unsaved work goes to a recovery file beside the project; a studio that opens the project
+    // after a crash offers the work back, and the save that keeps it removes the file.
+    void unsavedWorkComesBackAfterACrash() {
+        QTemporaryDir folder;
+        const QString file = folder.filePath("plant.xml");
+        Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        QVERIFY(window_->SaveProjectAs(file));
+        QVERIFY(window_->Recovery().SaveNow());
+        QVERIFY(!QFile::exists(file + ".recovery"));
+        const std::string added = Drop(*window_, "PID_LOOP", QPoint(500, 200));
+        QVERIFY(window_->Recovery().SaveNow());
+        QVERIFY(QFile::exists(file + ".recovery"));
+        // The window goes as a crash takes it: no close, no save.
+        init();
+        QVERIFY(window_->OpenProject(file));
+        QVERIFY(window_->Project().Block(added));
+        QVERIFY(window_->isWindowModified());
+        Trigger(*window_, "actionSave");
+        QVERIFY(!QFile::exists(file + ".recovery"));
+        QVERIFY(FileText(file).find("Key=\"" + added + "\"") != std::string::npos);
     }
 
     // A block whose type the library lacks is kept as it stands, said once, and written back.
