@@ -9,8 +9,11 @@ counters are not available on every virtual machine); with --scale it loads 1,00
 100,000 blocks of each project to show how the time grows; with --alive it runs
 ProjectLoadBench on each project for the peak RSS with every block alive.
 
+With --baseline ZERBIN another build's command (say, of the commit before a change) runs in
+the same rounds, so that both are measured under the same load of the machine.
+
 Usage: bench/measure.py [--build DIR] [--runs N] [--blocks N] [--instructions] [--scale]
-                        [--alive] [--kinds default,random,compact]
+                        [--alive] [--kinds default,random,compact] [--baseline ZERBIN]
 """
 import argparse
 import os
@@ -23,15 +26,21 @@ import time
 
 
 def run_once(command):
-    """Wall seconds, CPU seconds (user + sys) and peak RSS in KiB of one run of command."""
-    with open(os.devnull, "wb") as null:
+    """Wall seconds, CPU seconds (user + sys) and peak RSS in KiB of one run of command.
+
+    The command is started by GNU time, whose small image is what the child's peak counts
+    before its exec: a child forked from this interpreter would count the interpreter's.
+    """
+    with tempfile.NamedTemporaryFile() as peak, open(os.devnull, "wb") as null:
         start = time.perf_counter()
-        child = subprocess.Popen(command, stdout=null, stderr=null)
-        _, status, usage = os.wait4(child.pid, 0)
+        child = subprocess.Popen(["/usr/bin/time", "-f", "%M", "-o", peak.name] + command,
+                                 stdout=null, stderr=null)
+        _, status, usage = os.wait4(child.pid, 0)  # time's usage and its child's
         wall = time.perf_counter() - start
-    if status != 0:
-        sys.exit(f"{' '.join(command)} failed with status {status}")
-    return wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss
+        if status != 0:
+            sys.exit(f"{' '.join(command)} failed with status {status}")
+        rss = int(open(peak.name).read().split()[-1])
+    return wall, usage.ru_utime + usage.ru_stime, rss
 
 
 def medians(runs):
@@ -58,13 +67,14 @@ def main():
     parser.add_argument("--instructions", action="store_true")
     parser.add_argument("--scale", action="store_true")
     parser.add_argument("--alive", action="store_true")
+    parser.add_argument("--baseline")
     args = parser.parse_args()
 
     zerbin = os.path.join(args.build, "cli", "zerbin")
     parse_only = os.path.join(args.build, "bench", "ParseOnly")
     make = os.path.join(args.build, "bench", "MakeBenchProjects")
     load_bench = os.path.join(args.build, "bench", "ProjectLoadBench")
-    for program in (zerbin, parse_only, make):
+    for program in (zerbin, parse_only, make, "/usr/bin/time"):
         if not os.access(program, os.X_OK):
             sys.exit(f"missing {program}: build with -DZERBIN_BENCH=ON")
 
@@ -84,15 +94,21 @@ def main():
         for kind in kinds:
             path = project(kind, args.blocks)
             size = os.path.getsize(path)
-            load_runs, parse_runs = [], []
+            load_runs, parse_runs, base_runs = [], [], []
             for _ in range(args.runs):
                 load_runs.append(run_once([zerbin, "load", path]))
                 parse_runs.append(run_once([parse_only, path]))
-            lw, lc, lr = medians(load_runs)
+                if args.baseline:
+                    base_runs.append(run_once([args.baseline, "load", path]))
+            rows = [(kind, medians(load_runs))]
+            if args.baseline:
+                rows.append(("baseline", medians(base_runs)))
             pw, pc, pr = medians(parse_runs)
-            print(f"{kind:<9} {size / 1e6:5.2f} | {lc * 1e3:11.1f} {pc * 1e3:12.1f} {lc / pc:5.2f} | "
-                  f"{lw * 1e3:9.1f} {pw * 1e3:10.1f} {lw / pw:5.2f} | "
-                  f"{lr / 1024:8.1f} {lr * 1024 / size:6.2f} {pr / 1024:9.1f} {pr * 1024 / size:6.2f}")
+            for name, (lw, lc, lr) in rows:
+                print(f"{name:<9} {size / 1e6:5.2f} | {lc * 1e3:11.1f} {pc * 1e3:12.1f} "
+                      f"{lc / pc:5.2f} | {lw * 1e3:9.1f} {pw * 1e3:10.1f} {lw / pw:5.2f} | "
+                      f"{lr / 1024:8.1f} {lr * 1024 / size:6.2f} {pr / 1024:9.1f} "
+                      f"{pr * 1024 / size:6.2f}")
 
         if args.instructions:
             print("\ninstructions (callgrind, whole process)")
@@ -100,8 +116,12 @@ def main():
                 path = project(kind, args.blocks)
                 load = instructions([zerbin, "load", path])
                 parse = instructions([parse_only, path])
-                print(f"{kind:<9} load {load / 1e6:8.1f} M, parse only {parse / 1e6:7.1f} M, "
-                      f"ratio {load / parse:5.2f}")
+                line = (f"{kind:<9} load {load / 1e6:8.1f} M, parse only {parse / 1e6:7.1f} M, "
+                        f"ratio {load / parse:5.2f}")
+                if args.baseline:
+                    base = instructions([args.baseline, "load", path])
+                    line += f"; baseline {base / 1e6:8.1f} M, ratio {base / parse:5.2f}"
+                print(line)
 
         if args.scale:
             print("\nlinearity: zerbin load CPU per block (medians of 5 runs)")
