@@ -45,7 +45,12 @@ pugi::xml_node AppendTextElement(pugi::xml_node parent, const std::string& name,
 
 // A canvas position from project XML, written on a machine with either separator.
 void LoadPosition(pugi::xml_node element, double& position) {
-    const std::string text = NormalizeDecimal(xml::FirstChildText(element));
+    // An empty element leaves the block where it is.
+    const std::optional<std::string_view> given = xml::FirstChildTextView(element);
+    if (!given) {
+        return;
+    }
+    const std::string text = NormalizeDecimal(std::string(*given));
     // With "." the reading is lenient: a text with no number places the block at 0.
     const double read = DecimalSeparator() == "." ? LeadingNumber(text) : LocaleDouble(text);
     // A number beyond the range of a Double is an overflow, as for any other number rule:
@@ -145,11 +150,15 @@ void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
             continue;
         }
         const std::string_view key = xml::BaseNameView(child);
+        // An empty element is ordinary input (a tool that leaves the image to the loader
+        // writes <CDB></CDB>): it keeps what the block has, without a failing step.
         if (EqualsNoCase(key, "CDB")) {
-            SkipStep([&] { lastStream_ = xml::FirstChildText(child); });
+            if (const auto text = xml::FirstChildTextView(child)) {
+                lastStream_ = *text;
+            }
         } else if (EqualsNoCase(key, "USERNAME")) {
-            userName_.clear();
-            SkipStep([&] { userName_ = xml::FirstChildText(child); });
+            const auto text = xml::FirstChildTextView(child);
+            userName_ = text ? *text : std::string_view();
             RecomputeWidth();
         } else if (EqualsNoCase(key, "X_POSITION")) {
             SkipStep([&] { LoadPosition(child, xPosition_); });
@@ -219,8 +228,7 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         const std::shared_ptr<CDBAttribute> selector =
             attributes_->At(static_cast<std::size_t>(index));
         // No text is the empty value the selector was saved with, as for any attribute.
-        std::string text;
-        SkipStep([&] { text = xml::FirstChildText(child); });
+        const std::string text(xml::FirstChildTextView(child).value_or(std::string_view()));
         if (typeChange_ && !TakesSavedValue(static_cast<std::size_t>(index), child, text)) {
             continue;
         }

@@ -176,6 +176,22 @@ double LeadingNumber(const std::string& text) {
                 const auto value = static_cast<double>(whole);
                 return sign != 0 ? -value : value;
             }
+            // A plain decimal ("26.90"): with at most 15 digits both the digits and the power
+            // of ten are exact doubles, so their quotient is the correctly rounded value the
+            // general reading gives.
+            if (text[i] == '.' && i > sign) {
+                double scale = 1.0;
+                std::size_t j = i + 1;
+                while (j < text.size() && text[j] >= '0' && text[j] <= '9') {
+                    whole = whole * 10 + (text[j] - '0');
+                    scale *= 10.0;
+                    ++j;
+                }
+                if (j == text.size()) {
+                    const double value = static_cast<double>(whole) / scale;
+                    return sign != 0 ? -value : value;
+                }
+            }
         }
     }
     auto skippable = [](char c) { return c == ' ' || c == '\t' || c == '\n'; };
@@ -375,6 +391,10 @@ std::string FormatSingle(float value) {
 }
 
 double SevenDigits(float value) {
+    // A whole number of up to seven digits is its own rounding, and most scaled values are.
+    if (std::fabs(value) < 1e7f && std::trunc(value) == value) {
+        return static_cast<double>(value);
+    }
     // Rounding to 7 digits through text keeps the decimal digits a reader expects (0.1f is
     // 0.100000001 as a double); the shorter value is then written like any double.
     std::array<char, 64> buffer{};

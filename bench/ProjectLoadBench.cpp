@@ -2,12 +2,14 @@
 // parsed, each block created and restored from its element, and every image built, with
 // all blocks alive at once as in an open project. pugixml parsing the same file alone is the
 // floor; the ratio of the two and the peak memory are printed at the end.
-// Run: build with -DZERBIN_BENCH=ON, then build/ProjectLoadBench.
+// Run: build with -DZERBIN_BENCH=ON, then build/ProjectLoadBench; with ZERBIN_BENCH_PROJECT
+// set it loads that file instead (bench/measure.py --alive).
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <memory>
@@ -15,10 +17,10 @@
 #include <vector>
 
 #include "app_object/CDBAppObject.h"
+#include "base/Xml.h"
 #include "bench/ShippedBlocks.h"
 #include "platform/Files.h"
 #include "platform/Messages.h"
-#include "base/Xml.h"
 
 namespace {
 
@@ -55,7 +57,7 @@ void WriteProject() {
     project.save_file(ProjectFile().c_str(), "  ");
 }
 
-double PeakRssMegabytes() {
+double PeakRssMebibytes() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
     return static_cast<double>(usage.ru_maxrss) / 1024.0;  // kilobytes on Linux
@@ -91,7 +93,7 @@ void LoadAndImage(benchmark::State& state) {
     state.counters["blocks"] = kBlocks;
     state.counters["image_bytes"] =
         benchmark::Counter(static_cast<double>(imageBytes), benchmark::Counter::kAvgIterations);
-    state.counters["peak_rss_MB"] = PeakRssMegabytes();
+    state.counters["peak_rss_MiB"] = PeakRssMebibytes();
     if (sink->count > 0) {
         state.SkipWithError("the project shows messages");
     }
@@ -118,7 +120,11 @@ int main(int argc, char** argv) {
         return 3;
     }
     zerbin::SetComponentFolder(kData / "library" / "Zerbin");
-    WriteProject();
+    if (const char* given = std::getenv("ZERBIN_BENCH_PROJECT")) {
+        ProjectFile() = given;
+    } else {
+        WriteProject();
+    }
     std::printf("project: %s, %d blocks, %.1f MB\n", ProjectFile().c_str(), kBlocks,
                 static_cast<double>(std::filesystem::file_size(ProjectFile())) / 1e6);
 
@@ -141,6 +147,6 @@ int main(int argc, char** argv) {
         std::printf("median load and image: %.1f ms; pugixml parse: %.1f ms; ratio %.1f\n",
                     load->second, parse->second, load->second / parse->second);
     }
-    std::printf("peak RSS: %.1f MB\n", PeakRssMegabytes());
+    std::printf("peak RSS: %.1f MiB\n", PeakRssMebibytes());
     return 0;
 }

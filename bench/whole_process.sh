@@ -57,7 +57,7 @@ awk -v l="$load_us" -v p="$parse_us" -v lr="$load_rss" -v pr="$parse_rss" -v s="
     printf "project: %.1f MB, medians of %d runs\n", s / 1e6, n
     printf "zerbin load: %.1f ms; pugixml parse only: %.1f ms; ratio %.1f\n", l / 1000, p / 1000, l / p
     if (lr > 0) {
-        printf "peak RSS: zerbin load %.1f MB (%.1f x the file); parse only %.1f MB (%.1f x)\n",
+        printf "peak RSS: zerbin load %.1f MiB (%.1f x the file); parse only %.1f MiB (%.1f x)\n",
                lr / 1024, lr * 1024 / s, pr / 1024, pr * 1024 / s
     }
 }'

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <limits>
 #include <new>
+#include <optional>
 #include <string_view>
 
 #include "base/MMain.h"
@@ -88,23 +89,41 @@ std::string EncodeShortFloat(float v) {
     return digits;
 }
 
-std::string SingleBytes(float value, ByteOrder order) {
-    const auto bits = std::bit_cast<uint32_t>(value);
-    std::string digits;
-    for (int k = 0; k < 4; ++k) {
-        const int shift = order == ByteOrder::BigEndian ? 24 - 8 * k : 8 * k;
-        digits += HexByteOf(static_cast<int32_t>((bits >> shift) & 0xFFu));
+// The hexadecimal digits of the few bytes a number takes, made in place: a value's digits
+// are short enough for the string's own buffer, so encoding one allocates nothing.
+class ByteDigits {
+public:
+    void Add(uint32_t byte) {
+        static constexpr char kDigits[] = "0123456789ABCDEF";
+        text_[size_++] = kDigits[(byte >> 4) & 0xFu];
+        text_[size_++] = kDigits[byte & 0xFu];
     }
-    return digits;
+    // Two bytes, high first in the big-endian order.
+    void Word(uint32_t high, uint32_t low, ByteOrder order) {
+        Add(order == ByteOrder::Intel ? low : high);
+        Add(order == ByteOrder::Intel ? high : low);
+    }
+    std::string Text() const { return {text_, size_}; }
+
+private:
+    char text_[8] = {};
+    std::size_t size_ = 0;
+};
+
+// ToInt32 without its exception: nullopt where the rounded value does not fit.
+std::optional<int32_t> RoundedInt32(double value) {
+    const double rounded = RoundHalfEven(value);
+    if (!(rounded >= static_cast<double>(std::numeric_limits<int32_t>::min()) &&
+          rounded <= static_cast<double>(std::numeric_limits<int32_t>::max()))) {
+        return std::nullopt;
+    }
+    return static_cast<int32_t>(rounded);
 }
 
 // The bytes of value, read already from text; text itself counts only for a Textual type.
+// A whole number that does not fit its bytes gives no digits (a one-byte value counts as 0).
 std::string EncodeValue(const std::string& text, float value, uint8_t length, TypeClass typeClass,
                         ByteOrder order) {
-    int32_t whole = 0;
-    SkipStep([&] { whole = ToInt32(value); });
-
-    const bool intel = order == ByteOrder::Intel;
     const bool numeric = IsWholeNumberClass(typeClass);
     if (typeClass == TypeClass::Textual) {
         std::string digits;
@@ -113,33 +132,48 @@ std::string EncodeValue(const std::string& text, float value, uint8_t length, Ty
         }
         return digits;
     }
+    ByteDigits digits;
     if (typeClass == TypeClass::Enum || (numeric && length == 1)) {
-        return HexByteOf(whole);
+        // HexByteOf keeps 255 for more and the low byte of a negative value.
+        return HexByteOf(RoundedInt32(value).value_or(0));
     }
     if (typeClass == TypeClass::SignedNumeric && length == 2) {
-        const auto word = static_cast<uint16_t>(ToInt16(value));
-        const int32_t low = word & 0xFF;
-        const int32_t high = word >> 8;
-        return intel ? HexByteOf(low) + HexByteOf(high) : HexByteOf(high) + HexByteOf(low);
+        const std::optional<int32_t> whole = RoundedInt32(value);
+        if (!whole || *whole < std::numeric_limits<int16_t>::min() ||
+            *whole > std::numeric_limits<int16_t>::max()) {
+            return {};
+        }
+        const auto word = static_cast<uint16_t>(static_cast<int16_t>(*whole));
+        digits.Word(word >> 8, word & 0xFFu, order);
+        return digits.Text();
     }
     if (numeric && length == 2) {
-        const int32_t w = ToInt32(value);
-        const int32_t high = w / 256;
-        const int32_t low = w % 256;
+        const std::optional<int32_t> w = RoundedInt32(value);
+        if (!w) {
+            return {};
+        }
+        const int32_t high = *w / 256;
+        const int32_t low = *w % 256;
         if (high < 0 || high > 255 || low < 0 || low > 255) {
             return {};
         }
-        return intel ? HexByteOf(low) + HexByteOf(high) : HexByteOf(high) + HexByteOf(low);
+        digits.Word(static_cast<uint32_t>(high), static_cast<uint32_t>(low), order);
+        return digits.Text();
     }
     if ((numeric || typeClass == TypeClass::Float) && length == 4) {
-        return SingleBytes(value, order);
+        const auto bits = std::bit_cast<uint32_t>(value);
+        for (int k = 0; k < 4; ++k) {
+            const int shift = order == ByteOrder::BigEndian ? 24 - 8 * k : 8 * k;
+            digits.Add((bits >> shift) & 0xFFu);
+        }
+        return digits.Text();
     }
     if (typeClass == TypeClass::Float && length == 2) {
-        const std::string digits = EncodeShortFloat(value);
-        if (!intel || digits.size() < 4) {
-            return digits;
+        const std::string shortFloat = EncodeShortFloat(value);
+        if (order == ByteOrder::BigEndian || shortFloat.size() < 4) {
+            return shortFloat;
         }
-        return digits.substr(digits.size() - 2) + digits.substr(0, 2);
+        return shortFloat.substr(shortFloat.size() - 2) + shortFloat.substr(0, 2);
     }
     return {};
 }
@@ -150,9 +184,11 @@ std::string EncodeBytes(const std::string& text, uint8_t length, TypeClass typeC
     // A number that can't be read counts as 0 and a whole number that doesn't fit as 0:
     // both steps are passed over, and the digits are made all the same.
     float value = 0.0f;
-    SkipStep([&] {
-        value = CommaSeparator() ? LocaleNumber(text) : SaturatingSingle(LeadingNumber(text));
-    });
+    if (CommaSeparator()) {
+        SkipStep([&] { value = LocaleNumber(text); });
+    } else {
+        value = SaturatingSingle(LeadingNumber(text));
+    }
     return EncodeValue(text, value, length, typeClass, order);
 }
 
@@ -168,9 +204,48 @@ bool ReadsBackAsItself(double value) {
 // encoding fails on the length anyway.
 constexpr int32_t kMaxPadding = 1 << 16;
 
-// writeBack: value is left as the text that was encoded; otherwise it may be left as it was.
+bool EncodableLength(int32_t length) {
+    return length >= 0 && length <= 255;
+}
+
+// The digits of a value that is not a text, already in its normalised form. A whole number is
+// scaled first; scaled, where given, receives the text of the scaled number, which is what
+// gets encoded (it may be normal itself). Throws where the scaled number overflows a single.
+std::string EncodeNormalised(const std::string& normal, TypeClass typeClass, int32_t length,
+                             int16_t a, int16_t b, int16_t c, ByteOrder order,
+                             std::string* scaled) {
+    if (typeClass != TypeClass::SignedNumeric && typeClass != TypeClass::UnsignedNumeric) {
+        return EncodableLength(length)
+                   ? EncodeBytes(normal, static_cast<uint8_t>(length), typeClass, order)
+                   : std::string();
+    }
+    std::string text;
+    if (a == 0) {
+        text = std::string(1, '0');
+    } else {
+        const double n = CommaSeparator() ? LocaleNumber(normal) : LeadingNumber(normal);
+        // The SNVT scale, display = A * 10^B * (raw + C), solved for raw in exactly this order
+        // so that the digits match the devices' own tools.
+        const double x = n * std::pow(10.0, -b) / a - c;
+        const double rounded = SevenDigits(ToSingle(x));
+        if (!scaled && ReadsBackAsItself(rounded) && EncodableLength(length)) {
+            // + 0.0 turns -0, which the text would have written as "0", into 0.
+            return EncodeValue({}, SaturatingSingle(rounded + 0.0), static_cast<uint8_t>(length),
+                               typeClass, order);
+        }
+        text = FormatDouble(rounded);
+    }
+    if (scaled) {
+        *scaled = text;
+    }
+    return EncodableLength(length)
+               ? EncodeBytes(text, static_cast<uint8_t>(length), typeClass, order)
+               : std::string();
+}
+
+// The value is left as the text that was encoded.
 std::string Encode(std::string& value, TypeClass typeClass, int32_t length, int16_t a, int16_t b,
-                   int16_t c, ByteOrder order, bool writeBack = true) {
+                   int16_t c, ByteOrder order) {
     try {
         if (typeClass == TypeClass::Textual) {
             if (length > kMaxPadding) {
@@ -180,38 +255,28 @@ std::string Encode(std::string& value, TypeClass typeClass, int32_t length, int1
             if (count < static_cast<std::size_t>(std::max(length, 0))) {
                 value.append(static_cast<std::size_t>(length) - count, ' ');
             }
-        } else if (typeClass == TypeClass::SignedNumeric ||
-                   typeClass == TypeClass::UnsignedNumeric) {
-            value = NormalizeDecimal(value);
-            if (a == 0) {
-                // Not value = "0": GCC 12 at -O3 warns falsely on that assignment (-Wrestrict).
-                value = std::string(1, '0');
-            } else {
-                const double n = CommaSeparator() ? LocaleNumber(value) : LeadingNumber(value);
-                // The SNVT scale, display = A * 10^B * (raw + C), solved for raw in exactly
-                // this order so that the digits match the devices' own tools.
-                const double x = n * std::pow(10.0, -b) / a - c;
-                const float scaled = ToSingle(x);
-                const double rounded = SevenDigits(scaled);
-                if (!writeBack && ReadsBackAsItself(rounded) && length >= 0 && length <= 255) {
-                    // + 0.0 turns -0, which the text would have written as "0", into 0.
-                    return EncodeValue({}, SaturatingSingle(rounded + 0.0),
-                                       static_cast<uint8_t>(length), typeClass, order);
-                }
-                value = FormatDouble(rounded);
-            }
-        } else {
-            value = NormalizeDecimal(value);
+            return EncodableLength(length)
+                       ? EncodeBytes(value, static_cast<uint8_t>(length), typeClass, order)
+                       : std::string();
         }
-        if (length < 0 || length > 255) {
-            return {};
-        }
-        return EncodeBytes(value, static_cast<uint8_t>(length), typeClass, order);
+        value = NormalizeDecimal(value);
+        return EncodeNormalised(value, typeClass, length, a, b, c, order, &value);
     } catch (const std::bad_alloc&) {
         throw;
     } catch (...) {
         return {};
     }
+}
+
+// True when NormalizeDecimal would give the text back as it is: its first point, if any, is
+// the separator in force already.
+bool AlreadyNormalised(const std::string& text) {
+    std::size_t at = text.find('.');
+    if (at == std::string::npos) {
+        at = text.find(',');
+    }
+    const std::string& separator = DecimalSeparator();
+    return at == std::string::npos || (separator.size() == 1 && text[at] == separator[0]);
 }
 
 }  // namespace
@@ -253,9 +318,19 @@ std::string EncodeIntelStream(std::string& value, TypeClass typeClass, int32_t l
 
 std::string EncodeDigits(const std::string& value, TypeClass typeClass, int32_t length, int16_t a,
                          int16_t b, int16_t c, bool intel) {
-    std::string copy = value;
-    return Encode(copy, typeClass, length, a, b, c, intel ? ByteOrder::Intel : ByteOrder::BigEndian,
-                  false);
+    const ByteOrder order = intel ? ByteOrder::Intel : ByteOrder::BigEndian;
+    if (typeClass == TypeClass::Textual || !AlreadyNormalised(value)) {
+        std::string copy = value;
+        return Encode(copy, typeClass, length, a, b, c, order);
+    }
+    // Most values are stored normalised: read in place, with nothing copied.
+    try {
+        return EncodeNormalised(value, typeClass, length, a, b, c, order, nullptr);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (...) {
+        return {};
+    }
 }
 
 bool SameEncoding(CDBSNVTType& one, CDBSNVTType& other) {

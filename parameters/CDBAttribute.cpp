@@ -22,7 +22,7 @@ std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> 
     copy->callbacks_.Clear();
     copy->editor_.reset();
     copy->interceptor_.reset();
-    copy->parent_ = std::move(owner);
+    copy->SetParent(std::move(owner));
     copy->sharedType_ = shareRecord && snvtType_;
     if (snvtType_ && !shareRecord) {
         copy->snvtType_ = snvtType_->Copy();
@@ -34,7 +34,13 @@ std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> 
 }
 
 IMemberOwner& CDBAttribute::Owner() const {
-    return Need(std::dynamic_pointer_cast<IMemberOwner>(parent_));
+    if (memberOwner_ == nullptr) {
+        memberOwner_ = dynamic_cast<IMemberOwner*>(parent_.get());
+    }
+    if (memberOwner_ == nullptr) {
+        throw Error("the object is missing", ErrorKind::MissingObject);
+    }
+    return *memberOwner_;
 }
 
 std::shared_ptr<IAttribute> CDBAttribute::Self() {
@@ -186,6 +192,7 @@ void CDBAttribute::IInterceptableAttribute_SetInterceptor(
 
 void CDBAttribute::SetParent(std::shared_ptr<IAppObject> owner) {
     parent_ = std::move(owner);
+    memberOwner_ = nullptr;  // found again when first asked for
 }
 
 void CDBAttribute::SetName(const std::string& name) {

@@ -264,6 +264,9 @@ private:
     mutable bool sharedType_ = false;
     std::shared_ptr<CDBFields> fields_;
     std::shared_ptr<IAppObject> parent_;
+    // parent_ as the owner of its members, found when first asked for and kept until the
+    // parent changes: the cast is costly, and a derivation from a unit asks for it twice.
+    mutable IMemberOwner* memberOwner_ = nullptr;
     CallbackList<IcbkAppObject> callbacks_;
     std::shared_ptr<IValueEditor> editor_;
     MemberKey extendedKey_;

@@ -17,6 +17,7 @@
 #include "interfaces/ICanvasElement.h"
 #include "interfaces/IMemberOwner.h"
 #include "parameters/CDBAttribute.h"
+#include "parameters/CDBAttributes.h"
 #include "parameters/UnitDerivationMemo.h"
 #include "platform/Messages.h"
 
@@ -159,15 +160,28 @@ bool CDBAttribute::UnitFitsDependents(const CDBUnit& unit) {
     if (!attributes) {
         return true;
     }
+    const auto fits = [&](const CDBAttribute& dependent) {
+        if (!dependent.IsUnitDependent() || dependent.placeLength_ <= 0 ||
+            dependent.LengthWithUnit(unit) <= dependent.placeLength_) {
+            return true;
+        }
+        ShowMessage("Unit selected (ID: " + unit.UnitTypeID + ") does not fit the place of " +
+                        dependent.def_->name + " in the CDB.\r\nThe unit is not changed.",
+                    "Warning: Incompatible unit", MessageIcon::Information);
+        return false;
+    };
+    // Only read: the block's members as they stand, none of them made the block's own.
+    if (const auto own = std::dynamic_pointer_cast<CDBAttributes>(attributes)) {
+        for (const auto& dependent : own->AsTheyStand()) {
+            if (!fits(*dependent)) {
+                return false;
+            }
+        }
+        return true;
+    }
     for (const auto& member : attributes->IAttributes_NewEnum()) {
         const auto dependent = std::dynamic_pointer_cast<CDBAttribute>(member);
-        if (!dependent || !dependent->IsUnitDependent() || dependent->placeLength_ <= 0) {
-            continue;
-        }
-        if (dependent->LengthWithUnit(unit) > dependent->placeLength_) {
-            ShowMessage("Unit selected (ID: " + unit.UnitTypeID + ") does not fit the place of " +
-                            dependent->def_->name + " in the CDB.\r\nThe unit is not changed.",
-                        "Warning: Incompatible unit", MessageIcon::Information);
+        if (dependent && !fits(*dependent)) {
             return false;
         }
     }
@@ -180,11 +194,25 @@ void CDBAttribute::RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool
     if (!attributes) {
         return;
     }
-    for (const auto& member : attributes->IAttributes_NewEnum()) {
-        const auto dependent = std::dynamic_pointer_cast<CDBAttribute>(member);
-        if (!dependent || !dependent->IsUnitDependent()) {
-            continue;
+    // The block makes its own only the dependents, which the change writes: a change of unit
+    // in a project's load leaves the other members the type's.
+    std::vector<std::shared_ptr<CDBAttribute>> dependents;
+    if (const auto own = std::dynamic_pointer_cast<CDBAttributes>(attributes)) {
+        const auto& standing = own->AsTheyStand();
+        for (std::size_t i = 0; i < standing.size(); ++i) {
+            if (standing[i]->IsUnitDependent()) {
+                dependents.push_back(own->At(i));
+            }
         }
+    } else {
+        for (const auto& member : attributes->IAttributes_NewEnum()) {
+            auto dependent = std::dynamic_pointer_cast<CDBAttribute>(member);
+            if (dependent && dependent->IsUnitDependent()) {
+                dependents.push_back(std::move(dependent));
+            }
+        }
+    }
+    for (const auto& dependent : dependents) {
         RunStep(absorb, [&] { dependent->ApplySelectedUnit(unit); });
         if (interceptor_) {
             RunStep(absorb, [&] {

@@ -83,6 +83,9 @@ TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
          "B/></A>",
          "not a valid XML name", false},
         {"<A><B x='1' x='2'/></A>", "given twice", false},
+        {"<A><B\n x = '1'/><C x='1' y='2' x=\"3\"/></A>", "given twice", false},
+        {"<A><B \xC2\xB7x='1'/></A>", "not a valid XML name", false},
+        {"<A x='1'>v<B y='2'/></A>", "v", true},
         {"<A><?\xC2\xB7"
          "x y?></A>",
          "not allowed as a processing instruction target", false},
