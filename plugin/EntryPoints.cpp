@@ -59,16 +59,20 @@ std::string ProgId() {
     return AdoptedBaseName() + ".CDBAppObject";
 }
 
-// The block library installed with the plug-in, else the one of the source tree it was
-// built from; empty when neither is there.
+// The block library installed with the plug-in; for the plug-in in the build tree it was
+// built in, the source tree's. A copy anywhere else has none: the build machine's folders are
+// no place of a host's. Empty when there is none.
 fs::path ShippedBlockLibrary(const fs::path& library) {
     std::error_code error;
-    for (const fs::path& candidate :
-         {(library.parent_path() / ZERBIN_PLUGIN_TO_BLOCKS).lexically_normal(),
-          fs::path(ZERBIN_SOURCE_BLOCKS)}) {
-        if (fs::is_directory(candidate, error)) {
-            return candidate;
-        }
+    const fs::path installed = (library.parent_path() / ZERBIN_PLUGIN_TO_BLOCKS).lexically_normal();
+    if (fs::is_directory(installed, error)) {
+        return installed;
+    }
+    const fs::path tree = fs::weakly_canonical(ZERBIN_BUILD_TREE, error);
+    const fs::path inTree = library.lexically_relative(tree);
+    const bool built = !error && !inTree.empty() && *inTree.begin() != "..";
+    if (built && fs::is_directory(ZERBIN_SOURCE_BLOCKS, error)) {
+        return ZERBIN_SOURCE_BLOCKS;
     }
     return {};
 }

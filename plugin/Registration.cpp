@@ -67,7 +67,15 @@ bool RemoveRegistration(const std::string& progId) {
     std::error_code error;
     // A file that is not there is no error: nothing is left either way.
     fs::remove(file, error);
-    return !error;
+    if (error) {
+        return false;
+    }
+    // The folders the registration made go with it when nothing else is in them.
+    std::error_code ignored;
+    if (fs::remove(file.parent_path(), ignored)) {
+        fs::remove(file.parent_path().parent_path(), ignored);
+    }
+    return true;
 }
 
 }  // namespace zerbin::plugin

@@ -163,6 +163,9 @@ TEST_F(PluginTest, RegistrationFileLivesInTheUsersDataFolder) {
 
         EXPECT_EQ(unregisterServer(), ZERBIN_OK);
         EXPECT_FALSE(fs::exists(file));
+        // The folders it made go too; the data folder they were in stays.
+        EXPECT_FALSE(fs::exists(base / "zerbin"));
+        EXPECT_TRUE(fs::exists(base));
         EXPECT_EQ(unregisterServer(), ZERBIN_OK);  // nothing there is nothing to remove
     }
 }

@@ -47,11 +47,13 @@ typedef struct ZerbinObject ZerbinObject;
  *     ProgID=<ProgID>
  *     Path=<absolute path of this library>
  *     Version=<version of this library>
- *     BlockLibrary=<the block library shipped with it>   (only when one is found)
- * ZERBIN_OK, or ZERBIN_E_REGISTRATION. */
+ *     BlockLibrary=<the block library installed with it>   (only when one is found)
+ * ZERBIN_OK, ZERBIN_E_REGISTRATION, or ZERBIN_E_OUT_OF_MEMORY. */
 ZERBIN_PLUGIN_API int ZerbinRegisterServer(void);
 
-/* Removes that file. ZERBIN_OK also when there was none; ZERBIN_E_REGISTRATION when it stays. */
+/* Removes that file, and the folders zerbin/plugins and zerbin above it when nothing else is in
+ * them. ZERBIN_OK also when there was none; ZERBIN_E_REGISTRATION when it stays;
+ * ZERBIN_E_OUT_OF_MEMORY. */
 ZERBIN_PLUGIN_API int ZerbinUnregisterServer(void);
 
 /* Creates a new CDBAppObject when progId is this library's ProgID (letter case aside) and
