@@ -395,6 +395,23 @@ double SevenDigits(float value) {
     if (std::fabs(value) < 1e7f && std::trunc(value) == value) {
         return static_cast<double>(value);
     }
+    // From 1e-6 up to 1e7 the same rounding without text: a single's 24 bits times 10^k, k at
+    // most 12 (5^12 takes 28 bits), is exact in a double, so rounding it half to even to seven
+    // digits is the rounding to_chars makes, and those digits over the exact 10^k are divided
+    // correctly rounded, as from_chars reads them.
+    static constexpr std::array<double, 13> kTens = {1e0, 1e1, 1e2, 1e3,  1e4,  1e5, 1e6,
+                                                     1e7, 1e8, 1e9, 1e10, 1e11, 1e12};
+    const double magnitude = std::fabs(static_cast<double>(value));
+    if (magnitude < 1e7) {
+        std::size_t k = 0;
+        while (k + 1 < kTens.size() && magnitude * kTens[k] < 1e6) {
+            ++k;
+        }
+        if (magnitude * kTens[k] >= 1e6) {
+            const double rounded = RoundHalfEven(magnitude * kTens[k]) / kTens[k];
+            return value < 0 ? -rounded : rounded;
+        }
+    }
     // Rounding to 7 digits through text keeps the decimal digits a reader expects (0.1f is
     // 0.100000001 as a double); the shorter value is then written like any double.
     std::array<char, 64> buffer{};
