@@ -352,30 +352,15 @@ bool StudioWindow::OpenProject(const QString& file) {
         }
         return false;
     }
-    MakeProject();
     log_->SetQuiet(loadToLog_->isChecked());
-    // The canvas is made once the project is whole: none of the project's steps on the way
-    // has to be drawn.
-    scene_->Follow(false);
-    const bool read = Step("open the project", [&] {
-        project_->Load(*document);
-        scene_->Follow(true);
-    });
+    const bool read = LoadDocument("open the project", *document, file);
     log_->SetQuiet(false);
     log_->SetBlock({});
     if (!read) {
-        // Half a project is none: start afresh rather than let it be saved over the file.
-        NewProject();
         return false;
     }
-    file_ = file;
-    autosave_->SetProject(file);
-    usUnits_->setChecked(project_->Settings().usUnits);
-    shortFloat_->setChecked(project_->Settings().shortFloat);
     recent_->Add(file);
-    undo_->clear();
     UpdateTitle();
-    view_->ZoomToFit();
     if (project_->MissingBlocks() > 0) {
         statusBar()->showMessage(
             tr("%n block(s) of types the library lacks are kept and drawn in grey.", nullptr,
@@ -445,24 +430,35 @@ bool StudioWindow::OfferRecovery(const QString& project) {
         ShowMessage("Cannot bring back the work: " + why + ".", kTitle, MessageIcon::Critical);
         return false;
     }
+    if (!LoadDocument("bring back the work", *document, project)) {
+        return false;
+    }
+    // Not saved yet: the title says so until the user saves the work into the project.
+    undo_->resetClean();
+    UpdateTitle();
+    return true;
+}
+
+bool StudioWindow::LoadDocument(const std::string& step, const pugi::xml_document& document,
+                                const QString& file) {
     MakeProject();
+    // The canvas is made once the project is whole: none of the project's steps on the way
+    // has to be drawn.
     scene_->Follow(false);
-    const bool read = Step("bring back the work", [&] {
-        project_->Load(*document);
+    const bool read = Step(step, [&] {
+        project_->Load(document);
         scene_->Follow(true);
     });
     if (!read) {
+        // Half a project is none: start afresh rather than let it be saved over the file.
         NewProject();
         return false;
     }
-    file_ = project;
-    autosave_->SetProject(project);
+    file_ = file;
+    autosave_->SetProject(file);
     usUnits_->setChecked(project_->Settings().usUnits);
     shortFloat_->setChecked(project_->Settings().shortFloat);
-    // Not saved yet: the title says so until the user saves the work into the project.
     undo_->clear();
-    undo_->resetClean();
-    UpdateTitle();
     view_->ZoomToFit();
     return true;
 }

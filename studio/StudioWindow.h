@@ -138,6 +138,10 @@ private:
     bool Save();
     bool OfferSaveAs(const std::string& why);
     void ApplySettings(bool usUnits, bool shortFloat);
+    // A new project of the document, named after file: the canvas made once it is whole.
+    // False, with a new empty project, when the step failed.
+    bool LoadDocument(const std::string& step, const pugi::xml_document& document,
+                      const QString& file);
     // Runs one step of the user's on the project, guarded; input waits until it is over.
     bool Step(const std::string& what, const std::function<void()>& body);
     // One undoable step as a Step: done and put on the undo stack, or, when it fails halfway,

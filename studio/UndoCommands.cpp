@@ -13,6 +13,22 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
+// Blocks back from their saved elements, each at its place, with the wires that went with them
+// and the values the blocks at the wires' far ends had.
+void BringBack(StudioProject& project, const std::vector<pugi::xml_node>& elements,
+               const std::vector<int>& positions, const std::vector<Wire>& wires,
+               const std::vector<std::pair<std::string, ValueSnapshot>>& targetValues) {
+    project.RestoreBlocks(elements, positions);
+    for (const Wire& wire : wires) {
+        if (!project.HasWire(wire)) {
+            project.Connect(wire);
+        }
+    }
+    for (const auto& [key, values] : targetValues) {
+        project.ApplyValues(key, values);
+    }
+}
+
 }  // namespace
 
 BlockState StateOf(const StudioProject& project, const std::string& key) {
@@ -96,15 +112,7 @@ void DeleteCommand::undo() {
         }
         ++i;
     }
-    project_.RestoreBlocks(elements, positions);
-    for (const Wire& wire : wires_) {
-        if (!project_.HasWire(wire)) {
-            project_.Connect(wire);
-        }
-    }
-    for (const auto& [key, values] : targetValues_) {
-        project_.ApplyValues(key, values);
-    }
+    BringBack(project_, elements, positions, wires_, targetValues_);
 }
 
 PasteCommand::PasteCommand(StudioProject& project, std::shared_ptr<const pugi::xml_document> copy,
@@ -200,15 +208,7 @@ void UpdateTypeCommand::undo() {
     for (pugi::xml_node element : saved_.first_child().children()) {
         elements.push_back(element);
     }
-    project_.RestoreBlocks(elements, positions_);
-    for (const Wire& wire : wires_) {
-        if (!project_.HasWire(wire)) {
-            project_.Connect(wire);
-        }
-    }
-    for (const auto& [key, values] : targetValues_) {
-        project_.ApplyValues(key, values);
-    }
+    BringBack(project_, elements, positions_, wires_, targetValues_);
 }
 
 SettingsCommand::SettingsCommand(StudioProject& project, ProjectSettings from, ProjectSettings to)
