@@ -155,8 +155,7 @@ void BlockItem::Refresh() {
     if (block_) {
         name_ = QString::fromStdString(block_->IAppObject_UserName());
         colour_ = ColourOf(block_->IAppObject_Color());
-        const auto typed = std::dynamic_pointer_cast<ITypeChange>(block_);
-        typeChanged_ = typed && typed->ITypeChange_IsChanged();
+        typeChanged_.reset();
     }
     const std::size_t rows = std::max(look_->inputs.size(), look_->outputs.size());
     const QRectF rect(0, 0, look_->width, kHeader + static_cast<qreal>(rows) * kRow + kPadding / 2);
@@ -195,6 +194,16 @@ std::optional<Terminal> BlockItem::FindTerminal(const std::string& name, bool ou
         }
     }
     return std::nullopt;
+}
+
+bool BlockItem::TypeChanged() const {
+    // Asked when the block is first drawn near enough to show the mark, not as a large project
+    // is read: a hundred thousand blocks would each be asked at once.
+    if (!typeChanged_) {
+        const auto typed = std::dynamic_pointer_cast<ITypeChange>(block_);
+        typeChanged_ = typed && typed->ITypeChange_IsChanged();
+    }
+    return *typeChanged_;
 }
 
 std::vector<Terminal> BlockItem::Terminals() const {
@@ -268,7 +277,7 @@ void BlockItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
     painter->drawPath(outline);
 
     painter->drawPixmap(QPointF(kPadding, 9), look_->icon);
-    if (typeChanged_) {
+    if (TypeChanged()) {
         // A changed type: an amber badge on the icon until the block is updated.
         static const QBrush badge(QColor(0xf5, 0xa6, 0x23));
         painter->setPen(QPen(Qt::white, 1.2));
@@ -362,7 +371,7 @@ void BlockItem::hoverLeaveEvent(QGraphicsSceneHoverEvent* event) {
 // Over a terminal the cursor says a wire can start here, and the tip names the terminal.
 void BlockItem::PointAt(const std::optional<Terminal>& terminal) {
     QString tip = terminal ? terminal->label : look_->description;
-    if (!terminal && typeChanged_) {
+    if (!terminal && TypeChanged()) {
         if (const auto typed = std::dynamic_pointer_cast<ITypeChange>(block_)) {
             tip = QObject::tr("The block's type changed since the project was saved:");
             for (const std::string& line : typed->ITypeChange_Changes()) {

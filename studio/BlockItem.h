@@ -43,7 +43,8 @@ public:
     explicit BlockItem(const MissingBlock& missing);
     int type() const override { return Type; }
     bool StandIn() const { return block_ == nullptr; }
-    bool TypeChanged() const { return typeChanged_; }
+    // Whether the block's type changed since the project was saved: marked until updated.
+    bool TypeChanged() const;
 
     const std::string& Key() const { return key_; }
     // Reads name, colour and place from the block again.
@@ -76,8 +77,8 @@ private:
     QColor colour_;
     QRectF rect_;
     bool refreshing_ = false;
-    // The block's type changed since the project was saved: marked until it is updated.
-    bool typeChanged_ = false;
+    // Whether the block's type changed, once asked; forgotten at each Refresh.
+    mutable std::optional<bool> typeChanged_;
 };
 
 }  // namespace zerbin::studio

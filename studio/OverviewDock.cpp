@@ -67,9 +67,6 @@ OverviewDock::OverviewDock(QWidget* parent)
 }
 
 void OverviewDock::Watch(CanvasScene* scene, CanvasView* view) {
-    if (scene_) {
-        disconnect(scene_, nullptr, this, nullptr);
-    }
     scene_ = scene;
     if (view_ != view) {
         view_ = view;
@@ -80,12 +77,13 @@ void OverviewDock::Watch(CanvasScene* scene, CanvasView* view) {
                 qOverload<>(&QWidget::update));
         connect(view, &CanvasView::zoomed, map_, qOverload<>(&QWidget::update));
     }
-    connect(scene, &QGraphicsScene::changed, this, [this] {
-        if (isVisible()) {
-            redraw_->start();
-        }
-    });
     Redraw();
+}
+
+void OverviewDock::Changed() {
+    if (isVisible() && !redraw_->isActive()) {
+        redraw_->start();
+    }
 }
 
 void OverviewDock::Redraw() {

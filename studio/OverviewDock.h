@@ -22,6 +22,10 @@ public:
     explicit OverviewDock(QWidget* parent = nullptr);
     // The canvas to show; called again for each new project.
     void Watch(CanvasScene* scene, CanvasView* view);
+    // Something in the drawing changed: the picture is made again a moment after the first
+    // change, once for a whole burst of them. (The scene's own signal of changes would make
+    // it collect every changed area of a large project as it is read.)
+    void Changed();
     // Makes the picture of the drawing now rather than a moment after the last change.
     void Redraw();
     // Where a point of the overview stands in the scene.

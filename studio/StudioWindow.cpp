@@ -209,6 +209,14 @@ void StudioWindow::MakeProject() {
     }
     if (overview_ != nullptr) {
         overview_->Watch(scene_, view_);
+        for (const auto signal : {&StudioProject::blockAdded, &StudioProject::blockRemoved,
+                                  &StudioProject::blockChanged}) {
+            connect(project_, signal, overview_, &OverviewDock::Changed);
+        }
+        connect(project_, &StudioProject::wireAdded, overview_, &OverviewDock::Changed);
+        connect(project_, &StudioProject::wireRemoved, overview_, &OverviewDock::Changed);
+        connect(project_, &StudioProject::loaded, overview_, &OverviewDock::Changed);
+        connect(project_, &StudioProject::cleared, overview_, &OverviewDock::Changed);
     }
     recorder_ = new EditRecorder(*project_, *undo_, project_);
     selected_.clear();
@@ -365,18 +373,6 @@ bool StudioWindow::OpenProject(const QString& file) {
         statusBar()->showMessage(
             tr("%n block(s) of types the library lacks are kept and drawn in grey.", nullptr,
                project_->MissingBlocks()));
-    }
-    int changed = 0;
-    GuardedCall("find the changed types", [&] {
-        for (const std::string& key : project_->BlockKeys()) {
-            changed += project_->TypeChanged(key) ? 1 : 0;
-        }
-    });
-    if (changed > 0) {
-        statusBar()->showMessage(
-            tr("%n block(s) whose type changed since the project was saved "
-               "are marked !; Edit → Update to the library's type.",
-               nullptr, changed));
     }
     OfferRecovery(file);
     return true;

@@ -72,9 +72,11 @@ void WireItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option, 
     // in view, none of whose routes need be found.
     if (!chosen &&
         option->levelOfDetailFromTransform(painter->worldTransform()) < BlockItem::kDetailZoom) {
-        const std::vector<QPointF> points = WireRouter::Plain(from_, to_);
-        painter->setPen(QPen(plain.color(), 0));
-        painter->drawPolyline(points.data(), static_cast<int>(points.size()));
+        QPointF points[WireRouter::kPlainPoints];
+        const int count = WireRouter::PlainInto(from_, to_, points);
+        static const QPen hairline(plain.color(), 0);
+        painter->setPen(hairline);
+        painter->drawPolyline(points, count);
         return;
     }
     painter->setPen(chosen ? selected : (flags() & ItemIsSelectable) ? plain : kept);

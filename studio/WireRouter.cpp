@@ -40,14 +40,31 @@ QRectF WireRouter::Bounds(QPointF from, QPointF to) {
     return QRectF(from, to).normalized().adjusted(-kDetour, -kDetour, kDetour, kDetour);
 }
 
-std::vector<QPointF> WireRouter::Plain(QPointF from, QPointF to) {
-    const qreal x = to.x() - kStub >= from.x() + kStub ? (from.x() + to.x()) / 2 : from.x() + kStub;
+int WireRouter::PlainInto(QPointF from, QPointF to, QPointF* points) {
     if (to.x() - kStub >= from.x() + kStub) {
-        return {from, {x, from.y()}, {x, to.y()}, to};
+        const qreal x = (from.x() + to.x()) / 2;
+        points[0] = from;
+        points[1] = {x, from.y()};
+        points[2] = {x, to.y()};
+        points[3] = to;
+        return 4;
     }
     // Backwards: out to the right, across halfway between the ends, in from the left.
+    const qreal x = from.x() + kStub;
     const qreal y = (from.y() + to.y()) / 2;
-    return {from, {x, from.y()}, {x, y}, {to.x() - kStub, y}, {to.x() - kStub, to.y()}, to};
+    points[0] = from;
+    points[1] = {x, from.y()};
+    points[2] = {x, y};
+    points[3] = {to.x() - kStub, y};
+    points[4] = {to.x() - kStub, to.y()};
+    points[5] = to;
+    return 6;
+}
+
+std::vector<QPointF> WireRouter::Plain(QPointF from, QPointF to) {
+    QPointF points[kPlainPoints];
+    const int count = PlainInto(from, to, points);
+    return std::vector<QPointF>(points, points + count);
 }
 
 bool WireRouter::Crosses(const std::vector<QPointF>& route, const QRectF& rect) {

@@ -24,6 +24,10 @@ public:
     static QRectF Bounds(QPointF from, QPointF to);
     // The route with no regard for blocks: what a wire shows far out, where a block is a speck.
     static std::vector<QPointF> Plain(QPointF from, QPointF to);
+    // The same into points (room for kPlainPoints), giving how many: a frame of a large
+    // project far out draws tens of thousands of them and must not allocate for each.
+    static constexpr int kPlainPoints = 6;
+    static int PlainInto(QPointF from, QPointF to, QPointF* points);
     // The shortest route of those tried that meets no block; the plain one when none is free.
     static std::vector<QPointF> Route(QPointF from, QPointF to, const Obstacles& obstacles);
     // True when a piece of the route crosses the inside of a rectangle.
