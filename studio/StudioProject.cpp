@@ -102,10 +102,18 @@ void StudioProject::ApplySettings(const ProjectSettings& settings) {
 }
 
 void StudioProject::Progress(std::size_t done, std::size_t total) {
-    // Told once a percent: often enough for a bar that moves, seldom enough to cost nothing.
-    if (total > 0 && done > 0 && done * 100 / total != (done - 1) * 100 / total) {
-        emit progress(static_cast<int>(done * 100 / total));
+    // Told when the percent moves, a twentieth of a second after the last telling, and at the
+    // end: often enough for a bar that moves. Each telling repaints the bar, which once a
+    // percent would cost a large step a good part of its time.
+    if (total == 0 || done == 0 || done * 100 / total == (done - 1) * 100 / total) {
+        return;
     }
+    constexpr qint64 kProgressMs = 50;
+    if (done != total && progressClock_.isValid() && progressClock_.elapsed() < kProgressMs) {
+        return;
+    }
+    progressClock_.start();
+    emit progress(static_cast<int>(done * 100 / total));
 }
 
 // ---- Blocks -----------------------------------------------------------------------------------

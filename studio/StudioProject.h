@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointF>
 
@@ -246,6 +247,7 @@ private:
     // its memory is taken once rather than for every block.
     pugi::xml_document scratch_;
     std::function<void(const std::string&)> context_;
+    QElapsedTimer progressClock_;
     int nextKey_ = 1;
     int loading_ = 0;
     int writing_ = 0;

@@ -496,7 +496,7 @@ private slots:
         bool savedWhileBusy = false;
         const QMetaObject::Connection midway =
             QObject::connect(&window_->Project(), &StudioProject::progress, [&](int percent) {
-                if (percent == 50) {
+                if (percent >= 50 && !savedWhileBusy) {
                     savedWhileBusy = window_->Busy();
                     Trigger(*window_, "actionSave");
                 }
