@@ -435,7 +435,9 @@ void CanvasScene::RerouteAcross(const QRectF& area) {
 
 std::vector<QRectF> CanvasScene::BlockRects(const QRectF& area) const {
     std::vector<QRectF> rects;
-    for (QGraphicsItem* item : items(area, Qt::IntersectsItemBoundingRect)) {
+    // Unsorted: their stacking order does not matter here, and sorting a crowded spot's items
+    // for every wire would.
+    for (QGraphicsItem* item : items(area, Qt::IntersectsItemBoundingRect, Qt::SortOrder(-1))) {
         if (const auto* block = qgraphicsitem_cast<const BlockItem*>(item)) {
             rects.push_back(block->mapRectToScene(block->Body()));
         }
@@ -626,6 +628,13 @@ void CanvasView::Cover() {
         canvas->CoverView(mapToScene(viewport()->rect()).boundingRect());
     }
     emit zoomed(Zoom());
+}
+
+void CanvasView::paintEvent(QPaintEvent* event) {
+    if (const auto* canvas = static_cast<const CanvasScene*>(scene())) {
+        canvas->NewFrame();
+    }
+    QGraphicsView::paintEvent(event);
 }
 
 void CanvasView::resizeEvent(QResizeEvent* event) {

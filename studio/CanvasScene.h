@@ -68,6 +68,11 @@ public:
     QRectF ItemsBounds() const;
     // The rectangles of the blocks, shown or stand-in, that meet the area.
     std::vector<QRectF> BlockRects(const QRectF& area) const;
+    // Routes are found as wires are first drawn, a few hundred a frame at most: where
+    // thousands of blocks crowd one spot, each route would ask the index for all of them.
+    // The rest keep their plain route until they are routed again.
+    void NewFrame() const { routeBudget_ = kRoutesPerFrame; }
+    bool TakeRoute() const { return routeBudget_ > 0 && --routeBudget_ >= 0; }
     // The part of the scene a view shows: the scene always takes it in, so that nothing the
     // user does in view makes the view shift what it shows.
     void CoverView(const QRectF& visible);
@@ -130,6 +135,8 @@ private:
     std::string renaming_;
     bool following_ = true;
     bool snap_ = true;
+    static constexpr int kRoutesPerFrame = 400;
+    mutable int routeBudget_ = kRoutesPerFrame;
     // Set while a mouse button is down on the scene: the scene's bounds wait for its release.
     bool holding_ = false;
     // Whether each terminal takes the dragged wire, as painted: asked of the project once.
@@ -168,6 +175,7 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
 
 private:

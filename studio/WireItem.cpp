@@ -36,10 +36,11 @@ void WireItem::Reroute() {
 const std::vector<QPointF>& WireItem::Points() const {
     if (route_.empty()) {
         const auto* canvas = static_cast<const CanvasScene*>(scene());
-        route_ = canvas == nullptr ? WireRouter::Plain(from_, to_)
-                                   : WireRouter::Route(from_, to_, [canvas](const QRectF& area) {
-                                         return canvas->BlockRects(area);
-                                     });
+        route_ = canvas == nullptr || !canvas->TakeRoute()
+                     ? WireRouter::Plain(from_, to_)
+                     : WireRouter::Route(from_, to_, [canvas](const QRectF& area) {
+                           return canvas->BlockRects(area);
+                       });
     }
     return route_;
 }

@@ -79,6 +79,12 @@ bool WireRouter::Crosses(const std::vector<QPointF>& route, const QRectF& rect) 
 std::vector<QPointF> WireRouter::Route(QPointF from, QPointF to, const Obstacles& obstacles) {
     const QRectF bounds = Bounds(from, to);
     std::vector<QRectF> blocks = obstacles(bounds);
+    // Where blocks crowd one spot (stacked on each other) no way leads around them all; the
+    // plain route is as good as any and costs nothing to find.
+    constexpr std::size_t kCrowded = 32;
+    if (blocks.size() > kCrowded) {
+        return Plain(from, to);
+    }
     // The blocks nearest the ends' midpoint give the places tried: enough to find a way around
     // what is in the way, few enough that a crowded drawing routes as fast as a sparse one.
     constexpr std::size_t kNearest = 8;
