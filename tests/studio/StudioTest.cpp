@@ -144,6 +144,7 @@ private slots:
     }
 
     void init() {
+        folder_ = std::make_unique<QTemporaryDir>();
         window_ = std::make_unique<StudioWindow>();
         // Nobody answers boxes here: every message goes to the log, answered as a user who
         // agrees would.
@@ -153,7 +154,10 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(window_.get()));
     }
 
-    void cleanup() { window_.reset(); }
+    void cleanup() {
+        window_.reset();
+        folder_.reset();
+    }
 
     void wiresAreCheckedAgainstTheInputsTypes_data() {
         QTest::addColumn<QString>("input");
@@ -521,13 +525,12 @@ private slots:
     // takes none of them, and after save and reopen the wire from the missing block still
     // leads from it.
     void aPlacedBlockBesideAMissingTypeBlockHasItsOwnIdentity() {
-        QTemporaryDir folder;
-        const QString file = folder.filePath("old.xml");
-        std::ofstream(file.toStdString())
-            << "<Project><GONE_TYPE Key=\"Block1\" ExportIndex=\"0\"><UserName>Thermostat "
-               "1</UserName><X_Position>40</X_Position></GONE_TYPE><TYPE_MUX Key=\"Mux\" "
-               "ExportIndex=\"1\"><Connection "
-               "Input=\"In1\" Source=\"Block1\" Output=\"Value\"/></TYPE_MUX></Project>";
+        const QString file = WriteProject(
+            "old.xml",
+            "<Project><GONE_TYPE Key=\"Block1\" ExportIndex=\"0\"><UserName>Thermostat "
+            "1</UserName><X_Position>40</X_Position></GONE_TYPE><TYPE_MUX Key=\"Mux\" "
+            "ExportIndex=\"1\"><Connection "
+            "Input=\"In1\" Source=\"Block1\" Output=\"Value\"/></TYPE_MUX></Project>");
         QVERIFY(window_->OpenProject(file));
         const std::string placed = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
         const std::shared_ptr<IAppObject> block = window_->Project().Block(placed);
@@ -564,13 +567,12 @@ private slots:
     // four blocks (a name XML cannot carry) leaves every block, wire and reference, and no
     // step to undo.
     void aStepThatFailsHalfwayLeavesTheProjectAsItWas() {
-        QTemporaryDir folder;
-        const QString file = folder.filePath("pairs.xml");
-        std::ofstream(file.toStdString())
-            << "<Project><IO_CHANNEL Key=\"S1\"/><TYPE_MUX Key=\"M1\"><Connection Input=\"In1\" "
-               "Source=\"S1\" Output=\"Value\"/></TYPE_MUX><IO_CHANNEL Key=\"S2\"/><TYPE_MUX "
-               "Key=\"M2\"><Connection Input=\"In1\" Source=\"S2\" Output=\"Value\"/></TYPE_MUX>"
-               "</Project>";
+        const QString file = WriteProject(
+            "pairs.xml",
+            "<Project><IO_CHANNEL Key=\"S1\"/><TYPE_MUX Key=\"M1\"><Connection Input=\"In1\" "
+            "Source=\"S1\" Output=\"Value\"/></TYPE_MUX><IO_CHANNEL Key=\"S2\"/><TYPE_MUX "
+            "Key=\"M2\"><Connection Input=\"In1\" Source=\"S2\" Output=\"Value\"/></TYPE_MUX>"
+            "</Project>");
         QVERIFY(window_->OpenProject(file));
         emit window_->Scene().renameRequested("S2", "Sensor\x1B");
         auto* undo = window_->findChild<QUndoStack*>();
@@ -590,13 +592,12 @@ private slots:
     // under keys and names of their own, a step from the copied ones; undo takes the paste
     // away and redo brings back the same blocks. Another project takes the clipboard as well.
     void copiesKeepTheWiresAmongTheBlocks() {
-        QTemporaryDir folder;
-        const QString file = folder.filePath("pair.xml");
-        std::ofstream(file.toStdString())
-            << "<Project><IO_CHANNEL Key=\"S1\"><UserName>Sensor</UserName></IO_CHANNEL>"
-               "<TYPE_MUX Key=\"M1\"><UserName>Mux</UserName><Connection Input=\"In1\" "
-               "Source=\"S1\" Output=\"Value\"/></TYPE_MUX><TYPE_MUX Key=\"M2\"><Connection "
-               "Input=\"In1\" Source=\"S1\" Output=\"Value\"/></TYPE_MUX></Project>";
+        const QString file = WriteProject(
+            "pair.xml",
+            "<Project><IO_CHANNEL Key=\"S1\"><UserName>Sensor</UserName></IO_CHANNEL>"
+            "<TYPE_MUX Key=\"M1\"><UserName>Mux</UserName><Connection Input=\"In1\" "
+            "Source=\"S1\" Output=\"Value\"/></TYPE_MUX><TYPE_MUX Key=\"M2\"><Connection "
+            "Input=\"In1\" Source=\"S1\" Output=\"Value\"/></TYPE_MUX></Project>");
         QVERIFY(window_->OpenProject(file));
         const std::string opened = window_->Project().Text();
         window_->SelectBlocks({"S1", "M1"});
@@ -770,12 +771,11 @@ private slots:
     // A block saved under another version of its type is marked; Update to the library's
     // type keeps what the type takes, names what it drops, and is undone whole.
     void aChangedTypeIsMarkedAndUpdatedInOneStep() {
-        QTemporaryDir folder;
-        const QString file = folder.filePath("old.xml");
-        std::ofstream(file.toStdString())
-            << "<Project><THERMOSTAT Key=\"T\" TypeStamp=\"00000000@0.9\"><UserName>Zone"
-               "</UserName><Attributes><HeatSetpoint>22</HeatSetpoint><Gone>5</Gone>"
-               "</Attributes></THERMOSTAT></Project>";
+        const QString file =
+            WriteProject("old.xml",
+                         "<Project><THERMOSTAT Key=\"T\" TypeStamp=\"00000000@0.9\"><UserName>Zone"
+                         "</UserName><Attributes><HeatSetpoint>22</HeatSetpoint><Gone>5</Gone>"
+                         "</Attributes></THERMOSTAT></Project>");
         QVERIFY(window_->OpenProject(file));
         const BlockItem* item = window_->Scene().Item("T");
         QVERIFY(item->TypeChanged());
@@ -791,11 +791,10 @@ private slots:
 
     // A block whose type the library lacks is kept as it stands, said once, and written back.
     void aProjectWithAMissingTypeKeepsThatBlock() {
-        QTemporaryDir folder;
-        const QString file = folder.filePath("old.xml");
-        std::ofstream(file.toStdString())
-            << "<Project><GONE_TYPE Key=\"Block1\"><UserName>Old</UserName></GONE_TYPE>"
-               "<LABEL Key=\"Block2\"><UserName>Note</UserName></LABEL></Project>";
+        const QString file =
+            WriteProject("old.xml",
+                         "<Project><GONE_TYPE Key=\"Block1\"><UserName>Old</UserName></GONE_TYPE>"
+                         "<LABEL Key=\"Block2\"><UserName>Note</UserName></LABEL></Project>");
         QVERIFY(window_->OpenProject(file));
         QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{1});
         QCOMPARE(window_->Project().MissingBlocks(), 1);
@@ -813,6 +812,14 @@ private slots:
     }
 
 private:
+    // A project file of the text in a folder of the test's own.
+    QString WriteProject(const QString& name, const std::string& text) {
+        const QString file = folder_->filePath(name);
+        std::ofstream(file.toStdString()) << text;
+        return file;
+    }
+
+    std::unique_ptr<QTemporaryDir> folder_;
     std::unique_ptr<StudioWindow> window_;
 };
 
