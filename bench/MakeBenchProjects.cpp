@@ -19,6 +19,7 @@
 #include "bench/ShippedBlocks.h"
 #include "datatypes/TypeClass.h"
 #include "platform/Files.h"
+#include "platform/ProjectFile.h"
 
 namespace {
 
@@ -164,5 +165,13 @@ int main(int argc, char** argv) {
     }
     const unsigned format =
         compact ? pugi::format_raw | pugi::format_no_empty_element_tags : pugi::format_default;
-    return project.save_file(argv[3], "  ", format) ? 0 : 1;
+    std::ostringstream text;
+    project.save(text, "  ", format);
+    try {
+        zerbin::ProjectFile(argv[3], "bench project").WriteText(text.str());
+    } catch (const zerbin::ProjectFileError& error) {
+        std::fprintf(stderr, "MakeBenchProjects: %s\n", error.what());
+        return 1;
+    }
+    return 0;
 }

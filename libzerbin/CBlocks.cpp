@@ -110,36 +110,6 @@ std::unique_ptr<ZerbinBlock> MakeBlock(const std::string& type, const std::strin
     return std::make_unique<ZerbinBlock>(NewBlock(type, setup), type);
 }
 
-int MessageStyle(const Message& message) {
-    int style = ZERBIN_MB_OK;
-    switch (message.buttons) {
-        case MessageButtons::OkCancel:
-            style = ZERBIN_MB_OKCANCEL;
-            break;
-        case MessageButtons::YesNo:
-            style = ZERBIN_MB_YESNO;
-            break;
-        case MessageButtons::YesNoCancel:
-            style = ZERBIN_MB_YESNOCANCEL;
-            break;
-        case MessageButtons::Ok:
-            break;
-    }
-    switch (message.icon) {
-        case MessageIcon::Critical:
-            return style | ZERBIN_MB_ICONCRITICAL;
-        case MessageIcon::Question:
-            return style | ZERBIN_MB_ICONQUESTION;
-        case MessageIcon::Exclamation:
-            return style | ZERBIN_MB_ICONEXCLAMATION;
-        case MessageIcon::Information:
-            return style | ZERBIN_MB_ICONINFORMATION;
-        case MessageIcon::None:
-            break;
-    }
-    return style;
-}
-
 }  // namespace zerbin::capi
 
 using namespace zerbin::capi;

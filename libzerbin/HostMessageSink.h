@@ -10,6 +10,8 @@ namespace zerbin::capi {
 
 // ZERBIN_MB_* of a message: its button set and its icon.
 int MessageStyle(const Message& message);
+// The message a style describes: what a host asks the component to show.
+Message MessageOfStyle(const char* text, const char* caption, int style);
 
 class HostMessageSink : public MessageSink {
 public:

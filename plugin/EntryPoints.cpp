@@ -92,56 +92,49 @@ int Guarded(int failure, Body body) noexcept {
     }
 }
 
+// What the file service says of a failure goes to why; the host gets failed instead of an
+// exception.
+template <typename Result, typename Body>
+Result Answered(Result failed, std::string& why, Body body) {
+    try {
+        return body();
+    } catch (const zerbin::ProjectFileError& error) {
+        why = error.what();
+        return failed;
+    }
+}
+
 class ProjectFiles : public zerbin::IProjectFiles {
 public:
     std::shared_ptr<pugi::xml_document> IProjectFiles_Read(const std::string& file,
                                                            std::string& why) override {
-        try {
-            return zerbin::ProjectFile(file).Read();
-        } catch (const zerbin::ProjectFileError& error) {
-            why = error.what();
-            return nullptr;
-        }
+        return IProjectFiles_ReadAs(file, "project", why);
     }
     bool IProjectFiles_Write(const std::string& file, const pugi::xml_document& document,
                              std::string& why) override {
-        try {
+        return Answered(false, why, [&] {
             zerbin::ProjectFile(file).Write(document);
             return true;
-        } catch (const zerbin::ProjectFileError& error) {
-            why = error.what();
-            return false;
-        }
+        });
     }
     std::shared_ptr<pugi::xml_document> IProjectFiles_ReadAs(const std::string& file,
                                                              const std::string& what,
                                                              std::string& why) override {
-        try {
-            return zerbin::ProjectFile(file, what).Read();
-        } catch (const zerbin::ProjectFileError& error) {
-            why = error.what();
-            return nullptr;
-        }
+        return Answered(std::shared_ptr<pugi::xml_document>(), why,
+                        [&] { return zerbin::ProjectFile(file, what).Read(); });
     }
     bool IProjectFiles_WriteText(const std::string& file, const std::string& what,
                                  const std::string& text, std::string& why) override {
-        try {
+        return Answered(false, why, [&] {
             zerbin::ProjectFile(file, what).WriteText(text);
             return true;
-        } catch (const zerbin::ProjectFileError& error) {
-            why = error.what();
-            return false;
-        }
+        });
     }
     std::shared_ptr<pugi::xml_document> IProjectFiles_ReadText(const std::string& text,
                                                                const std::string& what,
                                                                std::string& why) override {
-        try {
-            return zerbin::ReadDocumentText(text, what);
-        } catch (const zerbin::ProjectFileError& error) {
-            why = error.what();
-            return nullptr;
-        }
+        return Answered(std::shared_ptr<pugi::xml_document>(), why,
+                        [&] { return zerbin::ReadDocumentText(text, what); });
     }
 };
 

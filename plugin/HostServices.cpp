@@ -23,41 +23,6 @@
 namespace zerbin::plugin {
 namespace {
 
-// The message a style describes: what a host asks the component to show.
-Message MessageOfStyle(const char* text, const char* caption, int style) {
-    Message message{text, caption, MessageIcon::None, MessageButtons::Ok};
-    switch (style & ZERBIN_MB_BUTTONS) {
-        case ZERBIN_MB_OKCANCEL:
-            message.buttons = MessageButtons::OkCancel;
-            break;
-        case ZERBIN_MB_YESNO:
-            message.buttons = MessageButtons::YesNo;
-            break;
-        case ZERBIN_MB_YESNOCANCEL:
-            message.buttons = MessageButtons::YesNoCancel;
-            break;
-        default:
-            break;
-    }
-    switch (style & ZERBIN_MB_ICONS) {
-        case ZERBIN_MB_ICONCRITICAL:
-            message.icon = MessageIcon::Critical;
-            break;
-        case ZERBIN_MB_ICONQUESTION:
-            message.icon = MessageIcon::Question;
-            break;
-        case ZERBIN_MB_ICONEXCLAMATION:
-            message.icon = MessageIcon::Exclamation;
-            break;
-        case ZERBIN_MB_ICONINFORMATION:
-            message.icon = MessageIcon::Information;
-            break;
-        default:
-            break;
-    }
-    return message;
-}
-
 // What the host has set; nothing set means the component's own.
 struct HostSettings {
     std::shared_ptr<MessageSink> messages;
@@ -136,7 +101,7 @@ ZERBIN_PLUGIN_API int ZerbinShowMessageBox(const char* text, const char* caption
     }
     try {
         UseQtWhenTheHostDoes();
-        const zerbin::Message message = MessageOfStyle(text, caption, style);
+        const zerbin::Message message = zerbin::capi::MessageOfStyle(text, caption, style);
 #ifdef ZERBIN_PLUGIN_WITH_EDITORS
         if (Settings().qt) {
             return zerbin::ShowMessageBox(message);

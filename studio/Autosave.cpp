@@ -3,10 +3,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QTimer>
 
+#include "studio/BlockFactory.h"
 #include "studio/GuardedCall.h"
 
 namespace zerbin::studio {
@@ -58,15 +58,16 @@ bool Autosave::SaveNow() {
     const QString file = RecoveryOf(project_);
     QDir().mkpath(QFileInfo(file).absolutePath());
     // Whole or not at all, as every file the studio writes.
-    QSaveFile out(file);
-    return out.open(QIODevice::WriteOnly) &&
-           out.write(text.data(), static_cast<qint64>(text.size())) ==
-               static_cast<qint64>(text.size()) &&
-           out.commit();
+    std::string why;
+    return BlockFactory::ProjectFiles()->IProjectFiles_WriteText(file.toStdString(),
+                                                                 "recovery file", text, why);
 }
 
 void Autosave::Discard() {
-    QFile::remove(RecoveryOf(project_));
+    // With it goes the previous version the file service kept beside it.
+    const QString file = RecoveryOf(project_);
+    QFile::remove(file);
+    QFile::remove(file + "~");
 }
 
 }  // namespace zerbin::studio

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QBuffer>
 #include <QDialog>
 #include <QFileInfo>
 #include <QGraphicsItem>
@@ -12,7 +13,6 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QPrinter>
-#include <QSaveFile>
 #include <QStatusBar>
 #include <QTableWidget>
 #include <QVBoxLayout>
@@ -44,25 +44,27 @@ bool StudioWindow::FindBlock(const QString& text) {
     const auto last = std::find(keys.begin(), keys.end(), found_);
     const std::size_t start =
         last == keys.end() ? 0 : static_cast<std::size_t>(last - keys.begin()) + 1;
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        const std::string& key = keys[(start + i) % keys.size()];
-        const std::shared_ptr<IAppObject> block = project_->Block(key);
-        bool matches = false;
-        GuardedCall("find the block", [&] {
-            matches = QString::fromStdString(block->IAppObject_UserName())
-                          .contains(text, Qt::CaseInsensitive) ||
-                      QString::fromStdString(block->IAppObject_UniqueIDString())
-                          .contains(text, Qt::CaseInsensitive) ||
-                      QString::fromStdString(key).compare(text, Qt::CaseInsensitive) == 0;
-        });
-        if (matches) {
-            found_ = key;
-            SelectBlock(key);
-            if (const BlockItem* item = scene_->Item(key)) {
-                view_->centerOn(item);
+    std::string hit;
+    GuardedCall("find the block", [&] {
+        for (std::size_t i = 0; i < keys.size() && hit.empty(); ++i) {
+            const std::string& key = keys[(start + i) % keys.size()];
+            const std::shared_ptr<IAppObject> block = project_->Block(key);
+            if (QString::fromStdString(block->IAppObject_UserName())
+                    .contains(text, Qt::CaseInsensitive) ||
+                QString::fromStdString(block->IAppObject_UniqueIDString())
+                    .contains(text, Qt::CaseInsensitive) ||
+                QString::fromStdString(key).compare(text, Qt::CaseInsensitive) == 0) {
+                hit = key;
             }
-            return true;
         }
+    });
+    if (!hit.empty()) {
+        found_ = hit;
+        SelectBlock(hit);
+        if (const BlockItem* item = scene_->Item(hit)) {
+            view_->centerOn(item);
+        }
+        return true;
     }
     statusBar()->showMessage(tr("No block's name, type or key holds \"%1\".").arg(text), 8000);
     return false;
@@ -121,12 +123,13 @@ bool StudioWindow::ExportDrawing(const QString& file) {
     const QString suffix = QFileInfo(file).suffix().toLower();
     const QRectF bounds = scene_->ItemsBounds().adjusted(-kDrawingMargin, -kDrawingMargin,
                                                          kDrawingMargin, kDrawingMargin);
-    QSaveFile out(file);
+    // Drawn whole in memory first, then written as every file of the studio is: all of it or,
+    // the old file left as it was, nothing.
+    QByteArray bytes;
+    QBuffer out(&bytes);
+    out.open(QIODevice::WriteOnly);
     bool drawn = false;
-    const bool done = GuardedCall("export the drawing", [&] {
-        if (!out.open(QIODevice::WriteOnly)) {
-            return;
-        }
+    GuardedCall("export the drawing", [&] {
         if (suffix == "pdf") {
             QPdfWriter pdf(&out);
             pdf.setTitle(QFileInfo(file_).completeBaseName());
@@ -158,12 +161,18 @@ bool StudioWindow::ExportDrawing(const QString& file) {
             drawn = image.save(&out, "PNG");
         }
     });
-    if (!done || !drawn || !out.commit()) {
-        const QString why = !drawn && done && out.isOpen()
-                                ? tr("the studio cannot write .%1 files").arg(suffix)
-                                : out.errorString();
-        ShowMessage(tr("Cannot export the drawing to '%1': %2.").arg(file, why).toStdString(),
-                    "Zerbin Studio", MessageIcon::Critical);
+    std::string why;
+    if (!drawn) {
+        why = tr("cannot write drawing '%1': the studio cannot write .%2 files")
+                  .arg(file, suffix)
+                  .toStdString();
+    } else {
+        BlockFactory::ProjectFiles()->IProjectFiles_WriteText(file.toStdString(), "drawing",
+                                                              bytes.toStdString(), why);
+    }
+    if (!why.empty()) {
+        ShowMessage("Cannot export the drawing: " + why + ".", "Zerbin Studio",
+                    MessageIcon::Critical);
         return false;
     }
     statusBar()->showMessage(tr("Drawing exported to %1").arg(file), 8000);
