@@ -3,14 +3,17 @@
 
 The tree is copied to a work folder first (tracked files only), so the checkout is never
 touched. Each mutant edits one line of one product .cpp file, rebuilds the test programs
-incrementally, runs the programs the edit relinked and records the tests that failed.
+incrementally in an unoptimised build, runs the programs the edit relinked (the tests of the
+edited file's own folder first) and stops at the first program that fails.
 
-    nice -n 19 tools/inject_faults.py --sample 150 --seed 1 --out /tmp/faults-before.jsonl
-    tools/inject_faults.py --replay /tmp/faults-before.jsonl --out /tmp/faults-after.jsonl
-    tools/inject_faults.py --report /tmp/faults-before.jsonl
+    nice -n 19 tools/inject_faults.py --sample 150 --seed 2026 --out /tmp/faults-2026.jsonl
+    nice -n 19 tools/inject_faults.py --replay tools/faults/seed7.jsonl --out /tmp/seed7.jsonl
+    tools/inject_faults.py --report /tmp/faults-2026.jsonl
 
 A replay applies the same edits again (found by file, line text and operator), so the score
-before and after a change of the tests is taken on the same faults.
+before and after a change of the tests is taken on the same faults. A fault listed in
+tools/equivalent_faults.json changes nothing a user or host can observe; it is not built, and
+the report counts it apart, with its reason.
 """
 
 import argparse
@@ -24,7 +27,18 @@ import sys
 import time
 from pathlib import Path
 
-PRODUCT = ["base", "platform", "datatypes", "connections", "parameters", "app_object", "cli"]
+ROOT = Path(__file__).resolve().parent.parent
+# Folders that hold no product code: every other top-level folder with a .cpp file is mutated.
+NOT_PRODUCT = {"tests", "bench", "fuzz", "tools", "examples", "build", "cmake", "data", "docs"}
+EQUIVALENTS = ROOT / "tools" / "equivalent_faults.json"
+KEYS = ("file", "line", "op", "text", "start", "old", "new")
+
+
+def product_folders(src):
+    return sorted(p.name for p in src.iterdir()
+                  if p.is_dir() and not p.name.startswith(".") and p.name not in NOT_PRODUCT
+                  and not p.name.startswith("build") and any(p.rglob("*.cpp")))
+
 
 # Each operator: name, pattern, and how one match becomes the fault.
 SWAPS = {
@@ -107,19 +121,137 @@ def relocate(text, mutant):
     return None
 
 
+
+def equivalence_key(m):
+    return (m["file"], m["text"].strip(), m["op"], m["old"], m["new"])
+
+
+def load_equivalents(path=EQUIVALENTS):
+    """Faults that change nothing observable, keyed so that a replay finds them again."""
+    if not Path(path).exists():
+        return {}
+    return {equivalence_key(e): e["reason"] for e in json.loads(Path(path).read_text())}
+
+
 def test_index(src):
-    """Suite name to test file, from the TEST macros of the test sources."""
+    """Suite name to test file, from the TEST macros and the QTest slots of the test sources."""
     index = {}
     for path in sorted((src / "tests").rglob("*.cpp")):
-        for m in re.finditer(r"\b(?:TEST|TEST_F|TEST_P|TYPED_TEST)\s*\(\s*(\w+)",
-                             path.read_text(errors="replace")):
+        text = path.read_text(errors="replace")
+        for m in re.finditer(r"\b(?:TEST|TEST_F|TEST_P|TYPED_TEST)\s*\(\s*(\w+)", text):
+            index.setdefault(m.group(1), str(path.relative_to(src)))
+        for m in re.finditer(r"^class (\w+) : public QObject", text, re.M):
             index.setdefault(m.group(1), str(path.relative_to(src)))
     return index
 
 
-def run(cmd, cwd=None, timeout=None):
+def run(cmd, cwd=None, timeout=None, env=None):
     return subprocess.run(cmd, cwd=cwd, timeout=timeout, stdout=subprocess.PIPE,
-                          stderr=subprocess.STDOUT, text=True, errors="replace")
+                          stderr=subprocess.STDOUT, text=True, errors="replace", env=env)
+
+
+def test_programs(tree):
+    """Every test program the tests' CMake files declare: zerbin_test( and add_executable(."""
+    names = {}
+    for path in sorted((tree / "tests").rglob("CMakeLists.txt")):
+        folder = path.parent.name
+        for m in re.finditer(r"(?:zerbin_test|add_executable)\((\w+)", path.read_text()):
+            names[m.group(1)] = folder
+    return names
+
+
+class Build:
+    """One build folder of the work tree and the test programs it holds."""
+
+    def __init__(self, bench, name, options):
+        self.bench, self.dir, self.options = bench, bench.work / name, options
+        self.label = name
+
+    def configure(self):
+        if (self.dir / "CMakeCache.txt").exists():
+            return
+        # Unoptimised and without debug information: a mutant recompiles one file quickly.
+        result = run(["cmake", "-S", str(self.bench.tree), "-B", str(self.dir),
+                      "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O0",
+                      "-DCMAKE_C_FLAGS_DEBUG=-O0", "-DZERBIN_HARDENING=OFF",
+                      "-DZERBIN_TESTS=ON", *self.options])
+        if result.returncode:
+            sys.exit(result.stdout)
+
+    def compile(self):
+        result = run(["cmake", "--build", str(self.dir), "-j", self.bench.jobs, "--target",
+                      *self.targets])
+        return result.returncode == 0
+
+    def start(self):
+        self.configure()
+        declared = test_programs(self.bench.tree)
+        # Only the programs this configuration makes (the sanitizer build has no Qt).
+        listed = run(["cmake", "--build", str(self.dir), "--target", "help"]).stdout
+        made = set(re.findall(r"^\.\.\. (\w+)", listed, re.M))
+        self.targets = [t for t in declared if t in made]
+        if not self.compile():
+            sys.exit("the unchanged tree does not build in " + str(self.dir))
+        files = {p.name: p for p in self.dir.rglob("*") if p.is_file() and os.access(p, os.X_OK)}
+        self.programs = {t: files[t] for t in self.targets}
+        self.folder = {t: declared[t] for t in self.targets}
+        self.gtest = {t: b"--gtest_" in p.read_bytes() for t, p in self.programs.items()}
+        self.limits, self.seconds = {}, {}
+        for name in self.targets:
+            began = time.time()
+            failed = self.test([name])
+            if failed:
+                sys.exit("tests fail on the unchanged tree (%s): %s" % (self.label, failed))
+            self.seconds[name] = time.time() - began
+            # A fault that makes a program run far longer than it did unchanged has hung it.
+            self.limits[name] = max(self.bench.timeout, 5 * self.seconds[name])
+
+    def stamps(self):
+        return {t: p.stat().st_mtime_ns for t, p in self.programs.items()}
+
+    def test(self, names, stop_early=True):
+        failed = []
+        env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
+        for name in names:
+            program = self.programs[name]
+            if self.gtest[name]:
+                cmd = [str(program), "--gtest_brief=1"]
+                if self.bench.exclude:
+                    cmd.append("--gtest_filter=-" + self.bench.exclude)
+            else:
+                cmd = [str(program), "-silent"]
+            try:
+                result = run(cmd, cwd=program.parent, timeout=self.limits.get(name, 600), env=env)
+            except subprocess.TimeoutExpired:
+                failed.append(name + ":(timeout)")
+            else:
+                if self.gtest[name]:
+                    found = re.findall(r"^\[  FAILED  \] (\S+?)(?:,| \(|$)", result.stdout, re.M)
+                else:
+                    found = re.findall(r"^FAIL!  : (\S+?)\(", result.stdout, re.M)
+                found = sorted(set(n for n in found if "." in n or "::" in n))
+                if result.returncode and not found:
+                    found = ["(crash %d)" % result.returncode]
+                failed += [name + ":" + n for n in found]
+            if failed and stop_early:
+                break
+        return failed
+
+    def trial(self, mutant, mutated, original):
+        """Builds the mutant here and runs what it relinked, its own folder's tests first."""
+        path = self.bench.tree / mutant["file"]
+        before = self.stamps()
+        path.write_text(mutated)
+        try:
+            if not self.compile():
+                return None, []
+            now = self.stamps()
+            relinked = [t for t in self.targets if now[t] != before[t]]
+            home = mutant["file"].split("/")[0]
+            relinked.sort(key=lambda t: (self.folder[t] != home, self.seconds[t]))
+            return self.test(relinked, self.bench.stop_early), relinked
+        finally:
+            path.write_text(original)
 
 
 class Bench:
@@ -127,11 +259,16 @@ class Bench:
         self.src = Path(args.src).resolve()
         self.work = Path(args.work).resolve()
         self.tree = self.work / "src"
-        self.build = self.work / "build"
         self.jobs = str(args.jobs)
         self.timeout = args.timeout
-        self.limits = {}
         self.exclude = args.exclude
+        self.stop_early = not args.all_tests
+        self.builds = [Build(self, "build", [])]
+        if args.sanitize:
+            # The checks only AddressSanitizer makes (leaks, use after free) on the engine and
+            # the command; the windows have no such checks and would double the build.
+            self.builds.append(Build(self, "build-sanitize",
+                                     ["-DZERBIN_SANITIZE=ON", "-DZERBIN_WITH_QT=OFF"]))
 
     def extract(self, commit):
         """The tree of a commit, so that a run can score an earlier state of the tests."""
@@ -152,51 +289,8 @@ class Bench:
                     continue
                 target.parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy2(source, target)
-        if not (self.build / "CMakeCache.txt").exists():
-            result = run(["cmake", "-S", str(self.tree), "-B", str(self.build),
-                          "-DCMAKE_BUILD_TYPE=Release", "-DZERBIN_TESTS=ON"])
-            if result.returncode:
-                sys.exit(result.stdout)
-        self.targets = sorted(re.findall(r"zerbin_test\((\w+)",
-                                         "\n".join(p.read_text() for p in
-                                                   (self.tree / "tests").rglob("CMakeLists.txt"))))
-        if not self.compile():
-            sys.exit("the unchanged tree does not build")
-        self.programs = {t: next(self.build.rglob(t)) for t in self.targets}
-        self.limits = {}
-        for name, program in self.programs.items():
-            began = time.time()
-            failed = self.test({name: program})
-            if failed:
-                sys.exit("tests fail on the unchanged tree: %s" % failed)
-            # A fault that makes a program run far longer than it did unchanged has hung it.
-            self.limits[name] = max(self.timeout, 5 * (time.time() - began))
-
-    def compile(self):
-        result = run(["cmake", "--build", str(self.build), "-j", self.jobs, "--target",
-                      *self.targets, "zerbin"])
-        return result.returncode == 0
-
-    def test(self, programs):
-        failed = []
-        for name, program in programs.items():
-            cmd = [str(program), "--gtest_brief=1"]
-            if self.exclude:
-                cmd.append("--gtest_filter=-" + self.exclude)
-            try:
-                result = run(cmd, cwd=program.parent, timeout=self.limits.get(name, 600))
-            except subprocess.TimeoutExpired:
-                failed.append(name + ":(timeout)")
-                continue
-            names = re.findall(r"^\[  FAILED  \] (\S+?)(?:,| \(|$)", result.stdout, re.M)
-            names = sorted(set(n for n in names if "." in n))
-            if result.returncode and not names:
-                names = ["(crash %d)" % result.returncode]
-            failed += [name + ":" + n for n in names]
-        return failed
-
-    def stamps(self):
-        return {t: p.stat().st_mtime_ns for t, p in self.programs.items()}
+        for build in self.builds:
+            build.start()
 
     def trial(self, mutant):
         path = self.tree / mutant["file"]
@@ -204,64 +298,103 @@ class Bench:
         mutated = apply(original, mutant)
         if mutated is None:
             return dict(mutant, status="stale")
-        before = self.stamps()
-        path.write_text(mutated)
-        try:
-            began = time.time()
-            if not self.compile():
-                return dict(mutant, status="no build")
-            now = self.stamps()
-            relinked = {t: p for t, p in self.programs.items() if now[t] != before[t]}
-            failed = self.test(relinked)
-            return dict(mutant, status="caught" if failed else "missed", caught_by=failed,
-                        ran=sorted(relinked), seconds=round(time.time() - began, 1))
-        finally:
-            path.write_text(original)
+        began = time.time()
+        ran = []
+        for build in self.builds:
+            failed, relinked = build.trial(mutant, mutated, original)
+            if failed is None:
+                return dict(mutant, status="no build", seconds=round(time.time() - began, 1))
+            ran += [build.label + "/" + t for t in relinked]
+            if failed:
+                if build is not self.builds[0]:
+                    failed = [build.label + "/" + f for f in failed]
+                return dict(mutant, status="caught", caught_by=failed, ran=ran,
+                            seconds=round(time.time() - began, 1))
+        return dict(mutant, status="missed", caught_by=[], ran=ran,
+                    seconds=round(time.time() - began, 1))
 
 
-def report(path, src):
-    rows = [json.loads(l) for l in Path(path).read_text().splitlines() if l.strip()]
+def report(paths, src):
+    rows = []
+    for path in paths:
+        rows += [json.loads(l) for l in Path(path).read_text().splitlines() if l.strip()]
+    # A later row of the same fault (a replay of the survivors) replaces the earlier one.
+    latest = {}
+    for r in rows:
+        latest[equivalence_key(r)] = r
+    rows = list(latest.values())
+    equivalents = load_equivalents()
     index = test_index(Path(src))
-    judged = [r for r in rows if r["status"] in ("caught", "missed")]
-    caught = [r for r in judged if r["status"] == "caught"]
-    print("%s: %d mutants, %d built, %d caught, %d missed, score %.1f %%" % (
-        path, len(rows), len(judged), len(caught), len(judged) - len(caught),
-        100.0 * len(caught) / max(1, len(judged))))
-    files_of = lambda r: sorted({index.get(t.split(":", 1)[1].split(".")[0].split("/")[-1],
-                                           t.split(":")[0]) for t in r.get("caught_by", [])})
+    for r in rows:
+        if r["status"] in ("missed", "equivalent") and equivalence_key(r) in equivalents:
+            r["status"], r["reason"] = "equivalent", equivalents[equivalence_key(r)]
+        elif r["status"] == "equivalent":
+            r["status"] = "missed"  # no longer listed: it counts as missed until judged again
+    count = lambda s: sum(1 for r in rows if r["status"] == s)
+    caught, missed = count("caught"), count("missed")
+    print("%s: %d faults: %d caught, %d missed, %d equivalent, %d do not build, %d stale" % (
+        ", ".join(paths), len(rows), caught, missed, count("equivalent"), count("no build"),
+        count("stale")))
+    print("score: %d of %d observable faults caught, %.1f %%" % (
+        caught, caught + missed, 100.0 * caught / max(1, caught + missed)))
+
+    def files_of(r):
+        out = set()
+        for t in r.get("caught_by", []):
+            program, _, test = t.rpartition(":")
+            suite = re.split(r"[./]|::", test)[0] if test else ""
+            out.add(index.get(suite, program.split("/")[-1]))
+        return sorted(out)
+
     alone, anywhere = {}, {}
-    for r in caught:
+    for r in rows:
+        if r["status"] != "caught":
+            continue
         files = files_of(r)
         for f in files:
             anywhere[f] = anywhere.get(f, 0) + 1
         if len(files) == 1:
             alone[files[0]] = alone.get(files[0], 0) + 1
-    print("\ntest file: faults caught / caught by it alone")
+    print("\ntest file (first failing program only, unless run with --all-tests):"
+          " faults caught / caught by it alone")
     for f in sorted(anywhere, key=lambda f: (-alone.get(f, 0), -anywhere[f])):
         print("  %-55s %4d %4d" % (f, anywhere[f], alone.get(f, 0)))
-    print("\nmissed:")
-    for r in judged:
-        if r["status"] == "missed":
-            print("  %s:%d %s: %s" % (r["file"], r["line"], r["op"], r["text"].strip()[:90]))
+    for status in ("missed", "equivalent"):
+        print("\n%s:" % status)
+        for r in sorted(rows, key=lambda r: (r["file"], r["line"])):
+            if r["status"] == status:
+                print("  %s:%d %s %r -> %r: %s" % (r["file"], r["line"], r["op"], r["old"],
+                                                   r["new"], r["text"].strip()[:80]))
+                if status == "equivalent":
+                    print("      " + r["reason"])
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__,
                                      formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("--src", default=str(Path(__file__).resolve().parent.parent))
-    parser.add_argument("--work", default="/tmp/zerbin-faults")
+    parser.add_argument("--src", default=str(ROOT))
+    parser.add_argument("--work", default="/tmp/faults-work")
     parser.add_argument("--sample", type=int, default=150)
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--folders", nargs="*", default=PRODUCT)
-    parser.add_argument("--replay", help="apply the mutants of an earlier result file")
-    parser.add_argument("--report", help="summarise a result file and stop")
+    parser.add_argument("--folders", nargs="*", help="product folders to draw from (default: all)")
+    parser.add_argument("--replay", help="apply the faults of an earlier result or sample file")
+    parser.add_argument("--only-missed", action="store_true",
+                        help="with --replay: only the faults that file records as missed")
+    parser.add_argument("--report", nargs="+", help="summarise result files (later rows win)")
     parser.add_argument("--out", default="faults.jsonl")
-    parser.add_argument("--jobs", type=int, default=2)
-    parser.add_argument("--timeout", type=int, default=20,
+    parser.add_argument("--jobs", type=int, default=1)
+    parser.add_argument("--timeout", type=int, default=30,
                         help="least seconds a test program may run before it counts as hung")
     parser.add_argument("--commit", help="score this commit's tree instead of the checkout")
     parser.add_argument("--exclude", default="", help="gtest filter of tests to leave out")
+    parser.add_argument("--sanitize", action="store_true",
+                        help="try a fault the plain build misses again under ASan and UBSan")
+    parser.add_argument("--all-tests", action="store_true",
+                        help="run every relinked program, to learn every test that catches a fault")
+    parser.add_argument("--check-equivalents", action="store_true",
+                        help="build and run the faults listed as equivalent too")
     parser.add_argument("--list", action="store_true", help="print the sample and stop")
+    parser.add_argument("--save-sample", help="write the sample (faults only) to this file")
     args = parser.parse_args()
 
     src = Path(args.src).resolve()
@@ -276,36 +409,48 @@ def main():
         sample = []
         for row in Path(args.replay).read_text().splitlines():
             old = json.loads(row)
+            if args.only_missed and old.get("status") not in ("missed", "equivalent"):
+                continue
             moved = relocate((src / old["file"]).read_text(), old)
             if moved:
-                sample.append({k: moved[k] for k in
-                               ("file", "line", "op", "text", "start", "old", "new")})
+                sample.append({k: moved[k] for k in KEYS})
+            else:
+                print("stale, its line is gone: %s:%d %s" % (old["file"], old["line"], old["op"]))
     else:
         everything = []
-        for folder in args.folders:
-            for path in sorted((src / folder).glob("*.cpp")):
+        for folder in args.folders or product_folders(src):
+            for path in sorted((src / folder).rglob("*.cpp")):
                 name = str(path.relative_to(src))
                 everything += mutants_of(name, path.read_text())
         random.Random(args.seed).shuffle(everything)
         sample = everything[:args.sample]
     # Mutants of one file in a row: the restored file is then compiled once per file.
     sample.sort(key=lambda m: (m["file"], m["line"], m["start"], m["new"]))
+    if args.save_sample:
+        Path(args.save_sample).write_text("".join(json.dumps({k: m[k] for k in KEYS}) + "\n"
+                                                  for m in sample))
     if args.list:
         for m in sample:
             print("%s:%d %s: %s" % (m["file"], m["line"], m["op"], m["text"].strip()))
         return
 
+    equivalents = {} if args.check_equivalents else load_equivalents()
     bench.prepare()
     with open(args.out, "w") as out:
         for number, mutant in enumerate(sample, 1):
-            result = bench.trial(mutant)
+            if equivalence_key(mutant) in equivalents:
+                result = dict(mutant, status="equivalent")
+            else:
+                result = bench.trial(mutant)
             out.write(json.dumps(result) + "\n")
             out.flush()
-            print("%3d/%d %-7s %s:%d %s" % (number, len(sample), result["status"],
-                                            mutant["file"], mutant["line"], mutant["op"]),
+            print("%3d/%d %-10s %5.1fs %s:%d %s %s" % (
+                number, len(sample), result["status"], result.get("seconds", 0),
+                mutant["file"], mutant["line"], mutant["op"], " ".join(result.get("caught_by", [])[:1])),
                   flush=True)
-    bench.compile()
-    report(args.out, src)
+    for build in bench.builds:
+        build.compile()  # leave the work builds as the tree stands
+    report([args.out], src)
 
 
 if __name__ == "__main__":
