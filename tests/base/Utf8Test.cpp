@@ -24,10 +24,41 @@ TEST(Utf8Test, BothCountersCountEachMalformedSequenceAsOneCharacter) {
         {"\xC0\x80", 2},      // an overlong NUL: two bad bytes
         {"\xE2\x82", 1},      // cut short: one bad sequence
         {"\xED\xA0\x80", 3},  // a surrogate
+        {"\xED\x9F\xBF", 1},  // the last code point before them
+        {"\xE0\x9F\xBF", 3},  // an overlong of three bytes
+        {"\xE0\xA0\x80", 1},
+        {"\xF0\x8F\xBF\xBF", 4},  // an overlong of four bytes
+        {"\xF0\x90\x80\x80", 1},
+        {"\xF4\x8F\xBF\xBF", 1},  // the last code point
+        {"\xF4\x90\x80\x80", 4},  // past it
+        {"\xF5\x80\x80\x80", 4},
+        {"\xC2\xC2\x80", 2},  // a lead where a continuation belongs
     };
     for (const auto& row : rows) {
         EXPECT_EQ(CharCount(row.text), row.count) << row.text;
         EXPECT_EQ(CharacterCount(row.text), static_cast<std::size_t>(row.count)) << row.text;
+    }
+}
+
+TEST(Utf8Test, EachSequenceDecodesToItsCodePointAndStepsPastItsBytes) {
+    const struct {
+        std::string text;
+        uint32_t codePoint;
+        std::size_t next;
+    } rows[] = {
+        {"A", 0x41, 1},
+        {"\xC2\x80", 0x80, 2},
+        {"\xDF\xBF", 0x7FF, 2},
+        {"\xE2\x82\xAC", 0x20AC, 3},
+        {"\xED\x9F\xBF", 0xD7FF, 3},
+        {"\xF4\x8F\xBF\xBF", 0x10FFFF, 4},
+        {"\xC3", kMalformedUtf8, 1},
+        {"\xE2\x82x", kMalformedUtf8, 2},  // its valid prefix is consumed
+    };
+    for (const auto& row : rows) {
+        std::size_t i = 0;
+        EXPECT_EQ(NextCodePoint(row.text, i), row.codePoint) << row.text;
+        EXPECT_EQ(i, row.next) << row.text;
     }
 }
 

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "base/Utf8.h"
 #include "interfaces/Error.h"
 #include "tests/support/TestSupport.h"
 
@@ -226,6 +227,34 @@ TEST(FirstChildText, FailsWhenTheNodeHoldsNoText) {
     EXPECT_THROW(FirstChildText(r.child("e")), Error);
     EXPECT_THROW(FirstChildText(r.child("nested")), Error);
     EXPECT_THROW(FirstChildText(r.child("missing")), Error);
+}
+
+// Each end of each range of the production, and the code points just outside it: S may start
+// a name, N may only follow its first character, X may do neither.
+TEST(IsValidName, EveryRangeOfTheProductionEndsWhereItShould) {
+    const struct {
+        uint32_t codePoint;
+        char kind;
+    } rows[] = {
+        {0x2C, 'X'},    {0x2D, 'N'},    {0x2E, 'N'},   {0x2F, 'X'},   {0x30, 'N'},   {0x39, 'N'},
+        {0x3A, 'S'},    {0x3B, 'X'},    {0x40, 'X'},   {0x41, 'S'},   {0x5A, 'S'},   {0x5B, 'X'},
+        {0x5E, 'X'},    {0x5F, 'S'},    {0x60, 'X'},   {0x61, 'S'},   {0x7A, 'S'},   {0x7B, 'X'},
+        {0xB6, 'X'},    {0xB7, 'N'},    {0xB8, 'X'},   {0xBF, 'X'},   {0xC0, 'S'},   {0xD6, 'S'},
+        {0xD7, 'X'},    {0xD8, 'S'},    {0xF6, 'S'},   {0xF7, 'X'},   {0xF8, 'S'},   {0x2FF, 'S'},
+        {0x300, 'N'},   {0x36F, 'N'},   {0x370, 'S'},  {0x37D, 'S'},  {0x37E, 'X'},  {0x37F, 'S'},
+        {0x1FFF, 'S'},  {0x2000, 'X'},  {0x200B, 'X'}, {0x200C, 'S'}, {0x200D, 'S'}, {0x200E, 'X'},
+        {0x203E, 'X'},  {0x203F, 'N'},  {0x2040, 'N'}, {0x2041, 'X'}, {0x206F, 'X'}, {0x2070, 'S'},
+        {0x218F, 'S'},  {0x2190, 'X'},  {0x2BFF, 'X'}, {0x2C00, 'S'}, {0x2FEF, 'S'}, {0x2FF0, 'X'},
+        {0x3000, 'X'},  {0x3001, 'S'},  {0xD7FF, 'S'}, {0xF8FF, 'X'}, {0xF900, 'S'}, {0xFDCF, 'S'},
+        {0xFDD0, 'X'},  {0xFDEF, 'X'},  {0xFDF0, 'S'}, {0xFFFD, 'S'}, {0xFFFE, 'X'}, {0x10000, 'S'},
+        {0xEFFFF, 'S'}, {0xF0000, 'X'},
+    };
+    for (const auto& row : rows) {
+        std::string alone;
+        AppendUtf8(alone, row.codePoint);
+        EXPECT_EQ(IsValidName(alone), row.kind == 'S') << std::hex << row.codePoint;
+        EXPECT_EQ(IsValidName("a" + alone), row.kind != 'X') << std::hex << row.codePoint;
+    }
 }
 
 TEST(IsValidName, FollowsTheXmlNameProduction) {

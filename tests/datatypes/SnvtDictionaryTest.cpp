@@ -79,5 +79,25 @@ TEST(SnvtDictionary, InvalidateRereadsAChangedDocument) {
     EXPECT_TRUE(FindSnvtEntry("6"));
 }
 
+// Caches of resolved types are keyed by the generation: no dictionary, the first one, each
+// one installed after it and the same one read again must each have a key of their own.
+TEST(SnvtDictionary, EachIndexedDocumentHasAGenerationOfItsOwnAndNoneHasZero) {
+    SetSnvtDictionary(nullptr);
+    EXPECT_EQ(SnvtIndexGeneration(), 0U);
+    auto first = testing::ParseXml(testing::Snvts("<SNVT_7/>"));
+    SetSnvtDictionary(first);
+    const uint64_t one = SnvtIndexGeneration();
+    EXPECT_NE(one, 0U);
+    EXPECT_EQ(SnvtIndexGeneration(), one) << "asked again, the index is not built again";
+    SetSnvtDictionary(testing::ParseXml(testing::Snvts("<SNVT_8/>")));
+    const uint64_t two = SnvtIndexGeneration();
+    EXPECT_NE(two, one);
+    EXPECT_NE(two, 0U);
+    InvalidateSnvtIndex();
+    EXPECT_NE(SnvtIndexGeneration(), two);
+    SetSnvtDictionary(nullptr);
+    EXPECT_EQ(SnvtIndexGeneration(), 0U);
+}
+
 }  // namespace
 }  // namespace zerbin

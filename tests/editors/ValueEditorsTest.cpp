@@ -77,13 +77,11 @@ TEST_P(TextKeys, TypedKeysKeepLengthBlanksAndCodePage) {
     }
 }
 
+// The rules themselves are TextRulesTest's; these rows show the box applies them as keys come.
 INSTANTIATE_TEST_SUITE_P(Text, TextKeys,
                          ::testing::Values(TextRow{4, "", -1, 0, 0, "abcde", "abcd", 1},
-                                           TextRow{0, "", -1, 0, 0, "xy", "", 2},
                                            TextRow{8, "", -1, 0, 0, "a b", "a_b", 0},
-                                           TextRow{8, "abc", -1, 0, 0, "\b", "ab", 0},
                                            TextRow{8, "abcd", 1, 2, 0, "\b", "abc", 0},
-                                           TextRow{8, "", -1, 0, 0, "€é", "€é", 0},
                                            TextRow{8, "ab", -1, 0, 1, "ł→", "ab", 2,
                                                    "The character \"ł\" is not in the value's "
                                                    "8-bit code page (Windows-1252) and cannot "
@@ -198,15 +196,10 @@ TEST_P(EnumEditor, ShowsTheLabelOfTheCodeAndWritesTheCode) {
     EXPECT_EQ(point->writes, std::vector<std::string>{row.written});
 }
 
+// Which entry a value selects is EnumRulesTest's, the entries of a description EnumEntriesTest's.
 INSTANTIATE_TEST_SUITE_P(Codes, EnumEditor,
                          ::testing::Values(EnumRow{"0,OFF;1,ON;", "1", 2, "ON", "1"},
                                            EnumRow{"0,OFF;1,ON;", "7", 2, "OFF", "0"},
-                                           EnumRow{"0,OFF;1,ON;", "01", 2, "OFF", "0"},
-                                           EnumRow{"0,A;1,B;1,C;", "1", 3, "C", "1"},
-                                           EnumRow{"-1,NUL;0,A;", "-1", 2, "NUL", "-1"},
-                                           EnumRow{"0,A;;1,B;", "1", 1, "A", "0"},
-                                           EnumRow{"0,A;40000,B;1,C;", "1", 1, "A", "0"},
-                                           EnumRow{"5;", "0", 1, "", "0"},
                                            EnumRow{"", "3", 0, "", "-1"}));
 
 struct BitRow {
@@ -234,15 +227,10 @@ TEST_P(BitEditor, ShowsTheBitsAndWritesTheirSum) {
     EXPECT_EQ(point->writes, std::vector<std::string>{row.written});
 }
 
+// The bits of a value and their sum are BitRulesTest's; the window shows and hides them.
 INSTANTIATE_TEST_SUITE_P(Sums, BitEditor,
-                         ::testing::Values(BitRow{1, "5", "        00000101", "5"},
-                                           BitRow{1, "300", "        00101100", "44"},
+                         ::testing::Values(BitRow{1, "300", "        00101100", "44"},
                                            BitRow{2, "65535", "1111111111111111", "65535"},
-                                           BitRow{4, "70000", "0001000101110000", "4464"},
-                                           BitRow{1, "-1", "        11111111", "255"},
-                                           BitRow{2, "-1", "1111111111111111", "65535"},
-                                           BitRow{2, "abc", "0000000000000000", "0"},
-                                           BitRow{0, "3", "0000000000000011", "3"},
                                            BitRow{4, "99999999999", "0000000000000000", "0"}));
 
 TEST(BitEditorFlip, ADoubleClickOrSpaceFlipsABitAndOkWritesEveryPoint) {
