@@ -74,6 +74,13 @@ TEST(CommandLine, HelpAndVersionAnswerOnStdoutWithStatusZero) {
         EXPECT_NE(commandHelp.out, help.out) << command;
     }
 
+    // The range the help gives is the one the command takes.
+    EXPECT_NE(RunProgram({"image", "--help"}).out.find("export index (-32768 to 32767)"),
+              std::string::npos);
+    for (const char* index : {"-32768", "32767"}) {
+        EXPECT_EQ(RunProgram({"image", "THERMOSTAT", "--export-index", index}).status, 0) << index;
+    }
+
     const ProgramResult version = RunProgram({"--version"});
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.out, "zerbin " ZERBIN_VERSION_TEXT "\n");

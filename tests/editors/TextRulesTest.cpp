@@ -24,8 +24,8 @@ TEST(TextRules, ABlankIsTypedAsAnUnderscoreAndControlKeysAct) {
     };
     for (const auto& row : rows) {
         const TextKeyDecision decision = FilterTextKey(row.key);
-        EXPECT_EQ(decision.action, row.action) << row.key;
-        EXPECT_EQ(decision.character, row.character) << row.key;
+        EXPECT_EQ(decision.action, row.action) << static_cast<uint32_t>(row.key);
+        EXPECT_EQ(decision.character, row.character) << static_cast<uint32_t>(row.key);
     }
 }
 
@@ -60,7 +60,7 @@ TEST(TextRules, AControlCharacterAndOneOutsideTheCodePageAreToldApart) {
         "The value is one line of text: it cannot hold tabs, line ends or other control "
         "characters.";
     for (const char32_t c : {U'\t', U'\n', U'\x1F', U'\x7F', U'\x80', U'\x9F'}) {
-        EXPECT_EQ(UnfitCharacterMessage(c), line) << c;
+        EXPECT_EQ(UnfitCharacterMessage(c), line) << static_cast<uint32_t>(c);
     }
     EXPECT_EQ(UnfitCharacterMessage(U'\u0142'),
               "The character \"\xC5\x82\" is not in the value's 8-bit code page (Windows-1252) and "
