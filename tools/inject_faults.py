@@ -22,6 +22,7 @@ import os
 import random
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -284,21 +285,30 @@ class Build:
         return failed
 
     def trial(self, mutant, mutated, original):
-        """Builds the mutant here and runs what it relinked, its own folder's tests first."""
+        """Builds the mutant here and runs what it relinked, its own folder's tests first. With
+        the stop at the first failure, each program is built just before it runs: a fault its
+        own folder's tests catch costs one link, not one for every program of the engine."""
         path = self.bench.tree / mutant["file"]
-        reaching = self.programs_reaching(mutant["file"])
+        home = mutant["file"].split("/")[0]
+        reaching = sorted(self.programs_reaching(mutant["file"]),
+                          key=lambda t: (self.folder[t] != home, self.seconds[t]))
         if not reaching:
             return [], []  # this build does not compile the file (the windows without Qt)
         before = self.stamps()
         path.write_text(mutated)
         try:
-            if not self.compile(reaching):
-                return None, []
-            now = self.stamps()
-            relinked = [t for t in self.targets if now[t] != before[t]]
-            home = mutant["file"].split("/")[0]
-            relinked.sort(key=lambda t: (self.folder[t] != home, self.seconds[t]))
-            return self.test(relinked, self.bench.stop_early), relinked
+            groups = [[t] for t in reaching] if self.bench.stop_early else [reaching]
+            failed, relinked = [], []
+            for group in groups:
+                if not self.compile(group):
+                    return None, relinked
+                now = self.stamps()
+                ran = [t for t in group if now[t] != before[t]]
+                relinked += ran
+                failed += self.test(ran, self.bench.stop_early)
+                if failed and self.bench.stop_early:
+                    break
+            return failed, relinked
         finally:
             path.write_text(original)
 
@@ -337,7 +347,9 @@ class Bench:
                 if target.exists() and target.read_bytes() == source.read_bytes():
                     continue
                 target.parent.mkdir(parents=True, exist_ok=True)
-                shutil.copy2(source, target)
+                # A fresh time, so that make rebuilds what an interrupted run left mutated.
+                shutil.copyfile(source, target)
+                shutil.copymode(source, target)
         for build in self.builds:
             build.start()
 
@@ -442,6 +454,8 @@ def main():
                         help="run every relinked program, to learn every test that catches a fault")
     parser.add_argument("--check-equivalents", action="store_true",
                         help="build and run the faults listed as equivalent too")
+    parser.add_argument("--resume", action="store_true",
+                        help="keep the rows already in --out and run only the faults not there")
     parser.add_argument("--list", action="store_true", help="print the sample and stop")
     parser.add_argument("--save-sample", help="write the sample (faults only) to this file")
     args = parser.parse_args()
@@ -484,9 +498,17 @@ def main():
         return
 
     equivalents = {} if args.check_equivalents else load_equivalents()
+    done = set()
+    if args.resume and Path(args.out).exists():
+        done = {equivalence_key(json.loads(l)) for l in Path(args.out).read_text().splitlines()
+                if l.strip()}
+    # A stop (kill, Ctrl+C) unwinds, so that the mutated file is put back.
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("stopped"))
     bench.prepare()
-    with open(args.out, "w") as out:
+    with open(args.out, "a" if args.resume else "w") as out:
         for number, mutant in enumerate(sample, 1):
+            if equivalence_key(mutant) in done:
+                continue
             if equivalence_key(mutant) in equivalents:
                 result = dict(mutant, status="equivalent")
             else:
