@@ -124,14 +124,16 @@ def relocate(text, mutant):
 
 
 def equivalence_key(m):
-    return (m["file"], m["text"].strip(), m["op"], m["old"], m["new"])
+    indent = len(m["text"]) - len(m["text"].lstrip())
+    return (m["file"], m["text"].strip(), m["op"], m["start"] - indent, m["old"], m["new"])
 
 
 def load_equivalents(path=EQUIVALENTS):
     """Faults that change nothing observable, keyed so that a replay finds them again."""
     if not Path(path).exists():
         return {}
-    return {equivalence_key(e): e["reason"] for e in json.loads(Path(path).read_text())}
+    return {(e["file"], e["text"], e["op"], e["column"], e["old"], e["new"]): e["reason"]
+            for e in json.loads(Path(path).read_text())}
 
 
 def test_index(src):

@@ -54,7 +54,21 @@ TEST(LeadingNumber, ReadsTheLongestLeadingNumber) {
 }
 
 TEST(LeadingNumber, IgnoresTheLocaleAndSaturatesBeyondTheDoubleRange) {
-    EXPECT_EQ(LeadingNumber("1e400"), std::numeric_limits<double>::infinity());
+    const double inf = std::numeric_limits<double>::infinity();
+    // An exponent beyond a long still says which way the number went, whatever the mantissa.
+    const struct {
+        const char* text;
+        double expected;
+    } beyond[] = {
+        {"1e400", inf},
+        {"10e99999999999999999999", inf},
+        {"-1e99999999999999999999", -inf},
+        {"0.01e-99999999999999999999", 0},
+        {"123e-99999999999999999999", 0},
+    };
+    for (const auto& row : beyond) {
+        EXPECT_EQ(LeadingNumber(row.text), row.expected) << row.text;
+    }
     ScopedLocale comma;
     ZERBIN_REQUIRE_COMMA_LOCALE(comma);
     EXPECT_DOUBLE_EQ(LeadingNumber("2.5"), 2.5);
@@ -74,6 +88,8 @@ TEST(LocaleNumber, ReadsWholeTextsWithTheSeparatorInForce) {
     }
     EXPECT_THROW(LocaleNumber("1e39"), OverflowError);
     EXPECT_FLOAT_EQ(LocaleNumber("3.4e38"), 3.4e38F);
+    EXPECT_EQ(LocaleNumber("3.4028234663852886e38"), std::numeric_limits<float>::max());
+    EXPECT_EQ(LocaleNumber("-3.4028234663852886e38"), -std::numeric_limits<float>::max());
 
     ScopedLocale comma;
     ZERBIN_REQUIRE_COMMA_LOCALE(comma);
@@ -106,6 +122,8 @@ TEST(Rounding, ThrowsOverflowOutsideTheTarget) {
     }
     EXPECT_EQ(ToByte(-0.5), 0);
     EXPECT_EQ(NarrowToInt16(-32768), -32768);
+    EXPECT_EQ(NarrowToInt16(32767), 32767);
+    EXPECT_THROW(NarrowToInt16(-32769), OverflowError);
     EXPECT_THROW(NarrowToInt16(32768), OverflowError);
 }
 

@@ -83,6 +83,9 @@ TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
         {"<A><\xC2\xB7"
          "B/></A>",
          "not a valid XML name", false},
+        {"<A>\xC3\xA9<\xC2\xB7"
+         "B/></A>",
+         "not a valid XML name", false},  // after text that is not ASCII
         {"<A><B x='1' x='2'/></A>", "given twice", false},
         {"<A><B\n x = '1'/><C x='1' y='2' x=\"3\"/></A>", "given twice", false},
         {"<A><B \xC2\xB7x='1'/></A>", "not a valid XML name", false},
@@ -93,6 +96,12 @@ TEST(XmlLoad, TakesWellFormedXmlOneOnly) {
         {"<A/><B/>", "second document element", false},
         {"<A/>text", "text outside", false},
         {"<A/><?xml version='1.0'?>", "declaration", false},
+        // The same offences on the top nodes of a plain ASCII document.
+        {"<A x='1' x='2'/>", "given twice", false},
+        {"<?xml version='2.0'?><A/>", "no version 1.x", false},
+        {"<?xml version='1.'?><A/>", "no version 1.x", false},
+        {"<?xml version='1.x'?><A/>", "no version 1.x", false},
+        {"<?xml version='1.10'?><A>v</A>", "v", true},
         {"<A>\xED\x9F\xBF&#xD7FF;&#xE000;</A>", "\xED\x9F\xBF\xED\x9F\xBF\xEE\x80\x80", true},
         {"<A>&#xD800;</A>", "U+D800", false},
         {"<A>&#000000065;&#x0000000042;</A>", "AB", true},
