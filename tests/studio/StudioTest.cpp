@@ -5,6 +5,7 @@
 #include <QGraphicsProxyWidget>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QScrollBar>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTemporaryDir>
@@ -302,6 +303,7 @@ private slots:
         QTest::keyClick(editor, Qt::Key_Return);
         QCOMPARE(window_->Project().Block(thermostat)->IAppObject_UserName(),
                  std::string("Zone 1"));
+        QCOMPARE(window_->UndoStack().undoText(), QStringLiteral("Rename Zone 1"));
         step();
         DrawWire(*window_, Wire{sensor, "Value", thermostat, "SpaceTemp"});
         step();
@@ -711,6 +713,66 @@ private slots:
     // Find goes from match to match by name, type or key; blocks line up in one undoable
     // step; the drawing exports as each format with its header, and a format the studio
     // cannot write leaves no file.
+    // The palette lists the library's types by category; a search matches a type's name, its
+    // category, its type name and its description; a double click places the type.
+    void thePaletteFindsAndPlacesTypes() {
+        Palette& palette = window_->BlockPalette();
+        QCOMPARE(palette.Filter(QString()), 14);
+        QCOMPARE(palette.Filter("hvac"), 5);
+        QCOMPARE(palette.Filter("ROOM_CONTROLLER"), 1);  // the type name is in the tip only
+        QCOMPARE(palette.Filter("hysteresis"), 1);       // the description too
+        QTreeWidgetItem* label = palette.Entry("LABEL");
+        QVERIFY(label != nullptr);
+        QVERIFY(palette.Entry("HVAC") == nullptr);
+        emit palette.itemDoubleClicked(label->parent(), 0);  // a category places nothing
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{0});
+        emit palette.itemDoubleClicked(label, 0);
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{1});
+        QCOMPARE(window_->Project().Block(window_->Project().BlockKeys()[0])->IAppObject_ID(),
+                 std::string("311"));  // LABEL's
+    }
+
+    // The middle button drags the drawing under the hand.
+    void theMiddleButtonPansTheCanvas() {
+        Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        CanvasView& view = window_->View();
+        view.scale(8, 8);
+        QApplication::processEvents();
+        QScrollBar* across = view.horizontalScrollBar();
+        QScrollBar* down = view.verticalScrollBar();
+        across->setValue((across->minimum() + across->maximum()) / 2);
+        down->setValue((down->minimum() + down->maximum()) / 2);
+        const int x = across->value();
+        const int y = down->value();
+        QWidget* viewport = view.viewport();
+        const QPoint from(200, 200);
+        QTest::mousePress(viewport, Qt::MiddleButton, {}, from);
+        QTest::mouseMove(viewport, from + QPoint(-40, -30));
+        QTest::mouseRelease(viewport, Qt::MiddleButton, {}, from + QPoint(-40, -30));
+        QCOMPARE(across->value(), x + 40);
+        QCOMPARE(down->value(), y + 30);
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{1});
+    }
+
+    // A block deleted while its name is being edited takes the editor with it.
+    void aBlockDeletedWhileRenamedTakesItsEditor() {
+        const std::string key = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        window_->SelectBlock(key);
+        Trigger(*window_, "actionRename");
+        const auto editors = [&] {
+            int count = 0;
+            for (QGraphicsItem* shown : window_->Scene().items()) {
+                count += dynamic_cast<QGraphicsProxyWidget*>(shown) != nullptr ? 1 : 0;
+            }
+            return count;
+        };
+        QCOMPARE(editors(), 1);
+        window_->DeleteSelection();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{0});
+        QCOMPARE(editors(), 0);
+    }
+
     void findArrangeAndExportTheDrawing() {
         const std::string a = Drop(*window_, "THERMOSTAT", QPoint(100, 100));
         const std::string b = Drop(*window_, "PID_LOOP", QPoint(400, 300));
