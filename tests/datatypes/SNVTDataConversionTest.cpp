@@ -44,6 +44,8 @@ constexpr EncodeRow kWorkedExamples[] = {
     {"UnsignedNumeric", 2, 1, 0, 0, "2.5", "0002", "0200"},
     {"UnsignedNumeric", 2, 1, 0, 0, "3.5", "0004", "0400"},
     {"UnsignedNumeric", 2, 1, 0, 0, "70000", "", ""},
+    {"UnsignedNumeric", 2, 1, 0, 0, "65535", "FFFF", "FFFF"},
+    {"UnsignedNumeric", 2, 1, 0, 0, "65536", "", ""},  // the first that needs a third byte
     {"UnsignedNumeric", 2, 1, 0, 0, "-1", "", ""},
     {"UnsignedNumeric", 1, 1, 0, 0, "300", "FF", "FF"},
     {"UnsignedNumeric", 1, 1, 0, 0, "-1", "FF", "FF"},
