@@ -130,5 +130,26 @@ TEST_F(FaultyLibrary, CheckRefusesANewerDictionaryNeedAndListsChangedBlocks) {
     EXPECT_EQ(RunProgram({"--library", library_, "check", "--project", project, "GOOD"}).status, 2);
 }
 
+// show lists the members the layout placed by their place, then those it passed by.
+TEST(ShowCommand, MembersWithoutAPlaceComeAfterThePlacedOnes) {
+    TempFolder folder;
+    folder.Write("lib/LOOSE/LOOSE.xml", R"(<AppObject>
+  <NAME>Loose</NAME><ID>12</ID>
+  <InReferences>
+    <In><CDBORDERINPOSITION>0</CDBORDERINPOSITION><SNVTCOMPATIBILITYLIST>95</SNVTCOMPATIBILITYLIST></In>
+  </InReferences>
+  <Attributes>
+    <Mode><CDBORDERINPOSITION>1</CDBORDERINPOSITION><SNVTTYPE>108</SNVTTYPE></Mode>
+  </Attributes>
+</AppObject>)");
+    const ProgramResult shown =
+        RunProgram({"--library", (folder.Path() / "lib").string(), "show", "LOOSE"});
+    const std::size_t mode = shown.out.find("  attribute  Mode");
+    const std::size_t in = shown.out.find("  input      In ");
+    ASSERT_NE(mode, std::string::npos) << shown.out;
+    ASSERT_NE(in, std::string::npos) << shown.out;
+    EXPECT_LT(mode, in) << shown.out;
+}
+
 }  // namespace
 }  // namespace zerbin::testing

@@ -99,6 +99,7 @@ TEST(NumberRules, APasteIsTypedKeyByKeyAndTakenWholeOrRefused) {
              Row{"1.23", 0, 0, false, "5", "51.23", 0, 1},
              Row{"1.5", 0, 3, false, "7", "7", 0, 1},
              Row{"12345", 1, 2, false, "9", "1945", 0, 2},
+             Row{"12345", 1, 2, false, "99", "19945", 0, 3},  // the selection goes once
              Row{"", 0, 0, true, "1.5", "", U'.', 0},
              Row{"", 0, 0, false, "1.234", "", U'4', 0},
              Row{"", 0, 0, false, "1\t2", "", U'\t', 0},
