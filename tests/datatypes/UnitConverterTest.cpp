@@ -90,6 +90,27 @@ TEST_F(UnitConverterTest, ShowsStoredValuesInTheUnitsOfTheSystem) {
     }
 }
 
+// Each type the US table converts, with the unit and the decimals a user sees: the table's,
+// or more where a scaled type needs them to come back (35, 110, 161 in this dictionary).
+TEST_F(UnitConverterTest, EachConvertedTypeHasItsUsUnitAndDecimals) {
+    const struct {
+        const char* typeId;
+        const char* unit;
+        int16_t decimals;
+    } rows[] = {
+        {"39", "°F", 1},    {"63", "°F", 2},      {"105", "°F", 2},  {"30", "psi", 2},
+        {"59", "inH2O", 3}, {"113", "inH2O", 3},  {"15", "gpm", 0},  {"53", "gpm", 2},
+        {"17", "ft", 1},    {"54", "ft", 2},      {"20", "in", 3},   {"34", "fpm", 0},
+        {"62", "fpm", 1},   {"41", "gal", 2},     {"65", "gal", 2},  {"42", "ft³", 0},
+        {"24", "lb", 1},    {"35", "fpm", 1},     {"110", "ft²", 3}, {"161", "gpm", 2},
+        {"147", "°F", 2},   {"131", "°F/min", 1},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(us_.DisplayUnit(row.typeId), row.unit) << row.typeId;
+        EXPECT_EQ(us_.DecimalPlaces(row.typeId), row.decimals) << row.typeId;
+    }
+}
+
 TEST_F(UnitConverterTest, NumbersFollowTheSeparatorInForce) {
     testing::ScopedLocale comma;
     ZERBIN_REQUIRE_COMMA_LOCALE(comma);
