@@ -175,5 +175,21 @@ TEST_F(ParameterList, AListTakenAwayUnderAnOpenEditorLeavesTheEditorWhole) {
     }
 }
 
+// A host's IAttribute_SetValue opens the editor of the attribute's class on that attribute.
+TEST_F(ParameterList, SetValueOpensTheEditorOnTheAttribute) {
+    auto block = Block("THERMOSTAT");
+    const auto attribute = block->IAppObject_Attributes()->IAttributes_Item("HeatSetpoint");
+    WithModal([&] { attribute->IAttribute_SetValue(); },
+              [&](QWidget& editor) {
+                  auto* box = editor.findChild<QLineEdit*>("txtNewCPValue");
+                  ASSERT_NE(box, nullptr);
+                  EXPECT_EQ(box->text(), QStringLiteral("21"));
+                  box->selectAll();
+                  QTest::keyClicks(box, "16");
+                  QTest::mouseClick(editor.findChild<QPushButton*>("cmdOk"), Qt::LeftButton);
+              });
+    EXPECT_EQ(attribute->IAttribute_Value(), "16");
+}
+
 }  // namespace
 }  // namespace zerbin::testing
