@@ -65,6 +65,9 @@ protected:
 // The rows show name and display value in field order; each field class opens its editor.
 TEST_F(StructureEditor, EachFieldClassOpensItsEditorCalledFromTheStructure) {
     ASSERT_EQ(list_->topLevelItemCount(), 6);
+    // The keys go to the fields at once: Enter opens the first one.
+    EXPECT_EQ(dialog_.focusWidget(), list_);
+    EXPECT_EQ(list_->currentItem(), list_->topLevelItem(0));
     EXPECT_EQ(list_->topLevelItem(2)->text(0), QStringLiteral("mode"));
     EXPECT_EQ(RowValue(2), QStringLiteral("0!"));
     EXPECT_EQ(list_->headerItem()->text(0), QStringLiteral("Field"));

@@ -200,6 +200,8 @@ TEST_P(EnumEditor, ShowsTheLabelOfTheCodeAndWritesTheCode) {
 INSTANTIATE_TEST_SUITE_P(Codes, EnumEditor,
                          ::testing::Values(EnumRow{"0,OFF;1,ON;", "1", 2, "ON", "1"},
                                            EnumRow{"0,OFF;1,ON;", "7", 2, "OFF", "0"},
+                                           // The entry shown, not the last of its label.
+                                           EnumRow{"0,A;1,A;", "0", 2, "A", "0"},
                                            EnumRow{"", "3", 0, "", "-1"}));
 
 struct BitRow {
