@@ -83,6 +83,9 @@ TEST_F(ParameterList, OneWindowPerBlockFoundByItsKey) {
     auto* list = windows[0]->findChild<QTreeWidget*>("lvAttr");
     EXPECT_EQ(list->topLevelItemCount(), thermostat->IAppObject_Attributes()->IAttributes_Count());
     EXPECT_EQ(list->headerItem()->text(2), QStringLiteral("Type"));
+    // The parameter's image stands beside its name.
+    EXPECT_FALSE(list->topLevelItem(0)->icon(0).isNull());
+    EXPECT_TRUE(list->topLevelItem(0)->icon(1).isNull());
     // One inch for the name and 2.33 for value and type, whatever the names and the window.
     const double inch = list->logicalDpiX();
     EXPECT_EQ(list->columnWidth(0), qRound(inch));
