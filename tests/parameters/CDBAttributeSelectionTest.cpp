@@ -146,6 +146,16 @@ TEST_F(ParameterTest, AUnitThatWouldOutgrowAPlaceIsRefused) {
     EXPECT_EQ(block->IAppObject_Stream(), before);
 }
 
+// A dependent that keeps the standard float has four bytes in every unit: any unit fits.
+TEST_F(ParameterTest, AStandardFloatFitsItsPlaceInEveryUnit) {
+    TestBlock block("PrmKeep");
+    ScopedMessageRecorder messages;
+    block.Attribute("Units")->IAttribute_Value("122");
+    EXPECT_TRUE(messages.Messages().empty());
+    EXPECT_EQ(block.Attribute("Units")->IAttribute_Value(), "122");
+    EXPECT_EQ(block->IAppObject_CDBDimension(), 8);
+}
+
 TEST_F(ParameterTest, AChangeOfUnitRederivesEachDependentAndTellsItsOwnListeners) {
     // Short floats, so that the Float of the second unit fits the place of the first's type.
     TestBlock block("PrmUnits", WithShortFloat(true));
