@@ -209,6 +209,10 @@ TEST_F(ParameterTest, ALaterBlockDerivesWhatTheFirstDidAndHearsTheSameMessages) 
     const auto change = [](TestBlock& block) {
         auto supply = block.Attribute("Supply");
         supply->Type();  // handed out before: the record the change brings must be shared again
+        // A host's listener that fails does not stop the change, shared or derived anew.
+        auto failing = std::make_shared<RecordingListener>("failing");
+        failing->OnCall([] { throw Error("the host's listener failed"); });
+        supply->IAttribute_CallBack(failing);
         block.Attribute("Units")->IAttribute_Value("122");
         auto record = supply->IAttribute_SNVTType();
         Derived derived{record->ISNVType_ID(),      supply->IAttribute_Min(),

@@ -69,6 +69,20 @@ TEST_F(ParameterTest, EachKindWritesItsDigitsAtItsPlaceInBothByteOrders) {
     }
 }
 
+// A later block starts from its type's image: a structure whose first field changed must
+// write that field again.
+TEST_F(ParameterTest, ALaterBlocksStructureWritesTheFieldItChanged) {
+    ScopedMessageRecorder messages;  // PrmStruct warns of a missing field default
+    TestBlock first("PrmStruct");
+    TestBlock later("PrmStruct");
+    for (const char* value : {"21.5 1", "20.5 2"}) {
+        later.Attribute("Setting")->IAttribute_Value(value);
+        first.Attribute("Setting")->IAttribute_Value(value);
+        EXPECT_EQ(later->IAppObject_Stream(), first->IAppObject_Stream()) << value;
+    }
+    EXPECT_NE(later->IAppObject_Stream().find("080202"), std::string::npos);
+}
+
 TEST_F(ParameterTest, ADeviceDependentAttributeWritesItsCodeAsAnEnumeration) {
     auto device =
         xml::LoadString("<Device><Fans><Low>1</Low><High>2</High></Fans></Device>", nullptr);
