@@ -699,6 +699,9 @@ private slots:
             return block->mapRectToScene(block->Body());
         };
         const std::vector<QPointF>& route = item->Points();
+        QVERIFY(item->isVisible());
+        QCOMPARE(route.front(), TerminalCentre(*window_, sensor, "Value", true));
+        QCOMPARE(route.back(), TerminalCentre(*window_, mux, "In1", false));
         for (const std::string& key : {sensor, mux, between}) {
             QVERIFY(!WireRouter::Crosses(route, bodyOf(key)));
         }
