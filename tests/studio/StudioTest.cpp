@@ -24,6 +24,7 @@
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
 #include "studio/CanvasScene.h"
+#include "studio/OverviewDock.h"
 #include "studio/Palette.h"
 #include "studio/ParametersDock.h"
 #include "studio/StudioWindow.h"
@@ -755,6 +756,36 @@ private slots:
         QCOMPARE(across->value(), x + 40);
         QCOMPARE(down->value(), y + 30);
         QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{1});
+    }
+
+    // The overview shows the drawing and frames what the canvas shows.
+    void theOverviewShowsTheDrawing() {
+        Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        window_->Overview().Redraw();
+        auto* map = window_->Overview().findChild<QWidget*>("overviewMap");
+        QVERIFY(map != nullptr);
+        const QImage shot = map->grab().toImage();
+        const QRgb background = QColor(0xee, 0xf1, 0xf4).rgb();
+        int drawn = 0;
+        for (int y = 0; y < shot.height(); ++y) {
+            for (int x = 0; x < shot.width(); ++x) {
+                drawn += shot.pixel(x, y) != background ? 1 : 0;
+            }
+        }
+        QVERIFY(drawn > shot.width() * shot.height() / 50);
+    }
+
+    // A move is one step; a click that moves nothing afterwards adds none.
+    void aClickAfterADragAddsNoStep() {
+        const std::string key = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
+        const BlockItem* item = window_->Scene().Item(key);
+        const QPointF grip = item->mapToScene(QPointF(item->boundingRect().width() / 2, 30));
+        DragMouse(*window_, grip, grip + QPointF(0, 100));
+        const int steps = window_->UndoStack().count();
+        const QPoint empty = ViewPoint(*window_, grip + QPointF(0, 400));
+        QTest::mouseClick(window_->View().viewport(), Qt::LeftButton, {}, empty);
+        QCOMPARE(window_->UndoStack().count(), steps);
+        QCOMPARE(window_->UndoStack().undoText().startsWith(QStringLiteral("Move")), true);
     }
 
     // A block deleted while its name is being edited takes the editor with it.
