@@ -2,12 +2,14 @@
 // between terminals, move and rename on the canvas, set values, undo and redo, save and open.
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QGraphicsProxyWidget>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QStandardPaths>
 #include <QStatusBar>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -380,6 +382,17 @@ private slots:
                 QVERIFY2(LogHas(*window_, row.refusal), row.typed);
             }
         }
+        // A list takes a choice of its box, never a text typed into the cell under it.
+        auto* table = window_->Parameters().findChild<QTableWidget*>();
+        QVERIFY(table != nullptr);
+        bool lists = false;
+        for (int i = 0; i < table->rowCount(); ++i) {
+            if (qobject_cast<QComboBox*>(table->cellWidget(i, 1)) != nullptr) {
+                lists = true;
+                QVERIFY(!(table->item(i, 1)->flags() & Qt::ItemIsEditable));
+            }
+        }
+        QVERIFY(lists);
     }
 
     // A double click opens the block's parameter list; what its editors write becomes one
