@@ -1,0 +1,120 @@
+#include "base/XmlElementStream.h"
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "tests/support/TestSupport.h"
+
+namespace zerbin::xml {
+namespace {
+
+// Each element as pugixml prints it, raw: what a reader of the element can see.
+std::vector<std::string> PrintedElements(const std::shared_ptr<pugi::xml_document>& whole) {
+    std::vector<std::string> printed;
+    for (pugi::xml_node element : whole->document_element().children()) {
+        if (element.type() == pugi::node_element) {
+            std::ostringstream out;
+            element.print(out, "", pugi::format_raw);
+            printed.push_back(out.str());
+        }
+    }
+    return printed;
+}
+
+std::vector<std::string> PrintedElements(ElementStream& stream) {
+    std::vector<std::string> printed;
+    while (const pugi::xml_node element = stream.Next()) {
+        std::ostringstream out;
+        element.print(out, "", pugi::format_raw);
+        printed.push_back(out.str());
+    }
+    return printed;
+}
+
+// The stream must answer as the whole-document reader does, element for element and reason
+// for reason; the rows are the shapes the one-pass proof takes (streamed) and those next to
+// them that it must leave to the whole reader, good or bad.
+TEST(ElementStream, AnswersAsTheWholeDocumentReader) {
+    const struct {
+        std::string text;
+        bool streamed;  // when the document loads
+    } rows[] = {
+        {"<?xml version=\"1.0\" encoding='UTF-8' standalone=\"yes\"?>\n<P>\n  <A>1</A>\n  "
+         "<B/>\n</P>\n",
+         true},
+        {"<!-- c --><P><!-- c --><A x='1' y=\"2\"\tz = '&lt;&#65;&#x42;>\"'>t&amp;&gt;&apos;&quot;"
+         "<B><C/></B></A>tail<A/><![CDATA[<x>]]]><D>\xC3\xA4\xE2\x82\xAC\r\n</D></P><!-- -->",
+         true},
+        {"<P/>", true},
+        {"<P>\n  <A ></A >\n  <a:b.c-d_9 a:x='v'/>\n</P>", true},
+        {"<P><A><A><A/></A></A><B>]]</B><C>]>]]</C><D x=']]>'/></P>", true},
+        {"<P>\xED\x9F\xBF&#xD7FF;&#xE000;&#1114111;</P>", true},
+        {"<?xml version='1.0'?><P><A>&#00000065;</A></P>", true},
+        {"<?xml version='1.0' encoding='ISO-8859-15'?><P><A>\xA4</A></P>", true},
+        // Good, but the whole reader's to judge.
+        {"<?xml version='1.0'?><?pi x?><P><A/></P>", false},
+        {"<P><?pi x?><A/></P>", false},
+        {"<!DOCTYPE P><P><A/></P>", false},
+        {"<P><\xC3\xA4/></P>", false},
+        {"<P><A a='1' b='1' c='1' d='1' e='1' f='1' g='1' h='1' i='1'/></P>", false},
+        {"<P><A>&#x0000000042;</A></P>", false},
+        {"<?xml  version = '1.0' ?><P/>", true},
+        // Refused, each for its own reason.
+        {"<P><A></B></P>", false},
+        {"<P><A></A></P", false},
+        {"<P><A></AB></P>", false},
+        {"<P><AB></A></P>", false},
+        {"<P><A x='1'y='2'/></P>", false},
+        {"<P><A x='1' x='2'/></P>", false},
+        {"<P><A x=1/></P>", false},
+        {"<P><A x='<'/></P>", false},
+        {"<P><A/ ></P>", false},
+        {"<P>< A/></P>", false},
+        {"<P><A>", false},
+        {"<P><!-- a -- b --></P>", false},
+        {"<P><!-- a ---></P>", false},
+        {"<P><!-- a </P>", false},
+        {"<P><![CDATA[ a </P>", false},
+        {"<P><!ELEMENT></P>", false},
+        {"<P>]]></P>", false},
+        {"<P>a & b</P>", false},
+        {"<P>&fan;</P>", false},
+        {"<P>&#0;</P>", false},
+        {"<P>&#xD800;</P>", false},
+        {"<P>&#x;</P>", false},
+        {"<P>\x01</P>", false},
+        {"<P>\xFF</P>", false},
+        {"<P/><Q/>", false},
+        {"<P/>text", false},
+        {"text<P/>", false},
+        {"<P/><?xml version='1.0'?>", false},
+        {" <?xml version='1.0'?><P/>", false},
+        {"<?xml version='2.0'?><P/>", false},
+        {"<?xml encoding='UTF-8'?><P/>", false},
+        {"<?xml version='1.0' version='1.0'?><P/>", false},
+        {"<?xml version='1.0'encoding='UTF-8'?><P/>", false},
+        {"", false},
+        {"<!-- only -->", false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(::testing::PrintToString(row.text));
+        ParseError wholeError;
+        const auto whole = LoadString(row.text, &wholeError);
+        ParseError streamError;
+        std::optional<ElementStream> stream = ElementStream::OpenString(row.text, &streamError);
+        ASSERT_EQ(stream.has_value(), whole != nullptr) << wholeError.reason;
+        if (!whole) {
+            EXPECT_EQ(streamError.reason, wholeError.reason);
+            EXPECT_EQ(streamError.offset, wholeError.offset);
+            EXPECT_EQ(streamError.srcText, wholeError.srcText);
+            continue;
+        }
+        EXPECT_EQ(stream->OneAtATime(), row.streamed);
+        EXPECT_EQ(PrintedElements(*stream), PrintedElements(whole));
+        EXPECT_FALSE(stream->Next());  // and stays at the end
+    }
+}
+
+}  // namespace
+}  // namespace zerbin::xml
