@@ -42,7 +42,8 @@ std::shared_ptr<pugi::xml_document> ParseDocumentText(FileBytes text, ParseError
 // The elements under the document element, in order, when the text alone proves the document
 // well-formed and within what the strict reader accepts, so that each element parses alone
 // to the nodes the whole parse gives. nullopt when it cannot prove that, whether or not the
-// document is good: the whole-document reader is then the judge.
+// document is good: the whole-document reader is then the judge. The byte after the text
+// must be a NUL, as in the buffers DocumentText gives.
 std::optional<std::vector<ElementSpan>> ScanChildElements(std::string_view text);
 
 }  // namespace zerbin::xml::detail

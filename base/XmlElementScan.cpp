@@ -6,12 +6,17 @@
 // which accepts or refuses it and names the fault. Taking nothing it cannot prove keeps the
 // two readers' answers the same, where sharing one checker would not.
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <optional>
 #include <string_view>
 #include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "base/XmlChars.h"
 #include "base/XmlDocumentText.h"
@@ -30,8 +35,9 @@ enum ByteClass : std::uint8_t {
     kOther = 0,
     kNameStart = 1,  // also a name byte
     kNameByte = 2,
-    kText = 4,   // stands for itself in text: printable ASCII but '<', '&' and ']'
-    kValue = 8,  // the same in an attribute value, quotes aside: all but '<' and '&'
+    kText = 4,      // stands for itself in text: printable ASCII but '<', '&' and ']'
+    kValue = 8,     // the same in an attribute value, quotes aside: all but '<' and '&'
+    kContent = 16,  // kText and the blanks but the space, which XML allows anywhere in text
 };
 
 struct ByteClasses {
@@ -52,7 +58,13 @@ struct ByteClasses {
             if (byte != '<' && byte != '&' && byte != '"' && byte != '\'') {
                 bits |= kValue;
             }
+            if (bits & kText) {
+                bits |= kContent;
+            }
             of[static_cast<std::size_t>(byte)] = bits;
+        }
+        for (const char blank : {'\t', '\n', '\r'}) {
+            of[static_cast<std::size_t>(blank)] = kContent;
         }
     }
 };
@@ -93,8 +105,8 @@ private:
         std::size_t length;
     };
 
-    // The text is NUL-terminated where it is read (pugixml's buffers are), but this pass reads
-    // only below end_: a byte past it is taken as a NUL, which nothing accepts.
+    // The NUL after the text, which no step accepts, stops the runs without a bound check;
+    // the general steps look ahead through Peek, which takes anything past it as a NUL.
     char Peek(std::size_t ahead = 0) const { return p_ + ahead < end_ ? p_[ahead] : '\0'; }
 
     bool At(std::string_view what) const {
@@ -279,119 +291,160 @@ private:
     }
 
     // The document element and everything in it, without recursion: documents nest deeper
-    // than any call stack.
+    // than any call stack. Most of a document is names, short texts and indents, so this loop
+    // and the tags' own steps work through a local pointer and leave the rest to the general
+    // steps. The NUL after the text stops every run.
     void Content() {
         if (Peek() != '<') {
             GiveUp();
         }
-        StartTag();
+        const char* p = StartTag(p_);
         while (!open_.empty()) {
-            SkipWhile([](char c) { return Is(c, kText); });
-            if (p_ == end_) {
-                GiveUp();
+            if (*p != '<') {
+                p = SkipContent<true>(p);
             }
-            switch (*p_) {
-                case '<':
-                    switch (Peek(1)) {
-                        case '/':
-                            EndTag();
-                            break;
-                        case '!':
-                            if (At("<!--")) {
-                                Comment();
-                            } else if (At("<![CDATA[")) {
-                                CData();
-                            } else {
-                                GiveUp();
-                            }
-                            break;
-                        case '?':
-                            GiveUp();
-                        default:
-                            StartTag();
-                            break;
-                    }
-                    break;
-                case '&':
-                    Reference();
-                    break;
-                case ']':
-                    if (At("]]>")) {
-                        GiveUp();
-                    }
-                    ++p_;
-                    break;
-                case '\n':
-                    // A line end and the next line's indent, in one step.
-                    ++p_;
-                    SkipWhile([](char c) { return c == ' '; });
-                    break;
-                default:
-                    Character();
-                    break;
+            if (*p == '<') {
+                if (p[1] == '/') {
+                    p = EndTag(p);
+                } else if (p[1] != '!' && p[1] != '?') {
+                    p = StartTag(p);
+                } else {
+                    p_ = p;
+                    Markup();
+                    p = p_;
+                }
+            } else {
+                p_ = p;
+                TextStop();
+                p = p_;
             }
+        }
+        p_ = p;
+    }
+
+    void Markup() {
+        if (At("<!--")) {
+            Comment();
+        } else if (At("<![CDATA[")) {
+            CData();
+        } else {
+            GiveUp();  // a processing instruction or a declaration inside the element
         }
     }
 
-    void StartTag() {
-        const char* const tag = p_;
-        const char* const name = tag + 1;
-        p_ = SkipName(name);
-        const std::size_t length = static_cast<std::size_t>(p_ - name);
-        // A few attributes are compared pair by pair; a tag with more is the whole reader's.
-        std::array<std::string_view, 8> attributes;
-        std::size_t count = 0;
-        while (true) {
-            const char c = Peek();
-            if (c == '>') {
-                ++p_;
-                if (open_.size() == 1) {
-                    childStart_ = tag;
-                }
-                open_.push_back(Open{name, length});
-                return;
+    void TextStop() {
+        if (p_ == end_) {
+            GiveUp();
+        }
+        if (*p_ == '&') {
+            Reference();
+        } else if (*p_ == ']') {
+            if (At("]]>")) {
+                GiveUp();
             }
-            if (c == '/') {
-                if (Peek(1) != '>') {
+            ++p_;
+        } else {
+            Character();
+        }
+    }
+
+    // From the "<" of a start tag to the byte after its ">".
+    const char* StartTag(const char* tag) {
+        const char* const name = tag + 1;
+        if (!Is(*name, kNameStart)) {
+            GiveUp();
+        }
+        const char* p = SkipNameBytes(name + 1);
+        const auto length = static_cast<std::size_t>(p - name);
+        if (*p == '>') {
+            // Most elements hold a text or nothing: the end tag right after the text closes
+            // the element without a step through the stack.
+            const char* const end = p[1] == '<' ? p + 1 : SkipContent<false>(p + 1);
+            if (end[0] == '<' && end[1] == '/' &&
+                static_cast<std::size_t>(end_ - end) > length + 2 &&
+                SameName(end + 2, name, length) && end[2 + length] == '>') {
+                if (open_.size() == 1) {
+                    spans_.push_back(Span(tag, end + 3 + length));
+                }
+                return end + 3 + length;
+            }
+        }
+        if (*p != '>') {
+            p_ = p;
+            if (!TagRest()) {
+                if (open_.size() == 1) {
+                    spans_.push_back(Span(tag, p_));
+                }
+                return p_;  // an empty element
+            }
+            p = p_;
+        } else {
+            ++p;
+        }
+        if (open_.size() == 1) {
+            childStart_ = tag;
+        }
+        open_.push_back(Open{name, length});
+        return p;
+    }
+
+    // The attributes of a start tag and its end, from the byte after its name; whether the
+    // element has content (">") rather than none ("/>").
+    // Out of line: most tags have no attribute, and its room on the stack would cost every
+    // start tag. (GCC and Clang, as everything here.)
+    [[gnu::noinline]] bool TagRest() {
+        // A few attributes are compared pair by pair; a tag with more is the whole reader's.
+        constexpr std::size_t kFew = 8;
+        std::array<const char*, kFew> names;
+        std::array<std::size_t, kFew> lengths;
+        std::size_t count = 0;
+        const char* p = p_;
+        while (true) {
+            if (*p == '>') {
+                p_ = p + 1;
+                return true;
+            }
+            if (*p == '/') {
+                if (p[1] != '>') {
                     GiveUp();
                 }
-                p_ += 2;
-                if (open_.size() == 1) {
-                    spans_.push_back(Span(tag));
-                }
-                return;
+                p_ = p + 2;
+                return false;
             }
-            if (!IsBlank(c)) {
-                GiveUp();
+            if (!IsBlank(*p)) {
+                GiveUp();  // attributes are set apart by blanks
             }
-            SkipBlanks();
-            if (Peek() == '>' || Peek() == '/') {
+            do {
+                ++p;
+            } while (IsBlank(*p));
+            if (*p == '>' || *p == '/') {
                 continue;
             }
-            if (count == attributes.size()) {
+            if (count == kFew || !Is(*p, kNameStart)) {
                 GiveUp();
             }
-            const char* const attribute = p_;
-            p_ = SkipName(p_);
-            attributes[count] =
-                std::string_view(attribute, static_cast<std::size_t>(p_ - attribute));
+            names[count] = p;
+            p = SkipNameBytes(p + 1);
+            lengths[count] = static_cast<std::size_t>(p - names[count]);
             for (std::size_t i = 0; i < count; ++i) {
-                if (attributes[i] == attributes[count]) {
+                if (lengths[i] == lengths[count] &&
+                    SameBytes(names[i], names[count], lengths[count])) {
                     GiveUp();
                 }
             }
             ++count;
-            SkipBlanks();
-            if (Peek() != '=') {
+            while (IsBlank(*p)) {
+                ++p;
+            }
+            if (*p != '=') {
                 GiveUp();
             }
-            ++p_;
-            SkipBlanks();
+            do {
+                ++p;
+            } while (IsBlank(*p));
+            p_ = p;
             Value();
-            // Attributes are set apart by blanks.
-            if (!IsBlank(Peek()) && Peek() != '>' && Peek() != '/') {
-                GiveUp();
-            }
+            p = p_;
         }
     }
 
@@ -423,28 +476,130 @@ private:
         }
     }
 
-    void EndTag() {
+    // From the "</" of an end tag to the byte after its ">".
+    const char* EndTag(const char* tag) {
         const Open open = open_.back();
-        const char* const name = p_ + 2;
+        const char* const name = tag + 2;
         if (static_cast<std::size_t>(end_ - name) <= open.length ||
-            std::memcmp(name, open.name, open.length) != 0 || Is(name[open.length], kNameByte)) {
+            !SameName(name, open.name, open.length) || Is(name[open.length], kNameByte)) {
             GiveUp();
         }
-        p_ = name + open.length;
-        SkipBlanks();
-        if (Peek() != '>') {
+        const char* p = name + open.length;
+        while (IsBlank(*p)) {
+            ++p;
+        }
+        if (*p != '>') {
             GiveUp();
         }
-        ++p_;
+        ++p;
         open_.pop_back();
         if (open_.size() == 1) {
-            spans_.push_back(Span(childStart_));
+            spans_.push_back(Span(childStart_, p));
         }
+        return p;
     }
 
-    ElementSpan Span(const char* start) const {
+    // Sixteen bytes at a time where sixteen are left; the loads stay inside the text, as the
+    // one pass must under the sanitizers. The NUL after the text stops the runs of the tail.
+    // withBlanks: whether tab, line feed and carriage return pass too, as between tags; a
+    // text between a start and an end tag seldom holds them, and testing costs a third more.
+    template <bool withBlanks>
+    const char* SkipContent(const char* p) const {
+#if defined(__SSE2__)
+        while (end_ - p >= 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            // Signed, a byte from 0x80 on is below 0x20 too: taken one by one, as UTF-8.
+            __m128i stops = _mm_cmplt_epi8(v, _mm_set1_epi8(0x20));
+            if constexpr (withBlanks) {
+                const __m128i blank =
+                    _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('\n')),
+                                              _mm_cmpeq_epi8(v, _mm_set1_epi8('\t'))),
+                                 _mm_cmpeq_epi8(v, _mm_set1_epi8('\r')));
+                stops = _mm_andnot_si128(blank, stops);
+            }
+            const __m128i markup = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('<')),
+                                                             _mm_cmpeq_epi8(v, _mm_set1_epi8('&'))),
+                                                _mm_cmpeq_epi8(v, _mm_set1_epi8(']')));
+            const auto found =
+                static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(stops, markup)));
+            if (found != 0) {
+                return p + std::countr_zero(found);
+            }
+            p += 16;
+        }
+#endif
+        while (Is(*p, withBlanks ? kContent : kText)) {
+            ++p;
+        }
+        return p;
+    }
+
+    const char* SkipNameBytes(const char* p) const {
+#if defined(__SSE2__)
+        while (end_ - p >= 16) {
+            const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+            const auto within = [](__m128i bytes, char low, char high) {
+                return _mm_and_si128(
+                    _mm_cmpgt_epi8(bytes, _mm_set1_epi8(static_cast<char>(low - 1))),
+                    _mm_cmplt_epi8(bytes, _mm_set1_epi8(static_cast<char>(high + 1))));
+            };
+            // Setting 0x20 takes 'A' to 'Z' onto 'a' to 'z', and nothing else there; '-' to
+            // ':' is one range but for '/'.
+            const __m128i letter = within(_mm_or_si128(v, _mm_set1_epi8(0x20)), 'a', 'z');
+            const __m128i other =
+                _mm_andnot_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('/')), within(v, '-', ':'));
+            const __m128i name =
+                _mm_or_si128(_mm_or_si128(letter, other), _mm_cmpeq_epi8(v, _mm_set1_epi8('_')));
+            const auto stops = ~static_cast<unsigned>(_mm_movemask_epi8(name)) & 0xFFFFu;
+            if (stops != 0) {
+                return p + std::countr_zero(stops);
+            }
+            p += 16;
+        }
+#endif
+        while (Is(*p, kNameByte)) {
+            ++p;
+        }
+        return p;
+    }
+
+    // Whether the name at a repeats the one at b, which stands before it in the text.
+    bool SameName(const char* a, const char* b, std::size_t length) const {
+#if defined(__SSE2__)
+        if (length < 16 && end_ - a >= 16) {
+            const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(a));
+            const __m128i y = _mm_loadu_si128(reinterpret_cast<const __m128i*>(b));
+            const auto equal = static_cast<unsigned>(_mm_movemask_epi8(_mm_cmpeq_epi8(x, y)));
+            const unsigned wanted = (1u << length) - 1;
+            return (equal & wanted) == wanted;
+        }
+#endif
+        return SameBytes(a, b, length);
+    }
+
+    // Names are short: a call to memcmp would cost more than the compare.
+    static bool SameBytes(const char* a, const char* b, std::size_t length) {
+        std::size_t i = 0;
+        for (; i + sizeof(std::uint64_t) <= length; i += sizeof(std::uint64_t)) {
+            std::uint64_t x;
+            std::uint64_t y;
+            std::memcpy(&x, a + i, sizeof x);
+            std::memcpy(&y, b + i, sizeof y);
+            if (x != y) {
+                return false;
+            }
+        }
+        for (; i < length; ++i) {
+            if (a[i] != b[i]) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    ElementSpan Span(const char* start, const char* end) const {
         return ElementSpan{static_cast<std::size_t>(start - text_.data()),
-                           static_cast<std::size_t>(p_ - text_.data())};
+                           static_cast<std::size_t>(end - text_.data())};
     }
 
     std::string_view text_;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <new>
+#include <string>
 #include <utility>
 
 #include "base/XmlDocumentText.h"
@@ -69,24 +70,47 @@ pugi::xml_node ElementStream::Next() {
         wholeNext_ = wholeNext_.next_sibling();
         return element;
     }
-    if (next_ == spans_.size()) {
+    if (current_) {
+        for (current_ = current_.next_sibling(); current_; current_ = current_.next_sibling()) {
+            if (current_.type() == pugi::node_element) {
+                return current_;
+            }
+        }
+    }
+    if (nextSpan_ == spans_.size()) {
         element_->reset();
         return {};
     }
-    const detail::ElementSpan span = spans_[next_++];
-    // In place: the element's bytes are read once, and its nodes point into them.
-    const pugi::xml_parse_result result =
-        element_->load_buffer_inplace(text_->Data() + span.begin, span.end - span.begin,
-                                      detail::kParseOptions, pugi::encoding_utf8);
+    // Elements are parsed a run at a time, as one fragment of some tens of kilobytes: each
+    // parse costs a page of nodes and a start, and the run's nodes are still a small part of
+    // the whole tree.
+    constexpr std::size_t kRunBytes = std::size_t{64} << 10;
+    const std::size_t first = nextSpan_;
+    std::size_t last = first;
+    while (last + 1 < spans_.size() && spans_[last + 1].end - spans_[first].begin <= kRunBytes) {
+        ++last;
+    }
+    nextSpan_ = last + 1;
+    // In place: the bytes are read once, and the nodes point into them. The text between the
+    // elements (blanks, comments, the document element's own text) parses to nodes that are
+    // not elements, which are passed by.
+    const std::size_t begin = spans_[first].begin;
+    const pugi::xml_parse_result result = element_->load_buffer_inplace(
+        text_->Data() + begin, spans_[last].end - begin,
+        detail::kParseOptions | pugi::parse_fragment, pugi::encoding_utf8);
     if (!result) {
         if (result.status == pugi::status_out_of_memory) {
             throw std::bad_alloc();
         }
-        // The scan proved the element well-formed: only a fault of this reader comes here.
-        throw Error("element " + std::to_string(next_) +
-                    " of the document does not parse alone: " + result.description());
+        // The scan proved the elements well-formed: only a fault of this reader comes here.
+        throw Error("elements " + std::to_string(first + 1) + " to " + std::to_string(last + 1) +
+                    " of the document do not parse alone: " + result.description());
     }
-    return element_->document_element();
+    current_ = element_->first_child();
+    while (current_ && current_.type() != pugi::node_element) {
+        current_ = current_.next_sibling();
+    }
+    return current_;
 }
 
 }  // namespace zerbin::xml

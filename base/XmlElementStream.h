@@ -44,7 +44,7 @@ public:
 
     // The next element under the document element, in document order, with its subtree as
     // the whole document's tree holds it; an empty node after the last. The node and its
-    // subtree live until the next call: copy what must outlive it. Throws std::bad_alloc.
+    // subtree may go at the next call: copy what must outlive it. Throws std::bad_alloc.
     pugi::xml_node Next();
 
     // Whether the elements are parsed one at a time. A document whose text shows what the
@@ -59,8 +59,9 @@ private:
 
     std::optional<FileBytes> text_;
     std::vector<detail::ElementSpan> spans_;
-    std::size_t next_ = 0;
-    std::unique_ptr<pugi::xml_document> element_;
+    std::size_t nextSpan_ = 0;
+    std::unique_ptr<pugi::xml_document> element_;  // the run of elements in hand
+    pugi::xml_node current_;
     std::shared_ptr<pugi::xml_document> whole_;
     pugi::xml_node wholeNext_;
 };
