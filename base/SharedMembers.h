@@ -47,6 +47,11 @@ public:
                              : index < more_.size() && more_[index];
     }
 
+    // Whether something given to all members waits for the ones not yet reached.
+    bool HasLaterActs() const { return !later_.empty(); }
+    // Whether each of total members is still the type's, with nothing waiting to be given.
+    bool NoneReached(std::size_t total) const { return count_ == total && later_.empty(); }
+
     // Calls act(member) for every member the block has reached: the type's are not the
     // block's to change.
     template <class Act>

@@ -46,6 +46,11 @@ public:
     // stays the type's until the block first reaches it, and is copied under parent only then
     // (see SharedMembers). This collection must never change afterwards.
     std::shared_ptr<CDBInputs> SharedFor(const std::shared_ptr<IAppObject>& parent) const;
+    // Whether every member is still the type's and no one listens: what the type's own
+    // members would do, the block does.
+    bool AsTheTypeHasThem() const {
+        return shared_.NoneReached(items_.Items().size()) && !callBack_;
+    }
     // For the image, which only compares: the members as they stand, the type's where the
     // block has not reached them. Never to be changed or handed out.
     const std::vector<std::shared_ptr<CDBInput>>& AsTheyStand() const;

@@ -43,6 +43,11 @@ public:
     // stays the type's until the block first reaches it, and is copied under parent only then
     // (see SharedMembers). This collection must never change afterwards.
     std::shared_ptr<CDBOutputs> SharedFor(const std::shared_ptr<IAppObject>& parent) const;
+    // Whether every member is still the type's and no one listens: what the type's own
+    // members would do, the block does.
+    bool AsTheTypeHasThem() const {
+        return shared_.NoneReached(items_.Items().size()) && !callBack_;
+    }
 
 private:
     std::string globalKey_;

@@ -1,5 +1,6 @@
 #include "parameters/CDBAttributes.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/MMain.h"
@@ -19,7 +20,11 @@ std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& K
 }
 
 std::shared_ptr<CDBAttribute> CDBAttributes::Item(std::string_view key) const {
-    return shared_.Item(items_, key);
+    const std::ptrdiff_t at = items_.IndexOf(key);
+    if (at < 0) {
+        return nullptr;
+    }
+    return At(static_cast<std::size_t>(at));
 }
 
 std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
@@ -111,12 +116,59 @@ bool CDBAttributes::IsTheTypes(std::size_t index) const {
 }
 
 std::shared_ptr<CDBAttribute> CDBAttributes::At(std::size_t index) const {
-    shared_.Reach(items_, index);
+    Reach(index);
     return items_.Items()[index];
 }
 
+void CDBAttributes::Reach(std::size_t index) const {
+    if (!shared_.IsTheTypes(index)) {
+        return;
+    }
+    shared_.Reach(items_, index);
+    const auto kept = std::find_if(unreached_.begin(), unreached_.end(),
+                                   [&](const auto& entry) { return entry.first == index; });
+    if (kept != unreached_.end()) {
+        items_.Items()[index]->TakeRestoredValue(std::move(kept->second));
+        unreached_.erase(kept);
+    }
+}
+
 void CDBAttributes::ReachAll() const {
-    shared_.ReachAll(items_);
+    for (std::size_t i = 0; i < items_.Items().size(); ++i) {
+        Reach(i);
+    }
+}
+
+bool CDBAttributes::RestoreUnreached(std::size_t index, std::optional<std::string_view> text) {
+    if (!shared_.IsTheTypes(index) || shared_.HasLaterActs()) {
+        return false;
+    }
+    const CDBAttribute& prototype = *items_.Items()[index];
+    std::optional<std::string> value = prototype.PlainRestoredValue(text);
+    if (!value) {
+        return false;
+    }
+    const auto kept = std::find_if(unreached_.begin(), unreached_.end(),
+                                   [&](const auto& entry) { return entry.first == index; });
+    if (*value == prototype.StoredValue()) {
+        if (kept != unreached_.end()) {
+            unreached_.erase(kept);
+        }
+    } else if (kept != unreached_.end()) {
+        kept->second = std::move(*value);
+    } else {
+        unreached_.emplace_back(index, std::move(*value));
+    }
+    return true;
+}
+
+const std::string* CDBAttributes::UnreachedValue(std::size_t index) const {
+    for (const auto& entry : unreached_) {
+        if (entry.first == index) {
+            return &entry.second;
+        }
+    }
+    return nullptr;
 }
 
 void CDBAttributes::GiveToAll(std::function<void(CDBAttribute&)> act) {

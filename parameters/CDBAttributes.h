@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <pugixml.hpp>
@@ -69,8 +71,23 @@ public:
     // The member at index, the block's own (copied first if it was the type's).
     std::shared_ptr<CDBAttribute> At(std::size_t index) const;
 
+    // Restores a value a project saved (none: an element without text) for a member still the
+    // type's by keeping the value beside it, as if the member had been copied and restored:
+    // a project's values need no copy of their members. False, with nothing done, where the
+    // member is the block's own or its restore could tell anyone: the caller restores it.
+    bool RestoreUnreached(std::size_t index, std::optional<std::string_view> text);
+    // The value a member still the type's has in this block, where it is not the type's one;
+    // nullptr otherwise.
+    const std::string* UnreachedValue(std::size_t index) const;
+    // Whether every member is still the type's, with the type's values.
+    bool AsTheTypeHasThem() const {
+        return shared_.NoneReached(items_.Items().size()) && unreached_.empty();
+    }
+
 private:
     void ReachAll() const;
+    // Makes the member at index the block's own, with the value kept for it.
+    void Reach(std::size_t index) const;
 
     std::string globalKey_;
     // Mutable: reaching a member of the type's replaces it with the block's copy, a change that
@@ -78,6 +95,8 @@ private:
     mutable KeyedCollection<CDBAttribute> items_;
     std::string extendedKey_;
     mutable SharedMembers<CDBAttribute, IAppObject> shared_;
+    // Values restored for members still the type's (RestoreUnreached), by index: few per block.
+    mutable std::vector<std::pair<std::size_t, std::string>> unreached_;
 };
 
 }  // namespace zerbin

@@ -1,0 +1,92 @@
+// A selector restored by a switch: the first block of a type whose project switches a selector
+// to a value derives its dependents as a change of value does, and what it became is kept with
+// the compiled type; the next blocks switched the same way take that instead of deriving.
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "app_object/CDBAppObject.h"
+#include "app_object/CompiledBlockType.h"
+#include "base/SkipMode.h"
+#include "connections/CDBInputs.h"
+#include "connections/CDBOutputs.h"
+#include "parameters/CDBAttributes.h"
+#include "platform/Messages.h"
+
+namespace zerbin {
+
+bool CDBAppObject::MayTakeVariant() const {
+    // A listener, an interceptor or a container would hear of the change or steer it, and a
+    // block with members of its own may differ from its type in what the change derives.
+    return compiled_ && !typeChange_ && !interceptor_ && !parent_ && attributes_ &&
+           attributes_->AsTheTypeHasThem() && (!inputs_ || inputs_->AsTheTypeHasThem()) &&
+           (!outputs_ || outputs_->AsTheTypeHasThem());
+}
+
+void CDBAppObject::RestoreSelector(std::size_t index, const std::string& text) {
+    const bool mayTake = MayTakeVariant();
+    std::pair<std::size_t, std::string> key(index, text);
+    if (mayTake) {
+        const auto found = compiled_->variants.find(key);
+        if (found != compiled_->variants.end()) {
+            TakeVariant(found->second);
+            return;
+        }
+    }
+    const std::shared_ptr<const CompiledBlockType> from = compiled_;
+    ScopedMessageCapture capture;
+    const std::shared_ptr<CDBAttribute> selector = attributes_->At(index);
+    const bool ran = SkipStep([&] { selector->RestoreSavedValue(text); });
+    if (!mayTake || !ran || !capture.Messages().empty() || compiled_ != from) {
+        return;
+    }
+    std::shared_ptr<CompiledBlockType> variant = Compile({});
+    variant->definition = from->definition;
+    variant->ownerDevice = from->ownerDevice;
+    from->variants.emplace(std::move(key), std::move(variant));
+}
+
+namespace {
+
+// The collection of the variant for this block, with the keys the block's collection was given.
+template <class Collection>
+std::shared_ptr<Collection> SharedWithKeys(const std::shared_ptr<Collection>& variant,
+                                           const std::shared_ptr<Collection>& old,
+                                           const std::shared_ptr<IAppObject>& self,
+                                           std::string global, std::string extended) {
+    if (!variant) {
+        return nullptr;
+    }
+    std::shared_ptr<Collection> shared = variant->SharedFor(self);
+    // A collection's key is never empty once given: it ends in its section's name.
+    if (old && !global.empty()) {
+        shared->PropagateGlobalKey(global);
+    }
+    if (old && !extended.empty()) {
+        shared->PropagateExtendedKey(extended);
+    }
+    return shared;
+}
+
+}  // namespace
+
+void CDBAppObject::TakeVariant(const std::shared_ptr<const CompiledBlockType>& variant) {
+    const std::shared_ptr<IAppObject> self = shared_from_this();
+    // Made aside and put in place together, as a creation from a compiled type does.
+    std::shared_ptr<CDBInputs> inputs =
+        SharedWithKeys(variant->inputs, inputs_, self, inputs_ ? inputs_->IInputs_GlobalKey() : "",
+                       inputs_ ? inputs_->IInputs_ExtendedKey() : "");
+    std::shared_ptr<CDBOutputs> outputs = SharedWithKeys(
+        variant->outputs, outputs_, self, outputs_ ? outputs_->IOutputs_GlobalKey() : "",
+        outputs_ ? outputs_->IOutputs_ExtendedKey() : "");
+    std::shared_ptr<CDBAttributes> attributes =
+        SharedWithKeys(variant->attributes, attributes_, self,
+                       attributes_ ? attributes_->IAttributes_GlobalKey() : "",
+                       attributes_ ? attributes_->IAttributes_ExtendedKey() : "");
+    inputs_ = std::move(inputs);
+    outputs_ = std::move(outputs);
+    attributes_ = std::move(attributes);
+    compiled_ = variant;
+}
+
+}  // namespace zerbin
