@@ -481,7 +481,7 @@ private:
         const Open open = open_.back();
         const char* const name = tag + 2;
         if (static_cast<std::size_t>(end_ - name) <= open.length ||
-            !SameName(name, open.name, open.length) || Is(name[open.length], kNameByte)) {
+            !SameName(name, open.name, open.length)) {
             GiveUp();
         }
         const char* p = name + open.length;

@@ -1,5 +1,7 @@
 #include "base/XmlElementStream.h"
 
+#include <cstring>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -30,6 +32,23 @@ std::vector<std::string> PrintedElements(ElementStream& stream) {
         printed.push_back(out.str());
     }
     return printed;
+}
+
+// Where the stream and the whole reader must agree: the same refusal, at the same place, or
+// the same elements.
+void ExpectSameAnswer(const std::string& text) {
+    ParseError wholeError;
+    const auto whole = LoadString(text, &wholeError);
+    ParseError streamError;
+    std::optional<ElementStream> stream = ElementStream::OpenString(text, &streamError);
+    ASSERT_EQ(stream.has_value(), whole != nullptr) << wholeError.reason;
+    if (!whole) {
+        EXPECT_EQ(streamError.reason, wholeError.reason);
+        EXPECT_EQ(streamError.offset, wholeError.offset);
+        EXPECT_EQ(streamError.srcText, wholeError.srcText);
+    } else {
+        EXPECT_EQ(PrintedElements(*stream), PrintedElements(whole));
+    }
 }
 
 // The stream must answer as the whole-document reader does, element for element and reason
@@ -80,6 +99,9 @@ TEST(ElementStream, AnswersAsTheWholeDocumentReader) {
         {"<P><A x='<'/></P>", false},
         {"<P><A/ ></P>", false},
         {"<P>< A/></P>", false},
+        {"<P><1A/></P>", false},
+        {"<P><T><xT></P>", false},
+        {"<P><A 1x='1'/></P>", false},
         {"<P><A>", false},
         {"<P><!-- a -- b --></P>", false},
         {"<P><!-- a ---></P>", false},
@@ -109,20 +131,44 @@ TEST(ElementStream, AnswersAsTheWholeDocumentReader) {
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(::testing::PrintToString(row.text.substr(0, 200)));
-        ParseError wholeError;
-        const auto whole = LoadString(row.text, &wholeError);
-        ParseError streamError;
-        std::optional<ElementStream> stream = ElementStream::OpenString(row.text, &streamError);
-        ASSERT_EQ(stream.has_value(), whole != nullptr) << wholeError.reason;
-        if (!whole) {
-            EXPECT_EQ(streamError.reason, wholeError.reason);
-            EXPECT_EQ(streamError.offset, wholeError.offset);
-            EXPECT_EQ(streamError.srcText, wholeError.srcText);
-            continue;
+        ExpectSameAnswer(row.text);
+        std::optional<ElementStream> stream = ElementStream::OpenString(row.text, nullptr);
+        if (stream) {
+            EXPECT_EQ(stream->OneAtATime(), row.streamed);
+            while (stream->Next()) {
+            }
+            EXPECT_FALSE(stream->Next());  // and stays at the end
         }
-        EXPECT_EQ(stream->OneAtATime(), row.streamed);
-        EXPECT_EQ(PrintedElements(*stream), PrintedElements(whole));
-        EXPECT_FALSE(stream->Next());  // and stays at the end
+    }
+}
+
+// The scan takes runs of text, names and values sixteen bytes at a time: a byte that stops a
+// run must stop it wherever it falls in the run.
+TEST(ElementStream, AnswersAsTheWholeDocumentReaderAtEachPlaceOfARun) {
+    const struct {
+        const char* before;
+        const char* filler;  // repeated to make the run
+        const char* after;
+    } runs[] = {
+        {"<P><T>", "x y", "</T></P>"},       {"<P>\n", " ", "<T/></P>"},
+        {"<P><", "aB_9.-:", "/></P>"},       {"<P><T a='", "x y", "'/></P>"},
+        {"<P><T ", "aB_9.-:", "='1'/></P>"},
+    };
+    const std::string offenders[] = {
+        "\x01", "\x1F", "\xFF", "\xEF\xBF\xBE", "\xC3\xA4", "&", "]]>", "<", "\t", ">", ";", "/"};
+    for (const auto& run : runs) {
+        std::string filler;
+        while (filler.size() < 40) {
+            filler += run.filler;
+        }
+        for (const std::string& offender : offenders) {
+            for (std::size_t at = 0; at < 20; ++at) {
+                std::string text = run.before + filler + run.after;
+                text.insert(std::strlen(run.before) + at, offender);
+                SCOPED_TRACE(::testing::PrintToString(text));
+                ExpectSameAnswer(text);
+            }
+        }
     }
 }
 
