@@ -45,6 +45,8 @@ public:
         Reach(index);
         return items_.Items()[index];
     }
+    // The index of the member Item(key) gives, without reaching it; -1 when none.
+    std::ptrdiff_t IndexOf(std::string_view key) const { return items_.IndexOf(key); }
     // By key, else by 1-based position (KeyedCollection::Item); nullptr when none.
     std::shared_ptr<T> Item(std::string_view key) const {
         const std::ptrdiff_t at = items_.IndexOf(key);

@@ -29,4 +29,22 @@ std::string CDBOutputs::IOutputs_ExtendedKey() {
     return ExtendedKey();
 }
 
+void CDBOutputs::ShowOutput(std::size_t index) {
+    constexpr std::size_t kMarks = 64;
+    if (IsTheTypes(index) && index < kMarks) {
+        if (!AsTheyStand()[index]->IOutput_IsDisplayable()) {
+            shown_ |= uint64_t{1} << index;
+        }
+        return;
+    }
+    At(index)->IOutput_IsDisplayable(true);
+}
+
+void CDBOutputs::MemberReached(std::size_t index) const {
+    if (index < 64 && (shown_ >> index & 1) != 0) {
+        shown_ &= ~(uint64_t{1} << index);
+        AsTheyStand()[index]->IOutput_IsDisplayable(true);
+    }
+}
+
 }  // namespace zerbin
