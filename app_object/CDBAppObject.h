@@ -198,9 +198,8 @@ private:
     void TakeVariant(const std::shared_ptr<const CompiledBlockType>& variant);
     // The header's fields that the definition sets; the others stay as they are.
     void ApplyHeader(const DefinitionHeader& header);
-    // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
-    void SearchDatasheet();
-    // The same answer for a stored type, from what its first block worked out.
+    // The datasheet of a stored type, from what its blocks worked out: its own folder first,
+    // then the shared "DataSheets" by ID.
     void SearchStoredDatasheet(StoredTypeFacts& facts);
     void TakeDatasheet(const std::optional<std::string>& path);
     void ComputeCDBLayout();

@@ -46,46 +46,17 @@ void CDBAppObject::RestoreSelector(std::size_t index, const std::string& text) {
     from->variants.emplace(std::move(key), std::move(variant));
 }
 
-namespace {
-
-// The collection of the variant for this block, with the keys the block's collection was given.
-template <class Collection>
-std::shared_ptr<Collection> SharedWithKeys(const std::shared_ptr<Collection>& variant,
-                                           const std::shared_ptr<Collection>& old,
-                                           const std::shared_ptr<IAppObject>& self,
-                                           std::string global, std::string extended) {
-    if (!variant) {
-        return nullptr;
-    }
-    std::shared_ptr<Collection> shared = variant->SharedFor(self);
-    // A collection's key is never empty once given: it ends in its section's name.
-    if (old && !global.empty()) {
-        shared->PropagateGlobalKey(global);
-    }
-    if (old && !extended.empty()) {
-        shared->PropagateExtendedKey(extended);
-    }
-    return shared;
-}
-
-}  // namespace
-
 void CDBAppObject::TakeVariant(const std::shared_ptr<const CompiledBlockType>& variant) {
-    const std::shared_ptr<IAppObject> self = shared_from_this();
-    // Made aside and put in place together, as a creation from a compiled type does.
-    std::shared_ptr<CDBInputs> inputs =
-        SharedWithKeys(variant->inputs, inputs_, self, inputs_ ? inputs_->IInputs_GlobalKey() : "",
-                       inputs_ ? inputs_->IInputs_ExtendedKey() : "");
-    std::shared_ptr<CDBOutputs> outputs = SharedWithKeys(
-        variant->outputs, outputs_, self, outputs_ ? outputs_->IOutputs_GlobalKey() : "",
-        outputs_ ? outputs_->IOutputs_ExtendedKey() : "");
-    std::shared_ptr<CDBAttributes> attributes =
-        SharedWithKeys(variant->attributes, attributes_, self,
-                       attributes_ ? attributes_->IAttributes_GlobalKey() : "",
-                       attributes_ ? attributes_->IAttributes_ExtendedKey() : "");
-    inputs_ = std::move(inputs);
-    outputs_ = std::move(outputs);
-    attributes_ = std::move(attributes);
+    // The collections stay, with their keys: only the members they start from change.
+    if (attributes_ && variant->attributes) {
+        attributes_->TakeMembersOf(*variant->attributes);
+    }
+    if (inputs_ && variant->inputs) {
+        inputs_->TakeMembersOf(*variant->inputs);
+    }
+    if (outputs_ && variant->outputs) {
+        outputs_->TakeMembersOf(*variant->outputs);
+    }
     compiled_ = variant;
 }
 

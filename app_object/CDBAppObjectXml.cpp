@@ -292,11 +292,11 @@ void CDBAppObject::LoadDisplayableOutputs(pugi::xml_node element) {
         if (xml::IsComment(child) || child.type() != pugi::node_element) {
             continue;
         }
-        std::shared_ptr<IOutput> output;
+        std::ptrdiff_t index = -1;
         if (outputs_) {
-            SkipStep([&] { output = outputs_->IOutputs_Item(xml::BaseName(child)); });
+            SkipStep([&] { index = outputs_->IndexOf(xml::BaseNameView(child)); });
         }
-        if (!output) {
+        if (index < 0) {
             Keep(kKeptOutputs, child);
             continue;
         }
@@ -304,7 +304,7 @@ void CDBAppObject::LoadDisplayableOutputs(pugi::xml_node element) {
             for (pugi::xml_attribute flag : child.attributes()) {
                 // Presence alone counts: the writer only ever writes "1".
                 if (EqualsNoCase(xml::BaseNameView(flag), "ISDISPLAYABLE")) {
-                    output->IOutput_IsDisplayable(true);
+                    outputs_->ShowOutput(static_cast<std::size_t>(index));
                 }
             }
         });
