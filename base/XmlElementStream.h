@@ -1,7 +1,8 @@
 // A document read one element under its document element at a time: the whole tree of a large
-// project never exists, only the file's text and the nodes of the element in hand. The whole
-// text is read and judged before the first element is given, as strictly as LoadFile judges
-// it, so a document LoadFile refuses gives no element here and fails with the same reason.
+// project never exists, only the file's text and the nodes of a run of elements of some tens of
+// kilobytes, the one in hand among them. The whole text is read and judged before the first
+// element is given, as strictly as LoadFile judges it, so a document LoadFile refuses gives no
+// element here and fails with the same reason.
 #pragma once
 
 #include <cstddef>
@@ -44,7 +45,8 @@ public:
 
     // The next element under the document element, in document order, with its subtree as
     // the whole document's tree holds it; an empty node after the last. The node and its
-    // subtree may go at the next call: copy what must outlive it. Throws std::bad_alloc.
+    // subtree may go at the next call: copy what must outlive it. Throws std::bad_alloc, and
+    // Error if a run that the scan proved fails to parse, which only a fault here can cause.
     pugi::xml_node Next();
 
     // Whether the elements are parsed one at a time. A document whose text shows what the
