@@ -189,11 +189,17 @@ private:
     bool CompiledKey(CompiledTypeKey& key) const;
     // The members just created, without their owner, as a compiled type.
     std::shared_ptr<CompiledBlockType> Compile(std::vector<Message> messages) const;
+    // Restores text in the selector at index: by taking the compiled type's variant for it
+    // where the block still has its type's members as the type has them, else as a value is
+    // restored. A block that made no variant yet and whose restore told the user nothing
+    // leaves one for the next.
+    void RestoreSelector(std::size_t index, const std::string& text);
+    bool MayTakeVariant() const;
+    void TakeVariant(const std::shared_ptr<const CompiledBlockType>& variant);
     // The header's fields that the definition sets; the others stay as they are.
     void ApplyHeader(const DefinitionHeader& header);
-    // The datasheet of the type: its own folder first, then the shared "DataSheets" by ID.
-    void SearchDatasheet();
-    // The same answer for a stored type, from what its first block worked out.
+    // The datasheet of a stored type, from what its blocks worked out: its own folder first,
+    // then the shared "DataSheets" by ID.
     void SearchStoredDatasheet(StoredTypeFacts& facts);
     void TakeDatasheet(const std::optional<std::string>& path);
     void ComputeCDBLayout();

@@ -7,9 +7,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <tuple>
 #include <typeinfo>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -41,19 +39,22 @@ struct DefinitionHeader {
     std::optional<bool> usesDeviceClock;
 };
 
-// What the first block of a stored type worked out, kept beside its document in the store, so
-// that every later block of the type gets the header and the datasheet from the one look-up
-// that finds the document. It repeats the answers of CachedHeader and CachedDatasheet, which
-// stay the truth: a type whose document is replaced is worked out again from them.
+// What the first block of a stored type worked out, kept beside its document in the store: the
+// one cache of a type's header and datasheet, so that every later block of the type gets both
+// from the one look-up that finds the document. A type whose document is replaced or forgotten
+// loses it with the document and is worked out again.
 struct StoredTypeFacts : DefinitionStore::Derived {
-    explicit StoredTypeFacts(const DefinitionHeader& read) : header(read) {}
+    explicit StoredTypeFacts(DefinitionHeader read) : header(std::move(read)) {}
     DefinitionHeader header;
-    // The datasheet answer last handed out, for the library and ID it was asked with: the ID
-    // is the block's, which the header of an earlier type name may have left.
-    bool datasheetKnown = false;
-    std::string datasheetLibrary;
-    std::string datasheetId;
-    std::optional<std::string> datasheet;
+    // The datasheet found for each library and ID it was asked with: the ID is the block's,
+    // which the header of an earlier type name may have left, and a host may point the
+    // component at another library. The folders are searched once for each.
+    struct Datasheet {
+        std::string library;
+        std::string id;
+        std::optional<std::string> path;
+    };
+    std::vector<Datasheet> datasheets;
 };
 
 namespace {
@@ -139,60 +140,6 @@ std::optional<std::string> FindDatasheet(const std::filesystem::path& library,
     return std::nullopt;
 }
 
-using DatasheetKey = std::tuple<std::string, std::string, std::string>;
-using DatasheetViews = std::tuple<std::string_view, std::string_view, std::string_view>;
-
-DatasheetViews ViewsOf(const DatasheetViews& views) {
-    return views;
-}
-DatasheetViews ViewsOf(const DatasheetKey& key) {
-    return {std::get<0>(key), std::get<1>(key), std::get<2>(key)};
-}
-
-// Hashed rather than ordered: the keys share the library's long prefix, which an ordered
-// map compares again at every step down.
-struct DatasheetKeyHash {
-    using is_transparent = void;
-    template <class Key>
-    std::size_t operator()(const Key& key) const {
-        const auto [library, type, id] = ViewsOf(key);
-        const std::hash<std::string_view> hash;
-        return HashCombine(HashCombine(hash(library), hash(type)), hash(id));
-    }
-};
-
-struct DatasheetKeyEqual {
-    using is_transparent = void;
-    template <class A, class B>
-    bool operator()(const A& a, const B& b) const {
-        return ViewsOf(a) == ViewsOf(b);
-    }
-};
-
-// The folders of a type whose definition is in the store are searched once per process, as
-// that definition was parsed once: listing them again for every block of the type was most of
-// the cost of placing one. A type that did not load is searched afresh each time, as it is
-// loaded each time. Keyed by the library as well, so that a host that points the component
-// elsewhere is searched afresh, and by the ID, which the header of a later type name may leave
-// standing.
-const std::optional<std::string>& CachedDatasheet(const std::filesystem::path& library,
-                                                  const std::string& type, const std::string& id) {
-    struct Datasheets {
-        std::unordered_map<DatasheetKey, std::optional<std::string>, DatasheetKeyHash,
-                           DatasheetKeyEqual>
-            found;
-    };
-    auto& found = ProcessState::Get<Datasheets>().found;
-    // Looked up by views, without copying: every block of a type asks.
-    const DatasheetViews asked{library.native(), type, id};
-    if (const auto known = found.find(asked); known != found.end()) {
-        return known->second;
-    }
-    return found
-        .emplace(DatasheetKey{library.string(), type, id}, FindDatasheet(library, type, id, true))
-        .first->second;
-}
-
 DefinitionHeader ReadHeader(pugi::xml_node appObject) {
     DefinitionHeader header;
     for (pugi::xml_node child : Need(appObject).children()) {
@@ -225,24 +172,6 @@ DefinitionHeader ReadHeader(pugi::xml_node appObject) {
         });
     }
     return header;
-}
-
-// The header of a stored definition is read once per process, as the definition was parsed
-// once; the document is held so that its address names no other.
-const DefinitionHeader& CachedHeader(const std::shared_ptr<const pugi::xml_document>& document,
-                                     pugi::xml_node appObject) {
-    struct Headers {
-        std::map<const pugi::xml_document*,
-                 std::pair<std::shared_ptr<const pugi::xml_document>, DefinitionHeader>>
-            read;
-    };
-    auto& read = ProcessState::Get<Headers>().read;
-    if (const auto known = read.find(document.get()); known != read.end()) {
-        return known->second.second;
-    }
-    DefinitionHeader header = ReadHeader(appObject);
-    return read.emplace(document.get(), std::make_pair(document, std::move(header)))
-        .first->second.second;
 }
 
 }  // namespace
@@ -290,7 +219,7 @@ void CDBAppObject::LoadDefinitionHeader() {
             derived && typeid(*derived) == typeid(StoredTypeFacts)) {
             auto& facts = static_cast<StoredTypeFacts&>(*derived);
             // What the walk below would find again: the same document, already indexed, and
-            // its header as CachedHeader keeps it.
+            // its header as the first block read it.
             ApplyHeader(facts.header);
             SkipStep([&] { SearchStoredDatasheet(facts); });
             return;
@@ -299,6 +228,7 @@ void CDBAppObject::LoadDefinitionHeader() {
     // Held for the walk: a document that failed to load lives nowhere else.
     std::shared_ptr<const pugi::xml_document> document;
     pugi::xml_node appObject;
+    bool searched = false;
     SkipStep([&] {
         document = ObjectXML();
         appObject = Need(xml::FindFirstIndexed(Need(document).root(), "AppObject"));
@@ -309,13 +239,17 @@ void CDBAppObject::LoadDefinitionHeader() {
             ApplyHeader(ReadHeader(appObject));
             return;
         }
-        const DefinitionHeader& header = CachedHeader(document, appObject);
         // Made before the fields are written: running out of memory leaves them as they were.
-        auto facts = std::make_shared<StoredTypeFacts>(header);
-        ApplyHeader(header);
-        store->SetDerived(uniqueIdString_, document.get(), std::move(facts));
+        auto facts = std::make_shared<StoredTypeFacts>(ReadHeader(appObject));
+        ApplyHeader(facts->header);
+        store->SetDerived(uniqueIdString_, document.get(), facts);
+        SkipStep([&] { SearchStoredDatasheet(*facts); });
+        searched = true;
     });
-    SkipStep([&] { SearchDatasheet(); });
+    if (!searched) {
+        SkipStep(
+            [&] { TakeDatasheet(FindDatasheet(LibraryFolder(), uniqueIdString_, id_, false)); });
+    }
 }
 
 void CDBAppObject::ApplyHeader(const DefinitionHeader& header) {
@@ -335,27 +269,18 @@ void CDBAppObject::ApplyHeader(const DefinitionHeader& header) {
     set(usesDeviceClock_, header.usesDeviceClock);
 }
 
-void CDBAppObject::SearchDatasheet() {
-    const std::filesystem::path& library = LibraryFolder();
-    const bool known = definitionCache_->Store()->FindDocument(uniqueIdString_) != nullptr;
-    if (known) {
-        TakeDatasheet(CachedDatasheet(library, uniqueIdString_, id_));
-    } else {
-        TakeDatasheet(FindDatasheet(library, uniqueIdString_, id_, false));
-    }
-}
-
 void CDBAppObject::SearchStoredDatasheet(StoredTypeFacts& facts) {
     const std::filesystem::path& library = LibraryFolder();
-    if (!facts.datasheetKnown || facts.datasheetId != id_ ||
-        facts.datasheetLibrary != library.native()) {
-        facts.datasheetKnown = false;
-        facts.datasheet = CachedDatasheet(library, uniqueIdString_, id_);
-        facts.datasheetLibrary = library.native();
-        facts.datasheetId = id_;
-        facts.datasheetKnown = true;
+    for (const StoredTypeFacts::Datasheet& known : facts.datasheets) {
+        if (known.id == id_ && known.library == library.native()) {
+            TakeDatasheet(known.path);
+            return;
+        }
     }
-    TakeDatasheet(facts.datasheet);
+    StoredTypeFacts::Datasheet found{library.native(), id_,
+                                     FindDatasheet(library, uniqueIdString_, id_, true)};
+    facts.datasheets.push_back(std::move(found));
+    TakeDatasheet(facts.datasheets.back().path);
 }
 
 void CDBAppObject::TakeDatasheet(const std::optional<std::string>& path) {

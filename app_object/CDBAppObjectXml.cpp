@@ -225,14 +225,12 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
             continue;
         }
         restored.push_back(index);
-        const std::shared_ptr<CDBAttribute> selector =
-            attributes_->At(static_cast<std::size_t>(index));
         // No text is the empty value the selector was saved with, as for any attribute.
         const std::string text(xml::FirstChildTextView(child).value_or(std::string_view()));
         if (typeChange_ && !TakesSavedValue(static_cast<std::size_t>(index), child, text)) {
             continue;
         }
-        SkipStep([&] { selector->RestoreSavedValue(text); });
+        RestoreSelector(static_cast<std::size_t>(index), text);
     }
     for (const auto& entry : named) {
         const pugi::xml_node child = entry.first;
@@ -256,8 +254,11 @@ void CDBAppObject::LoadAttributeValues(pugi::xml_node element) {
         }
         const std::optional<std::string_view> text = xml::FirstChildTextView(child);
         const auto at = static_cast<std::size_t>(index);
-        // A value saved as the type has it leaves a member the block has not reached the
-        // type's: most of a project's values are such.
+        // A member the block has not reached keeps the type's and the value beside it: most of
+        // a project's values are such.
+        if (!typeChange_ && attributes_->RestoreUnreached(at, text)) {
+            continue;
+        }
         if (text && attributes_->IsTheTypes(at) && standing(index).RestoringLeavesAsIs(*text)) {
             continue;
         }
@@ -291,11 +292,11 @@ void CDBAppObject::LoadDisplayableOutputs(pugi::xml_node element) {
         if (xml::IsComment(child) || child.type() != pugi::node_element) {
             continue;
         }
-        std::shared_ptr<IOutput> output;
+        std::ptrdiff_t index = -1;
         if (outputs_) {
-            SkipStep([&] { output = outputs_->IOutputs_Item(xml::BaseName(child)); });
+            SkipStep([&] { index = outputs_->IndexOf(xml::BaseNameView(child)); });
         }
-        if (!output) {
+        if (index < 0) {
             Keep(kKeptOutputs, child);
             continue;
         }
@@ -303,7 +304,7 @@ void CDBAppObject::LoadDisplayableOutputs(pugi::xml_node element) {
             for (pugi::xml_attribute flag : child.attributes()) {
                 // Presence alone counts: the writer only ever writes "1".
                 if (EqualsNoCase(xml::BaseNameView(flag), "ISDISPLAYABLE")) {
-                    output->IOutput_IsDisplayable(true);
+                    outputs_->ShowOutput(static_cast<std::size_t>(index));
                 }
             }
         });

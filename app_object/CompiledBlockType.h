@@ -6,10 +6,13 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <pugixml.hpp>
@@ -64,6 +67,12 @@ struct CompiledBlockType {
         std::string digits;
     };
     mutable ImageId imageId;
+
+    // What a block of the type becomes when a project restores the value text in the selector
+    // at index while each of the block's members is still the type's, keyed by both: made
+    // from the first such block, so that every later one takes it instead of deriving.
+    mutable std::map<std::pair<std::size_t, std::string>, std::shared_ptr<const CompiledBlockType>>
+        variants;
 
     // The type's image in that byte order (Intel when intel), built at the first image of a
     // block of the type; nullptr where the type's members can't share one.

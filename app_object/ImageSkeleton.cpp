@@ -58,16 +58,44 @@ DigitRange RangeOf(const CDBAttribute& attribute, bool intel) {
     return attribute.ImageRange(intel);
 }
 
+// The value a member the block has not reached holds in place of the type's; inputs have none.
+const std::string* UnreachedValue(const CDBInputs*, std::size_t) {
+    return nullptr;
+}
+
+const std::string* UnreachedValue(const CDBAttributes* attributes, std::size_t index) {
+    return attributes ? attributes->UnreachedValue(index) : nullptr;
+}
+
+std::string Written(const CDBInput&, const std::string&, std::string image, bool) {
+    return image;
+}
+
+std::string Written(const CDBAttribute& attribute, const std::string& value, std::string image,
+                    bool intel) {
+    return attribute.WriteValueImage(std::move(image), value, intel);
+}
+
+// How a member writes against its prototype, a value kept beside an unreached one counted.
+template <class Member, class Collection>
+ImageChange ChangeOf(const Collection* collection, std::size_t index, const Member& member,
+                     const Member& prototype) {
+    if (UnreachedValue(collection, index) != nullptr) {
+        return ImageChange::SamePlace;  // the prototype itself, with a value of its own
+    }
+    return member.ImageChangeFrom(prototype);
+}
+
 // Whether every member has one of the prototypes' places (true), and whether any has other
 // digits there (rewrite).
-template <class Member>
-bool Comparable(const std::vector<std::shared_ptr<Member>>& members,
+template <class Member, class Collection>
+bool Comparable(const Collection* collection, const std::vector<std::shared_ptr<Member>>& members,
                 const std::vector<std::shared_ptr<Member>>& prototypes, bool& rewrite) {
     if (members.size() != prototypes.size()) {
         return false;
     }
     for (std::size_t i = 0; i < members.size(); ++i) {
-        switch (members[i]->ImageChangeFrom(*prototypes[i])) {
+        switch (ChangeOf(collection, i, *members[i], *prototypes[i])) {
             case ImageChange::Same:
                 break;
             case ImageChange::SamePlace:
@@ -82,12 +110,14 @@ bool Comparable(const std::vector<std::shared_ptr<Member>>& members,
 
 // Back to the zero fill, then the member's digits: what the plain writing leaves there, as no
 // other member writes in its range.
-template <class Member>
-void Rewrite(std::string& image, const std::vector<std::shared_ptr<Member>>& members,
+template <class Member, class Collection>
+void Rewrite(std::string& image, const Collection* collection,
+             const std::vector<std::shared_ptr<Member>>& members,
              const std::vector<std::shared_ptr<Member>>& prototypes, bool intel) {
     for (std::size_t i = 0; i < members.size(); ++i) {
         Member& member = *members[i];
-        if (!HasPlace(member) || member.ImageChangeFrom(*prototypes[i]) != ImageChange::SamePlace) {
+        if (!HasPlace(member) ||
+            ChangeOf(collection, i, member, *prototypes[i]) != ImageChange::SamePlace) {
             continue;
         }
         const DigitRange range = RangeOf(member, intel);
@@ -95,7 +125,9 @@ void Rewrite(std::string& image, const std::vector<std::shared_ptr<Member>>& mem
         const int64_t first = std::clamp<int64_t>(range.first, 0, size);
         const int64_t last = std::clamp<int64_t>(range.last, first, size);
         std::fill(image.begin() + first, image.begin() + last, '0');
-        image = Written(member, std::move(image), intel);
+        const std::string* value = UnreachedValue(collection, i);
+        image = value != nullptr ? Written(member, *value, std::move(image), intel)
+                                 : Written(member, std::move(image), intel);
     }
 }
 
@@ -168,14 +200,14 @@ bool ImageSkeleton::Write(std::string& image, int32_t dimension, const CDBInputs
     const auto& inputPrototypes = MembersOf<CDBInput>(prototypeInputs);
     const auto& attributePrototypes = MembersOf<CDBAttribute>(prototypeAttributes);
     bool rewrite = false;
-    if (!Comparable(ownInputs, inputPrototypes, rewrite) ||
-        !Comparable(ownAttributes, attributePrototypes, rewrite)) {
+    if (!Comparable(inputs, ownInputs, inputPrototypes, rewrite) ||
+        !Comparable(attributes, ownAttributes, attributePrototypes, rewrite)) {
         return false;
     }
     image.append(digits_, kHeaderDigits);
     if (rewrite) {
-        Rewrite(image, ownInputs, inputPrototypes, intel_);
-        Rewrite(image, ownAttributes, attributePrototypes, intel_);
+        Rewrite(image, inputs, ownInputs, inputPrototypes, intel_);
+        Rewrite(image, attributes, ownAttributes, attributePrototypes, intel_);
     }
     return true;
 }

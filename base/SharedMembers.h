@@ -47,6 +47,18 @@ public:
                              : index < more_.size() && more_[index];
     }
 
+    // Takes from's members, those of another compiled form of the same type, in place of the
+    // type's, every one of them unreached again; the owner and the keys given stay.
+    void Rebase(KeyedCollection<T>& items, const KeyedCollection<T>& from) {
+        items = from;
+        ShareAll(items.Items().size(), owner_);
+    }
+
+    // Whether something given to all members waits for the ones not yet reached.
+    bool HasLaterActs() const { return !later_.empty(); }
+    // Whether each of total members is still the type's, with nothing waiting to be given.
+    bool NoneReached(std::size_t total) const { return count_ == total && later_.empty(); }
+
     // Calls act(member) for every member the block has reached: the type's are not the
     // block's to change.
     template <class Act>

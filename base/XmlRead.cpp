@@ -21,15 +21,11 @@
 #include "base/Utf8.h"
 #include "base/Xml.h"
 #include "base/XmlChars.h"
+#include "base/XmlDocumentText.h"
 #include "interfaces/Error.h"
 
 namespace zerbin::xml {
 namespace {
-
-// Comments and processing instructions stay in the tree, as in the DOM the definition files
-// were written for: the member walks skip comments themselves and count what is left.
-constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_comments | pugi::parse_pi |
-                                   pugi::parse_declaration | pugi::parse_doctype;
 
 // Why a document is refused and where, in bytes of its UTF-8 text; -1 when nowhere.
 struct Failure {
@@ -371,14 +367,53 @@ void FillError(ParseError* error, std::string_view text, const Failure& failure)
                     std::to_string(column);
 }
 
-// Parses raw bytes. The text is parsed in place, so a failure found after pugixml has
-// begun is placed in the text that original() gives again.
+FileBytes CopyOf(std::string_view text) {
+    FileBytes bytes = PugiBytes(text.size());
+    std::memcpy(bytes.Data(), text.data(), text.size());
+    return bytes;
+}
+
 std::shared_ptr<pugi::xml_document> Load(FileBytes raw, ParseError* error,
                                          const std::function<FileBytes()>& original) {
-    std::optional<FileBytes> text;
+    std::optional<FileBytes> text = detail::DocumentText(std::move(raw), error);
+    if (!text) {
+        return nullptr;
+    }
+    return detail::ParseDocumentText(std::move(*text), error, original);
+}
+
+}  // namespace
+
+namespace detail {
+
+std::optional<FileBytes> DocumentText(FileBytes raw, ParseError* error) {
+    try {
+        return ToUtf8(std::move(raw));
+    } catch (const Refused& refused) {
+        FillError(error, std::string_view(), refused.What());
+        return std::nullopt;
+    }
+}
+
+FileBytes ReadDocumentFile(const std::filesystem::path& file, std::uintmax_t maxBytes) {
+    return ReadRegularFile(file, maxBytes, pugi::get_memory_allocation_function(),
+                           pugi::get_memory_deallocation_function());
+}
+
+void FillUnreadable(ParseError* error, const IoError& failure) {
+    if (error != nullptr) {
+        *error = ParseError{};
+        error->reason = failure.Reason();
+        error->unreadable = true;
+        error->systemError = failure.Code();
+    }
+}
+
+std::shared_ptr<pugi::xml_document> ParseDocumentText(FileBytes utf8, ParseError* error,
+                                                      const std::function<FileBytes()>& original) {
+    std::optional<FileBytes> text(std::move(utf8));
     bool plainTree = false;
     try {
-        text.emplace(ToUtf8(std::move(raw)));
         const detail::TextCheck check =
             detail::CheckDocumentText(std::string_view(text->Data(), text->Size()));
         if (check.fault) {
@@ -386,15 +421,14 @@ std::shared_ptr<pugi::xml_document> Load(FileBytes raw, ParseError* error,
         }
         plainTree = check.treeIsPlain;
     } catch (const Refused& refused) {
-        FillError(error, text ? std::string_view(text->Data(), text->Size()) : std::string_view(),
-                  refused.What());
+        FillError(error, std::string_view(text->Data(), text->Size()), refused.What());
         return nullptr;
     }
 
     auto document = std::make_shared<pugi::xml_document>();
     const std::size_t size = text->Size();
     const pugi::xml_parse_result result = document->load_buffer_inplace_own(
-        text->Release(), size, kParseOptions, pugi::encoding_utf8);
+        text->Release(), size, detail::kParseOptions, pugi::encoding_utf8);
     std::optional<Failure> failure;
     if (!result) {
         if (result.status == pugi::status_out_of_memory) {
@@ -427,30 +461,16 @@ std::shared_ptr<pugi::xml_document> Load(FileBytes raw, ParseError* error,
     return nullptr;
 }
 
-FileBytes CopyOf(std::string_view text) {
-    FileBytes bytes = PugiBytes(text.size());
-    std::memcpy(bytes.Data(), text.data(), text.size());
-    return bytes;
-}
-
-}  // namespace
+}  // namespace detail
 
 std::shared_ptr<pugi::xml_document> LoadFile(const std::filesystem::path& file, ParseError* error,
                                              std::uintmax_t maxBytes) {
-    const auto read = [&] {
-        return ReadRegularFile(file, maxBytes, pugi::get_memory_allocation_function(),
-                               pugi::get_memory_deallocation_function());
-    };
+    const auto read = [&] { return detail::ReadDocumentFile(file, maxBytes); };
     std::optional<FileBytes> bytes;
     try {
         bytes.emplace(read());
     } catch (const IoError& failure) {
-        if (error != nullptr) {
-            *error = ParseError{};
-            error->reason = failure.Reason();
-            error->unreadable = true;
-            error->systemError = failure.Code();
-        }
+        detail::FillUnreadable(error, failure);
         return nullptr;
     }
     return Load(std::move(*bytes), error, read);

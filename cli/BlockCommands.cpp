@@ -1,6 +1,7 @@
 // image, save, export and load: the commands that give a block values and write it out.
 #include <algorithm>
 #include <exception>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -120,9 +121,10 @@ int RunExport(const CommandContext& context) {
 
 int RunLoad(const CommandContext& context) {
     const std::string& file = context.invocation.arguments.front();
-    std::shared_ptr<const pugi::xml_document> project;
+    // A block at a time: the project's whole tree would be the load's largest cost in memory.
+    std::optional<xml::ElementStream> project;
     try {
-        project = ProjectFile(file).Read();
+        project.emplace(ProjectFile(file).ReadElements());
     } catch (const ProjectFileError& error) {
         throw UnreadableError(error.what());
     }
@@ -131,10 +133,7 @@ int RunLoad(const CommandContext& context) {
     // One buffer for every block's line: its room, once grown, is used again.
     std::string line;
     std::unordered_map<std::string, bool> typeInLibrary;
-    for (pugi::xml_node element : project->document_element().children()) {
-        if (element.type() != pugi::node_element) {
-            continue;
-        }
+    while (const pugi::xml_node element = project->Next()) {
         ++index;
         const std::string type = element.name();
         // A type the library lacks is told once; its blocks get no line, as they have no image.

@@ -1,10 +1,6 @@
 #include "connections/CDBOutputs.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <utility>
-
-#include "base/MMain.h"
 
 namespace zerbin {
 
@@ -13,11 +9,11 @@ void CDBOutputs::IOutputs_CallBack(std::shared_ptr<IcbkAppObject> v) {
 }
 
 int32_t CDBOutputs::IOutputs_Count() {
-    return items_.Count();
+    return Count();
 }
 
 std::shared_ptr<IOutput> CDBOutputs::IOutputs_Item(const std::string& Key) {
-    return shared_.Item(items_, Key);
+    return Item(Key);
 }
 
 std::vector<std::shared_ptr<IOutput>> CDBOutputs::IOutputs_NewEnum() {
@@ -26,68 +22,29 @@ std::vector<std::shared_ptr<IOutput>> CDBOutputs::IOutputs_NewEnum() {
 }
 
 std::string CDBOutputs::IOutputs_GlobalKey() {
-    return globalKey_;
+    return GlobalKey();
 }
 
 std::string CDBOutputs::IOutputs_ExtendedKey() {
-    return extendedKey_;
+    return ExtendedKey();
 }
 
-std::shared_ptr<CDBOutput> CDBOutputs::AddFromDefinition(const std::string& name,
-                                                         pugi::xml_node node,
-                                                         std::shared_ptr<IAppObject> parent) {
-    auto output = std::make_shared<CDBOutput>();
-    output->SetParent(std::move(parent));
-    output->SetName(name);
-    output->LoadDefinition(node);
-    items_.Add(name, output);
-    output->SetIndex(items_.Count() - 1);
-    maxNameLength_ = std::max(maxNameLength_, CharCount(name));
-    return output;
+void CDBOutputs::ShowOutput(std::size_t index) {
+    constexpr std::size_t kMarks = 64;
+    if (IsTheTypes(index) && index < kMarks) {
+        if (!AsTheyStand()[index]->IOutput_IsDisplayable()) {
+            shown_ |= uint64_t{1} << index;
+        }
+        return;
+    }
+    At(index)->IOutput_IsDisplayable(true);
 }
 
-std::shared_ptr<CDBOutputs> CDBOutputs::CopyFor(const std::shared_ptr<IAppObject>& parent,
-                                                bool shareRecords) const {
-    shared_.ReachAll(items_);
-    auto copy = std::make_shared<CDBOutputs>();
-    copy->maxNameLength_ = maxNameLength_;
-    copy->items_ = items_.Copied([&](const std::shared_ptr<CDBOutput>& output) {
-        return output->CopyFor(parent, shareRecords);
-    });
-    return copy;
-}
-
-std::shared_ptr<CDBOutputs> CDBOutputs::SharedFor(const std::shared_ptr<IAppObject>& parent) const {
-    auto shared = std::make_shared<CDBOutputs>();
-    shared->maxNameLength_ = maxNameLength_;
-    shared->items_ = items_;
-    shared->shared_.ShareAll(items_.Items().size(), parent);
-    return shared;
-}
-
-int32_t CDBOutputs::MaxNameLength() const {
-    return maxNameLength_;
-}
-
-void CDBOutputs::PropagateGlobalKey(const std::string& key) {
-    globalKey_ = key;
-    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.GiveGlobalKey(items_, under);
-}
-
-void CDBOutputs::PropagateExtendedKey(const std::string& key) {
-    extendedKey_ = key;
-    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.GiveExtendedKey(items_, under);
-}
-
-const std::vector<std::shared_ptr<CDBOutput>>& CDBOutputs::Members() const {
-    shared_.ReachAll(items_);
-    return items_.Items();
-}
-
-void CDBOutputs::GiveToAll(std::function<void(CDBOutput&)> act) {
-    shared_.GiveToAll(items_, std::move(act));
+void CDBOutputs::MemberReached(std::size_t index) const {
+    if (index < 64 && (shown_ >> index & 1) != 0) {
+        shown_ &= ~(uint64_t{1} << index);
+        AsTheyStand()[index]->IOutput_IsDisplayable(true);
+    }
 }
 
 }  // namespace zerbin

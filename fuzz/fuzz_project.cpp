@@ -1,13 +1,18 @@
-// Fuzz target: a project document. Each element under the root is loaded into a block of a
-// shipped type (the type it names, else one picked by its position), which is then imaged,
-// saved, and loaded into a second block that must come out the same.
+// Fuzz target: a project document, read whole and one element at a time, which must answer
+// alike: the same reason for a refusal, the same elements otherwise. Each element the stream
+// gives is loaded into a block of a shipped type (the type it names, else one picked by its
+// position), which is then imaged, saved, and loaded into a second block that must come out
+// the same.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "base/Xml.h"
+#include "base/XmlElementStream.h"
 #include "fuzz/FuzzSupport.h"
 
 namespace {
@@ -21,6 +26,12 @@ const std::string& TypeFor(const std::string& elementName, std::size_t position)
     return named != types.end() ? *named : types[position % types.size()];
 }
 
+std::string Printed(pugi::xml_node element) {
+    std::ostringstream out;
+    element.print(out, "", pugi::format_raw);
+    return out.str();
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -29,8 +40,21 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
-    const auto project = zerbin::xml::LoadString(zerbin::fuzz::AsText(data, size), nullptr);
+    const std::string_view text = zerbin::fuzz::AsText(data, size);
+    zerbin::xml::ParseError wholeError;
+    const auto project = zerbin::xml::LoadString(text, &wholeError);
+    zerbin::xml::ParseError streamError;
+    std::optional<zerbin::xml::ElementStream> stream =
+        zerbin::xml::ElementStream::OpenString(text, &streamError);
+    if (stream.has_value() != (project != nullptr)) {
+        zerbin::fuzz::Fail("the element stream and the whole reader disagree",
+                           project ? streamError.reason : wholeError.reason);
+    }
     if (!project) {
+        if (streamError.reason != wholeError.reason || streamError.offset != wholeError.offset) {
+            zerbin::fuzz::Fail("the element stream refuses for another reason",
+                               streamError.reason + " / " + wholeError.reason);
+        }
         return 0;
     }
     // Projects travel between machines with either decimal separator.
@@ -38,12 +62,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
     const bool manageShortFloat = (size % 4) >= 2;
 
     std::size_t position = 0;
-    for (pugi::xml_node element : project->document_element().children()) {
-        if (element.type() != pugi::node_element) {
-            continue;
+    pugi::xml_node expected = project->document_element().first_child();
+    while (const pugi::xml_node element = stream->Next()) {
+        while (expected && expected.type() != pugi::node_element) {
+            expected = expected.next_sibling();
         }
+        if (!expected || Printed(element) != Printed(expected)) {
+            zerbin::fuzz::Fail("the element stream gives another element", Printed(element));
+        }
+        expected = expected.next_sibling();
         if (position == kMaxBlocks) {
-            break;
+            continue;  // compared, not loaded
         }
         const std::string& type = TypeFor(zerbin::xml::BaseName(element), position++);
         const auto block = zerbin::fuzz::MakeBlock(type, manageShortFloat);
@@ -52,6 +81,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
         zerbin::fuzz::ReadDisplays(*block);
         zerbin::fuzz::CheckRoundTrip(*block, manageShortFloat);
         block->IAppObject_Destroy();
+    }
+    while (expected && expected.type() != pugi::node_element) {
+        expected = expected.next_sibling();
+    }
+    if (expected) {
+        zerbin::fuzz::Fail("the element stream ends early", Printed(expected));
     }
     return 0;
 }

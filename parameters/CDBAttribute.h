@@ -114,6 +114,13 @@ public:
     // as it is and tell no one: a value that is no selector's and no structure's, the text
     // stored as the value stands already, no listener, no interceptor. False when unsure.
     bool RestoringLeavesAsIs(std::string_view text) const;
+    // What ClearLoadedValue and then RestoreSavedValue(*text), when there is a text, would
+    // store in a member that nothing hears of, that has no fields and selects nothing: its
+    // value and nothing else changes then. nullopt for any other member.
+    std::optional<std::string> PlainRestoredValue(std::optional<std::string_view> text) const;
+    // Puts in place a value PlainRestoredValue gave, as the restore would have left it.
+    void TakeRestoredValue(std::string value) { value_ = std::move(value); }
+    const std::string& StoredValue() const { return value_; }
     const std::string& Name() const { return def_->name; }
     bool IsUnitDependent() const;
     bool IsUnitSelector() const;
@@ -132,6 +139,9 @@ public:
     // coefficient does not fit 16 bits or the place starts past the end of the image.
     std::string WriteStream(std::string image);
     std::string WriteIntelStream(std::string image);
+    // The image with value written in this attribute's place, as WriteStream would write it
+    // holding value; for an attribute without fields that selects nothing. Neither changes.
+    std::string WriteValueImage(std::string image, const std::string& value, bool intel) const;
     // The digits this attribute may write in an image, and how its writing compares with that
     // of the prototype it was copied from.
     DigitRange ImageRange(bool intel) const;

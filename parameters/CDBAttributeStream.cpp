@@ -40,6 +40,9 @@ std::string CDBAttribute::WriteIntelStream(std::string image) {
 
 // Works on copies: neither Value nor the type record changes.
 std::string CDBAttribute::WriteImage(std::string image, bool intel) {
+    if (!fields_ && !def_->isUnit && !def_->isType) {
+        return WriteValueImage(std::move(image), value_, intel);
+    }
     if (def_->toolOnly) {
         return image;
     }
@@ -58,15 +61,25 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
         return image;
     }
 
-    if (def_->isUnit || def_->isType) {
-        // The selected type's FACTOR, not the enum code; one byte has no order.
-        OverwriteDigits(image, place, HexByteOf(TypeFactor(value_)),
-                        DigitsOf(snvtType_->ISNVType_Length()));
+    // The selected type's FACTOR, not the enum code; one byte has no order.
+    OverwriteDigits(image, place, HexByteOf(TypeFactor(value_)),
+                    DigitsOf(snvtType_->ISNVType_Length()));
+    return image;
+}
+
+std::string CDBAttribute::WriteValueImage(std::string image, const std::string& value,
+                                          bool intel) const {
+    if (def_->toolOnly) {
         return image;
     }
-
+    // Never past the room the layout gave: the bytes behind it belong to another member.
+    if (placeLength_ > 0 && LengthInCdb() > placeLength_) {
+        throw Error("The attribute " + def_->name + " is longer than its place in the CDB",
+                    ErrorKind::TooLong);
+    }
+    const int32_t place = DigitsOf(position_);
     if (def_->isKeepFloatStandard && !intel) {
-        std::string copy = value_;
+        std::string copy = value;
         OverwriteDigits(image, place, EncodeStream(copy, TypeClass::Float, 4, 1, 0, 0), 8);
         return image;
     }
@@ -76,7 +89,7 @@ std::string CDBAttribute::WriteImage(std::string image, bool intel) {
     const int16_t a = NarrowToInt16(snvtType_->ISNVType_ACoef());
     const int16_t b = NarrowToInt16(snvtType_->ISNVType_BCoef());
     const int16_t c = NarrowToInt16(snvtType_->ISNVType_CCoef());
-    const std::string digits = EncodeDigits(value_, typeClass, length, a, b, c, intel);
+    const std::string digits = EncodeDigits(value, typeClass, length, a, b, c, intel);
     OverwriteDigits(image, place, digits, DigitsOf(length));
     return image;
 }

@@ -1,6 +1,7 @@
 // The value of an attribute: the write and what it sets off in the block, the reads, the
 // display forms, the editor, the return to the default and the macro terminal test.
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -200,6 +201,23 @@ bool CDBAttribute::RestoringLeavesAsIs(std::string_view text) const {
            stored.substr(0, point) == saved.substr(0, point) &&
            stored.substr(point, separator.size()) == separator &&
            stored.substr(point + separator.size()) == saved.substr(point + 1);
+}
+
+std::optional<std::string> CDBAttribute::PlainRestoredValue(
+    std::optional<std::string_view> text) const {
+    if (fields_ || def_->isUnit || def_->isType || interceptor_ || callbacks_.size() != 0 ||
+        writeDepth_ != 0 || !snvtType_) {
+        return std::nullopt;
+    }
+    if (!text) {
+        return std::string();
+    }
+    // As StoreValue keeps a saved value: a text as it is, a number normalised and, being
+    // saved, not divided again.
+    if (ClassOf(*snvtType_) == TypeClass::Textual) {
+        return std::string(*text);
+    }
+    return NormalizeDecimal(std::string(*text));
 }
 
 // ---- Reads ---------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 #include "parameters/CDBAttributes.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/MMain.h"
@@ -7,19 +8,15 @@
 namespace zerbin {
 
 CDBAttributes::~CDBAttributes() {
-    shared_.ForEachOwn(items_, [](CDBAttribute& attribute) { attribute.Release(); });
+    ForEachOwn([](CDBAttribute& attribute) { attribute.Release(); });
 }
 
 int32_t CDBAttributes::IAttributes_Count() {
-    return items_.Count();
+    return Count();
 }
 
 std::shared_ptr<IAttribute> CDBAttributes::IAttributes_Item(const std::string& Key) {
     return Item(Key);
-}
-
-std::shared_ptr<CDBAttribute> CDBAttributes::Item(std::string_view key) const {
-    return shared_.Item(items_, key);
 }
 
 std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
@@ -28,11 +25,11 @@ std::vector<std::shared_ptr<IAttribute>> CDBAttributes::IAttributes_NewEnum() {
 }
 
 std::string CDBAttributes::IAttributes_GlobalKey() {
-    return globalKey_;
+    return GlobalKey();
 }
 
 std::string CDBAttributes::IAttributes_ExtendedKey() {
-    return extendedKey_;
+    return ExtendedKey();
 }
 
 std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
@@ -57,45 +54,6 @@ std::shared_ptr<CDBAttribute> CDBAttributes::AddFromDefinition(
     return attribute;
 }
 
-void CDBAttributes::PropagateGlobalKey(const std::string& key) {
-    globalKey_ = key;
-    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.GiveGlobalKey(items_, under);
-}
-
-void CDBAttributes::PropagateExtendedKey(const std::string& key) {
-    extendedKey_ = key;
-    const MemberKey under = MemberKey::Under(std::make_shared<const std::string>(key));
-    shared_.GiveExtendedKey(items_, under);
-}
-
-std::shared_ptr<CDBAttributes> CDBAttributes::CopyFor(const std::shared_ptr<IAppObject>& owner,
-                                                      bool shareRecords) const {
-    ReachAll();
-    auto copy = std::make_shared<CDBAttributes>();
-    copy->items_ = items_.Copied([&](const std::shared_ptr<CDBAttribute>& attribute) {
-        return attribute->CopyFor(owner, shareRecords);
-    });
-    return copy;
-}
-
-const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::Members() const {
-    ReachAll();
-    return items_.Items();
-}
-
-std::shared_ptr<CDBAttributes> CDBAttributes::SharedFor(
-    const std::shared_ptr<IAppObject>& owner) const {
-    auto shared = std::make_shared<CDBAttributes>();
-    shared->items_ = items_;
-    shared->shared_.ShareAll(items_.Items().size(), owner);
-    return shared;
-}
-
-const std::vector<std::shared_ptr<CDBAttribute>>& CDBAttributes::AsTheyStand() const {
-    return items_.Items();
-}
-
 std::ptrdiff_t CDBAttributes::IndexOf(std::string_view key, std::size_t likely) const {
     // Names are unique without regard to case: a member whose name matches is the one the key
     // finds.
@@ -106,21 +64,45 @@ std::ptrdiff_t CDBAttributes::IndexOf(std::string_view key, std::size_t likely) 
     return items_.IndexOf(key);
 }
 
-bool CDBAttributes::IsTheTypes(std::size_t index) const {
-    return shared_.IsTheTypes(index);
+void CDBAttributes::MemberReached(std::size_t index) const {
+    const auto kept = std::find_if(unreached_.begin(), unreached_.end(),
+                                   [&](const auto& entry) { return entry.first == index; });
+    if (kept != unreached_.end()) {
+        items_.Items()[index]->TakeRestoredValue(std::move(kept->second));
+        unreached_.erase(kept);
+    }
 }
 
-std::shared_ptr<CDBAttribute> CDBAttributes::At(std::size_t index) const {
-    shared_.Reach(items_, index);
-    return items_.Items()[index];
+bool CDBAttributes::RestoreUnreached(std::size_t index, std::optional<std::string_view> text) {
+    if (!shared_.IsTheTypes(index) || shared_.HasLaterActs()) {
+        return false;
+    }
+    const CDBAttribute& prototype = *items_.Items()[index];
+    std::optional<std::string> value = prototype.PlainRestoredValue(text);
+    if (!value) {
+        return false;
+    }
+    const auto kept = std::find_if(unreached_.begin(), unreached_.end(),
+                                   [&](const auto& entry) { return entry.first == index; });
+    if (*value == prototype.StoredValue()) {
+        if (kept != unreached_.end()) {
+            unreached_.erase(kept);
+        }
+    } else if (kept != unreached_.end()) {
+        kept->second = std::move(*value);
+    } else {
+        unreached_.emplace_back(index, std::move(*value));
+    }
+    return true;
 }
 
-void CDBAttributes::ReachAll() const {
-    shared_.ReachAll(items_);
-}
-
-void CDBAttributes::GiveToAll(std::function<void(CDBAttribute&)> act) {
-    shared_.GiveToAll(items_, std::move(act));
+const std::string* CDBAttributes::UnreachedValue(std::size_t index) const {
+    for (const auto& entry : unreached_) {
+        if (entry.first == index) {
+            return &entry.second;
+        }
+    }
+    return nullptr;
 }
 
 }  // namespace zerbin

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <sstream>
 #include <system_error>
 
@@ -176,6 +177,17 @@ std::shared_ptr<pugi::xml_document> ProjectFile::Read() const {
             error.systemError);
     }
     return document;
+}
+
+xml::ElementStream ProjectFile::ReadElements() const {
+    xml::ParseError error;
+    std::optional<xml::ElementStream> stream = xml::ElementStream::OpenFile(file_, &error);
+    if (!stream) {
+        throw ProjectFileError(
+            "cannot read " + what_ + " '" + file_.string() + "': " + LowerFirst(error.reason),
+            error.systemError);
+    }
+    return std::move(*stream);
 }
 
 std::shared_ptr<pugi::xml_document> ReadDocumentText(std::string_view text,

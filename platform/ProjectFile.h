@@ -14,6 +14,8 @@
 
 #include <pugixml.hpp>
 
+#include "base/XmlElementStream.h"
+
 namespace zerbin {
 
 // Why a project could not be read or written, as one sentence for the user: "cannot write
@@ -43,6 +45,10 @@ public:
     // encodings only). Throws ProjectFileError "cannot read project 'F': REASON", with the
     // line and column in REASON where the parser gives them; std::bad_alloc goes on.
     std::shared_ptr<pugi::xml_document> Read() const;
+    // The same reading, one element under the document element at a time, for a host that
+    // takes each block and lets it go: the whole tree never exists. The same failures are
+    // thrown, before the first element is given.
+    xml::ElementStream ReadElements() const;
 
     // Writes the document as the XML port writes it. A text the port refuses (a control
     // character in a value) throws before any file is touched.

@@ -36,18 +36,24 @@ const Setting kSettings[] = {
     {false, UnitSystem::SI, false},
 };
 
-// The messages of the making, each member's type and length, and what a project keeps of the
-// block after seeded random values.
+// The messages of the making, each member's type and length, what a project keeps of the
+// block after seeded random values, and the blocks two loads of that project make: the second
+// takes what the first left with the type (its values kept beside the type's members, its
+// selectors switched).
 struct Observed {
     std::vector<std::string> messages;
     std::string members;
     testing::Snapshot randomized;
+    std::vector<testing::Snapshot> loaded;
     bool operator==(const Observed&) const = default;
 };
 
 void PrintTo(const Observed& o, std::ostream* out) {
     *out << "\n  messages: " << o.messages.size() << "\n  members:\n" << o.members;
     testing::PrintTo(o.randomized, out);
+    for (const testing::Snapshot& loaded : o.loaded) {
+        testing::PrintTo(loaded, out);
+    }
 }
 
 std::string Members(CDBAppObject& block) {
@@ -74,13 +80,21 @@ Observed Observe(const std::string& type, const Setting& setting,
     SetUnitSystem(setting.units);
     Observed observed;
     ScopedMessageRecorder messages;
-    const auto block = NewBlock(
-        type, {dictionary, setting.device ? device : nullptr, setting.shortFloat, {}, {}, {}});
+    const HostSetup host{
+        dictionary, setting.device ? device : nullptr, setting.shortFloat, "Block1", {}, {}};
+    const auto block = NewBlock(type, host);
     observed.members = Members(*block);
     RandomValues values(20261125u);
     Randomize(*block, values);
     observed.randomized = Take(*block);
+    const SavedBlock saved = Save(*block);
     block->IAppObject_Destroy();
+    for (int load = 0; load < 2; ++load) {
+        const auto loaded = NewBlock(type, host);
+        loaded->IAppObject_XmlLoad(saved.Element());
+        observed.loaded.push_back(Take(*loaded));
+        loaded->IAppObject_Destroy();
+    }
     observed.messages = MessageTexts(messages);
     SetUnitSystem(UnitSystem::SI);
     return observed;

@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <fstream>
 #include <sstream>
@@ -133,14 +134,22 @@ TEST_F(ProjectFileTest, ReadRefusesWhatTheStrictReaderRefusesNamingTheFile) {
         if (row.text != nullptr) {
             folder_.Write("plant.xml", row.text);
         }
-        try {
-            ProjectFile(file_).Read();
-            ADD_FAILURE() << "read " << (row.text ? row.text : "no file");
-        } catch (const ProjectFileError& error) {
-            const std::string message = error.what();
-            EXPECT_EQ(message.rfind("cannot read project '" + file_.string() + "': ", 0), 0u)
-                << message;
-            EXPECT_NE(message.find(row.expected), std::string::npos) << message;
+        // Whole, and an element at a time.
+        for (const bool whole : {true, false}) {
+            try {
+                if (whole) {
+                    ProjectFile(file_).Read();
+                } else {
+                    ProjectFile(file_).ReadElements();
+                }
+                ADD_FAILURE() << "read " << (row.text ? row.text : "no file");
+            } catch (const ProjectFileError& error) {
+                const std::string message = error.what();
+                EXPECT_EQ(message.rfind("cannot read project '" + file_.string() + "': ", 0), 0u)
+                    << message;
+                EXPECT_NE(message.find(row.expected), std::string::npos) << message;
+                EXPECT_EQ(error.Code(), row.text ? 0 : ENOENT);
+            }
         }
     }
 }
