@@ -679,6 +679,18 @@ private slots:
         QVERIFY(window_->Project().Block(a)->IAppObject_UserName() != "");
         Trigger(*window_, "actionUndo");
         QCOMPARE(Value(*window_, a, "HeatSetpoint"), std::string("25"));
+
+        // A unit goes in before the values that depend on it, which its change would reset.
+        const std::string unitsFrom = Drop(*window_, "SETPOINT_UNIT", QPoint(400, 300));
+        const std::string unitsTo = Drop(*window_, "SETPOINT_UNIT", QPoint(400, 500));
+        window_->SelectBlocks({unitsFrom});
+        window_->SetValue(unitsFrom, "Units", "39");
+        window_->SetValue(unitsFrom, "Setpoint", "22.5");
+        Trigger(*window_, "actionCopy");
+        window_->SelectBlocks({unitsTo});
+        Trigger(*window_, "actionPasteParameters");
+        QCOMPARE(Value(*window_, unitsTo, "Units"), std::string("39"));
+        QCOMPARE(Value(*window_, unitsTo, "Setpoint"), std::string("22.5"));
     }
 
     // A long name leaves the canvas its width: the docks keep theirs and cut the name short.
@@ -853,6 +865,9 @@ private slots:
         }
         QVERIFY(!window_->ExportDrawing(folder.filePath("drawing.bmp")));
         QVERIFY(!QFile::exists(folder.filePath("drawing.bmp")));
+        // An export that cannot be written says why, naming the file.
+        QVERIFY(!window_->ExportImages(folder.filePath("missing/images.txt")));
+        QVERIFY(LogHas(*window_, "missing/images.txt"));
     }
 
     // Unsaved work goes to a recovery file beside the project; a studio that opens the project
