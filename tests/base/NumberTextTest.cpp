@@ -64,6 +64,7 @@ TEST(LeadingNumber, IgnoresTheLocaleAndSaturatesBeyondTheDoubleRange) {
         {"10e99999999999999999999", inf},
         {"-1e99999999999999999999", -inf},
         {"0.01e-99999999999999999999", 0},
+        {"0.001e-99999999999999999999", 0},
         {"123e-99999999999999999999", 0},
     };
     for (const auto& row : beyond) {
