@@ -269,6 +269,7 @@ TEST(IsValidName, EveryRangeOfTheProductionEndsWhereItShould) {
 TEST(IsValidName, FollowsTheXmlNameProduction) {
     for (const char* good :
          {"a", "_x", "Name-1.2", "x:y", "\xC3\xA4rger", "\xE4\xB8\xAD", "\xE2\x80\x8D",
+          "\xC3\xA4-1", "\xC3\xA4\xC2\xB7",  // after a first character that is not ASCII
           "a\xC2\xB7"
           "b"}) {
         EXPECT_TRUE(IsValidName(good)) << good;
