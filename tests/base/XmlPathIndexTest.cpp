@@ -45,6 +45,7 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
         {"", "a/a/a", "a/a/a"},
         {"", "A/b", "-"},  // case counts
         {"", "/B", "-"},
+        {"", "", "-"},  // no path finds nothing, not the root
         {"", "A//B", "-"},
         {"R/A", "A/B", "-"},  // the root is not part of a match
         {"R", "A/C/B", "A2/C/B"},
@@ -62,6 +63,7 @@ TEST(PathIndex, AnswersAsTheFirstMatchWalk) {
         EXPECT_EQ(Tag(FindFirst(root, row.path)), row.expected);
     }
     EXPECT_EQ(Tag(FindFirst(pugi::xml_node(), "A")), "-");
+    EXPECT_EQ(Tag(PathIndex(pugi::xml_node()).FindFirst("A")), "-");
 }
 
 TEST(IndexOf, ADocumentInTheMemoryOfAFreedOneIsIndexedAnew) {
