@@ -25,6 +25,7 @@ TEST(CommandLine, UsageErrorsExitTwoWithOneHintLine) {
         {{"show"}, "'show' expects a block type (try 'zerbin show --help')"},
         {{"image", "THERMOSTAT", "PID_LOOP"},
          "unexpected argument 'PID_LOOP' (try 'zerbin image --help')"},
+        {{"types", "PID_LOOP"}, "unexpected argument 'PID_LOOP' (try 'zerbin types --help')"},
         {{"image", "THERMOSTAT", "--set", "Mode"}, "--set expects NAME=VALUE, found 'Mode'"},
         {{"image", "THERMOSTAT", "--ref", "SpaceTemp"},
          "--ref expects INPUT=HEX, found 'SpaceTemp'"},
