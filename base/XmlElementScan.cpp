@@ -257,28 +257,35 @@ private:
 
     void Comment() {
         p_ += 4;
-        while (p_ < end_) {
-            if (*p_ == '-' && Peek(1) == '-') {
-                if (Peek(2) != '>') {
-                    GiveUp();
-                }
-                p_ += 3;
-                return;
+        Section([&] {
+            if (*p_ != '-' || Peek(1) != '-') {
+                return false;
             }
-            if (Is(*p_, kText) || *p_ == '<' || *p_ == '&' || *p_ == ']') {
-                ++p_;
-            } else {
-                Character();
+            if (Peek(2) != '>') {
+                GiveUp();  // "--" ends nothing but the comment
             }
-        }
-        GiveUp();
+            p_ += 3;
+            return true;
+        });
     }
 
     void CData() {
         p_ += 9;
+        Section([&] {
+            if (*p_ != ']' || !At("]]>")) {
+                return false;
+            }
+            p_ += 3;
+            return true;
+        });
+    }
+
+    // The characters of a comment or CDATA section up to where closed() finds and passes its
+    // end; a section the text does not close is not proven.
+    template <class Closed>
+    void Section(Closed closed) {
         while (p_ < end_) {
-            if (*p_ == ']' && At("]]>")) {
-                p_ += 3;
+            if (closed()) {
                 return;
             }
             if (Is(*p_, kText) || *p_ == '<' || *p_ == '&' || *p_ == ']') {
