@@ -704,8 +704,8 @@ private slots:
         QCOMPARE(window_->View().width(), width);
     }
 
-    // A wire with a block in its straight way runs around it at right angles, and crosses no
-    // block; the block moved away, the wire runs straight again.
+    // A wire with a block in its straight way runs around it at right angles beneath the
+    // blocks, and crosses none; the block moved away, the wire runs straight again.
     void aRoutedWireCrossesNoBlock() {
         const std::string sensor = window_->PlaceBlock("IO_CHANNEL", QPointF(0, 0));
         const std::string mux = window_->PlaceBlock("TYPE_MUX", QPointF(600, 0));
@@ -726,6 +726,8 @@ private slots:
         };
         const std::vector<QPointF>& route = item->Points();
         QVERIFY(item->isVisible());
+        // Beneath the blocks, so that a wire never hides a terminal or a name.
+        QVERIFY(item->zValue() < window_->Scene().Item(between)->zValue());
         QCOMPARE(route.front(), TerminalCentre(*window_, sensor, "Value", true));
         QCOMPARE(route.back(), TerminalCentre(*window_, mux, "In1", false));
         for (const std::string& key : {sensor, mux, between}) {
