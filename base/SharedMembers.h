@@ -136,16 +136,6 @@ public:
         }
     }
 
-    // The member KeyedCollection::Item(key) finds, the block's own; nullptr when none.
-    std::shared_ptr<T> Item(KeyedCollection<T>& items, std::string_view key) {
-        const std::ptrdiff_t at = items.IndexOf(key);
-        if (at < 0) {
-            return nullptr;
-        }
-        Reach(items, static_cast<std::size_t>(at));
-        return items.Items()[static_cast<std::size_t>(at)];
-    }
-
     void ReachAll(KeyedCollection<T>& items) {
         for (std::size_t i = 0; count_ > 0 && i < items.Items().size(); ++i) {
             Reach(items, i);

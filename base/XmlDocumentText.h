@@ -28,7 +28,11 @@ inline constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_comm
 
 // The file whole, in memory pugixml can own. Throws IoError as ReadRegularFile does.
 FileBytes ReadDocumentFile(const std::filesystem::path& file, std::uintmax_t maxBytes);
-void FillUnreadable(ParseError* error, const IoError& failure);
+// The same, nullopt when the file cannot be read, with *error filled when given.
+std::optional<FileBytes> ReadDocumentFileOrTell(const std::filesystem::path& file,
+                                                std::uintmax_t maxBytes, ParseError* error);
+// A copy of text in memory pugixml can own, with a NUL after it.
+FileBytes CopyOf(std::string_view text);
 
 // The document's text in UTF-8: a byte order mark dropped, a declared encoding decoded.
 // nullopt when it cannot be decoded, with *error filled when given.

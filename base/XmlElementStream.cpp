@@ -1,6 +1,5 @@
 #include "base/XmlElementStream.h"
 
-#include <cstring>
 #include <new>
 #include <string>
 #include <utility>
@@ -16,28 +15,15 @@ ElementStream::~ElementStream() = default;
 
 std::optional<ElementStream> ElementStream::OpenFile(const std::filesystem::path& file,
                                                      ParseError* error, std::uintmax_t maxBytes) {
-    const auto read = [&] { return detail::ReadDocumentFile(file, maxBytes); };
-    std::optional<FileBytes> bytes;
-    try {
-        bytes.emplace(read());
-    } catch (const IoError& failure) {
-        detail::FillUnreadable(error, failure);
+    std::optional<FileBytes> bytes = detail::ReadDocumentFileOrTell(file, maxBytes, error);
+    if (!bytes) {
         return std::nullopt;
     }
-    return Open(std::move(*bytes), error, read);
+    return Open(std::move(*bytes), error, [&] { return detail::ReadDocumentFile(file, maxBytes); });
 }
 
 std::optional<ElementStream> ElementStream::OpenString(std::string_view text, ParseError* error) {
-    const auto copy = [text] {
-        auto* data = static_cast<char*>(pugi::get_memory_allocation_function()(text.size() + 1));
-        if (data == nullptr) {
-            throw std::bad_alloc();
-        }
-        std::memcpy(data, text.data(), text.size());
-        data[text.size()] = '\0';
-        return FileBytes(data, text.size(), pugi::get_memory_deallocation_function());
-    };
-    return Open(copy(), error, copy);
+    return Open(detail::CopyOf(text), error, [text] { return detail::CopyOf(text); });
 }
 
 std::optional<ElementStream> ElementStream::Open(FileBytes raw, ParseError* error,

@@ -367,12 +367,6 @@ void FillError(ParseError* error, std::string_view text, const Failure& failure)
                     std::to_string(column);
 }
 
-FileBytes CopyOf(std::string_view text) {
-    FileBytes bytes = PugiBytes(text.size());
-    std::memcpy(bytes.Data(), text.data(), text.size());
-    return bytes;
-}
-
 std::shared_ptr<pugi::xml_document> Load(FileBytes raw, ParseError* error,
                                          const std::function<FileBytes()>& original) {
     std::optional<FileBytes> text = detail::DocumentText(std::move(raw), error);
@@ -400,13 +394,25 @@ FileBytes ReadDocumentFile(const std::filesystem::path& file, std::uintmax_t max
                            pugi::get_memory_deallocation_function());
 }
 
-void FillUnreadable(ParseError* error, const IoError& failure) {
-    if (error != nullptr) {
-        *error = ParseError{};
-        error->reason = failure.Reason();
-        error->unreadable = true;
-        error->systemError = failure.Code();
+std::optional<FileBytes> ReadDocumentFileOrTell(const std::filesystem::path& file,
+                                                std::uintmax_t maxBytes, ParseError* error) {
+    try {
+        return ReadDocumentFile(file, maxBytes);
+    } catch (const IoError& failure) {
+        if (error != nullptr) {
+            *error = ParseError{};
+            error->reason = failure.Reason();
+            error->unreadable = true;
+            error->systemError = failure.Code();
+        }
+        return std::nullopt;
     }
+}
+
+FileBytes CopyOf(std::string_view text) {
+    FileBytes bytes = PugiBytes(text.size());
+    std::memcpy(bytes.Data(), text.data(), text.size());
+    return bytes;
 }
 
 std::shared_ptr<pugi::xml_document> ParseDocumentText(FileBytes utf8, ParseError* error,
@@ -465,19 +471,15 @@ std::shared_ptr<pugi::xml_document> ParseDocumentText(FileBytes utf8, ParseError
 
 std::shared_ptr<pugi::xml_document> LoadFile(const std::filesystem::path& file, ParseError* error,
                                              std::uintmax_t maxBytes) {
-    const auto read = [&] { return detail::ReadDocumentFile(file, maxBytes); };
-    std::optional<FileBytes> bytes;
-    try {
-        bytes.emplace(read());
-    } catch (const IoError& failure) {
-        detail::FillUnreadable(error, failure);
+    std::optional<FileBytes> bytes = detail::ReadDocumentFileOrTell(file, maxBytes, error);
+    if (!bytes) {
         return nullptr;
     }
-    return Load(std::move(*bytes), error, read);
+    return Load(std::move(*bytes), error, [&] { return detail::ReadDocumentFile(file, maxBytes); });
 }
 
 std::shared_ptr<pugi::xml_document> LoadString(std::string_view text, ParseError* error) {
-    return Load(CopyOf(text), error, [text] { return CopyOf(text); });
+    return Load(detail::CopyOf(text), error, [text] { return detail::CopyOf(text); });
 }
 
 }  // namespace zerbin::xml

@@ -119,12 +119,16 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_CONTROL_EXTRA "${zerbin_deb_source}/triggers"
                                                ${zerbin_no_ldconfig_scripts})
 set(CPACK_DEBIAN_STUDIO_PACKAGE_CONTROL_EXTRA ${zerbin_no_ldconfig_scripts})
 
+# The paragraph every package's description opens with.
+set(zerbin_deb_about
+"Zerbin is the generic application object of a configuration tool for
+building-automation controllers: one object serves every function-block type,
+and a block type is a definition file and an SNVT dictionary, never code.")
+
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION "libs")
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION
 "function blocks of building-automation controllers (shared library)
-Zerbin is the generic application object of a configuration tool for
-building-automation controllers: one object serves every function-block type,
-and a block type is a definition file and an SNVT dictionary, never code.
+${zerbin_deb_about}
 It creates blocks in the order a host must keep, checks the values written to
 them by the rules of the tool's editors, builds their configuration images in
 either byte order, and reads and writes projects atomically.
@@ -137,9 +141,7 @@ set(CPACK_DEBIAN_DEV_PACKAGE_SECTION "libdevel")
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS "libzerbin1 (= ${zerbin_deb_version}), libpugixml-dev")
 set(CPACK_COMPONENT_DEV_DESCRIPTION
 "function blocks of building-automation controllers (development files)
-Zerbin is the generic application object of a configuration tool for
-building-automation controllers: one object serves every function-block type,
-and a block type is a definition file and an SNVT dictionary, never code.
+${zerbin_deb_about}
 
 This package holds what a host is built with: the C header zerbin/zerbin.h
 and the C++ interfaces, the plug-in's header zerbin/plugin.h, the link to
@@ -151,9 +153,7 @@ set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION "electronics")
 set(CPACK_DEBIAN_COMMAND_PACKAGE_DEPENDS "libzerbin1 (= ${zerbin_deb_version})")
 set(CPACK_COMPONENT_COMMAND_DESCRIPTION
 "show, image, save, compare and merge controller function blocks
-Zerbin is the generic application object of a configuration tool for
-building-automation controllers: one object serves every function-block type,
-and a block type is a definition file and an SNVT dictionary, never code.
+${zerbin_deb_about}
 
 The zerbin command checks a block library, shows the layout of a block type,
 prints the configuration image of a block with the values given, and saves
@@ -170,9 +170,7 @@ set(CPACK_DEBIAN_STUDIO_PACKAGE_SECTION "electronics")
 set(CPACK_DEBIAN_STUDIO_PACKAGE_DEPENDS "libzerbin1 (= ${zerbin_deb_version})")
 set(CPACK_COMPONENT_STUDIO_DESCRIPTION
 "desktop tool to build, wire and set up controller function blocks
-Zerbin is the generic application object of a configuration tool for
-building-automation controllers: one object serves every function-block type,
-and a block type is a definition file and an SNVT dictionary, never code.
+${zerbin_deb_about}
 
 Zerbin Studio places blocks from the library on a canvas, wires outputs to
 inputs of a fitting type, sets their parameters through the value editors and

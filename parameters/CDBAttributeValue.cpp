@@ -177,32 +177,6 @@ void CDBAttribute::StoreValue(const std::string& text) {
     value_ = JoinStored(tokens);
 }
 
-bool CDBAttribute::RestoringLeavesAsIs(std::string_view text) const {
-    if (fields_ || def_->isUnit || def_->isType || interceptor_ || callbacks_.size() != 0 ||
-        writeDepth_ != 0 || !snvtType_) {
-        return false;
-    }
-    // What StoreValue keeps of a saved value: a text as it is, a number normalised, which is
-    // compared here without building it.
-    if (ClassOf(*snvtType_) == TypeClass::Textual) {
-        return text == value_;
-    }
-    std::size_t point = text.find('.');
-    if (point == std::string_view::npos) {
-        point = text.find(',');
-    }
-    if (point == std::string_view::npos) {
-        return text == value_;
-    }
-    const std::string& separator = DecimalSeparator();
-    const std::string_view stored(value_);
-    const std::string_view saved = text;
-    return stored.size() == saved.size() - 1 + separator.size() &&
-           stored.substr(0, point) == saved.substr(0, point) &&
-           stored.substr(point, separator.size()) == separator &&
-           stored.substr(point + separator.size()) == saved.substr(point + 1);
-}
-
 std::optional<std::string> CDBAttribute::PlainRestoredValue(
     std::optional<std::string_view> text) const {
     if (fields_ || def_->isUnit || def_->isType || interceptor_ || callbacks_.size() != 0 ||
@@ -218,6 +192,11 @@ std::optional<std::string> CDBAttribute::PlainRestoredValue(
         return std::string(*text);
     }
     return NormalizeDecimal(std::string(*text));
+}
+
+bool CDBAttribute::RestoringLeavesAsIs(std::string_view text) const {
+    const std::optional<std::string> restored = PlainRestoredValue(text);
+    return restored && *restored == value_;
 }
 
 // ---- Reads ---------------------------------------------------------------------------------

@@ -64,9 +64,14 @@ std::ptrdiff_t CDBAttributes::IndexOf(std::string_view key, std::size_t likely) 
     return items_.IndexOf(key);
 }
 
+std::vector<std::pair<std::size_t, std::string>>::iterator CDBAttributes::Kept(
+    std::size_t index) const {
+    return std::find_if(unreached_.begin(), unreached_.end(),
+                        [&](const auto& entry) { return entry.first == index; });
+}
+
 void CDBAttributes::MemberReached(std::size_t index) const {
-    const auto kept = std::find_if(unreached_.begin(), unreached_.end(),
-                                   [&](const auto& entry) { return entry.first == index; });
+    const auto kept = Kept(index);
     if (kept != unreached_.end()) {
         items_.Items()[index]->TakeRestoredValue(std::move(kept->second));
         unreached_.erase(kept);
@@ -82,8 +87,7 @@ bool CDBAttributes::RestoreUnreached(std::size_t index, std::optional<std::strin
     if (!value) {
         return false;
     }
-    const auto kept = std::find_if(unreached_.begin(), unreached_.end(),
-                                   [&](const auto& entry) { return entry.first == index; });
+    const auto kept = Kept(index);
     if (*value == prototype.StoredValue()) {
         if (kept != unreached_.end()) {
             unreached_.erase(kept);
@@ -97,12 +101,8 @@ bool CDBAttributes::RestoreUnreached(std::size_t index, std::optional<std::strin
 }
 
 const std::string* CDBAttributes::UnreachedValue(std::size_t index) const {
-    for (const auto& entry : unreached_) {
-        if (entry.first == index) {
-            return &entry.second;
-        }
-    }
-    return nullptr;
+    const auto kept = Kept(index);
+    return kept == unreached_.end() ? nullptr : &kept->second;
 }
 
 }  // namespace zerbin

@@ -56,6 +56,9 @@ public:
     void MemberReached(std::size_t index) const;
 
 private:
+    // The value kept for the member at index, or the end of unreached_.
+    std::vector<std::pair<std::size_t, std::string>>::iterator Kept(std::size_t index) const;
+
     // Values restored for members still the type's (RestoreUnreached), by index: few per block.
     mutable std::vector<std::pair<std::size_t, std::string>> unreached_;
 };

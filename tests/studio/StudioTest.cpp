@@ -498,8 +498,6 @@ private slots:
     // Ctrl+S while a long delete runs saves the project once the delete is whole, and the
     // title's marker says it is saved; the delete's undo is whole as well.
     void saveDuringALongDeleteWaitsForTheWholeStep() {
-        QTemporaryDir folder;
-        const QString file = folder.filePath("large.xml");
         std::string text = "<Project>";
         for (int i = 1; i <= 300; ++i) {
             const std::string sensor = "S" + std::to_string(i);
@@ -507,7 +505,7 @@ private slots:
                     "\"><Connection Input=\"In1\" Source=\"" + sensor +
                     "\" Output=\"Value\"/></TYPE_MUX>";
         }
-        std::ofstream(file.toStdString()) << text << "</Project>";
+        const QString file = WriteProject("large.xml", text + "</Project>");
         QVERIFY(window_->OpenProject(file));
         QCOMPARE(window_->Project().Wires().size(), std::size_t{300});
         const std::string opened = window_->Project().Text();
@@ -930,7 +928,7 @@ private slots:
         for (const char* refused : {"<Project><unclosed></Project>",
                                     "<!DOCTYPE Project [<!ENTITY e \"x\">]><Project>&e;</Project>",
                                     "<Project/><Project/>"}) {
-            std::ofstream(file.toStdString()) << refused;
+            WriteProject("old.xml", refused);
             QVERIFY(!window_->OpenProject(file));
             QCOMPARE(window_->Project().MissingBlocks(), 1);
         }
