@@ -1,5 +1,9 @@
 #include "base/XmlElementStream.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstdint>
 #include <new>
 #include <string>
 #include <utility>
@@ -92,11 +96,27 @@ pugi::xml_node ElementStream::Next() {
         throw Error("elements " + std::to_string(first + 1) + " to " + std::to_string(last + 1) +
                     " of the document do not parse alone: " + result.description());
     }
+    ReleaseTextBefore(begin);
     current_ = element_->first_child();
     while (current_ && current_.type() != pugi::node_element) {
         current_ = current_.next_sibling();
     }
     return current_;
+}
+
+void ElementStream::ReleaseTextBefore(std::size_t offset) {
+    // The runs before offset are parsed and their nodes gone: their pages go back to the
+    // system, so that with every block of a large project alive the file's text is not held
+    // beside them. Only whole pages inside the buffer: the allocator's own words around it stay.
+    static const auto kPage = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+    const auto start = reinterpret_cast<std::uintptr_t>(text_->Data());
+    const std::uintptr_t from = (start + released_ + kPage - 1) / kPage * kPage;
+    const std::uintptr_t to = (start + offset) / kPage * kPage;
+    if (to > from) {
+        // Advice only: where the system declines, the pages stay, as they would without it.
+        madvise(reinterpret_cast<void*>(from), to - from, MADV_DONTNEED);
+        released_ = to - start;
+    }
 }
 
 }  // namespace zerbin::xml

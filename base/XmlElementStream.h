@@ -59,7 +59,12 @@ private:
     static std::optional<ElementStream> Open(FileBytes raw, ParseError* error,
                                              const std::function<FileBytes()>& original);
 
+    // Gives the pages of the text before offset back to the system; nothing before it is read
+    // again.
+    void ReleaseTextBefore(std::size_t offset);
+
     std::optional<FileBytes> text_;
+    std::size_t released_ = 0;  // bytes of the text whose pages went back
     std::vector<detail::ElementSpan> spans_;
     std::size_t nextSpan_ = 0;
     std::unique_ptr<pugi::xml_document> element_;  // the run of elements in hand
