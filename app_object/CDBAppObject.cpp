@@ -31,7 +31,7 @@ std::string FolderOfPath(const std::string& path) {
 
 CDBAppObject::CDBAppObject() {
     DetectDecimalSeparator();
-    unitsManager_ = CreateUnitConverter();
+    unitsManager_ = FollowingUnitConverter();
     if (!unitsManager_) {
         // Without a converter no attribute can show a value: the host must get no object.
         throw Error("the unit converter cannot be made", ErrorKind::TypeNotCreated);
@@ -65,11 +65,11 @@ std::string CDBAppObject::IAppObject_Path() {
 }
 
 int32_t CDBAppObject::IAppObject_ExecTime() {
-    return execTime_;
+    return header_->execTime;
 }
 
 int32_t CDBAppObject::IAppObject_MaxInstances() {
-    return maxInstances_;
+    return header_->maxInstances;
 }
 
 int32_t CDBAppObject::IAppObject_CDBDimension() {
@@ -85,15 +85,15 @@ int32_t CDBAppObject::IAppObject_InputWidth() {
 }
 
 int32_t CDBAppObject::IAppObject_DDBDimension() {
-    return ddbDimension_;
+    return header_->ddbDimension;
 }
 
 int32_t CDBAppObject::IAppObject_SDBDimension() {
-    return sdbDimension_;
+    return header_->sdbDimension;
 }
 
 bool CDBAppObject::IAppObject_DatasheetAvailable() {
-    return datasheetAvailable_;
+    return header_->datasheetAvailable;
 }
 
 bool CDBAppObject::IAppObject_PlugInAvailable() {
@@ -128,7 +128,7 @@ std::shared_ptr<const pugi::xml_document> CDBAppObject::IAppObject_OwnerDeviceXM
 }
 
 std::string CDBAppObject::IAppObject_Name() {
-    return name_;
+    return header_->name;
 }
 
 int32_t CDBAppObject::IAppObject_NodeType() {
@@ -152,7 +152,7 @@ void CDBAppObject::IAppObject_Key(const std::string& Key) {
 }
 
 std::string CDBAppObject::IAppObject_ID() {
-    return id_;
+    return header_->id;
 }
 
 std::string CDBAppObject::IAppObject_UniqueID() {
@@ -164,11 +164,11 @@ void CDBAppObject::IAppObject_UniqueID(const std::string& RHS) {
 }
 
 std::string CDBAppObject::IAppObject_Description() {
-    return description_;
+    return header_->description;
 }
 
 std::string CDBAppObject::IAppObject_Category() {
-    return category_;
+    return header_->category;
 }
 
 void CDBAppObject::IAppObject_ObjectDebug() {}
@@ -250,7 +250,7 @@ int16_t CDBAppObject::IAppObject_NumObjects() {
 }
 
 bool CDBAppObject::IAppObject_UsesDeviceClock() {
-    return usesDeviceClock_;
+    return header_->usesDeviceClock;
 }
 
 bool CDBAppObject::IAppObject_IsHidden() {
@@ -275,7 +275,7 @@ std::string CDBAppObject::LastStream() const {
 }
 
 std::string CDBAppObject::DatasheetPath() const {
-    return datasheetPath_;
+    return header_->datasheetPath;
 }
 
 std::shared_ptr<CDBAttributes> CDBAppObject::AttributesCollection() const {

@@ -14,6 +14,7 @@
 
 #include "app_object/TypeStamp.h"
 #include "base/CallbackList.h"
+#include "base/CopyOnWrite.h"
 #include "interfaces/IAppObject.h"
 #include "interfaces/IHostServices.h"
 #include "interfaces/IMemberOwner.h"
@@ -30,6 +31,21 @@ struct CompiledTypeKey;
 struct DefinitionHeader;
 struct StoredTypeFacts;
 struct Message;
+
+// What a block shows of its type's definition header and of its datasheet.
+struct TypeHeader {
+    std::string name;
+    std::string id;
+    std::string description;
+    std::string category;
+    int32_t execTime = 0;
+    int32_t maxInstances = 0;
+    int32_t ddbDimension = 0;
+    int32_t sdbDimension = 0;
+    bool usesDeviceClock = false;
+    bool datasheetAvailable = false;
+    std::string datasheetPath;
+};
 
 class CDBAppObject : public IAppObject,
                      public IInterceptableAttribute,
@@ -231,17 +247,8 @@ private:
     void FinishTypeChange(bool attributesLoaded);
 
     std::string uniqueIdString_;
-    std::string name_;
-    std::string id_;
-    std::string description_;
-    std::string category_;
-    int32_t execTime_ = 0;
-    int32_t maxInstances_ = 0;
-    int32_t ddbDimension_ = 0;
-    int32_t sdbDimension_ = 0;
-    bool usesDeviceClock_ = false;
-    bool datasheetAvailable_ = false;
-    std::string datasheetPath_;
+    // Shared by the blocks of a type that read the same header in the same library.
+    CopyOnWrite<TypeHeader> header_;
     bool plugInAvailable_ = false;
     int32_t cdbDimension_ = 0;
     int32_t inputWidth_ = 0;

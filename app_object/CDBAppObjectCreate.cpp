@@ -110,7 +110,7 @@ bool CDBAppObject::CompiledKey(CompiledTypeKey& key) const {
         return false;
     }
     key.type = uniqueIdString_;
-    key.name = name_;
+    key.name = header_->name;
     key.definition = definition.get();
     key.ownerDevice = ownerDeviceXml_.get();
     key.dictionary = SnvtIndexGeneration();
@@ -199,7 +199,7 @@ void CDBAppObject::CreateFromDefinition() {
     if (inputs_) {
         SkipStep([&] {
             if (inputs_->IInputs_Count() != expectedInputs) {
-                ShowMessage(SectionMessage("InReferences", name_));
+                ShowMessage(SectionMessage("InReferences", header_->name));
             }
         });
     }
@@ -215,7 +215,7 @@ void CDBAppObject::CreateFromDefinition() {
     if (outputs_) {
         SkipStep([&] {
             if (outputs_->IOutputs_Count() != expectedOutputs) {
-                ShowMessage(SectionMessage("OutReferences", name_));
+                ShowMessage(SectionMessage("OutReferences", header_->name));
             }
         });
     }
@@ -255,7 +255,7 @@ void CDBAppObject::CreateFromDefinition() {
     if (attributes_) {
         SkipStep([&] {
             if (attributes_->IAttributes_Count() != expectedAttributes) {
-                ShowMessage(SectionMessage("Attribute", name_));
+                ShowMessage(SectionMessage("Attribute", header_->name));
             }
         });
     }

@@ -55,6 +55,12 @@ struct StoredTypeFacts : DefinitionStore::Derived {
         std::optional<std::string> path;
     };
     std::vector<Datasheet> datasheets;
+    // The header a new block ends with in each library, which its later blocks share.
+    struct FreshHeader {
+        std::string library;
+        std::shared_ptr<const TypeHeader> header;
+    };
+    std::vector<FreshHeader> freshHeaders;
 };
 
 namespace {
@@ -219,9 +225,23 @@ void CDBAppObject::LoadDefinitionHeader() {
             derived && typeid(*derived) == typeid(StoredTypeFacts)) {
             auto& facts = static_cast<StoredTypeFacts&>(*derived);
             // What the walk below would find again: the same document, already indexed, and
-            // its header as the first block read it.
+            // its header as the first block read it. A block that starts from a new block's
+            // header ends where every such block of the type in the same library ends: it
+            // shares that block's header.
+            const bool fresh = header_.IsDefault();
+            const std::string& library = LibraryFolder().native();
+            if (fresh) {
+                for (const StoredTypeFacts::FreshHeader& known : facts.freshHeaders) {
+                    if (known.library == library) {
+                        header_.Share(known.header);
+                        return;
+                    }
+                }
+            }
             ApplyHeader(facts.header);
-            SkipStep([&] { SearchStoredDatasheet(facts); });
+            if (SkipStep([&] { SearchStoredDatasheet(facts); }) && fresh) {
+                facts.freshHeaders.push_back({library, header_.Shared()});
+            }
             return;
         }
     }
@@ -247,8 +267,9 @@ void CDBAppObject::LoadDefinitionHeader() {
         searched = true;
     });
     if (!searched) {
-        SkipStep(
-            [&] { TakeDatasheet(FindDatasheet(LibraryFolder(), uniqueIdString_, id_, false)); });
+        SkipStep([&] {
+            TakeDatasheet(FindDatasheet(LibraryFolder(), uniqueIdString_, header_->id, false));
+        });
     }
 }
 
@@ -258,41 +279,46 @@ void CDBAppObject::ApplyHeader(const DefinitionHeader& header) {
             field = *value;
         }
     };
-    set(name_, header.name);
-    set(id_, header.id);
-    set(description_, header.description);
-    set(category_, header.category);
-    set(ddbDimension_, header.ddbDimension);
-    set(sdbDimension_, header.sdbDimension);
-    set(execTime_, header.execTime);
-    set(maxInstances_, header.maxInstances);
-    set(usesDeviceClock_, header.usesDeviceClock);
+    TypeHeader next = *header_;
+    set(next.name, header.name);
+    set(next.id, header.id);
+    set(next.description, header.description);
+    set(next.category, header.category);
+    set(next.ddbDimension, header.ddbDimension);
+    set(next.sdbDimension, header.sdbDimension);
+    set(next.execTime, header.execTime);
+    set(next.maxInstances, header.maxInstances);
+    set(next.usesDeviceClock, header.usesDeviceClock);
+    header_.Write() = std::move(next);
 }
 
 void CDBAppObject::SearchStoredDatasheet(StoredTypeFacts& facts) {
     const std::filesystem::path& library = LibraryFolder();
     for (const StoredTypeFacts::Datasheet& known : facts.datasheets) {
-        if (known.id == id_ && known.library == library.native()) {
+        if (known.id == header_->id && known.library == library.native()) {
             TakeDatasheet(known.path);
             return;
         }
     }
-    StoredTypeFacts::Datasheet found{library.native(), id_,
-                                     FindDatasheet(library, uniqueIdString_, id_, true)};
+    StoredTypeFacts::Datasheet found{library.native(), header_->id,
+                                     FindDatasheet(library, uniqueIdString_, header_->id, true)};
     facts.datasheets.push_back(std::move(found));
     TakeDatasheet(facts.datasheets.back().path);
 }
 
 void CDBAppObject::TakeDatasheet(const std::optional<std::string>& path) {
     if (path) {
-        datasheetAvailable_ = true;
-        datasheetPath_ = *path;
-    } else if (id_.empty()) {
-        datasheetAvailable_ = false;
-    } else {
+        TypeHeader& header = header_.Write();
+        header.datasheetAvailable = true;
+        header.datasheetPath = *path;
+    } else if (header_->id.empty()) {
+        if (header_->datasheetAvailable) {
+            header_.Write().datasheetAvailable = false;
+        }
+    } else if (!header_->datasheetPath.empty()) {
         // Deliberately leaves the flag alone: a datasheet found by an earlier type name stays
         // announced, although its path is gone.
-        datasheetPath_.clear();
+        header_.Write().datasheetPath.clear();
     }
 }
 

@@ -111,7 +111,7 @@ std::shared_ptr<const Picture> CDBAppObject::IAppObject_Icon() {
 // ---- Datasheet ------------------------------------------------------------------------------
 
 void CDBAppObject::IAppObject_ViewDatasheet(const WindowHandle& Handle) {
-    if (!datasheetAvailable_) {
+    if (!header_->datasheetAvailable) {
         ShowMessage("DataSheet not available");
         return;
     }
@@ -119,8 +119,8 @@ void CDBAppObject::IAppObject_ViewDatasheet(const WindowHandle& Handle) {
     // A handle that holds no number drops the call, and the result 0 tells the user.
     int32_t result = 0;
     SkipStep([&] {
-        result = OpenDocument(WindowNumber(Handle), "open", datasheetPath_, "0", datasheetPath_,
-                              kShowMaximized);
+        result = OpenDocument(WindowNumber(Handle), "open", header_->datasheetPath, "0",
+                              header_->datasheetPath, kShowMaximized);
     });
     if (result == kShellNoAssociation) {
         ShowMessage("Viewer not Available. Please install the viewer to see the documentation");

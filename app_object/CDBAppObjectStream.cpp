@@ -28,14 +28,14 @@ std::string CDBAppObject::ImageHeader(bool intelOrder) {
     std::string image = HexByte(cdbDimension_);
     std::string ownDigits;
     const std::string* objectId = &ownDigits;
-    if (compiled_ && compiled_->imageId.known && compiled_->imageId.id == id_) {
+    if (compiled_ && compiled_->imageId.known && compiled_->imageId.id == header_->id) {
         objectId = &compiled_->imageId.digits;
     } else {
-        ownDigits = ObjectIdDigits(id_);
+        ownDigits = ObjectIdDigits(header_->id);
         if (compiled_) {
             CompiledBlockType::ImageId& known = compiled_->imageId;
             known.known = false;
-            known.id = id_;
+            known.id = header_->id;
             known.digits = ownDigits;
             known.known = true;
         }
@@ -65,7 +65,7 @@ std::string CDBAppObject::IAppObject_Stream() {
     } catch (const std::bad_alloc&) {
         throw;  // not the length of the object: the user hears of it as it is
     } catch (...) {
-        ShowMessage("Error exporting the object: " + name_ +
+        ShowMessage("Error exporting the object: " + header_->name +
                     ",   A possible error is the lenght of the object.");
         return {};
     }
