@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/CopyOnWrite.h"
 #include "base/MMain.h"
 #include "interfaces/Error.h"
 
@@ -27,33 +28,34 @@ public:
     // Strong guarantee: when it throws, the collection is as it was.
     void Add(const std::string& key, std::shared_ptr<T> item) {
         std::string folded = UpperCase(key);
-        if (keys_ && keys_->index.contains(folded)) {
+        if (keys_->index.contains(folded)) {
             throw Error("the key '" + key + "' is taken", ErrorKind::DuplicateKey);
         }
         // Every allocation comes before the index learns the key: after it nothing may fail.
-        MakeRoom(items_);
-        Keys& keys = OwnKeys();
+        std::vector<std::shared_ptr<T>>& items = items_.Write();
+        MakeRoom(items);
+        Keys& keys = keys_.Write();
         MakeRoom(keys.folded);
         std::string kept = folded;
-        keys.index.emplace(std::move(folded), items_.size());
-        items_.push_back(std::move(item));
+        keys.index.emplace(std::move(folded), items.size());
+        items.push_back(std::move(item));
         keys.folded.push_back(std::move(kept));
     }
 
     // nullptr when no member has the key.
     std::shared_ptr<T> FindKey(std::string_view key) const {
         const std::ptrdiff_t at = KeyIndex(key);
-        return at < 0 ? nullptr : items_[static_cast<std::size_t>(at)];
+        return at < 0 ? nullptr : (*items_)[static_cast<std::size_t>(at)];
     }
 
     bool Contains(std::string_view key) const { return KeyIndex(key) >= 0; }
 
     // By 1-based position; nullptr outside 1 to Count().
     std::shared_ptr<T> At(int32_t position1) const {
-        if (position1 < 1 || static_cast<std::size_t>(position1) > items_.size()) {
+        if (position1 < 1 || static_cast<std::size_t>(position1) > items_->size()) {
             return nullptr;
         }
-        return items_[static_cast<std::size_t>(position1) - 1];
+        return (*items_)[static_cast<std::size_t>(position1) - 1];
     }
 
     // The member with the key, else the member at the 1-based position LeadingNumber(key).
@@ -61,7 +63,7 @@ public:
     // The key wins, so a member keyed "2" is found by "2" whatever stands at position 2.
     std::shared_ptr<T> Item(std::string_view key) const {
         const std::ptrdiff_t at = IndexOf(key);
-        return at < 0 ? nullptr : items_[static_cast<std::size_t>(at)];
+        return at < 0 ? nullptr : (*items_)[static_cast<std::size_t>(at)];
     }
 
     // The 0-based index of the member Item(key) gives; -1 when none.
@@ -70,7 +72,7 @@ public:
             return found;
         }
         const double position = LeadingNumber(std::string(key));
-        if (!(position >= 1.0) || position > static_cast<double>(items_.size()) ||
+        if (!(position >= 1.0) || position > static_cast<double>(items_->size()) ||
             std::floor(position) != position) {
             return -1;
         }
@@ -78,29 +80,32 @@ public:
     }
 
     // Puts item in the place of the member at index, under the same key.
-    void ReplaceAt(std::size_t index, std::shared_ptr<T> item) { items_[index] = std::move(item); }
+    void ReplaceAt(std::size_t index, std::shared_ptr<T> item) {
+        items_.Write()[index] = std::move(item);
+    }
 
     // Throws Error(NotFound) when no member has the key.
     void Remove(const std::string& key) {
         const std::string folded = UpperCase(key);
-        if (!keys_ || !keys_->index.contains(folded)) {
+        if (!keys_->index.contains(folded)) {
             throw Error("no member has the key '" + key + "'", ErrorKind::NotFound);
         }
-        Keys& keys = OwnKeys();
+        std::vector<std::shared_ptr<T>>& items = items_.Write();
+        Keys& keys = keys_.Write();
         auto it = keys.index.find(folded);
         const std::size_t removed = it->second;
         keys.index.erase(it);
-        items_.erase(items_.begin() + static_cast<std::ptrdiff_t>(removed));
+        items.erase(items.begin() + static_cast<std::ptrdiff_t>(removed));
         keys.folded.erase(keys.folded.begin() + static_cast<std::ptrdiff_t>(removed));
         for (std::size_t i = removed; i < keys.folded.size(); ++i) {
             keys.index[keys.folded[i]] = i;
         }
     }
 
-    int32_t Count() const { return static_cast<int32_t>(items_.size()); }
+    int32_t Count() const { return static_cast<int32_t>(items_->size()); }
 
     // The members in order: what NewEnum hands out.
-    const std::vector<std::shared_ptr<T>>& Items() const { return items_; }
+    const std::vector<std::shared_ptr<T>>& Items() const { return *items_; }
 
     // A collection with the same keys and order whose members are copy(member): how a block
     // made from a compiled type gets its own members. The keys are shared until one of the
@@ -108,17 +113,18 @@ public:
     template <class Copy>
     KeyedCollection Copied(Copy&& copy) const {
         KeyedCollection result;
-        result.items_.reserve(items_.size());
-        for (const auto& item : items_) {
-            result.items_.push_back(copy(item));
+        std::vector<std::shared_ptr<T>>& items = result.items_.Write();
+        items.reserve(items_->size());
+        for (const auto& item : *items_) {
+            items.push_back(copy(item));
         }
         result.keys_ = keys_;
         return result;
     }
 
     void Clear() {
-        items_.clear();
-        keys_.reset();
+        items_ = {};
+        keys_ = {};
     }
 
 private:
@@ -140,9 +146,6 @@ private:
 
     // The position of the member with the key, in any letter case; -1 when none has it.
     std::ptrdiff_t KeyIndex(std::string_view key) const {
-        if (!keys_) {
-            return -1;
-        }
         const auto find = [&](std::string_view folded) -> std::ptrdiff_t {
             const auto it = keys_->index.find(folded);
             return it == keys_->index.end() ? -1 : static_cast<std::ptrdiff_t>(it->second);
@@ -164,18 +167,10 @@ private:
         std::unordered_map<std::string, std::size_t, ViewHash, std::equal_to<>> index;
     };
 
-    // The keys this collection alone holds, copied first when they are shared.
-    Keys& OwnKeys() {
-        if (!keys_) {
-            keys_ = std::make_shared<Keys>();
-        } else if (keys_.use_count() > 1) {
-            keys_ = std::make_shared<Keys>(*keys_);
-        }
-        return *keys_;
-    }
-
-    std::vector<std::shared_ptr<T>> items_;
-    std::shared_ptr<Keys> keys_;
+    // Both shared with the collections copied from this one (a block's and its type's) until
+    // one of them changes.
+    CopyOnWrite<std::vector<std::shared_ptr<T>>> items_;
+    CopyOnWrite<Keys> keys_;
 };
 
 }  // namespace zerbin

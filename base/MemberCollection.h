@@ -36,7 +36,8 @@ public:
         return items_.Items();
     }
     // For the image and the restore of values, which only read: the members as they stand,
-    // the type's where the block has not reached them. Never to be changed or handed out.
+    // the type's where the block has not reached them. Never to be changed or handed out, nor
+    // held across a call that may reach a member: the block may then hold a list of its own.
     const std::vector<std::shared_ptr<T>>& AsTheyStand() const { return items_.Items(); }
     // Whether the member at index is still the type's.
     bool IsTheTypes(std::size_t index) const { return shared_.IsTheTypes(index); }
@@ -53,14 +54,13 @@ public:
         return at < 0 ? nullptr : At(static_cast<std::size_t>(at));
     }
 
-    const std::string& GlobalKey() const { return globalKey_; }
-    const std::string& ExtendedKey() const { return extendedKey_; }
+    // The collection's keys are held once, by the key its members are given.
+    const std::string& GlobalKey() const { return shared_.GlobalKey().Text(); }
+    const std::string& ExtendedKey() const { return shared_.ExtendedKey().Text(); }
     void PropagateGlobalKey(const std::string& key) {
-        globalKey_ = key;
         shared_.GiveGlobalKey(items_, MemberKey::Under(std::make_shared<const std::string>(key)));
     }
     void PropagateExtendedKey(const std::string& key) {
-        extendedKey_ = key;
         shared_.GiveExtendedKey(items_, MemberKey::Under(std::make_shared<const std::string>(key)));
     }
 
@@ -127,9 +127,6 @@ protected:
 
 private:
     const Derived& Self() const { return static_cast<const Derived&>(*this); }
-
-    std::string globalKey_;
-    std::string extendedKey_;
 };
 
 }  // namespace zerbin

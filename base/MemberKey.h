@@ -26,6 +26,14 @@ public:
         return key;
     }
 
+    // Whether a key was given at all.
+    bool Given() const { return text_ != nullptr; }
+    // What the key was made from: the collection key of Under, else the whole key.
+    const std::string& Text() const {
+        static const std::string none;
+        return text_ ? *text_ : none;
+    }
+
     std::string Of(const std::string& name) const {
         if (!text_) {
             return {};

@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -92,11 +91,13 @@ public:
         }
     }
 
+    // The keys given last; no key when none was given.
+    const MemberKey& GlobalKey() const { return global_; }
+    const MemberKey& ExtendedKey() const { return extended_; }
+
     // The block is going: the members not yet reached need no owner any more.
     void Forget() {
         owner_.reset();
-        global_.reset();
-        extended_.reset();
         later_.clear();
     }
 
@@ -107,11 +108,11 @@ public:
         }
         auto own = items.Items()[index]->CopyFor(owner_, true);
         try {
-            if (global_) {
-                own->SetGlobalKey(*global_);
+            if (global_.Given()) {
+                own->SetGlobalKey(global_);
             }
-            if (extended_) {
-                own->SetExtendedKey(*extended_);
+            if (extended_.Given()) {
+                own->SetExtendedKey(extended_);
             }
             for (const std::function<void(T&)>& act : later_) {
                 act(*own);
@@ -151,8 +152,8 @@ private:
     // Members still the type's; none once every one is reached.
     std::size_t count_ = 0;
     std::shared_ptr<Owner> owner_;
-    std::optional<MemberKey> global_;
-    std::optional<MemberKey> extended_;
+    MemberKey global_;
+    MemberKey extended_;
     std::vector<std::function<void(T&)>> later_;
 };
 

@@ -198,9 +198,9 @@ void CDBAttribute::RederiveDependents(const std::shared_ptr<CDBUnit>& unit, bool
     // in a project's load leaves the other members the type's.
     std::vector<std::shared_ptr<CDBAttribute>> dependents;
     if (const auto own = std::dynamic_pointer_cast<CDBAttributes>(attributes)) {
-        const auto& standing = own->AsTheyStand();
-        for (std::size_t i = 0; i < standing.size(); ++i) {
-            if (standing[i]->IsUnitDependent()) {
+        // Looked up again at each step: reaching a member may give the block a list of its own.
+        for (std::size_t i = 0; i < own->AsTheyStand().size(); ++i) {
+            if (own->AsTheyStand()[i]->IsUnitDependent()) {
                 dependents.push_back(own->At(i));
             }
         }
