@@ -150,8 +150,9 @@ UnitSystem CurrentUnitSystem() {
     return SystemSlot();
 }
 
-std::shared_ptr<IUnitConverter> CreateUnitConverter() {
-    return std::make_shared<UnitConverter>();
+std::shared_ptr<IUnitConverter> FollowingUnitConverter() {
+    static const std::shared_ptr<IUnitConverter> converter = std::make_shared<UnitConverter>();
+    return converter;
 }
 
 // What the converter needs of a type: the type record's own resolution, cached once for the

@@ -23,8 +23,9 @@ enum class UnitSystem { SI, US };
 void SetUnitSystem(UnitSystem system);
 UnitSystem CurrentUnitSystem();
 
-// A converter that reads the process-wide SNVT dictionary and follows the process setting.
-std::shared_ptr<IUnitConverter> CreateUnitConverter();
+// The converter that reads the process-wide SNVT dictionary and follows the process setting.
+// It holds nothing of its own, so one serves every block and editor of the process.
+std::shared_ptr<IUnitConverter> FollowingUnitConverter();
 
 // One type that the US customary system shows in another unit: display = stored * factor +
 // offset. An offset of 0 converts differences (a temperature difference in kelvin shows as

@@ -88,7 +88,7 @@ void frmCPModif1::Load() {
     valueText_.clear();
     // Each step that fails is passed over, so that the window shows what it can.
     SkipStep([&] { typeId = point.TypeId(); });
-    converter_ = CreateUnitConverter();
+    converter_ = FollowingUnitConverter();
     SkipStep([&] { valueText_ = converter_->ToDisplayValue(typeId, point.Value()); });
     SkipStep([&] { decimals_ = converter_->DecimalPlaces(typeId); });
     SkipStep([&] {

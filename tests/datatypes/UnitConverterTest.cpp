@@ -188,12 +188,12 @@ TEST_F(UnitConverterTest, LimitsAreTheDictionarysInDisplayForm) {
 }
 
 TEST_F(UnitConverterTest, ConvertersFollowTheProcessSettingUnlessFixed) {
-    auto following = CreateUnitConverter();
+    auto following = FollowingUnitConverter();
     EXPECT_EQ(CurrentUnitSystem(), UnitSystem::SI);
     EXPECT_EQ(following->DisplayUnit("105"), "°C");
     SetUnitSystem(UnitSystem::US);
     EXPECT_EQ(following->DisplayUnit("105"), "°F");
-    EXPECT_EQ(CreateUnitConverter()->ToDisplayValue("105", "100"), "212");
+    EXPECT_EQ(FollowingUnitConverter()->ToDisplayValue("105", "100"), "212");
     EXPECT_EQ(si_.DisplayUnit("105"), "°C");
     SetUnitSystem(UnitSystem::SI);
     EXPECT_EQ(following->DisplayUnit("105"), "°C");
