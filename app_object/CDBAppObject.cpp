@@ -31,11 +31,6 @@ std::string FolderOfPath(const std::string& path) {
 
 CDBAppObject::CDBAppObject() {
     DetectDecimalSeparator();
-    unitsManager_ = FollowingUnitConverter();
-    if (!unitsManager_) {
-        // Without a converter no attribute can show a value: the host must get no object.
-        throw Error("the unit converter cannot be made", ErrorKind::TypeNotCreated);
-    }
     ServePendingEvents();
     definitionCache_ = DefinitionCache::ForBlocks();
 }
@@ -57,11 +52,14 @@ bool CDBAppObject::IAppObject_IsPlugInActive() {
 }
 
 void CDBAppObject::IAppObject_Path(const std::string& RHS) {
-    path_ = FolderOfPath(RHS);
+    std::string folder = FolderOfPath(RHS);
+    if (folder != seldom_->path) {
+        seldom_.Write().path = std::move(folder);
+    }
 }
 
 std::string CDBAppObject::IAppObject_Path() {
-    return path_;
+    return seldom_->path;
 }
 
 int32_t CDBAppObject::IAppObject_ExecTime() {
@@ -136,11 +134,13 @@ int32_t CDBAppObject::IAppObject_NodeType() {
 }
 
 std::string CDBAppObject::IAppObject_Tag() {
-    return tag_;
+    return seldom_->tag;
 }
 
 void CDBAppObject::IAppObject_Tag(const std::string& RHS) {
-    tag_ = RHS;
+    if (RHS != seldom_->tag) {
+        seldom_.Write().tag = RHS;
+    }
 }
 
 std::string CDBAppObject::IAppObject_Key() {
@@ -263,11 +263,13 @@ bool CDBAppObject::IAppObject_IsVirtual() {
 
 void CDBAppObject::IInterceptableAttribute_SetInterceptor(
     std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) {
-    interceptor_ = std::move(oAttributeInterceptor);
+    if (oAttributeInterceptor != seldom_->interceptor) {
+        seldom_.Write().interceptor = std::move(oAttributeInterceptor);
+    }
 }
 
 std::shared_ptr<IUnitConverter> CDBAppObject::UnitsManager() {
-    return unitsManager_;
+    return FollowingUnitConverter();
 }
 
 std::string CDBAppObject::LastStream() const {
@@ -314,21 +316,25 @@ template <class Propagate>
 void CDBAppObject::PropagateKey(const std::string& key, Propagate propagate) {
     // Members learn the keys only now: the host writes them after IAppObject_Create. A block
     // without inputs or outputs is common, so an absent collection is passed by, not thrown at.
+    if (!attributes_ && !inputs_ && !outputs_) {
+        return;
+    }
+    const auto shared = std::make_shared<const std::string>(key);
     if (attributes_) {
-        SkipStep([&] { propagate(*attributes_, key + "\\ATT"); });
+        SkipStep([&] { propagate(*attributes_, shared, "\\ATT"); });
     }
     if (inputs_) {
-        SkipStep([&] { propagate(*inputs_, key + "\\RIN"); });
+        SkipStep([&] { propagate(*inputs_, shared, "\\RIN"); });
     }
     if (outputs_) {
-        SkipStep([&] { propagate(*outputs_, key + "\\ROU"); });
+        SkipStep([&] { propagate(*outputs_, shared, "\\ROU"); });
     }
 }
 
 void CDBAppObject::IAppObject_GlobalKey(const std::string& GlobalKey) {
     globalKey_ = GlobalKey;
-    PropagateKey(globalKey_, [](auto& collection, const std::string& key) {
-        collection.PropagateGlobalKey(key);
+    PropagateKey(globalKey_, [](auto& collection, const auto& key, const char* suffix) {
+        collection.PropagateGlobalKey(key, suffix);
     });
 }
 
@@ -338,8 +344,8 @@ std::string CDBAppObject::IAppObject_GlobalKey() {
 
 void CDBAppObject::IAppObject_ExtendedKey(const std::string& RHS) {
     extendedKey_ = RHS;
-    PropagateKey(extendedKey_, [](auto& collection, const std::string& key) {
-        collection.PropagateExtendedKey(key);
+    PropagateKey(extendedKey_, [](auto& collection, const auto& key, const char* suffix) {
+        collection.PropagateExtendedKey(key, suffix);
     });
 }
 

@@ -54,14 +54,15 @@ public:
         return at < 0 ? nullptr : At(static_cast<std::size_t>(at));
     }
 
-    // The collection's keys are held once, by the key its members are given.
-    const std::string& GlobalKey() const { return shared_.GlobalKey().Text(); }
-    const std::string& ExtendedKey() const { return shared_.ExtendedKey().Text(); }
-    void PropagateGlobalKey(const std::string& key) {
-        shared_.GiveGlobalKey(items_, MemberKey::Under(std::make_shared<const std::string>(key)));
+    // The collection's keys, owner + suffix: held once, by the key its members are given, and
+    // the owner's key shared by all its collections. The suffix is a literal.
+    std::string GlobalKey() const { return shared_.GlobalKey().Text(); }
+    std::string ExtendedKey() const { return shared_.ExtendedKey().Text(); }
+    void PropagateGlobalKey(const std::shared_ptr<const std::string>& owner, const char* suffix) {
+        shared_.GiveGlobalKey(items_, MemberKey::Under(owner, suffix));
     }
-    void PropagateExtendedKey(const std::string& key) {
-        shared_.GiveExtendedKey(items_, MemberKey::Under(std::make_shared<const std::string>(key)));
+    void PropagateExtendedKey(const std::shared_ptr<const std::string>& owner, const char* suffix) {
+        shared_.GiveExtendedKey(items_, MemberKey::Under(owner, suffix));
     }
 
     // Calls act on every member: at once on those the block has made its own, on the others

@@ -18,32 +18,35 @@ public:
     MemberKey(std::string whole)  // NOLINT(google-explicit-constructor): a key reads as text
         : text_(whole.empty() ? nullptr : std::make_shared<const std::string>(std::move(whole))) {}
 
-    // The key of a member named name under the collection key prefix.
-    static MemberKey Under(std::shared_ptr<const std::string> prefix) {
+    // The key of a member named name under the collection key owner + suffix: the block's key
+    // is held once for all its collections, each naming its own suffix, a literal.
+    static MemberKey Under(std::shared_ptr<const std::string> owner, const char* suffix) {
         MemberKey key;
-        key.text_ = std::move(prefix);
-        key.under_ = true;
+        key.text_ = std::move(owner);
+        key.suffix_ = suffix;
         return key;
     }
 
     // Whether a key was given at all.
     bool Given() const { return text_ != nullptr; }
-    // What the key was made from: the collection key of Under, else the whole key.
-    const std::string& Text() const {
-        static const std::string none;
-        return text_ ? *text_ : none;
+    // The collection key of Under, else the whole key; empty when none was given.
+    std::string Text() const {
+        if (!text_) {
+            return {};
+        }
+        return suffix_ != nullptr ? *text_ + suffix_ : *text_;
     }
 
     std::string Of(const std::string& name) const {
         if (!text_) {
             return {};
         }
-        return under_ ? JoinKey(*text_, name) : *text_;
+        return suffix_ != nullptr ? JoinKey(Text(), name) : *text_;
     }
 
 private:
     std::shared_ptr<const std::string> text_;
-    bool under_ = false;
+    const char* suffix_ = nullptr;  // null for a key given whole
 };
 
 }  // namespace zerbin

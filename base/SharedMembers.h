@@ -27,14 +27,14 @@ public:
     void ShareAll(std::size_t count, std::shared_ptr<Owner> owner) {
         if (count <= kInline) {
             inline_ = count == kInline ? ~uint64_t{0} : (uint64_t{1} << count) - 1;
-            more_.clear();
+            more_.reset();
         } else {
             inline_ = 0;
-            more_.assign(count, true);
+            more_ = std::make_unique<std::vector<bool>>(count, true);
         }
         count_ = count;
         owner_ = count > 0 ? std::move(owner) : nullptr;
-        later_.clear();
+        later_.reset();
     }
 
     // False for a member added after ShareAll: the block's own from the start.
@@ -42,8 +42,8 @@ public:
         if (count_ == 0) {
             return false;
         }
-        return more_.empty() ? index < kInline && ((inline_ >> index) & 1) != 0
-                             : index < more_.size() && more_[index];
+        return !more_ ? index < kInline && ((inline_ >> index) & 1) != 0
+                      : index < more_->size() && (*more_)[index];
     }
 
     // Takes from's members, those of another compiled form of the same type, in place of the
@@ -54,9 +54,9 @@ public:
     }
 
     // Whether something given to all members waits for the ones not yet reached.
-    bool HasLaterActs() const { return !later_.empty(); }
+    bool HasLaterActs() const { return later_ != nullptr; }
     // Whether each of total members is still the type's, with nothing waiting to be given.
-    bool NoneReached(std::size_t total) const { return count_ == total && later_.empty(); }
+    bool NoneReached(std::size_t total) const { return count_ == total && !later_; }
 
     // Calls act(member) for every member the block has reached: the type's are not the
     // block's to change.
@@ -87,7 +87,13 @@ public:
     void GiveToAll(const KeyedCollection<T>& items, std::function<void(T&)> act) {
         ForEachOwn(items, act);
         if (count_ > 0) {
-            later_.push_back(std::move(act));
+            if (later_) {
+                later_->push_back(std::move(act));
+            } else {
+                auto list = std::make_unique<std::vector<std::function<void(T&)>>>();
+                list->push_back(std::move(act));
+                later_ = std::move(list);
+            }
         }
     }
 
@@ -98,7 +104,7 @@ public:
     // The block is going: the members not yet reached need no owner any more.
     void Forget() {
         owner_.reset();
-        later_.clear();
+        later_.reset();
     }
 
     // Puts the block's own copy in place of the member at index when it is still the type's.
@@ -114,8 +120,10 @@ public:
             if (extended_.Given()) {
                 own->SetExtendedKey(extended_);
             }
-            for (const std::function<void(T&)>& act : later_) {
-                act(*own);
+            if (later_) {
+                for (const std::function<void(T&)>& act : *later_) {
+                    act(*own);
+                }
             }
         } catch (...) {
             if constexpr (requires { own->Release(); }) {
@@ -124,16 +132,16 @@ public:
             throw;
         }
         items.ReplaceAt(index, std::move(own));
-        if (more_.empty()) {
+        if (!more_) {
             inline_ &= ~(uint64_t{1} << index);
         } else {
-            more_[index] = false;
+            (*more_)[index] = false;
         }
         if (--count_ == 0) {
             // Every member holds its owner now; the list need not.
-            more_.clear();
+            more_.reset();
             owner_.reset();
-            later_.clear();
+            later_.reset();
         }
     }
 
@@ -148,13 +156,14 @@ private:
     // need no allocation of their own.
     static constexpr std::size_t kInline = 64;
     uint64_t inline_ = 0;
-    std::vector<bool> more_;
+    std::unique_ptr<std::vector<bool>> more_;
     // Members still the type's; none once every one is reached.
     std::size_t count_ = 0;
     std::shared_ptr<Owner> owner_;
     MemberKey global_;
     MemberKey extended_;
-    std::vector<std::function<void(T&)>> later_;
+    // What was given to all members, for those reached later; nullptr until something is.
+    std::unique_ptr<std::vector<std::function<void(T&)>>> later_;
 };
 
 }  // namespace zerbin

@@ -34,7 +34,7 @@ TEST(SharedMembers, ABlockCopiesOnlyWhatItReachesAndGivesItItsKeys) {
         const auto type = items.Items();
         SharedMembers<TypeMember, int> shared;
         shared.ShareAll(count, std::make_shared<int>(0));
-        shared.GiveGlobalKey(items, MemberKey::Under(std::make_shared<const std::string>("K")));
+        shared.GiveGlobalKey(items, MemberKey::Under(std::make_shared<const std::string>("K"), ""));
         const std::size_t last = count - 1;
         shared.Reach(items, last);
         shared.Reach(items, last);

@@ -115,15 +115,15 @@ TYPED_TEST(ReferenceCollectionTest, ABadDefinitionRaisesAndAddsNothing) {
 TYPED_TEST(ReferenceCollectionTest, KeysReachEveryMemberBehindABackslashAndItsName) {
     auto flow = this->Add("Flow");
     auto setpoint = this->Add("Setpoint");
-    this->collection.PropagateGlobalKey("K\\RIN");
-    this->collection.PropagateExtendedKey("E\\RIN");
+    this->collection.PropagateGlobalKey(std::make_shared<const std::string>("K"), "\\RIN");
+    this->collection.PropagateExtendedKey(std::make_shared<const std::string>("E"), "\\RIN");
     EXPECT_EQ(TypeParam::GlobalKey(this->collection), "K\\RIN");
     EXPECT_EQ(TypeParam::ExtendedKey(this->collection), "E\\RIN");
     EXPECT_EQ(TypeParam::GlobalKey(flow), "K\\RIN\\Flow");
     EXPECT_EQ(TypeParam::ExtendedKey(setpoint), "E\\RIN\\Setpoint");
 
     // A later key replaces the earlier one; each key space keeps its own.
-    this->collection.PropagateGlobalKey("K2");
+    this->collection.PropagateGlobalKey(std::make_shared<const std::string>("K2"), "");
     EXPECT_EQ(TypeParam::GlobalKey(setpoint), "K2\\Setpoint");
     EXPECT_EQ(TypeParam::ExtendedKey(setpoint), "E\\RIN\\Setpoint");
 }
