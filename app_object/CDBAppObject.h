@@ -262,22 +262,17 @@ private:
     std::string userName_;
     std::string key_;
     std::string uniqueId_;
-    std::string tag_;
     std::string globalKey_;
     std::string extendedKey_;
-    std::string path_;
     double xPosition_ = 0;
     double yPosition_ = 0;
     int32_t language_ = 0;
-    std::string colorWord_;
     std::shared_ptr<IObject> parent_;
     std::shared_ptr<const pugi::xml_document> ownerDeviceXml_;
     bool manageShortFloat_ = false;
     int16_t exportIndex_ = 0;
     CallbackList<IcbkAppObject> callbackList_;
     std::string lastStream_;
-    // Copies of what the last project load did not understand, or nullptr.
-    std::shared_ptr<pugi::xml_document> keptEntries_;
     // What the last project load found of a changed type, or nullptr.
     std::unique_ptr<TypeChange> typeChange_;
     // Saved values that a changed type's attributes no longer take. A project save writes
@@ -288,10 +283,19 @@ private:
         std::string saved;
         std::string left;  // the attribute's value after the load
     };
-    std::vector<RefusedValue> refused_;
-    std::shared_ptr<IUnitConverter> unitsManager_;
+    // What few blocks are given: held apart, so that a block without any of it carries only
+    // the shared empty one.
+    struct Seldom {
+        std::string tag;
+        std::string path;
+        std::string colorWord;
+        // Copies of what the last project load did not understand, or nullptr.
+        std::shared_ptr<pugi::xml_document> keptEntries;
+        std::vector<RefusedValue> refused;
+        std::shared_ptr<AttributeInterceptor> interceptor;
+    };
+    CopyOnWrite<Seldom> seldom_;
     std::shared_ptr<DefinitionCache> definitionCache_;
-    std::shared_ptr<AttributeInterceptor> interceptor_;
 };
 
 }  // namespace zerbin

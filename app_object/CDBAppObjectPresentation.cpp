@@ -66,7 +66,7 @@ int32_t WindowNumber(const WindowHandle& handle) {
 
 int32_t CDBAppObject::IAppObject_Color() {
     for (const ColorEntry& entry : kColors) {
-        if (EqualsNoCase(colorWord_, entry.word)) {
+        if (EqualsNoCase(seldom_->colorWord, entry.word)) {
             return entry.number;
         }
     }
@@ -74,16 +74,19 @@ int32_t CDBAppObject::IAppObject_Color() {
 }
 
 void CDBAppObject::IAppObject_Color(int32_t Color) {
-    colorWord_.clear();
+    std::string word;
     for (const ColorEntry& entry : kColors) {
         if (Color == entry.number) {
-            colorWord_ = entry.word;
+            word = entry.word;
         }
     }
+    IAppObject_SetColor(word);
 }
 
 void CDBAppObject::IAppObject_SetColor(const std::string& Color) {
-    colorWord_ = Color;
+    if (Color != seldom_->colorWord) {
+        seldom_.Write().colorWord = Color;
+    }
 }
 
 // ---- Icon -----------------------------------------------------------------------------------

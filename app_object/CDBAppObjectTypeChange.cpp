@@ -96,7 +96,7 @@ bool CDBAppObject::TakesSavedValue(std::size_t index, pugi::xml_node element,
     if (objection.empty()) {
         return true;
     }
-    refused_.push_back(RefusedValue{index, text, {}});
+    seldom_.Write().refused.push_back(RefusedValue{index, text, {}});
     typeChange_->unmapped.push_back({element.name(), text, objection});
     return false;
 }
@@ -122,7 +122,8 @@ void CDBAppObject::FinishTypeChange(bool attributesLoaded) {
     for (pugi::xml_node kept : keptOutputs.children()) {
         typeChange_->outputsGone.push_back(kept.name());
     }
-    for (RefusedValue& refused : refused_) {
+    for (std::size_t i = 0; i < seldom_->refused.size(); ++i) {
+        RefusedValue& refused = seldom_.Write().refused[i];
         SkipStep(
             [&] { refused.left = attributes_->AsTheyStand()[refused.index]->IAttribute_Value(); });
     }
@@ -164,7 +165,9 @@ std::vector<TypeChange::Value> CDBAppObject::UpdateToLibraryType() {
             section.remove_child(child);
         }
     }
-    refused_.clear();
+    if (!seldom_->refused.empty()) {
+        seldom_.Write().refused.clear();
+    }
     typeChange_.reset();
     return dropped;
 }

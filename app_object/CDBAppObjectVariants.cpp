@@ -18,7 +18,7 @@ namespace zerbin {
 bool CDBAppObject::MayTakeVariant() const {
     // A listener, an interceptor or a container would hear of the change or steer it, and a
     // block with members of its own may differ from its type in what the change derives.
-    return compiled_ && !typeChange_ && !interceptor_ && !parent_ && attributes_ &&
+    return compiled_ && !typeChange_ && !seldom_->interceptor && !parent_ && attributes_ &&
            attributes_->AsTheTypeHasThem() && (!inputs_ || inputs_->AsTheTypeHasThem()) &&
            (!outputs_ || outputs_->AsTheTypeHasThem());
 }

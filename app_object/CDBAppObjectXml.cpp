@@ -82,7 +82,7 @@ void CDBAppObject::SaveSubtree(pugi::xml_node parentNode, pugi::xml_document& do
             ServePendingEvents();
             std::string value = members[i]->IAttribute_Value();
             if (forProject) {
-                for (const RefusedValue& refused : refused_) {
+                for (const RefusedValue& refused : seldom_->refused) {
                     if (refused.index == i && refused.left == value) {
                         value = refused.saved;
                     }
@@ -139,9 +139,12 @@ void CDBAppObject::IAppObject_XMLSaveForInteroperability(pugi::xml_node ParentNo
 }
 
 void CDBAppObject::IAppObject_XmlLoad(pugi::xml_node ParentNode) {
-    keptEntries_.reset();
+    if (seldom_->keptEntries || !seldom_->refused.empty()) {
+        Seldom& seldom = seldom_.Write();
+        seldom.keptEntries.reset();
+        seldom.refused.clear();
+    }
     typeChange_.reset();
-    refused_.clear();
     SkipStep([&] { NoteSavedTypeStamp(ParentNode); });
     bool attributesLoaded = false;
     for (pugi::xml_node child : ParentNode.children()) {
@@ -314,26 +317,27 @@ void CDBAppObject::LoadDisplayableOutputs(pugi::xml_node element) {
 // ---- Entries kept for a later save ---------------------------------------------------------
 
 void CDBAppObject::Keep(const char* section, pugi::xml_node element) {
-    if (!keptEntries_) {
-        keptEntries_ = std::make_shared<pugi::xml_document>();
+    std::shared_ptr<pugi::xml_document>& kept = seldom_.Write().keptEntries;
+    if (!kept) {
+        kept = std::make_shared<pugi::xml_document>();
         for (const char* name : {kKeptBlock, kKeptAttributes, kKeptOutputs}) {
-            keptEntries_->append_child(name);
+            kept->append_child(name);
         }
     }
-    keptEntries_->child(section).append_copy(element);
+    kept->child(section).append_copy(element);
 }
 
 pugi::xml_node CDBAppObject::KeptSection(const char* section) const {
-    return keptEntries_ ? keptEntries_->child(section) : pugi::xml_node();
+    return seldom_->keptEntries ? seldom_->keptEntries->child(section) : pugi::xml_node();
 }
 
 std::vector<std::string> CDBAppObject::KeptProjectEntries() const {
     std::vector<std::string> names;
-    for (const RefusedValue& refused : refused_) {
+    for (const RefusedValue& refused : seldom_->refused) {
         names.push_back(std::string(kKeptAttributes) + "/" +
                         attributes_->AsTheyStand()[refused.index]->IAttribute_Name());
     }
-    if (!keptEntries_) {
+    if (!seldom_->keptEntries) {
         return names;  // nearly every block: its project held nothing unknown
     }
     for (const char* section : {kKeptBlock, kKeptAttributes, kKeptOutputs}) {
