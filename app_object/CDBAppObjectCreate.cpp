@@ -22,7 +22,6 @@
 #include "interfaces/Error.h"
 #include "parameters/CDBAttributes.h"
 #include "platform/DefinitionStore.h"
-#include "platform/EditorPort.h"
 #include "platform/Events.h"
 #include "platform/Messages.h"
 
@@ -100,7 +99,7 @@ void CDBAppObject::IAppObject_Create() {
 }
 
 bool CDBAppObject::CompiledKey(CompiledTypeKey& key) const {
-    if (interceptor_ || attributes_ || inputs_ || outputs_ || cdbDimension_ != 0 ||
+    if (seldom_->interceptor || attributes_ || inputs_ || outputs_ || cdbDimension_ != 0 ||
         inputWidth_ != 0 || baseWidth_ != 0) {
         return false;
     }
@@ -157,21 +156,9 @@ void CDBAppObject::CreateFromCompiled(const CompiledBlockType& compiled) {
     outputs_ = std::move(outputs);
     attributes_ = std::move(attributes);
     ServePendingEvents();
-    // Without a factory no attribute gets an editor, and the members need not be reached.
-    if (attributes_ && HasEditorFactory()) {
-        // The editors come as creation from the definition makes them: one per attribute,
-        // and a second for each unit-dependent one once its unit is known.
-        for (const auto& attribute : attributes_->Members()) {
-            attribute->CreateEditor();
-        }
-        if (compiled.hasUnitSelector) {
-            for (const auto& attribute : attributes_->Members()) {
-                if (attribute->IsUnitDependent()) {
-                    SkipStep([&] { attribute->CreateEditor(); });
-                }
-            }
-        }
-    }
+    // No editor is made here: each attribute makes its own when first asked for one, for the
+    // class its type has then, so that a windowed host's blocks share their members as a
+    // headless host's do.
     for (const Message& message : compiled.messages) {
         ShowMessage(message.text, message.title, message.icon, message.buttons);
     }
@@ -227,8 +214,8 @@ void CDBAppObject::CreateFromDefinition() {
             if (!attributes_) {
                 attributes_ = std::make_shared<CDBAttributes>();
             }
-            std::shared_ptr<CDBAttribute> added =
-                attributes_->AddFromDefinition(name, child, shared_from_this(), interceptor_);
+            std::shared_ptr<CDBAttribute> added = attributes_->AddFromDefinition(
+                name, child, shared_from_this(), seldom_->interceptor);
             // The last selector in document order governs all unit-dependent attributes.
             if (Need(added).IsUnitSelector()) {
                 selector = added;

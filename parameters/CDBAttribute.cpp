@@ -21,6 +21,7 @@ std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> 
     auto copy = std::make_shared<CDBAttribute>(*this);
     copy->callbacks_.Clear();
     copy->editor_.reset();
+    copy->editorMade_ = false;
     copy->interceptor_.reset();
     copy->SetParent(std::move(owner));
     copy->sharedType_ = shareRecord && snvtType_;
@@ -201,6 +202,7 @@ void CDBAttribute::SetName(const std::string& name) {
 
 void CDBAttribute::CreateEditor() {
     editor_ = nullptr;
+    editorMade_ = true;
     if (!HasEditorFactory()) {
         return;
     }
@@ -307,7 +309,10 @@ std::shared_ptr<CDBFields> CDBAttribute::FieldsCollection() const {
     return fields_;
 }
 
-std::shared_ptr<IValueEditor> CDBAttribute::Editor() const {
+std::shared_ptr<IValueEditor> CDBAttribute::Editor() {
+    if (!editorMade_) {
+        CreateEditor();
+    }
     return editor_;
 }
 

@@ -155,7 +155,9 @@ public:
     // The concrete type record and fields, for the owner and the editors.
     std::shared_ptr<CDBSNVTType> Type() const;
     std::shared_ptr<CDBFields> FieldsCollection() const;
-    std::shared_ptr<IValueEditor> Editor() const;
+    // The editor, made when first asked for if none was made: a block made from its compiled
+    // type makes none at creation, so that a windowed host's blocks share their members too.
+    std::shared_ptr<IValueEditor> Editor();
 
     // Nested value writes beyond this depth are ignored, so that a listener that writes the
     // attribute it is told about cannot recurse without bound.
@@ -279,6 +281,7 @@ private:
     mutable IMemberOwner* memberOwner_ = nullptr;
     CallbackList<IcbkAppObject> callbacks_;
     std::shared_ptr<IValueEditor> editor_;
+    bool editorMade_ = false;  // whether CreateEditor ran for this attribute
     MemberKey extendedKey_;
     std::shared_ptr<AttributeInterceptor> interceptor_;
 };

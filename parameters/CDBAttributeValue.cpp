@@ -290,7 +290,8 @@ std::string CDBAttribute::IAttribute_DispMax() {
 void CDBAttribute::IAttribute_SetValue() {
     // One step: without an editor nothing opens and nothing is said.
     SkipStep([&] {
-        IValueEditor& editor = Need(editor_);
+        const std::shared_ptr<IValueEditor> made = Editor();
+        IValueEditor& editor = Need(made);
         editor.DataPoint(shared_from_this());
         editor.ShowModal();
     });

@@ -257,6 +257,17 @@ TEST_F(ParameterTest, EachClassGetsItsEditorAndSetValueHandsItTheAttribute) {
     ASSERT_NE(editor, nullptr);
     EXPECT_EQ(editor->point, std::static_pointer_cast<IObject>(mode));
     EXPECT_EQ(editor->shown, 1);
+
+    // A block made from the compiled type makes no editor, and so reaches no member, until an
+    // attribute is asked for its own.
+    const std::size_t made = factory->names.size();
+    TestBlock second("PrmValues");
+    EXPECT_EQ(factory->names.size(), made);
+    EXPECT_TRUE(second->AttributesCollection()->NoneReached());
+    auto secondMode = second.Attribute("Mode");
+    secondMode->IAttribute_SetValue();
+    EXPECT_EQ(factory->names.size(), made + 1);
+    EXPECT_EQ(std::dynamic_pointer_cast<RecordingEditor>(secondMode->Editor())->shown, 1);
 }
 
 }  // namespace
