@@ -13,8 +13,7 @@
 
 namespace zerbin {
 
-CDBAttribute::CDBAttribute()
-    : def_(std::make_shared<Definition>()), snvtType_(std::make_shared<CDBSNVTType>()) {}
+CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
 
 std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> owner,
                                                     bool shareRecord) const {
@@ -86,12 +85,7 @@ std::shared_ptr<ISNVType> CDBAttribute::IAttribute_SNVTType() {
 }
 
 CDBAttribute::Definition& CDBAttribute::OwnLimits() {
-    if (def_.use_count() != 1) {
-        def_ = std::make_shared<Definition>(*def_);
-    }
-    // Every Definition is made non-const (above and in the constructor); the pointer is to
-    // const only so that a write cannot reach a shared one without passing here.
-    return const_cast<Definition&>(*def_);
+    return def_.Write();
 }
 
 CDBAttribute::Definition& CDBAttribute::Own() {

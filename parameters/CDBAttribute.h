@@ -12,6 +12,7 @@
 #include <pugixml.hpp>
 
 #include "base/CallbackList.h"
+#include "base/CopyOnWrite.h"
 #include "base/MemberKey.h"
 #include "base/SkipMode.h"
 #include "datatypes/ImageDigits.h"
@@ -263,7 +264,7 @@ private:
     // the short length that the layout gave this attribute.
     bool shortFloatManaged_ = false;
 
-    std::shared_ptr<const Definition> def_;
+    CopyOnWrite<Definition> def_;
     bool visible_ = false;
     int32_t position_ = 0;
     // Bytes the layout reserved at position_; 0 while the attribute has no place.
