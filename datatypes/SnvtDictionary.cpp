@@ -1,8 +1,10 @@
 #include "datatypes/SnvtDictionary.h"
 
+#include <algorithm>
 #include <memory>
+#include <span>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 #include "base/MMain.h"
 #include "base/ProcessState.h"
@@ -14,14 +16,27 @@ namespace {
 constexpr std::string_view kEntryPrefix = "SNVT_";
 constexpr std::string_view kRootName = "SNVTS";
 
-// The entries and their children of one dictionary document, first match in document order.
-// Children are keyed "id/childName": neither an element name nor an indexed id holds "/".
+// The entries of one dictionary document by id, each id's entries in document order: a child
+// is looked for in them in turn, so that the first match in document order wins, as a search
+// of the whole tree finds it. The ids are views of the document's own names, which live as
+// long as the document the index is checked against at every use.
 struct SnvtIndex {
     std::weak_ptr<const pugi::xml_document> document;
     const pugi::xml_document* address = nullptr;
-    std::unordered_map<std::string, pugi::xml_node> entries;
-    std::unordered_map<std::string, pugi::xml_node> children;
+    struct Entry {
+        std::string_view id;
+        pugi::xml_node node;
+    };
+    std::vector<Entry> entries;  // sorted by id, stably
     uint64_t generation = 0;
+
+    // The entries with the id, in document order.
+    std::span<const Entry> Find(std::string_view id) const {
+        const auto [first, last] =
+            std::equal_range(entries.begin(), entries.end(), Entry{id, {}},
+                             [](const Entry& a, const Entry& b) { return a.id < b.id; });
+        return {first, last};
+    }
 };
 
 struct DictionaryIndex {
@@ -37,33 +52,30 @@ bool IsElementNamed(pugi::xml_node node, std::string_view name) {
     return node.type() == pugi::node_element && name == node.name();
 }
 
-// The id of an entry element: the text after "SNVT_" of an element whose parent is "SNVTS".
-bool EntryId(pugi::xml_node node, std::string_view& id) {
-    if (node.type() != pugi::node_element || !IsElementNamed(node.parent(), kRootName)) {
-        return false;
-    }
-    const std::string_view name = node.name();
-    if (name.substr(0, kEntryPrefix.size()) != kEntryPrefix) {
-        return false;
-    }
-    id = name.substr(kEntryPrefix.size());
-    return true;
-}
-
+// Every element named "SNVT_" and an id under an element named "SNVTS", wherever that stands:
+// one walk in document order, through elements only, for no other node holds an entry.
 void Index(SnvtIndex& index, const pugi::xml_document& document) {
-    // Document order, so try_emplace keeps the first match.
-    for (pugi::xml_node node = document.first_child(); node;
-         node = xml::NextInDocumentOrder(node, document)) {
-        std::string_view id;
-        if (EntryId(node, id)) {
-            index.entries.try_emplace(std::string(id), node);
-        } else if (node.type() == pugi::node_element && EntryId(node.parent(), id)) {
-            std::string key(id);
-            key += '/';
-            key += node.name();
-            index.children.try_emplace(std::move(key), node);
+    pugi::xml_node node = document.first_child();
+    while (node) {
+        if (node.type() == pugi::node_element) {
+            const std::string_view name = node.name();
+            if (name.starts_with(kEntryPrefix) && IsElementNamed(node.parent(), kRootName)) {
+                index.entries.push_back({name.substr(kEntryPrefix.size()), node});
+            }
+            if (pugi::xml_node child = node.first_child()) {
+                node = child;
+                continue;
+            }
+        }
+        while (node && !node.next_sibling()) {
+            node = node.parent();
+        }
+        if (node) {
+            node = node.next_sibling();
         }
     }
+    std::stable_sort(index.entries.begin(), index.entries.end(),
+                     [](const auto& a, const auto& b) { return a.id < b.id; });
 }
 
 SnvtIndex& IndexSlot() {
@@ -104,8 +116,8 @@ pugi::xml_node FindSnvtEntry(const std::string& id) {
         // The id then reaches into the path itself ("105/NAME"); only a search answers that.
         return xml::FindFirst(*SnvtDictionary(), std::string(kRootName) + "/SNVT_" + id);
     }
-    const auto found = index->entries.find(id);
-    return found == index->entries.end() ? pugi::xml_node{} : found->second;
+    const auto found = index->Find(id);
+    return found.empty() ? pugi::xml_node{} : found.front().node;
 }
 
 pugi::xml_node FindSnvtChild(const std::string& id, const std::string& childName) {
@@ -117,8 +129,14 @@ pugi::xml_node FindSnvtChild(const std::string& id, const std::string& childName
         return xml::FindFirst(*SnvtDictionary(),
                               std::string(kRootName) + "/SNVT_" + id + "/" + childName);
     }
-    const auto found = index->children.find(id + "/" + childName);
-    return found == index->children.end() ? pugi::xml_node{} : found->second;
+    for (const SnvtIndex::Entry& entry : index->Find(id)) {
+        for (pugi::xml_node child = entry.node.first_child(); child; child = child.next_sibling()) {
+            if (IsElementNamed(child, childName)) {
+                return child;
+            }
+        }
+    }
+    return {};
 }
 
 uint64_t SnvtIndexGeneration() {
