@@ -3,7 +3,7 @@
 
 The tree is copied to a work folder first (tracked files only), so the checkout is never
 touched. Each mutant edits one line of one product .cpp file, rebuilds the test programs
-incrementally in an unoptimised build, runs the programs the edit relinked (the tests of the
+incrementally in an unoptimised build, runs the programs the edit reaches (the tests of the
 edited file's own folder first) and stops at the first program that fails.
 
     nice -n 19 tools/inject_faults.py --sample 150 --seed 2026 --out /tmp/faults-2026.jsonl
@@ -255,9 +255,6 @@ class Build:
             # A fault that makes a program run far longer than it did unchanged has hung it.
             self.limits[name] = max(self.bench.timeout, 5 * self.seconds[name])
 
-    def stamps(self):
-        return {t: p.stat().st_mtime_ns for t, p in self.programs.items()}
-
     def test(self, names, stop_early=True):
         failed = []
         env = dict(os.environ, QT_QPA_PLATFORM="offscreen")
@@ -287,7 +284,7 @@ class Build:
         return failed
 
     def trial(self, mutant, mutated, original):
-        """Builds the mutant here and runs what it relinked, its own folder's tests first. With
+        """Builds the mutant here and runs what it reaches, its own folder's tests first. With
         the stop at the first failure, each program is built just before it runs: a fault its
         own folder's tests catch costs one link, not one for every program of the engine."""
         path = self.bench.tree / mutant["file"]
@@ -296,21 +293,20 @@ class Build:
                           key=lambda t: (self.folder[t] != home, self.seconds[t]))
         if not reaching:
             return [], []  # this build does not compile the file (the windows without Qt)
-        before = self.stamps()
         path.write_text(mutated)
         try:
             groups = [[t] for t in reaching] if self.bench.stop_early else [reaching]
-            failed, relinked = [], []
+            failed, ran = [], []
             for group in groups:
                 if not self.compile(group):
-                    return None, relinked
-                now = self.stamps()
-                ran = [t for t in group if now[t] != before[t]]
-                relinked += ran
-                failed += self.test(ran, self.bench.stop_early)
+                    return None, ran
+                # Relinked or not: a program that loads the plug-in (and through it the shared
+                # engine) at run time meets the fault without its own file changing.
+                ran += group
+                failed += self.test(group, self.bench.stop_early)
                 if failed and self.bench.stop_early:
                     break
-            return failed, relinked
+            return failed, ran
         finally:
             path.write_text(original)
 
@@ -364,10 +360,10 @@ class Bench:
         began = time.time()
         ran = []
         for build in self.builds:
-            failed, relinked = build.trial(mutant, mutated, original)
+            failed, reached = build.trial(mutant, mutated, original)
             if failed is None:
                 return dict(mutant, status="no build", seconds=round(time.time() - began, 1))
-            ran += [build.label + "/" + t for t in relinked]
+            ran += [build.label + "/" + t for t in reached]
             if failed:
                 if build is not self.builds[0]:
                     failed = [build.label + "/" + f for f in failed]
@@ -453,7 +449,7 @@ def main():
     parser.add_argument("--sanitize", action="store_true",
                         help="try a fault the plain build misses again under ASan and UBSan")
     parser.add_argument("--all-tests", action="store_true",
-                        help="run every relinked program, to learn every test that catches a fault")
+                        help="run every program the fault reaches, to learn every test that catches it")
     parser.add_argument("--check-equivalents", action="store_true",
                         help="build and run the faults listed as equivalent too")
     parser.add_argument("--resume", action="store_true",

@@ -237,6 +237,24 @@ TEST(ProjectCommands, WiresFollowABlockThatComesInUnderANewKey) {
     }
 }
 
+// An export index that is no number is none: a block wired from such a block keeps the
+// reference its image holds, as one wired from a block the host has not numbered yet.
+TEST(ProjectCommands, AWireFromABlockWhoseIndexIsNoNumberKeepsItsReference) {
+    std::string ours = kProject;
+    ours.replace(ours.find("ExportIndex=\"1\""), 15, "ExportIndex=\"3x\"");
+    std::string theirs = kProject;
+    theirs.replace(theirs.find("Key=\"Block1\""), 12, "Key=\"Block9\"");
+    TempFolder folder;
+    const std::string project = folder.Write("p.xml", ours).string();
+    const ProgramResult result =
+        RunProgram({"import", project, folder.Write("f.xml", theirs).string()});
+    ASSERT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "created\tBlock9\nkept\tBlock2\n");
+    const std::string written = ReadWhole(project);
+    const std::string image = "<CDB>10012E42000000";
+    EXPECT_NE(written.find(image, written.find(image) + 1), std::string::npos) << written;
+}
+
 TEST(ProjectCommands, DiffTellsWhatChangedAndExitsAsDiffDoes) {
     TempFolder folder;
     const std::string a = folder.Write("a.xml", kProject).string();
@@ -252,6 +270,10 @@ TEST(ProjectCommands, DiffTellsWhatChangedAndExitsAsDiffDoes) {
               "Block1 Mode: '0' → '2'\n"
               "- Block2 (ALARM_LIMITS)\n");
     EXPECT_EQ(RunProgram({"diff", a, folder.Path() / "none.xml"}).status, 3);
+    // The statuses the help gives are these.
+    EXPECT_NE(RunProgram({"diff", "--help"})
+                  .out.find("Exit status 0 when they are the same, 1 when they differ, 2 or 3"),
+              std::string::npos);
 }
 
 }  // namespace

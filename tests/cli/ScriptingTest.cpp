@@ -81,6 +81,9 @@ TEST(Scripting, OneFailingBlockTypeDoesNotEndCheckOrLoad) {
     EXPECT_EQ(load.out, "g\tGOOD\t03000A\n");
     EXPECT_EQ(load.err, "zerbin: error: element 1 'A_OVER' of project '" + project +
                             "': arithmetic overflow\n");
+    // The status the help gives is this one.
+    EXPECT_NE(RunProgram({"load", "--help"}).out.find("the rest go on; exit status 1 (3 for"),
+              std::string::npos);
 }
 
 TEST(Scripting, LoadPrintsOneLinePerBlockWhateverTheUserNameHolds) {

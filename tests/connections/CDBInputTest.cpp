@@ -174,8 +174,9 @@ TEST_F(InputTest, WritesTheReferenceInBothByteOrders) {
          "00 01 02 03 04 19 15 07 08 09 0A 0B"},
         {"234501", true, 5, "00 01 02 03 04 23 45 01 08 09 0A 0B",
          "00 01 02 03 04 19 15 01 08 09 0A 0B"},
-        {"E1FF", false, 0, "E1 FF 02 03 04 05 06 07 08 09 0A 0B",
-         "0F FF 02 03 04 05 06 07 08 09 0A 0B"},
+        // The three top bits come round to the bottom.
+        {"F9FF", false, 0, "F9 FF 02 03 04 05 06 07 08 09 0A 0B",
+         "CF FF 02 03 04 05 06 07 08 09 0A 0B"},
         // Never given a reference: the image keeps what it held, in both forms.
         {"", false, 5, "00 01 02 03 04 05 06 07 08 09 0A 0B",
          "00 01 02 03 04 05 06 07 08 09 0A 0B"},

@@ -1,10 +1,14 @@
 // Scenarios of the studio as a user drives it: drop blocks from the palette, draw wires
 // between terminals, move and rename on the canvas, set values, undo and redo, save and open.
+#include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
+#include <QDir>
+#include <QGraphicsPathItem>
 #include <QGraphicsProxyWidget>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QScrollBar>
 #include <QStandardPaths>
@@ -23,6 +27,7 @@
 #include <sstream>
 
 #include "interfaces/IOutput.h"
+#include "studio/BlockFactory.h"
 #include "studio/BlockItem.h"
 #include "studio/BytesDock.h"
 #include "studio/CanvasScene.h"
@@ -70,6 +75,15 @@ void DragMouse(StudioWindow& window, QPointF from, QPointF to) {
 void DrawWire(StudioWindow& window, const Wire& wire) {
     DragMouse(window, TerminalCentre(window, wire.source, wire.output, true),
               TerminalCentre(window, wire.target, wire.input, false));
+}
+
+WireItem* WireItemOf(StudioWindow& window, const Wire& wire) {
+    for (QGraphicsItem* any : window.Scene().items()) {
+        if (auto* item = qgraphicsitem_cast<WireItem*>(any); item && item->Connection() == wire) {
+            return item;
+        }
+    }
+    return nullptr;
 }
 
 bool LogHas(StudioWindow& window, const QString& text) {
@@ -191,6 +205,17 @@ private slots:
             ViewPoint(*window_, TerminalCentre(*window_, mux, wire.input, false)) + QPoint(5, 4);
         QTest::mousePress(viewport, Qt::LeftButton, {}, from);
         QTest::mouseMove(viewport, to);
+        // The wire being drawn runs from the output to the pointer.
+        const QGraphicsPathItem* drawn = nullptr;
+        for (QGraphicsItem* any : window_->Scene().items()) {
+            if (const auto* path = qgraphicsitem_cast<const QGraphicsPathItem*>(any)) {
+                drawn = path;
+            }
+        }
+        QVERIFY(drawn != nullptr);
+        QCOMPARE(QPointF(drawn->path().elementAt(0)),
+                 TerminalCentre(*window_, sensor, "Value", true));
+        QCOMPARE(drawn->path().currentPosition(), window_->View().mapToScene(to));
         QCOMPARE(window_->Scene().GuideOf(mux, wire.input, false) == CanvasScene::Guide::Lit,
                  accepted);
         QTest::mouseRelease(viewport, Qt::LeftButton, {}, to);
@@ -424,6 +449,83 @@ private slots:
         window_.reset();
     }
 
+    // What a block's own parameter list says is logged under the block's name, and a value it
+    // writes undoes to the block as it stood: a wire deleted since the list opened stays
+    // deleted.
+    void theParameterListsWritesConcernItsBlockAsItStands() {
+        const std::string sensor = window_->PlaceBlock("IO_CHANNEL", QPointF(0, 0));
+        const std::string mux = window_->PlaceBlock("TYPE_MUX", QPointF(300, 0));
+        const std::string thermostat = window_->PlaceBlock("THERMOSTAT", QPointF(600, 0));
+        const Wire in{sensor, "Value", mux, "In1"};
+        const Wire out{mux, "Out", thermostat, "SpaceTemp"};
+        QVERIFY(window_->RequestWire(in));
+        QVERIFY(window_->RequestWire(out));
+        emit window_->Scene().showRequested(mux);
+        // What the list's editor does; the thermostat's input refuses the type.
+        const std::shared_ptr<IAttribute> type = Attribute(*window_, mux, "DataType");
+        type->IAttribute_Value("81");
+        QCOMPARE(window_->Log().Messages().back().block,
+                 QString::fromStdString(window_->Project().Block(mux)->IAppObject_UserName()));
+        window_->Scene().clearSelection();
+        WireItemOf(*window_, out)->setSelected(true);
+        Trigger(*window_, "actionDelete");
+        type->IAttribute_Value("81");
+        QTest::qWait(0);
+        QCOMPARE(Value(*window_, mux, "DataType"), std::string("81"));
+        Trigger(*window_, "actionUndo");
+        QCOMPARE(Value(*window_, mux, "DataType"), std::string("105"));
+        QCOMPARE(window_->Project().Wires(), std::vector<Wire>{in});
+    }
+
+    // A step's progress never runs ahead of the blocks it has done, and ends full: a delete's
+    // and its undo's.
+    void progressFollowsTheBlocksDone() {
+        for (const qreal y : {0, 200, 400}) {
+            window_->PlaceBlock("THERMOSTAT", QPointF(0, y));
+        }
+        int done = 0;
+        std::vector<std::pair<int, int>> told;  // percent, and the share of blocks done then
+        const QObject scope;
+        StudioProject& project = window_->Project();
+        for (const auto signal : {&StudioProject::blockAdded, &StudioProject::blockRemoved}) {
+            QObject::connect(&project, signal, &scope, [&] { ++done; });
+        }
+        QObject::connect(&project, &StudioProject::progress, &scope,
+                         [&](int percent) { told.emplace_back(percent, 100 * done / 3); });
+        Trigger(*window_, "actionSelectAll");
+        for (const char* step : {"actionDelete", "actionUndo"}) {
+            done = 0;
+            told.clear();
+            Trigger(*window_, step);
+            QVERIFY(!told.empty());
+            QCOMPARE(told.back().first, 100);
+            for (const auto& [percent, share] : told) {
+                QVERIFY2(percent <= share, step);
+            }
+        }
+    }
+
+    // A box shows the message's icon and buttons and gives back the one clicked.
+    void aBoxShowsTheMessagesIconAndButtons() {
+        QMessageBox::Icon icon = QMessageBox::NoIcon;
+        QTimer answer;
+        QObject::connect(&answer, &QTimer::timeout, [&] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+                icon = box->icon();
+                if (QAbstractButton* no = box->button(QMessageBox::No)) {
+                    no->click();
+                } else {
+                    box->reject();
+                }
+            }
+        });
+        answer.start(10);
+        QCOMPARE(MessageLog::ShowBox(Message{"Replace the file?", "Studio", MessageIcon::Critical,
+                                             MessageButtons::YesNo}),
+                 kMessageNo);
+        QCOMPARE(icon, QMessageBox::Critical);
+    }
+
     // The unit system is a project setting: it shows in the values, is saved, and undoes.
     void usUnitsAreAProjectSettingThatUndoes() {
         const std::string thermostat = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
@@ -533,6 +635,22 @@ private slots:
         Trigger(*window_, "actionSave");
         QCOMPARE(FileText(file), opened);
         QVERIFY(!window_->isWindowModified());
+        // Save As in the middle answers that nothing is written yet, and writes once the step
+        // is whole.
+        const QString copy = folder_->filePath("copy.xml");
+        int answer = -1;
+        const QMetaObject::Connection asked =
+            QObject::connect(&window_->Project(), &StudioProject::progress, [&](int percent) {
+                if (percent >= 50 && answer < 0) {
+                    answer = window_->SaveProjectAs(copy) ? 1 : 0;
+                }
+            });
+        Trigger(*window_, "actionSelectAll");
+        Trigger(*window_, "actionDelete");
+        QObject::disconnect(asked);
+        QCOMPARE(answer, 0);
+        QCOMPARE(window_->FileName(), copy);
+        QCOMPARE(FileText(copy), window_->Project().Text());
     }
 
     // A block whose type is missing keeps its key, export index and name: a placed block
@@ -710,13 +828,7 @@ private slots:
         const std::string between = window_->PlaceBlock("THERMOSTAT", QPointF(280, 0));
         const Wire wire{sensor, "Value", mux, "In1"};
         QVERIFY(window_->RequestWire(wire));
-        const WireItem* item = nullptr;
-        for (QGraphicsItem* any : window_->Scene().items()) {
-            if (const auto* found = qgraphicsitem_cast<const WireItem*>(any);
-                found && found->Connection() == wire) {
-                item = found;
-            }
-        }
+        const WireItem* item = WireItemOf(*window_, wire);
         QVERIFY(item != nullptr);
         const auto bodyOf = [&](const std::string& key) {
             const BlockItem* block = window_->Scene().Item(key);
@@ -737,6 +849,14 @@ private slots:
         QVERIFY(route.size() > 4);
         window_->Project().MoveBlock(between, QPointF(280, 400));
         QCOMPARE(item->Points().size(), std::size_t{4});
+        // Opened again, the wire runs between the same terminals.
+        const QString file = folder_->filePath("routed.xml");
+        QVERIFY(window_->SaveProjectAs(file));
+        QVERIFY(window_->OpenProject(file));
+        const WireItem* opened = WireItemOf(*window_, wire);
+        QVERIFY(opened != nullptr);
+        QCOMPARE(opened->Points().front(), TerminalCentre(*window_, sensor, "Value", true));
+        QCOMPARE(opened->Points().back(), TerminalCentre(*window_, mux, "In1", false));
     }
 
     // Find goes from match to match by name, type or key; blocks line up in one undoable
@@ -759,6 +879,18 @@ private slots:
         QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{1});
         QCOMPARE(window_->Project().Block(window_->Project().BlockKeys()[0])->IAppObject_ID(),
                  std::string("311"));  // LABEL's
+        // Another library's types take the place of the first one's.
+        const QString shipped =
+            QString::fromStdString(BlockFactory::ShippedDataFolder() / "library");
+        const QString other = folder_->filePath("library");
+        QVERIFY(QDir().mkpath(other + "/LABEL"));
+        for (const char* file : {"/library.xml", "/LABEL/LABEL.xml"}) {
+            QVERIFY(QFile::copy(shipped + file, other + file));
+        }
+        window_->NewProject();
+        QVERIFY(window_->OpenLibrary(other));
+        QCOMPARE(palette.Filter(QString()), 1);
+        QVERIFY(palette.Entry("LABEL") != nullptr);
     }
 
     // The middle button drags the drawing under the hand.
@@ -800,17 +932,35 @@ private slots:
         QVERIFY(drawn > shot.width() * shot.height() / 50);
     }
 
-    // A move is one step; a click that moves nothing afterwards adds none.
+    // A move is one step, and a block let go past the view's edge is in the drawing's area;
+    // a click that moves nothing afterwards adds no step, nor does a double click whose first
+    // click nudged the block (the nudge is the step).
     void aClickAfterADragAddsNoStep() {
         const std::string key = Drop(*window_, "THERMOSTAT", QPoint(300, 200));
         const BlockItem* item = window_->Scene().Item(key);
         const QPointF grip = item->mapToScene(QPointF(item->boundingRect().width() / 2, 30));
-        DragMouse(*window_, grip, grip + QPointF(0, 100));
+        QWidget* viewport = window_->View().viewport();
+        const QPoint edge(viewport->width() - 10, ViewPoint(*window_, grip).y() + 100);
+        DragMouse(*window_, grip, window_->View().mapToScene(edge));
+        QVERIFY(!window_->View()
+                     .mapToScene(viewport->rect())
+                     .boundingRect()
+                     .contains(item->sceneBoundingRect()));
+        QVERIFY(window_->Scene().sceneRect().contains(item->sceneBoundingRect()));
         const int steps = window_->UndoStack().count();
         const QPoint empty = ViewPoint(*window_, grip + QPointF(0, 400));
-        QTest::mouseClick(window_->View().viewport(), Qt::LeftButton, {}, empty);
+        QTest::mouseClick(viewport, Qt::LeftButton, {}, empty);
         QCOMPARE(window_->UndoStack().count(), steps);
         QCOMPARE(window_->UndoStack().undoText().startsWith(QStringLiteral("Move")), true);
+
+        const QPoint name = ViewPoint(*window_, item->mapToScene(item->NameRect().center()));
+        const QPoint nudged = name + QPoint(0, 6);
+        QTest::mousePress(viewport, Qt::LeftButton, {}, name);
+        QTest::mouseMove(viewport, nudged);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, nudged);
+        QTest::mouseDClick(viewport, Qt::LeftButton, {}, nudged);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, nudged);
+        QCOMPARE(window_->UndoStack().count(), steps + 1);
     }
 
     // A block deleted while its name is being edited takes the editor with it.
@@ -919,7 +1069,13 @@ private slots:
             WriteProject("old.xml",
                          "<Project><GONE_TYPE Key=\"Block1\"><UserName>Old</UserName></GONE_TYPE>"
                          "<LABEL Key=\"Block2\"><UserName>Note</UserName></LABEL></Project>");
+        int boxes = 0;
+        window_->Log().SetPresenter([&](const Message&) {
+            ++boxes;
+            return kMessageOk;
+        });
         QVERIFY(window_->OpenProject(file));
+        QCOMPARE(boxes, 0);  // while a project loads, messages go to the log alone at first
         QCOMPARE(window_->Project().BlockKeys().size(), std::size_t{1});
         QCOMPARE(window_->Project().MissingBlocks(), 1);
         QVERIFY(LogHas(*window_, "no block type 'GONE_TYPE'"));
