@@ -289,7 +289,7 @@ void CDBAppObject::ApplyHeader(const DefinitionHeader& header) {
     set(next.execTime, header.execTime);
     set(next.maxInstances, header.maxInstances);
     set(next.usesDeviceClock, header.usesDeviceClock);
-    header_.Write() = std::move(next);
+    header_.Set(std::move(next));
 }
 
 void CDBAppObject::SearchStoredDatasheet(StoredTypeFacts& facts) {

@@ -33,6 +33,17 @@ public:
         return const_cast<T&>(*value_);
     }
 
+    // A new value as a default-made T has it, this holder's alone.
+    void Reset() {
+        value_ = std::make_shared<T>();
+        own_ = true;
+    }
+    // Puts value in place, this holder's alone: no copy of the value it replaces.
+    void Set(T value) {
+        value_ = std::make_shared<T>(std::move(value));
+        own_ = true;
+    }
+
     // The value as it stands, to hand to others who will share it.
     const std::shared_ptr<const T>& Shared() const { return value_; }
     // Takes a value others hold; a later Write() copies it.

@@ -13,7 +13,10 @@
 
 namespace zerbin {
 
-CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {}
+CDBAttribute::CDBAttribute() : snvtType_(std::make_shared<CDBSNVTType>()) {
+    // Its own from the start: an attribute made here is about to be given its definition.
+    def_.Reset();
+}
 
 std::shared_ptr<CDBAttribute> CDBAttribute::CopyFor(std::shared_ptr<IAppObject> owner,
                                                     bool shareRecord) const {

@@ -35,6 +35,14 @@ TEST(CopyOnWrite, AWriteReachesNoValueAnotherHolderSees) {
     third.Write() = "changed";
     EXPECT_NE(&*third, shared);
     EXPECT_EQ(*third, "changed");
+
+    // A value set is the holder's own: the next write needs no copy.
+    CopyOnWrite<std::string> fourth = third;
+    fourth.Set("set");
+    const std::string* set = &*fourth;
+    fourth.Write() += "!";
+    EXPECT_EQ(&*fourth, set);
+    EXPECT_EQ(*third, "changed");
 }
 
 }  // namespace
