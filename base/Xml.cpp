@@ -140,19 +140,6 @@ pugi::xml_node FindFirst(pugi::xml_node root, std::string_view slashPath) {
     return {};
 }
 
-pugi::xml_node NextInDocumentOrder(pugi::xml_node node, pugi::xml_node root) {
-    if (pugi::xml_node child = node.first_child()) {
-        return child;
-    }
-    while (node && node != root && !node.next_sibling()) {
-        node = node.parent();
-    }
-    if (!node || node == root) {
-        return {};
-    }
-    return node.next_sibling();
-}
-
 int NodeType(pugi::xml_node node) {
     switch (node.type()) {
         case pugi::node_element:

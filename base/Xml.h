@@ -60,7 +60,19 @@ pugi::xml_node FindFirst(pugi::xml_node root, std::string_view slashPath);
 
 // The node after node in document order among the descendants of root; an empty node after
 // the last. Lets a walk run without recursion: documents may nest deeper than any call stack.
-pugi::xml_node NextInDocumentOrder(pugi::xml_node node, pugi::xml_node root);
+// Inline: whole-document walks take it at every node.
+inline pugi::xml_node NextInDocumentOrder(pugi::xml_node node, pugi::xml_node root) {
+    if (pugi::xml_node child = node.first_child()) {
+        return child;
+    }
+    while (node && node != root && !node.next_sibling()) {
+        node = node.parent();
+    }
+    if (!node || node == root) {
+        return {};
+    }
+    return node.next_sibling();
+}
 
 // Node kinds by the numbers of the DOM: element 1, text 3, CDATA 4, processing instruction
 // (and the XML declaration) 7, comment 8, document 9, document type 10; 0 for an empty node.

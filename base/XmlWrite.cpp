@@ -89,8 +89,8 @@ void Save(const pugi::xml_document& document, std::ostream& out) {
     // documents have: copying a project of thousands of blocks costs more than writing it.
     bool marks = false;
     bool declaredEncoding = false;
-    pugi::xml_node node = document.first_child();
-    while (node) {
+    for (pugi::xml_node node = document.first_child(); node;
+         node = NextInDocumentOrder(node, document)) {
         if (node.type() == pugi::node_element) {
             if (!IsValidName(node.name())) {
                 throw Error("'" + std::string(node.name()) + "' is not a valid XML name");
@@ -108,17 +108,6 @@ void Save(const pugi::xml_document& document, std::ostream& out) {
             marks = marks || NeedsMarks(text);
         } else if (node.type() == pugi::node_declaration && node.attribute("encoding")) {
             declaredEncoding = std::string_view(node.attribute("encoding").value()) != "UTF-8";
-        }
-        // The next node in document order, without a call per step through the library.
-        if (pugi::xml_node child = node.first_child()) {
-            node = child;
-            continue;
-        }
-        while (node && !node.next_sibling()) {
-            node = node.parent();
-        }
-        if (node) {
-            node = node.next_sibling();
         }
     }
     if (!marks && !declaredEncoding) {

@@ -52,26 +52,17 @@ bool IsElementNamed(pugi::xml_node node, std::string_view name) {
     return node.type() == pugi::node_element && name == node.name();
 }
 
-// Every element named "SNVT_" and an id under an element named "SNVTS", wherever that stands:
-// one walk in document order, through elements only, for no other node holds an entry.
+// Every element named "SNVT_" and an id under an element named "SNVTS", wherever that stands,
+// in document order.
 void Index(SnvtIndex& index, const pugi::xml_document& document) {
-    pugi::xml_node node = document.first_child();
-    while (node) {
-        if (node.type() == pugi::node_element) {
-            const std::string_view name = node.name();
-            if (name.starts_with(kEntryPrefix) && IsElementNamed(node.parent(), kRootName)) {
-                index.entries.push_back({name.substr(kEntryPrefix.size()), node});
-            }
-            if (pugi::xml_node child = node.first_child()) {
-                node = child;
-                continue;
-            }
+    for (pugi::xml_node node = document.first_child(); node;
+         node = xml::NextInDocumentOrder(node, document)) {
+        if (node.type() != pugi::node_element) {
+            continue;
         }
-        while (node && !node.next_sibling()) {
-            node = node.parent();
-        }
-        if (node) {
-            node = node.next_sibling();
+        const std::string_view name = node.name();
+        if (name.starts_with(kEntryPrefix) && IsElementNamed(node.parent(), kRootName)) {
+            index.entries.push_back({name.substr(kEntryPrefix.size()), node});
         }
     }
     std::stable_sort(index.entries.begin(), index.entries.end(),
