@@ -80,9 +80,13 @@ public:
     }
 
     // Puts item in the place of the member at index, under the same key.
+    // Throws only when the list, shared still, cannot be copied (OwnItems first makes it never).
     void ReplaceAt(std::size_t index, std::shared_ptr<T> item) {
         items_.Write()[index] = std::move(item);
     }
+    // Makes the list of members this collection's own, copied first when it is shared; after it
+    // ReplaceAt cannot fail until the collection is copied again.
+    void OwnItems() { items_.Write(); }
 
     // Throws Error(NotFound) when no member has the key.
     void Remove(const std::string& key) {

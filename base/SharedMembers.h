@@ -112,6 +112,9 @@ public:
         if (!IsTheTypes(index)) {
             return;
         }
+        // The list is copied before the member: once made, the member holds its owner, and
+        // nothing after its making may fail outside the guard below.
+        items.OwnItems();
         auto own = items.Items()[index]->CopyFor(owner_, true);
         try {
             if (global_.Given()) {
