@@ -52,10 +52,7 @@ bool CDBAppObject::IAppObject_IsPlugInActive() {
 }
 
 void CDBAppObject::IAppObject_Path(const std::string& RHS) {
-    std::string folder = FolderOfPath(RHS);
-    if (folder != seldom_->path) {
-        seldom_.Write().path = std::move(folder);
-    }
+    seldom_.Assign(&Seldom::path, FolderOfPath(RHS));
 }
 
 std::string CDBAppObject::IAppObject_Path() {
@@ -138,9 +135,7 @@ std::string CDBAppObject::IAppObject_Tag() {
 }
 
 void CDBAppObject::IAppObject_Tag(const std::string& RHS) {
-    if (RHS != seldom_->tag) {
-        seldom_.Write().tag = RHS;
-    }
+    seldom_.Assign(&Seldom::tag, RHS);
 }
 
 std::string CDBAppObject::IAppObject_Key() {
@@ -263,9 +258,7 @@ bool CDBAppObject::IAppObject_IsVirtual() {
 
 void CDBAppObject::IInterceptableAttribute_SetInterceptor(
     std::shared_ptr<AttributeInterceptor> oAttributeInterceptor) {
-    if (oAttributeInterceptor != seldom_->interceptor) {
-        seldom_.Write().interceptor = std::move(oAttributeInterceptor);
-    }
+    seldom_.Assign(&Seldom::interceptor, std::move(oAttributeInterceptor));
 }
 
 std::shared_ptr<IUnitConverter> CDBAppObject::UnitsManager() {

@@ -312,13 +312,11 @@ void CDBAppObject::TakeDatasheet(const std::optional<std::string>& path) {
         header.datasheetAvailable = true;
         header.datasheetPath = *path;
     } else if (header_->id.empty()) {
-        if (header_->datasheetAvailable) {
-            header_.Write().datasheetAvailable = false;
-        }
-    } else if (!header_->datasheetPath.empty()) {
+        header_.Assign(&TypeHeader::datasheetAvailable, false);
+    } else {
         // Deliberately leaves the flag alone: a datasheet found by an earlier type name stays
         // announced, although its path is gone.
-        header_.Write().datasheetPath.clear();
+        header_.Assign(&TypeHeader::datasheetPath, std::string());
     }
 }
 

@@ -84,9 +84,7 @@ void CDBAppObject::IAppObject_Color(int32_t Color) {
 }
 
 void CDBAppObject::IAppObject_SetColor(const std::string& Color) {
-    if (Color != seldom_->colorWord) {
-        seldom_.Write().colorWord = Color;
-    }
+    seldom_.Assign(&Seldom::colorWord, Color);
 }
 
 // ---- Icon -----------------------------------------------------------------------------------

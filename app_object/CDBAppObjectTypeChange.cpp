@@ -122,10 +122,12 @@ void CDBAppObject::FinishTypeChange(bool attributesLoaded) {
     for (pugi::xml_node kept : keptOutputs.children()) {
         typeChange_->outputsGone.push_back(kept.name());
     }
-    for (std::size_t i = 0; i < seldom_->refused.size(); ++i) {
-        RefusedValue& refused = seldom_.Write().refused[i];
-        SkipStep(
-            [&] { refused.left = attributes_->AsTheyStand()[refused.index]->IAttribute_Value(); });
+    if (!seldom_->refused.empty()) {
+        for (RefusedValue& refused : seldom_.Write().refused) {
+            SkipStep([&] {
+                refused.left = attributes_->AsTheyStand()[refused.index]->IAttribute_Value();
+            });
+        }
     }
 }
 

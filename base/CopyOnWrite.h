@@ -33,6 +33,15 @@ public:
         return const_cast<T&>(*value_);
     }
 
+    // Gives the field of the value the new value; a value equal to the one it holds already
+    // writes nothing, so that the holder goes on sharing.
+    template <class M, class V>
+    void Assign(M T::*field, V&& value) {
+        if (!((*value_).*field == value)) {
+            Write().*field = std::forward<V>(value);
+        }
+    }
+
     // A new value as a default-made T has it, this holder's alone.
     void Reset() {
         value_ = std::make_shared<T>();

@@ -27,14 +27,14 @@ struct SnvtIndex {
         std::string_view id;
         pugi::xml_node node;
     };
-    std::vector<Entry> entries;  // sorted by id, stably
+    static bool ById(const Entry& a, const Entry& b) { return a.id < b.id; }
+    std::vector<Entry> entries;  // sorted ById, stably
     uint64_t generation = 0;
 
     // The entries with the id, in document order.
     std::span<const Entry> Find(std::string_view id) const {
         const auto [first, last] =
-            std::equal_range(entries.begin(), entries.end(), Entry{id, {}},
-                             [](const Entry& a, const Entry& b) { return a.id < b.id; });
+            std::equal_range(entries.begin(), entries.end(), Entry{id, {}}, ById);
         return {first, last};
     }
 };
@@ -65,8 +65,7 @@ void Index(SnvtIndex& index, const pugi::xml_document& document) {
             index.entries.push_back({name.substr(kEntryPrefix.size()), node});
         }
     }
-    std::stable_sort(index.entries.begin(), index.entries.end(),
-                     [](const auto& a, const auto& b) { return a.id < b.id; });
+    std::stable_sort(index.entries.begin(), index.entries.end(), SnvtIndex::ById);
 }
 
 SnvtIndex& IndexSlot() {
